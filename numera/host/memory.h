@@ -1,0 +1,53 @@
+#pragma once
+
+/// \file
+/// A host that lives in memory: what it offers beyond the host interface, for programs that run
+/// without another host and for tests.
+///
+/// It supplies every operation of the host interface, thread-safe as stated there. It never
+/// refuses to write a struct array that is shared: it unshares it.
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "numera/export.h"
+#include "numera/host/array.h"
+
+namespace numera::host::memory {
+
+/// An object (class 18) of the given class name with fields like those of a struct array.
+NUMERA_EXPORT hxArrayPtr CreateObjectArray(std::string class_name, std::span<const size_t> dims,
+                                           std::span<const char* const> field_names);
+/// A char array of any shape; `text` holds as many code units as there are elements, in
+/// column-major order.
+NUMERA_EXPORT hxArrayPtr CreateCharArray(std::span<const size_t> dims, const char16_t* text);
+/// An array that answers `hxIsSparse`, all of its elements zero. It exists so that its refusal can
+/// be tested: its elements are stored like those of a full array.
+NUMERA_EXPORT hxArrayPtr CreateSparseArray(std::span<const size_t> dims, hxClassID class_id);
+
+/// Asks the running computation of every thread to stop: from now on `hxThrowIfInterruptPending`
+/// throws `InterruptException`, until `ClearInterrupt`. Both may be called in a signal handler.
+NUMERA_EXPORT void RequestInterrupt() noexcept;
+NUMERA_EXPORT void ClearInterrupt() noexcept;
+/// Sets a function of the calling thread that every `hxThrowIfInterruptPending` of that thread
+/// calls first; what it throws passes through. An empty function removes it.
+NUMERA_EXPORT void SetInterruptCheck(std::function<void()> check);
+
+/// What `hxThrowIfInterruptPending` throws.
+class NUMERA_EXPORT InterruptException : public std::exception {
+ public:
+  const char* what() const noexcept override;
+};
+
+/// Arrays created and not yet destroyed, on all threads; shared copies count.
+NUMERA_EXPORT size_t LiveArrays() noexcept;
+
+/// Lets the next `count` host allocations of this thread succeed and the one after them throw
+/// `std::bad_alloc`, once. A text made by a codec counts as an allocation.
+NUMERA_EXPORT void FailAllocationAfter(size_t count) noexcept;
+NUMERA_EXPORT void ClearAllocationFailure() noexcept;
+
+}  // namespace numera::host::memory

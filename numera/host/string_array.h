@@ -1,0 +1,74 @@
+#pragma once
+
+/// \file
+/// String arrays: arrays whose elements are UTF-16 texts or missing. A host derives its own.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "numera/export.h"
+#include "numera/host/array.h"
+#include "numera/host/text_codec.h"
+
+/// The elements of a string array. A new one holds empty texts.
+class NUMERA_EXPORT hxStringArray {
+ public:
+  virtual ~hxStringArray() = default;
+
+  virtual std::span<const size_t> dimensions() const = 0;
+  virtual size_t size() const = 0;
+  /// Element `i` in storage order; nullopt where it is missing. The view lives until the next
+  /// change of the array.
+  virtual std::optional<std::u16string_view> element(size_t i) const = 0;
+  virtual void set(size_t i, std::u16string_view text) = 0;
+  virtual void set_missing(size_t i) = 0;
+
+  /// Sets the elements first, first + 1, ... from UTF-8 texts that lie back to back: text k is
+  /// bytes [offsets[k], offsets[k + 1]). `offsets` has one entry more than there are texts, never
+  /// falls, and stays within `bytes`.
+  ///
+  /// Returns the index in this array (first + k) of the first text that is not valid UTF-8, or
+  /// none. After a failure the elements from `first` on are unspecified.
+  ///
+  /// These bodies set one element after another; a host overrides them where it can do better.
+  virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
+                                            const std::uint8_t* bytes) {
+    return assign_one_by_one(first, offsets, bytes);
+  }
+  virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int64_t> offsets,
+                                            const std::uint8_t* bytes) {
+    return assign_one_by_one(first, offsets, bytes);
+  }
+
+ private:
+  template <class Offset>
+  std::optional<size_t> assign_one_by_one(size_t first, std::span<const Offset> offsets,
+                                          const std::uint8_t* bytes) {
+    const hxUTF8ToUTF16 codec("UTF-8");
+    for (size_t k = 0; k + 1 < offsets.size(); ++k) {
+      const auto begin = static_cast<size_t>(offsets[k]);
+      const auto end = static_cast<size_t>(offsets[k + 1]);
+      const std::string_view text =
+          begin == end ? std::string_view()
+                       : std::string_view(reinterpret_cast<const char*>(bytes) + begin, end - begin);
+      try {
+        set(first + k, codec.convert(text));
+      } catch (const hxCodecError&) {
+        return first + k;
+      }
+    }
+    return std::nullopt;
+  }
+};
+
+/// A new string array object of the given dimensions, every element the empty text.
+NUMERA_EXPORT std::unique_ptr<hxStringArray> hxMakeStringArray(std::span<const size_t> dims);
+/// Makes an array of it: class `hxClassID::Object`, class name "string", no fields.
+NUMERA_EXPORT hxArrayPtr hxCreateStringArrayFrom(std::unique_ptr<hxStringArray> strings);
+NUMERA_EXPORT bool hxIsStringArray(const hxArray* array) noexcept;
+/// The elements, borrowed. Throws `std::invalid_argument` "Array is not string array.".
+NUMERA_EXPORT const hxStringArray& hxGetStringArray(const hxArray* array);
