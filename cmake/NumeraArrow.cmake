@@ -1,67 +1,94 @@
-# Finds Apache Arrow and Parquet: installed packages first, else the libraries and headers inside
-# the pyarrow wheel of a Python interpreter. Used by the project's own build and, installed, by
-# everyone who finds its package.
+# Finds Apache Arrow: an installed package, or the libraries and headers inside a pyarrow wheel.
+# Used by the project's own build and, installed, by everyone who finds its package.
 #
-# numera_find_arrow() defines the imported targets numera_arrow_dependency and
-# numera_parquet_dependency and sets, in the caller's scope:
-#   numera_arrow_version      the version found, such as 26.0.1
-#   numera_arrow_library_dir  the folder of the wheel's libraries, empty for an installed Arrow
-#   numera_arrow_include_dir  the folder of the wheel's headers, empty for an installed Arrow
+# numera_find_arrow(LIBRARY...), each of arrow, parquet, defines the imported targets
+# numera_LIBRARY_dependency and sets
+#   numera_arrow_version   the version found, such as 26.0.1; empty where there is none
+#   numera_arrow_wheel     the folder of the wheel; empty for an installed package
+#
+# An Arrow that the calling project has found already wins, so that no process gets two of them;
+# then the wheel that numera itself was built with (numera_arrow_built_with, set by the package
+# file), an installed package, and the wheel of a Python.
 
 set(NUMERA_ARROW_PYTHON "" CACHE FILEPATH
     "Python interpreter whose pyarrow wheel is used where no Arrow is installed")
 
-macro(numera_find_arrow)
-  find_package(Arrow CONFIG QUIET)
-  find_package(Parquet CONFIG QUIET)
-  if(Arrow_FOUND AND Parquet_FOUND)
-    numera_arrow_from_package()
-    set(numera_arrow_version ${Arrow_VERSION})
-    set(numera_arrow_library_dir "")
-    set(numera_arrow_include_dir "")
-  else()
-    numera_arrow_from_wheel()
+function(numera_find_arrow)
+  set(wheel "")
+  set(version "")
+  if(EXISTS "${numera_arrow_built_with}/include/arrow/util/config.h")
+    set(wheel ${numera_arrow_built_with})
   endif()
-endmacro()
+  if(TARGET Arrow::arrow_shared OR NOT wheel)
+    numera_arrow_from_package(${ARGN})
+  endif()
+  if(version)
+    set(wheel "")
+  else()
+    if(NOT wheel)
+      numera_python_wheel()
+    endif()
+    if(wheel)
+      numera_arrow_from_wheel(${ARGN})
+    endif()
+  endif()
+  set(numera_arrow_version "${version}" PARENT_SCOPE)
+  set(numera_arrow_wheel "${wheel}" PARENT_SCOPE)
+endfunction()
 
+# Sets version where every one of the libraries is installed.
 function(numera_arrow_from_package)
-  if(NOT TARGET numera_arrow_dependency)
-    add_library(numera_arrow_dependency INTERFACE IMPORTED)
-    target_link_libraries(numera_arrow_dependency INTERFACE Arrow::arrow_shared)
-    add_library(numera_parquet_dependency INTERFACE IMPORTED)
-    target_link_libraries(numera_parquet_dependency INTERFACE Parquet::parquet_shared)
+  foreach(library IN LISTS ARGN)
+    string(SUBSTRING ${library} 0 1 first)
+    string(SUBSTRING ${library} 1 -1 rest)
+    string(TOUPPER ${first} first)
+    find_package(${first}${rest} CONFIG QUIET)
+    if(NOT TARGET ${first}${rest}::${library}_shared)
+      return()
+    endif()
+    if(NOT TARGET numera_${library}_dependency)
+      add_library(numera_${library}_dependency INTERFACE IMPORTED)
+      target_link_libraries(numera_${library}_dependency
+                            INTERFACE ${first}${rest}::${library}_shared)
+    endif()
+  endforeach()
+  set(version ${Arrow_VERSION} PARENT_SCOPE)
+endfunction()
+
+# Sets wheel to the folder of pyarrow in the project's virtual environment or the current Python.
+function(numera_python_wheel)
+  if(NUMERA_ARROW_PYTHON)
+    set(python ${NUMERA_ARROW_PYTHON})
+  else()
+    find_program(python NAMES python3 python HINTS ${PROJECT_SOURCE_DIR}/.venv/bin NO_CACHE)
+  endif()
+  if(NOT python)
+    return()
+  endif()
+  execute_process(
+    COMMAND ${python} -c "import os, pyarrow; print(os.path.dirname(pyarrow.__file__))"
+    OUTPUT_VARIABLE folder OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE result)
+  if(result EQUAL 0)
+    set(wheel ${folder} PARENT_SCOPE)
   endif()
 endfunction()
 
+# Sets version, read from the wheel's headers. A wheel names its libraries by their soname alone.
 function(numera_arrow_from_wheel)
-  find_program(numera_python NAMES python3 python
-               HINTS ${PROJECT_SOURCE_DIR}/.venv/bin NO_CACHE)
-  if(NUMERA_ARROW_PYTHON)
-    set(numera_python ${NUMERA_ARROW_PYTHON})
-  endif()
-  execute_process(
-    COMMAND ${numera_python} -c
-      "import pyarrow as p; print(p.__version__, p.get_include(), p.get_library_dirs()[0], sep=';')"
-    OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE result)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "Found neither an installed Apache Arrow nor a pyarrow wheel; run "
-                        "./dev setup, or set NUMERA_ARROW_PYTHON to a Python that has pyarrow.")
-  endif()
-  list(GET found 0 version)
-  list(GET found 1 include_dir)
-  list(GET found 2 library_dir)
-  string(REGEX MATCH "^[0-9]+" major ${version})
-  foreach(name arrow parquet)
-    if(NOT TARGET numera_${name}_dependency)
-      add_library(numera_${name}_dependency SHARED IMPORTED)
-      set_target_properties(numera_${name}_dependency PROPERTIES
-        IMPORTED_LOCATION ${library_dir}/lib${name}.so.${major}00
-        INTERFACE_INCLUDE_DIRECTORIES ${include_dir}
+  file(STRINGS ${wheel}/include/arrow/util/config.h line REGEX "define ARROW_VERSION_STRING ")
+  string(REGEX MATCH "[0-9]+\\.[0-9]+\\.[0-9]+" found "${line}")
+  foreach(library IN LISTS ARGN)
+    if(NOT TARGET numera_${library}_dependency)
+      file(GLOB location ${wheel}/lib${library}.so.*)
+      add_library(numera_${library}_dependency SHARED IMPORTED)
+      set_target_properties(numera_${library}_dependency PROPERTIES
+        IMPORTED_LOCATION "${location}"
+        INTERFACE_INCLUDE_DIRECTORIES ${wheel}/include
         INTERFACE_COMPILE_FEATURES cxx_std_20)
+      if(NOT library STREQUAL arrow)
+        target_link_libraries(numera_${library}_dependency INTERFACE numera_arrow_dependency)
+      endif()
     endif()
   endforeach()
-  target_link_libraries(numera_parquet_dependency INTERFACE numera_arrow_dependency)
-  set(numera_arrow_version ${version} PARENT_SCOPE)
-  set(numera_arrow_library_dir ${library_dir} PARENT_SCOPE)
-  set(numera_arrow_include_dir ${include_dir} PARENT_SCOPE)
+  set(version ${found} PARENT_SCOPE)
 endfunction()

@@ -1,0 +1,53 @@
+# What `cmake --install` puts in place: headers, libraries, a package file for CMake and two for
+# pkg-config.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(numera_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/numera)
+set(numera_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public_headers.txt)
+file(STRINGS cmake/public_headers.txt public_headers)
+foreach(header IN LISTS public_headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+endforeach()
+
+install(TARGETS numera_arrow numera_host numera_extras numera_numera EXPORT numera
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT numera NAMESPACE numera:: FILE numera-targets.cmake
+        DESTINATION ${numera_cmake_dir})
+
+configure_package_config_file(cmake/numera-config.cmake.in numera-config.cmake
+  INSTALL_DESTINATION ${numera_cmake_dir}
+  NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+# Before 1.0 a minor version may break.
+write_basic_package_version_file(numera-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/numera-config.cmake
+              ${PROJECT_BINARY_DIR}/numera-config-version.cmake
+              cmake/NumeraArrow.cmake
+        DESTINATION ${numera_cmake_dir})
+
+# An installed Arrow has a pkg-config file of its own. A wheel has none, lies where no loader looks,
+# and lacks the plain names of its libraries.
+if(numera_arrow_wheel)
+  set(numera_pc_requires "")
+  set(numera_pc_arrow_cflags "-I${numera_arrow_wheel}/include")
+  get_target_property(location numera_arrow_dependency IMPORTED_LOCATION)
+  cmake_path(GET location FILENAME file)
+  set(numera_pc_arrow_libs
+      "-L${numera_arrow_wheel} -l:${file} -Wl,-rpath,${numera_arrow_wheel}")
+else()
+  math(EXPR next_major "${numera_arrow_major} + 1")
+  set(numera_pc_requires "arrow >= ${numera_arrow_major}, arrow < ${next_major}")
+  set(numera_pc_arrow_cflags "")
+  set(numera_pc_arrow_libs "")
+endif()
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+           BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${numera_pc_dir}
+           OUTPUT_VARIABLE numera_pc_to_prefix)
+foreach(name numera numera-arrow)
+  configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${numera_pc_dir})
+endforeach()
