@@ -1,0 +1,106 @@
+#include "numera/core/arrow_types.h"
+
+#include <arrow/type.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "numera/core/host_values.h"
+#include "numera/core/limits.h"
+#include "numera/core/messages.h"
+#include "numera/core/types/numeric.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using ::arrow::Type;
+
+/// The null type has no values: its "Data" is the number of its elements.
+::arrow::Result<hxArrayPtr> null_to_numera(const ::arrow::ChunkedArray& column) {
+  return make_int64(column.length());
+}
+
+constexpr ArrowTypeRow refused(Type::type id) { return {id, u"array", nullptr, nullptr, nullptr}; }
+
+constexpr ArrowTypeRow kRows[] = {
+    {Type::NA, u"array", u"null", "double", null_to_numera},
+    {Type::BOOL, u"array", u"logical", "logical", logical_to_numera},
+    {Type::UINT8, u"array", u"uint8", "uint8", numeric_to_numera<std::uint8_t>},
+    {Type::INT8, u"array", u"int8", "int8", numeric_to_numera<std::int8_t>},
+    {Type::UINT16, u"array", u"uint16", "uint16", numeric_to_numera<std::uint16_t>},
+    {Type::INT16, u"array", u"int16", "int16", numeric_to_numera<std::int16_t>},
+    {Type::UINT32, u"array", u"uint32", "uint32", numeric_to_numera<std::uint32_t>},
+    {Type::INT32, u"array", u"int32", "int32", numeric_to_numera<std::int32_t>},
+    {Type::UINT64, u"array", u"uint64", "uint64", numeric_to_numera<std::uint64_t>},
+    {Type::INT64, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
+    refused(Type::HALF_FLOAT),
+    {Type::FLOAT, u"array", u"single", "single", numeric_to_numera<float>},
+    {Type::DOUBLE, u"array", u"double", "double", numeric_to_numera<double>},
+    {Type::STRING, u"array", u"string", "string", nullptr},
+    {Type::BINARY, u"array", u"binary_array", "cell", nullptr},
+    {Type::FIXED_SIZE_BINARY, u"array", u"fixed_binary_array", "cell", nullptr},
+    {Type::DATE32, u"array", u"datetime", "datetime", nullptr},
+    {Type::DATE64, u"array", u"datetime", "datetime", nullptr},
+    {Type::TIMESTAMP, u"array", u"datetime", "datetime", nullptr},
+    {Type::TIME32, u"array", u"duration", "duration", nullptr},
+    {Type::TIME64, u"array", u"duration", "duration", nullptr},
+    refused(Type::INTERVAL_MONTHS),
+    refused(Type::INTERVAL_DAY_TIME),
+    refused(Type::DECIMAL128),
+    refused(Type::DECIMAL256),
+    {Type::LIST, u"list_array", u"list_array", "cell", nullptr},
+    {Type::STRUCT, u"struct", u"struct", "table", nullptr},
+    refused(Type::SPARSE_UNION),
+    refused(Type::DENSE_UNION),
+    {Type::DICTIONARY, u"array", u"categorical", "categorical", nullptr},
+    {Type::MAP, u"map", u"map", "cell", nullptr},
+    refused(Type::EXTENSION),
+    refused(Type::FIXED_SIZE_LIST),
+    {Type::DURATION, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
+    {Type::LARGE_STRING, u"array", u"string", "string", nullptr},
+    {Type::LARGE_BINARY, u"array", u"binary_array", "cell", nullptr},
+    {Type::LARGE_LIST, u"list_array", u"large_list_array", "cell", nullptr},
+    refused(Type::INTERVAL_MONTH_DAY_NANO),
+    refused(Type::RUN_END_ENCODED),
+    refused(Type::STRING_VIEW),
+    refused(Type::BINARY_VIEW),
+    refused(Type::LIST_VIEW),
+    refused(Type::LARGE_LIST_VIEW),
+    refused(Type::DECIMAL32),
+    refused(Type::DECIMAL64),
+};
+
+constexpr bool rows_are_in_order_of_id() {
+  for (size_t i = 0; i < std::size(kRows); ++i) {
+    if (static_cast<size_t>(kRows[i].id) != i) return false;
+  }
+  return true;
+}
+static_assert(std::size(kRows) == Type::MAX_ID, "every type has a row");
+static_assert(rows_are_in_order_of_id(), "a row is found by its id");
+
+/// Whether `type` nests at most `levels` containers. A map is one level, although Arrow keeps its
+/// keys and items in a struct.
+bool nests_within(const ::arrow::DataType& type, int levels) {
+  if (type.num_fields() == 0 && type.id() != Type::STRUCT) return true;
+  if (levels == 0) return false;
+  const ::arrow::DataType& parent = type.id() == Type::MAP ? *type.field(0)->type() : type;
+  return std::ranges::all_of(parent.fields(), [levels](const auto& field) {
+    return nests_within(*field->type(), levels - 1);
+  });
+}
+
+}  // namespace
+
+const ArrowTypeRow& arrow_type_row(Type::type id) {
+  static constexpr ArrowTypeRow kUnknown = refused(Type::MAX_ID);
+  const auto i = static_cast<size_t>(id);
+  return i < std::size(kRows) ? kRows[i] : kUnknown;
+}
+
+::arrow::Status check_nesting(const ::arrow::DataType& type) {
+  if (nests_within(type, kMaxNestingLevels)) return ::arrow::Status::OK();
+  return messages::nested_too_deeply();
+}
+
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace numera::io::arrow::core {
+
+/// Bytes that hold `bits` bits.
+constexpr std::int64_t bitmap_bytes(std::int64_t bits) { return bits / 8 + (bits % 8 != 0); }
+
+/// Where a run of bits goes.
+struct BitmapTarget {
+  std::span<std::uint8_t> bytes;
+  std::int64_t position;  ///< the bit where the run starts
+  std::int64_t total;     ///< bits in use; those from here to the end of the last byte are unused
+};
+
+/// Copies `length` bits, from bit 0 of `source` on, to `target`; bits are numbered least
+/// significant first. `target.position + length` is at most `target.total`, and `target.bytes`
+/// holds `target.total` bits.
+///
+/// A source that is too short leaves the bits beyond its end as they are. A copy that starts on a
+/// byte moves whole bytes, as many as the source has (all but the last unless `length` is a
+/// multiple of 8): what these carry past `length` reaches the unused bits at the end of the target,
+/// and never a bit in use.
+void copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length, BitmapTarget target);
+
+/// Copies the bits of one chunk after another, each with `copy_bitmap`. A chunk without bits (an
+/// empty source) leaves its bits as they are.
+class BitmapWriter {
+ public:
+  /// `bytes` holds `total` bits, or is empty: then nothing is written.
+  BitmapWriter(std::span<std::uint8_t> bytes, std::int64_t total) : bytes_(bytes), total_(total) {}
+
+  void append(std::span<const std::uint8_t> source, std::int64_t length) {
+    copy_bitmap(source, length, {bytes_, position_, total_});
+    position_ += length;
+  }
+
+ private:
+  std::span<std::uint8_t> bytes_;
+  std::int64_t total_;
+  std::int64_t position_ = 0;
+};
+
+}  // namespace numera::io::arrow::core

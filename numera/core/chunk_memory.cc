@@ -1,0 +1,90 @@
+#include "numera/core/chunk_memory.h"
+
+#include <arrow/array/array_base.h>
+#include <arrow/array/util.h>
+#include <arrow/type.h>
+#include <arrow/util/bit_util.h>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "numera/core/bitmap.h"
+#include "numera/core/messages.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+bool extent_is_valid(const ::arrow::ArrayData& array) {
+  return array.offset >= 0 && array.length >= 0 &&
+         array.offset <= std::numeric_limits<std::int64_t>::max() - array.length;
+}
+
+bool bitmap_covers(const ::arrow::ArrayData& array) {
+  const auto bits = unsliced_validity(array);
+  return bitmap_bytes(array.offset + array.length) <= static_cast<std::int64_t>(bits.size());
+}
+
+/// Arrow counts the nulls of a chunk when it makes a chunked array, and trusts the bitmap to be
+/// long enough.
+bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
+  return array.null_count.load() == ::arrow::kUnknownNullCount && !array.buffers.empty() &&
+         array.buffers[0] != nullptr && (!extent_is_valid(array) || !bitmap_covers(array));
+}
+
+}  // namespace
+
+std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer) {
+  if (buffer == nullptr || !buffer->is_cpu() || buffer->data() == nullptr) return {};
+  return {buffer->data(), static_cast<size_t>(buffer->size())};
+}
+
+::arrow::Result<std::span<const std::uint8_t>> fixed_width_values(const ::arrow::ArrayData& chunk,
+                                                                  std::int64_t width) {
+  const auto bytes = readable_bytes(chunk.buffers[1]);
+  if (width == 0 || chunk.length == 0) return bytes.first(0);
+  const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
+  if (chunk.offset > available || chunk.length > available - chunk.offset) {
+    return messages::short_buffer("Values buffer", static_cast<std::int64_t>(bytes.size()),
+                                  chunk.offset + chunk.length);
+  }
+  return bytes.subspan(static_cast<size_t>(chunk.offset * width),
+                       static_cast<size_t>(chunk.length * width));
+}
+
+std::int64_t count_nulls(const ::arrow::ArrayData& array) {
+  if (!arrow_would_read_past_bitmap(array)) return array.GetNullCount();
+  if (!extent_is_valid(array)) return 0;
+  const auto bits = unsliced_validity(array);
+  std::int64_t nulls = 0;
+  const auto readable = static_cast<std::int64_t>(bits.size()) * 8;
+  for (std::int64_t i = array.offset; i < std::min(array.offset + array.length, readable); ++i) {
+    nulls += !::arrow::bit_util::GetBit(bits.data(), static_cast<std::uint64_t>(i));
+  }
+  return nulls;
+}
+
+std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array) {
+  if (arrow_would_read_past_bitmap(*array->data())) {
+    const auto counted = array->data()->Copy();
+    counted->null_count = count_nulls(*counted);
+    array = ::arrow::MakeArray(counted);
+  }
+  return std::make_shared<::arrow::ChunkedArray>(std::move(array));
+}
+
+::arrow::Status check_chunks(const ::arrow::ChunkedArray& column) {
+  for (int i = 0; i < column.num_chunks(); ++i) {
+    const auto& chunk = column.chunk(i);
+    if (chunk == nullptr) return messages::wrong_chunk(i, "no array", *column.type());
+    if (chunk->type() != column.type() && !chunk->type()->Equals(*column.type())) {
+      return messages::wrong_chunk(i, chunk->type()->name(), *column.type());
+    }
+    if (!extent_is_valid(*chunk->data())) {
+      return messages::wrong_extent(chunk->offset(), chunk->length());
+    }
+  }
+  return ::arrow::Status::OK();
+}
+
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,47 @@
+#pragma once
+
+/// \file
+/// Reading the memory of Arrow arrays. Buffers of chunks are touched through these functions only,
+/// so that no read leaves its buffer, whatever the array says of itself.
+
+#include <arrow/array/data.h>
+#include <arrow/buffer.h>
+#include <arrow/chunked_array.h>
+#include <arrow/result.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace numera::io::arrow::core {
+
+/// The bytes of a buffer; none where it is null or its memory is not main memory.
+std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer);
+
+/// Elements of fixed width: `length` elements from the array's offset on, `width` bytes each.
+/// Invalid where the values buffer ends before.
+::arrow::Result<std::span<const std::uint8_t>> fixed_width_values(const ::arrow::ArrayData& chunk,
+                                                                  std::int64_t width);
+
+/// Bits of a boolean array, from the first bit of its buffer on: the offset is not applied.
+inline std::span<const std::uint8_t> unsliced_bits(const ::arrow::ArrayData& chunk) {
+  return readable_bytes(chunk.buffers[1]);
+}
+
+/// Validity bits, from the first bit of the bitmap on: the offset is not applied. Empty where the
+/// array has no bitmap.
+inline std::span<const std::uint8_t> unsliced_validity(const ::arrow::ArrayData& chunk) {
+  return readable_bytes(chunk.buffers[0]);
+}
+
+/// Null slots of an array. As Arrow's own count, but a bitmap that is too short counts as far as
+/// it goes.
+std::int64_t count_nulls(const ::arrow::ArrayData& array);
+
+/// A chunked array of this one chunk.
+std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array);
+
+/// Invalid where a chunk is missing, of another type than the column, or of a negative extent.
+::arrow::Status check_chunks(const ::arrow::ChunkedArray& column);
+
+}  // namespace numera::io::arrow::core

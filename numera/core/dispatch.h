@@ -1,0 +1,44 @@
+#pragma once
+
+/// \file
+/// The two dispatches, as the converters of nested types call them again for their children.
+
+#include <arrow/array/array_base.h>
+#include <arrow/buffer.h>
+#include <arrow/chunked_array.h>
+#include <arrow/result.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "numera/host/array.h"
+
+namespace numera::io::arrow::core {
+
+using ArrayResult = ::arrow::Result<std::shared_ptr<::arrow::Array>>;
+
+/// Every reader of a type name: the "Data" struct and the validity bitmap (null: no nulls).
+using Reader = ArrayResult (*)(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity);
+
+/// Every reader of a nested kind: element `index` of `envelope`, which lies `level` levels deep
+/// (the outermost is level 1).
+using NestedReader = ArrayResult (*)(const hxArray* envelope, size_t index, int level);
+
+/// Every writer: all chunks of a column to its "Data".
+using Writer = ::arrow::Result<hxArrayPtr> (*)(const ::arrow::ChunkedArray& column);
+
+/// Element `index` of a struct array of encoded arrays that lies within `outer_levels` nested
+/// values (0: the entry).
+ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels);
+
+/// A plain "Valid" to a bitmap over its bytes; null where it has no bytes.
+::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid);
+
+/// The whole envelope of a column whose nesting is known to be within the limit.
+::arrow::Result<hxArrayPtr> column_to_numera(const ::arrow::ChunkedArray& column);
+
+/// "Data" alone.
+::arrow::Result<hxArrayPtr> data_to_numera(const ::arrow::ChunkedArray& column);
+
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,73 @@
+#include "numera/core/messages.h"
+
+#include <arrow/type.h>
+
+#include <string>
+
+#include "numera/core/limits.h"
+
+namespace numera::io::arrow::core::messages {
+namespace {
+
+/// "complex 2-by-3 double array", "no value".
+std::string describe(const hxArray* value) {
+  if (value == nullptr) return "no value";
+  std::string text;
+  if (hxIsComplex(value)) text += "complex ";
+  if (hxIsSparse(value)) text += "sparse ";
+  const char* by = "";
+  for (const size_t extent : hxGetDimensions(value)) {
+    text += by + std::to_string(extent);
+    by = "-by-";
+  }
+  return text + " " + hxGetClassName(value) + " array";
+}
+
+}  // namespace
+
+::arrow::Status not_plain(std::string_view field, const hxArray* found) {
+  return wrong_value(field, found, "a real array that is not sparse");
+}
+
+::arrow::Status wrong_value(std::string_view field, const hxArray* found,
+                            std::string_view expected) {
+  return ::arrow::Status::TypeError("Field '", field, "': found a ", describe(found), ", expected ",
+                                    expected, ".");
+}
+
+::arrow::Status wrong_length(std::string_view field, double found) {
+  return ::arrow::Status::TypeError("Field '", field, "': found ", found,
+                                    ", expected a number of elements within 64 bits.");
+}
+
+::arrow::Status short_buffer(std::string_view buffer, std::int64_t found_bytes,
+                             std::int64_t expected_elements) {
+  return ::arrow::Status::Invalid(buffer, ": found ", found_bytes, " bytes, expected enough for ",
+                                  expected_elements, " elements.");
+}
+
+::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length) {
+  return ::arrow::Status::Invalid("Array: found offset ", offset, " and length ", length,
+                                  ", expected neither negative and their sum within 64 bits.");
+}
+
+::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column) {
+  return ::arrow::Status::Invalid("Chunk ", chunk, ": found ", found, ", expected ", column.name(),
+                                  ", the type of the column.");
+}
+
+::arrow::Status wrong_column_count(std::int64_t found, std::int64_t fields) {
+  return ::arrow::Status::Invalid("Table: found ", found, " columns, expected ", fields,
+                                  ", one for each field of the schema.");
+}
+
+::arrow::Status not_readable() {
+  return ::arrow::Status::Invalid("Buffer: found memory of another device, expected main memory.");
+}
+
+::arrow::Status nested_too_deeply() {
+  return ::arrow::Status::Invalid("Nested value: found more than ", kMaxNestingLevels,
+                                  " levels, expected at most ", kMaxNestingLevels, ".");
+}
+
+}  // namespace numera::io::arrow::core::messages

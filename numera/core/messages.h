@@ -1,0 +1,46 @@
+#pragma once
+
+/// \file
+/// The failures of the library's own wording, in one form: the subject, what was found, what was
+/// expected.
+
+#include <arrow/status.h>
+#include <arrow/type_fwd.h>
+
+#include <cstdint>
+#include <string_view>
+
+#include "numera/host/array.h"
+
+namespace numera::io::arrow::core::messages {
+
+/// TypeError: a complex or sparse value where plain numbers are required.
+::arrow::Status not_plain(std::string_view field, const hxArray* found);
+
+/// TypeError: a value of another class, shape or content than the field takes.
+::arrow::Status wrong_value(std::string_view field, const hxArray* found,
+                            std::string_view expected);
+
+/// TypeError: a number that is no length.
+::arrow::Status wrong_length(std::string_view field, double found);
+
+/// Invalid: a buffer that ends before the elements it is said to hold.
+::arrow::Status short_buffer(std::string_view buffer, std::int64_t found_bytes,
+                             std::int64_t expected_elements);
+
+/// Invalid: an Arrow array whose length or offset is negative or overflows.
+::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length);
+
+/// Invalid: a chunk that is missing or of another type than its column.
+::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column);
+
+/// Invalid: a table with fewer or more columns than its schema has fields.
+::arrow::Status wrong_column_count(std::int64_t found, std::int64_t fields);
+
+/// Invalid: memory of another device.
+::arrow::Status not_readable();
+
+/// Invalid: values nested deeper than `kMaxNestingLevels`.
+::arrow::Status nested_too_deeply();
+
+}  // namespace numera::io::arrow::core::messages

@@ -1,0 +1,69 @@
+#pragma once
+
+/// \file
+/// Host arrays to Arrow arrays and buffers.
+///
+/// Nothing is copied where it can be avoided: numeric values, text bytes, offsets and bitmaps
+/// become Arrow buffers over the host arrays' own memory. The result borrows: keep `encoded` alive
+/// and unchanged for as long as the Arrow value, or any buffer of it, is used.
+///
+/// \code
+///   auto column = numera::io::arrow::core::to_arrow<arrow::Array>(envelope.get());
+///   if (!column.ok()) return column.status();
+///   // *column is read while envelope lives.
+/// \endcode
+
+#include <arrow/array/array_base.h>
+#include <arrow/buffer.h>
+#include <arrow/result.h>
+
+#include <concepts>
+#include <cstddef>
+#include <memory>
+
+#include "numera/export.h"
+#include "numera/host/array.h"
+
+namespace numera::io::arrow::core {
+
+/// Converts element 0 of an encoded value.
+///
+/// `::arrow::Array`: `encoded` is a struct with the fields "ArrowType" (char: "array",
+/// "list_array" or "struct"), "Type" (char), "Valid" (struct: a buffer envelope) and "Data". The
+/// array has null count -1 (unknown) and offset 0 and is not validated: codes and offsets are
+/// taken as they stand, so call `Validate` before use where the input is not trusted.
+///
+/// `::arrow::Buffer`: `encoded` is a struct with the fields "ArrowType" (char: "buffer") and
+/// "Values" (uint8, any shape). The buffer covers the bytes of "Values"; "Length" is not read.
+///
+/// Errors:
+/// - not a struct (null included): TypeError "Struct array required for input"
+/// - a field empty: TypeError "Missing field 'F' in input struct array"
+/// - a field of another class: TypeError "Incorrect type 'C' for struct array field 'F'"
+/// - another kind: TypeError "Expected 'array' input type, received 'K' instead." ('buffer' for
+///   buffers)
+/// - no converter for "Data" and "Type": Invalid "Invalid type for NUMERA to Arrow conversion."
+/// - complex or sparse numbers: TypeError that names the field
+/// - what the converter of the type reports
+/// - a field that the struct lacks: the host's `std::invalid_argument` "Wrong field name.", and
+///   for a struct without elements its `std::out_of_range` "Struct index is out of range."
+///
+/// Cost: O(1) whatever the number of elements; nested values cost their number of envelopes.
+template <class T>
+  requires std::same_as<T, ::arrow::Array> || std::same_as<T, ::arrow::Buffer>
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<T>> to_arrow(const hxArray* encoded);
+
+template <>
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow<::arrow::Array>(
+    const hxArray* encoded);
+template <>
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Buffer>> to_arrow<::arrow::Buffer>(
+    const hxArray* encoded);
+
+/// Converts element `index` of a struct array of encoded arrays, like `to_arrow<::arrow::Array>`.
+/// The classes of the fields are checked on element 0; an empty slot of a later element reads as
+/// an empty text or fails with a message of the list above.
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow(const hxArray* encoded,
+                                                                        size_t index);
+
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,50 @@
+#include "numera/core/to_arrow_table.h"
+
+#include <arrow/type.h>
+
+#include <utility>
+
+#include "numera/core/bitmap.h"
+#include "numera/core/chunk_memory.h"
+#include "numera/core/host_values.h"
+#include "numera/core/messages.h"
+#include "numera/core/to_arrow.h"
+#include "numera/core/util/text.h"
+#include "numera/core/util/verify_struct.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+/// Arrow counts the nulls of a column when it joins a table, and trusts the bitmap to be long
+/// enough.
+::arrow::Status check_bitmap(const ::arrow::ArrayData& column) {
+  if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
+  const std::int64_t size = column.buffers[0]->size();
+  if (column.length >= 0 && bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
+  return messages::short_buffer("Field 'Valid'", size, column.length);
+}
+
+}  // namespace
+
+::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(const hxArray* encoded) {
+  ARROW_RETURN_NOT_OK(util::VerifyHxStructContains(encoded, "ArrowType", hxClassID::Char, false));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* names, checked_field(encoded, "Names", hxClassID::Cell));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* columns,
+                        checked_field(encoded, "Columns", hxClassID::Struct));
+  const size_t count = hxGetDimensions(columns)[0];
+  ::arrow::FieldVector fields;
+  ::arrow::ArrayVector arrays;
+  fields.reserve(count);
+  arrays.reserve(count);
+  for (size_t i = 0; i < count; ++i) {
+    hxThrowIfInterruptPending();
+    std::string name = util::HxArrayToString(hxGetCellChecked(names, i));
+    ARROW_ASSIGN_OR_RAISE(auto array, to_arrow(columns, i));
+    ARROW_RETURN_NOT_OK(check_bitmap(*array->data()));
+    fields.push_back(::arrow::field(std::move(name), array->type()));
+    arrays.push_back(std::move(array));
+  }
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(arrays), -1);
+}
+
+}  // namespace numera::io::arrow::core

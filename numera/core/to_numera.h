@@ -1,0 +1,61 @@
+#pragma once
+
+/// \file
+/// Arrow arrays, chunked arrays, buffers and tables to host arrays.
+///
+/// Everything is copied into new host arrays, which the caller owns; the input is only read. On
+/// failure, by status or by exception, every host array made so far is destroyed.
+
+#include <arrow/array/array_base.h>
+#include <arrow/buffer.h>
+#include <arrow/chunked_array.h>
+#include <arrow/result.h>
+#include <arrow/table.h>
+
+#include <memory>
+
+#include "numera/export.h"
+#include "numera/host/array.h"
+
+namespace numera::io::arrow::core {
+
+/// The encoded array of one Arrow array: as of a chunked array with this one chunk.
+/// A null pointer is Invalid "Received null pointer in arrow::Array conversion".
+NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Array> array);
+
+/// The encoded array of a chunked array: a 1-by-1 struct with the fields "ArrowType" (char row:
+/// "array", "list_array", "struct" or "map"), "Type" (char row), "Valid" and "Data".
+///
+/// "Data" holds the values of all chunks one after another (nested types: one element a chunk);
+/// values at null slots are copied as they stand. "Valid" of an "array" is one buffer envelope:
+/// "Length" the number of elements, "Values" the bits (least significant first, 1 = valid) as a
+/// uint8 column, or 0-by-1 where there is no null; for the other kinds, and where there are no
+/// chunks, a struct array with one such envelope a chunk. Bits of a sliced chunk are read from the
+/// start of its bitmap: remove offsets first where slices have nulls.
+///
+/// Errors:
+/// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
+/// - a type that has no host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
+/// - types nested deeper than `kMaxNestingLevels`: Invalid
+/// - chunks whose buffers end before their elements do: Invalid
+/// - what the converter of the type reports
+///
+/// Cost: one host allocation a result array, one block copy a chunk; peak memory is the result.
+NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::ChunkedArray> column);
+
+/// The buffer envelope of a buffer: a 1-by-1 struct with the fields "ArrowType" ("buffer"),
+/// "Values" (uint8 column of all its bytes) and "Length" (empty). A null buffer is an empty one.
+/// Memory of another device is Invalid.
+NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer);
+
+/// The encoded table: a 1-by-1 struct with the fields "ArrowType" ("table"), "Columns" (n-by-1
+/// struct array with the fields "ArrowType", "Type", "Data", "Valid") and "Names" (1-by-n cell of
+/// char rows).
+///
+/// Before every column `hxThrowIfInterruptPending` is called; its exception passes through. A
+/// column that fails gives its status with a `TableErrorStatusDetail` that names it. A null
+/// pointer is Invalid "Received null pointer in arrow::Table conversion". A column name that is
+/// not UTF-8 gives the host's `hxCodecError`.
+NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Table> table);
+
+}  // namespace numera::io::arrow::core
