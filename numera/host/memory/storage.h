@@ -1,0 +1,89 @@
+#pragma once
+
+/// \file
+/// How an array lies in memory.
+///
+/// An array is a header (`hxArray`) that refers to a layout, which never changes, and to elements,
+/// which do. Shared copies are further headers of the same layout and elements; both count the
+/// arrays that refer to them. An array that is written while its elements are shared takes
+/// elements of its own and keeps its layout, so dimensions and names handed out stay valid.
+///
+/// A small array is one block: layout, header and elements lie in it together, and the layout's
+/// count decides when it is freed. What lies elsewhere says so (`own_block`, `own_data`).
+
+#include <atomic>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "numera/host/array.h"
+#include "numera/host/memory/blocks.h"
+#include "numera/host/string_array.h"
+
+namespace numera::host::memory {
+
+enum class Content : unsigned char { Numbers, Slots, Texts };
+
+struct Layout {
+  std::atomic<size_t> arrays{1};
+  hxClassID class_id;
+  Content content;
+  bool complex;
+  bool sparse;
+  const char* class_name;
+  size_t element_count;
+  size_t element_bytes;  ///< of one element
+  std::span<const size_t> dims;
+  std::span<const char* const> field_names;
+  std::span<const int> fields_by_name;  ///< field numbers sorted by name; equal names by number
+};
+
+struct Elements {
+  std::atomic<size_t> arrays{1};
+  ElementBlock block;  ///< numbers; or slots, `hxArray*` each; or the `hxStringArray`
+  bool own_data;
+  bool own_block;
+};
+
+/// What an array is made from.
+struct Description {
+  hxClassID class_id;
+  Content content;
+  std::span<const size_t> dims;
+  size_t element_bytes;
+  const char* class_name = nullptr;               ///< of a fixed class
+  std::string_view object_name = {};              ///< of an object; copied
+  std::span<const char* const> field_names = {};  ///< copied
+  bool complex = false;
+  bool sparse = false;
+};
+
+/// A new array. Slots are empty and texts null whatever `fill` says. Throws `std::invalid_argument`
+/// for fewer than two dimensions or a null field name, and `std::bad_alloc`.
+hxArrayPtr new_array(const Description& description, Fill fill);
+
+/// Gives the array elements of its own where it shares them. Throws `std::bad_alloc`.
+void unshare(hxArray* array);
+
+/// Arrays that exist now.
+size_t live_arrays() noexcept;
+
+}  // namespace numera::host::memory
+
+class hxArray {
+ public:
+  numera::host::memory::Layout* layout;
+  numera::host::memory::Elements* elements;
+  hxArray* next_doomed;  ///< links the arrays that wait for destruction
+  bool own_block;
+
+  void* data() const { return elements->block.data; }
+  std::span<hxArray*> slots() const {
+    return {static_cast<hxArray**>(data()), layout->element_count * slots_per_element()};
+  }
+
+ private:
+  size_t slots_per_element() const {
+    return layout->class_id == hxClassID::Cell ? 1 : layout->field_names.size();
+  }
+};
