@@ -1,0 +1,59 @@
+#pragma once
+
+/// \file
+/// Encoded arrays, buffers and tables with the look of a literal, built of host_builder.h.
+
+#include <cstdint>
+#include <vector>
+
+#include "tests/support/host_builder.h"
+
+namespace numera::testing {
+
+/// A buffer envelope as it is read: no "Length".
+inline hxArrayPtr BufferEnvelope(const std::vector<std::uint8_t>& bytes) {
+  return Struct({{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>(bytes)}});
+}
+
+/// An encoded array of the kind "array"; `valid` is the bytes of the validity bitmap.
+inline hxArrayPtr Envelope(std::string_view type, hxArrayPtr data,
+                           const std::vector<std::uint8_t>& valid = {}) {
+  return Struct({{"ArrowType", Char("array")},
+                 {"Type", Char(type)},
+                 {"Valid", BufferEnvelope(valid)},
+                 {"Data", std::move(data)}});
+}
+
+/// An encoded array of another kind.
+inline hxArrayPtr KindEnvelope(std::string_view kind, std::string_view type, hxArrayPtr data,
+                               const std::vector<std::uint8_t>& valid = {}) {
+  return Struct({{"ArrowType", Char(kind)},
+                 {"Type", Char(type)},
+                 {"Valid", BufferEnvelope(valid)},
+                 {"Data", std::move(data)}});
+}
+
+/// A single bitmap as it is written for the validity of an array.
+inline hxArrayPtr WrittenValidity(double length, const std::vector<std::uint8_t>& bytes = {}) {
+  return Struct({{"ArrowType", Char("buffer")},
+                 {"Values", Column<std::uint8_t>(bytes)},
+                 {"Length", Scalar(length)}});
+}
+
+/// A bitmap as it is written for logical values and for one chunk of a nested value.
+inline hxArrayPtr WrittenBitmap(double length, const std::vector<std::uint8_t>& bytes = {}) {
+  return Struct({{"Values", Column<std::uint8_t>(bytes)},
+                 {"Length", Scalar(length)},
+                 {"ArrowType", Char("buffer")}});
+}
+
+/// An envelope as it is written.
+inline hxArrayPtr WrittenEnvelope(std::string_view kind, std::string_view type, hxArrayPtr valid,
+                                  hxArrayPtr data) {
+  return Struct({{"ArrowType", Char(kind)},
+                 {"Type", Char(type)},
+                 {"Valid", std::move(valid)},
+                 {"Data", std::move(data)}});
+}
+
+}  // namespace numera::testing
