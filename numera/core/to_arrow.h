@@ -21,6 +21,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "numera/arrow_version.h"
 #include "numera/export.h"
 #include "numera/host/array.h"
 

@@ -14,6 +14,7 @@
 
 #include <memory>
 
+#include "numera/arrow_version.h"
 #include "numera/export.h"
 #include "numera/host/array.h"
 

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "numera/arrow_version.h"
 #include "numera/export.h"
 
 namespace numera::io::arrow::core {

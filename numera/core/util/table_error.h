@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "numera/arrow_version.h"
 #include "numera/export.h"
 
 namespace numera::io::arrow::core::util {

@@ -2,6 +2,7 @@
 
 #include <arrow/status.h>
 
+#include "numera/arrow_version.h"
 #include "numera/export.h"
 #include "numera/host/array.h"
 
