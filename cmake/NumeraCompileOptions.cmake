@@ -19,3 +19,19 @@ function(numera_precompile target)
     target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
 endfunction()
+
+# numera_export_library(NAME): makes the shared library numera_NAME, which has its sources already,
+# one of those that users link: numera::NAME, versioned, exporting the public names alone.
+function(numera_export_library name)
+  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  add_library(numera::${name} ALIAS numera_${name})
+  set_target_properties(numera_${name} PROPERTIES
+    EXPORT_NAME ${name}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS ${exports})
+  target_compile_features(numera_${name} PUBLIC cxx_std_20)
+  target_include_directories(numera_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+  target_link_options(numera_${name} PRIVATE -Wl,--version-script=${exports})
+  numera_compile_options(numera_${name})
+endfunction()
