@@ -20,6 +20,9 @@ struct FaultSites {
 /// on until it succeeds; then the same with the host calls that may throw. Expects of every failed
 /// run that the exception or a status comes out and that neither host arrays nor Arrow memory stay
 /// behind, and of a run afterwards that it succeeds.
+///
+/// `convert` makes nothing outside the conversion and does the same in every run. It runs on the
+/// recording host, whose counts are forgotten.
 FaultSites FailEverywhere(const std::function<::arrow::Status()>& convert);
 
 }  // namespace numera::testing
