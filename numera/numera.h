@@ -3,6 +3,7 @@
 /// \file
 /// Everything public of the host interface, the conversions and the text conversion.
 
+#include "numera/core/limits.h"
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_arrow_table.h"
 #include "numera/core/to_numera.h"
@@ -15,5 +16,4 @@
 #include "numera/host/message_id_exception.h"
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
-#include "numera/unicode/convert_utf16_to_utf8.h"
 #include "numera/version.h"

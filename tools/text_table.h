@@ -1,0 +1,25 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace numera::tools {
+
+/// Rows of cells, printed in columns two blanks apart. The first row is the heading.
+class TextTable {
+ public:
+  explicit TextTable(std::vector<std::string> heading) : rows_{std::move(heading)} {}
+
+  /// `cells` has as many entries as the heading.
+  void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+  void print(std::ostream& out) const;
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// 1234567 as "1,234,567".
+std::string grouped(long long number);
+
+}  // namespace numera::tools
