@@ -79,9 +79,10 @@ TEST(PrintLimits, NeverLeaveOutAField) {
 
 TEST(PrintLimits, KeepALineWithinItsWidth) {
   const hxArrayPtr value = counted_column(10);
-  EXPECT_EQ(print(value.get(), {.max_width = 32}), "int32 10x1 [1 2 3 4 5 ... 5 more]");
+  EXPECT_EQ(print(value.get(), {.max_width = 32}), "int32 10x1 [1 2 3 4 ... 6 more]");
   EXPECT_EQ(print(value.get(), {.max_width = 33}), "int32 10x1 [1 2 3 4 5 6 7 8 9 10]");
   EXPECT_EQ(print(value.get(), {.max_width = 31}), "int32 10x1 [1 2 3 4 ... 6 more]");
+  EXPECT_EQ(print(value.get(), {.max_width = 30}), "int32 10x1 [1 2 3 ... 7 more]");
 }
 
 TEST(PrintLimits, CountTheIndentInTheWidth) {
@@ -99,38 +100,32 @@ TEST(PrintLimits, ShowTheFirstElementWhateverTheWidth) {
 TEST(PrintLimits, CutALongText) {
   const hxArrayPtr value = Char(u"abcdefghijklmnopqrstuvwxyz");
   EXPECT_EQ(print(value.get(), {.max_width = 38}), "char 1x26 \"abcdefghijklmnopqrstuvwxyz\"");
-  EXPECT_EQ(print(value.get(), {.max_width = 37}), "char 1x26 \"abcdefghijklmnopqrstuvw\"...");
+  EXPECT_EQ(print(value.get(), {.max_width = 37}), "char 1x26 \"abcdefghijklmnopqrstuv\"...");
   EXPECT_EQ(print(value.get(), {.max_width = 0}), "char 1x26 \"abcdefg\"...");
 }
 
 TEST(PrintLimits, CutATextBetweenCharacters) {
-  EXPECT_EQ(print(Char(u"12345678😀abcd").get(), {.max_width = 22}),
-            "char 1x14 \"1234567\"...");
-  EXPECT_EQ(print(Char(u"123456😀abcdef").get(), {.max_width = 22}),
-            "char 1x14 \"123456😀\"...");
-  EXPECT_EQ(print(Char(u"12345\nabcdefgh").get(), {.max_width = 22}),
-            "char 1x14 \"12345\\n\"...");
-  EXPECT_EQ(print(Char(u"123456\nabcdefg").get(), {.max_width = 22}),
-            "char 1x14 \"123456\"...");
+  EXPECT_EQ(print(Char(u"12345678😀abcd").get(), {.max_width = 22}), "char 1x14 \"1234567\"...");
+  EXPECT_EQ(print(Char(u"123456😀abcdef").get(), {.max_width = 22}), "char 1x14 \"123456😀\"...");
+  EXPECT_EQ(print(Char(u"12345\nabcdefgh").get(), {.max_width = 22}), "char 1x14 \"12345\\n\"...");
+  EXPECT_EQ(print(Char(u"123456\nabcdefg").get(), {.max_width = 22}), "char 1x14 \"123456\"...");
 }
 
 TEST(PrintLimits, CountCodePointsAsColumns) {
-  EXPECT_EQ(print(Char(u"éééééééééé").get(), {.max_width = 22}),
-            "char 1x10 \"éééééééééé\"");
+  EXPECT_EQ(print(Char(u"éééééééééé").get(), {.max_width = 22}), "char 1x10 \"éééééééééé\"");
 }
 
 TEST(PrintLimits, CutTheFirstTextOfAListAndLeaveOutLaterOnes) {
-  const hxArrayPtr long_first = Strings({std::u16string(200, u'x'), u"b"});
+  const hxArrayPtr long_first = Strings({std::u16string(200, u'x'), u"0123456789"});
   EXPECT_EQ(print(long_first.get(), {.max_width = 42}),
-            "string 2x1 [\"xxxxxxxxxxxx\"... ... 1 more]");
+            "string 2x1 [\"xxxxxxxxxxxxx\"... ... 1 more]");
   const hxArrayPtr long_second = Strings({u"a", std::u16string(200, u'x'), u"b"});
   EXPECT_EQ(print(long_second.get(), {.max_width = 42}), "string 3x1 [\"a\" ... 2 more]");
 }
 
 TEST(PrintLimits, CutTheRowsOfACharMatrix) {
   const hxArrayPtr value = CharMatrix({2, 100}, std::u16string(200, u'x'));
-  EXPECT_EQ(print(value.get(), {.max_width = 42}),
-            "char 2x100 [\"xxxxxxxxxxxx\"... ... 1 more]");
+  EXPECT_EQ(print(value.get(), {.max_width = 42}), "char 2x100 [\"xxxxxxxxxxxxx\"... ... 1 more]");
 }
 
 TEST(PrintLimits, MarkWhatLiesTooDeep) {
@@ -169,7 +164,7 @@ TEST(PrintLimits, EndATreeOfTooManyLines) {
 }
 
 TEST(PrintLimits, AreNotNeededToSurviveDeepNesting) {
-  const hxArrayPtr value = nested_cells(1'000'000);
+  const hxArrayPtr value = nested_cells(300'000);
   EXPECT_EQ(print(value.get(), {.max_depth = kNoLimit, .max_lines = 3}),
             "cell 1x1\n"
             "  {0}: cell 1x1\n"

@@ -26,9 +26,7 @@ struct PrintCase {
 // A list of cases, which a vector cannot take from braces, since a value cannot be copied.
 template <class... Cases>
 void expect_printed(Cases... cases) {
-  const auto expect = [](const PrintCase& one) {
-    EXPECT_EQ(print(one.value.get()), one.expected);
-  };
+  const auto expect = [](const PrintCase& one) { EXPECT_EQ(print(one.value.get()), one.expected); };
   (expect(cases), ...);
 }
 
@@ -49,13 +47,12 @@ TEST(Print, NamesTheClassOfEveryNumber) {
 }
 
 TEST(Print, ShowsTheShortestNumberThatReadsBack) {
-  expect_printed(
-      PrintCase{"double 4x1 [0.1 0.30000000000000004 -2.5 1e-05]",
-                Column<double>({0.1, 0.1 + 0.2, -2.5, 0.00001})},
-      PrintCase{"single 3x1 [0.1 1.6777216e+07 3.4028235e+38]",
-                Column<float>({0.1f, 16777216.0f, std::numeric_limits<float>::max()})},
-      PrintCase{"double 3x1 [5e-324 1.7976931348623157e+308 1e+20]",
-                Column<double>({5e-324, std::numeric_limits<double>::max(), 1e20})});
+  expect_printed(PrintCase{"double 4x1 [0.1 0.30000000000000004 -2.5 1e-05]",
+                           Column<double>({0.1, 0.1 + 0.2, -2.5, 0.00001})},
+                 PrintCase{"single 3x1 [0.1 16777216 3.4028235e+38]",
+                           Column<float>({0.1f, 16777216.0f, std::numeric_limits<float>::max()})},
+                 PrintCase{"double 3x1 [5e-324 1.7976931348623157e+308 1e+20]",
+                           Column<double>({5e-324, std::numeric_limits<double>::max(), 1e20})});
 }
 
 TEST(Print, KeepsTheDigitsOfWholeNumbers) {
@@ -71,19 +68,19 @@ TEST(Print, ShowsNumbersThatAreNone) {
 }
 
 TEST(Print, ShowsBothPartsOfComplexNumbers) {
-  expect_printed(PrintCase{"complex double 4x1 [1+2i 1.5-2i 0-0i NaN+Infi]",
-                           Complex<double>({4, 1}, {{1, 2}, {1.5, -2}, {0, -0.0}, {kNaN, kInfinity}})},
-                 PrintCase{"complex single 1x1 [1+2i]", Complex<float>({1, 1}, {{1, 2}})},
-                 PrintCase{"complex int8 1x2 [1-2i 3+4i]",
-                           Complex<std::int8_t>({1, 2}, {{1, -2}, {3, 4}})},
-                 PrintCase{"complex double 0x1 []", Complex<double>({0, 1}, {})});
+  expect_printed(
+      PrintCase{"complex double 4x1 [1+2i 1.5-2i 0-0i NaN+Infi]",
+                Complex<double>({4, 1}, {{1, 2}, {1.5, -2}, {0, -0.0}, {kNaN, kInfinity}})},
+      PrintCase{"complex single 1x1 [1+2i]", Complex<float>({1, 1}, {{1, 2}})},
+      PrintCase{"complex int8 1x2 [1-2i 3+4i]", Complex<std::int8_t>({1, 2}, {{1, -2}, {3, 4}})},
+      PrintCase{"complex double 0x1 []", Complex<double>({0, 1}, {})});
 }
 
 TEST(Print, ListsRowsOneAfterAnother) {
-  expect_printed(PrintCase{"double 2x3 [1 3 5; 2 4 6]", Matrix<double>({2, 3}, {1, 2, 3, 4, 5, 6})},
-                 PrintCase{"double 1x3 [1 2 3]", Row<double>({1, 2, 3})},
-                 PrintCase{"logical 2x2 [true false; true true]",
-                           Logical({2, 2}, {true, true, false, true})});
+  expect_printed(
+      PrintCase{"double 2x3 [1 3 5; 2 4 6]", Matrix<double>({2, 3}, {1, 2, 3, 4, 5, 6})},
+      PrintCase{"double 1x3 [1 2 3]", Row<double>({1, 2, 3})},
+      PrintCase{"logical 2x2 [true false; true true]", Logical({2, 2}, {true, true, false, true})});
 }
 
 TEST(Print, ListsPagesOneAfterAnother) {
@@ -92,15 +89,14 @@ TEST(Print, ListsPagesOneAfterAnother) {
 }
 
 TEST(Print, ShowsTheSizeOfEmptyValues) {
-  expect_printed(PrintCase{"double 0x0 []", Matrix<double>({0, 0}, {})},
-                 PrintCase{"uint8 0x1 []", Column<std::uint8_t>({})},
-                 PrintCase{"logical 3x0x2 []", Logical({3, 0, 2}, {})},
-                 PrintCase{"string 0x1 []", Strings({})},
-                 PrintCase{"char 0x0 \"\"", CharMatrix({0, 0}, u"")},
-                 PrintCase{"char 1x0 \"\"", Char("")},
-                 PrintCase{"char 2x0 \"\"", CharMatrix({2, 0}, u"")},
-                 PrintCase{"cell 0x1", Cell({})},  //
-                 PrintCase{"struct 1x1", Struct({})});
+  expect_printed(
+      PrintCase{"double 0x0 []", Matrix<double>({0, 0}, {})},
+      PrintCase{"uint8 0x1 []", Column<std::uint8_t>({})},
+      PrintCase{"logical 3x0x2 []", Logical({3, 0, 2}, {})},
+      PrintCase{"string 0x1 []", Strings({})}, PrintCase{"char 0x0 \"\"", CharMatrix({0, 0}, u"")},
+      PrintCase{"char 1x0 \"\"", Char("")}, PrintCase{"char 2x0 \"\"", CharMatrix({2, 0}, u"")},
+      PrintCase{"cell 0x1", Cell({})},  //
+      PrintCase{"struct 1x1", Struct({})});
 }
 
 TEST(Print, QuotesAndEscapesTexts) {
@@ -113,10 +109,10 @@ TEST(Print, QuotesAndEscapesTexts) {
 }
 
 TEST(Print, ListsTheRowsOfCharMatrices) {
-  expect_printed(PrintCase{R"(char 2x3 ["abc" "d\"f"])", CharMatrix({2, 3}, u"adb\"cf")},
-                 PrintCase{R"(char 3x1 ["a" "b" "c"])", CharMatrix({3, 1}, u"abc")},
-                 PrintCase{R"(char 2x2x2 ["ac" "bd" "eg" "fh"])",
-                           CharMatrix({2, 2, 2}, u"abcdefgh")});
+  expect_printed(
+      PrintCase{R"(char 2x3 ["abc" "d\"f"])", CharMatrix({2, 3}, u"adb\"cf")},
+      PrintCase{R"(char 3x1 ["a" "b" "c"])", CharMatrix({3, 1}, u"abc")},
+      PrintCase{R"(char 2x2x2 ["ac" "bd" "eg" "fh"])", CharMatrix({2, 2, 2}, u"abcdefgh")});
 }
 
 TEST(Print, TellsMissingTextsFromEmptyOnes) {
@@ -129,13 +125,12 @@ TEST(Print, TellsMissingTextsFromEmptyOnes) {
 TEST(Print, ShowsNull) { EXPECT_EQ(print(nullptr), "<null>"); }
 
 TEST(Print, IndentsTheFieldsOfAStruct) {
-  const hxArrayPtr value = Struct(
-      {{"ArrowType", Char("array")},
-       {"Type", Char("double")},
-       {"Valid", Struct({{"ArrowType", Char("buffer")},
-                         {"Values", Column<std::uint8_t>({})},
-                         {"Length", Scalar(3.0)}})},
-       {"Data", Column<double>({1, 2.5, kNaN})}});
+  const hxArrayPtr value = Struct({{"ArrowType", Char("array")},
+                                   {"Type", Char("double")},
+                                   {"Valid", Struct({{"ArrowType", Char("buffer")},
+                                                     {"Values", Column<std::uint8_t>({})},
+                                                     {"Length", Scalar(3.0)}})},
+                                   {"Data", Column<double>({1, 2.5, kNaN})}});
   EXPECT_EQ(print(value.get()),
             "struct 1x1\n"
             "  ArrowType: char 1x5 \"array\"\n"
@@ -148,8 +143,8 @@ TEST(Print, IndentsTheFieldsOfAStruct) {
 }
 
 TEST(Print, ShowsAStructArrayElementByElement) {
-  const hxArrayPtr value = StructArray({2, 1}, {"Name", "Age"},
-                                       {{Char("Ada"), Scalar(36.0)}, {Char("Jo"), Empty()}});
+  const hxArrayPtr value =
+      StructArray({2, 1}, {"Name", "Age"}, {{Char("Ada"), Scalar(36.0)}, {Char("Jo"), Empty()}});
   EXPECT_EQ(print(value.get()),
             "struct 2x1\n"
             "  (0):\n"
@@ -168,8 +163,7 @@ TEST(Print, IndexesElementsOfAMatrixByRowAndColumn) {
             "  {1,0}: double 1x1 [2]\n"
             "  {0,1}: double 1x1 [3]\n"
             "  {1,1}: <empty>");
-  const hxArrayPtr structs =
-      StructArray({1, 1, 2}, {"A"}, {{Scalar(1.0)}, {Scalar(2.0)}});
+  const hxArrayPtr structs = StructArray({1, 1, 2}, {"A"}, {{Scalar(1.0)}, {Scalar(2.0)}});
   EXPECT_EQ(print(structs.get()),
             "struct 1x1x2\n"
             "  (0,0,0):\n"
