@@ -145,7 +145,8 @@ int convert(const ConvertOptions& options, std::ostream& out, std::ostream& erro
   try {
     const ::arrow::Status status = convert_file(options, out);
     if (status.ok()) return 0;
-    reason = status.message();
+    reason = first_line(status.message());
+    if (status.detail() != nullptr) reason += ": " + status.detail()->ToString();
   } catch (const std::exception& error) {
     reason = error.what();
   }
