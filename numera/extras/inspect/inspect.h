@@ -38,7 +38,7 @@ struct PrintOptions {
 ///         (0):
 ///           Values: double 2x3 [1 2.5 NaN; -0 1e+20 Inf]
 ///         (1):
-///           Values: int64 100x1 [1 2 3 ... 97 more]
+///           Values: int8 100x1 [0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 ... 80 more]
 ///       Cell: cell 1x2
 ///         {0}: logical 1x2 [true false]
 ///         {1}: complex single 1x1 [1+2i]
@@ -53,11 +53,11 @@ struct PrintOptions {
 /// - Texts are UTF-8 in quotes; `\"`, `\\`, `\n`, `\t` and, for other control characters and
 ///   unpaired surrogates, `\uD83D`. A cut one ends in `"...`. A char array of one row is one text,
 ///   any other a list of its rows.
-/// - A field name that is no identifier stands in quotes. A struct array without elements lists
-///   its field names and no values.
+/// - A field name that is no identifier stands in quotes, its bytes that are no UTF-8 as `\xFF`. A
+///   struct array without elements lists its field names and no values.
 ///
-/// Throws `std::bad_alloc`. Cost: grows with what is printed, not with the value, but for its
-/// field names and for blocks of slots, which are counted.
+/// Throws `std::bad_alloc`. Cost: grows with what is printed and with the
+/// number of fields, not with the number of elements or the length of texts.
 NUMERA_EXPORT std::string print(const hxArray* value, const PrintOptions& options = {});
 
 /// The first difference between two values, or none where they are equal.

@@ -40,10 +40,9 @@ void append_code_point(std::string& out, std::uint32_t point) {
   append_byte(out, 0x80 | (point & 0x3F));
 }
 
-void append_escape(std::string& out, char16_t unit) {
+void append_hexadecimal(std::string& out, unsigned value, int digits) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  out += "\\u";
-  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(unit >> shift) & 0xF];
+  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += kDigits[(value >> shift) & 0xF];
 }
 
 // Appends one character as it stands between quotes.
@@ -59,7 +58,8 @@ void append_character(std::string& out, std::u16string_view character) {
   } else if (unit == u'\t') {
     out += "\\t";
   } else if (is_control(unit) || is_high_surrogate(unit) || is_low_surrogate(unit)) {
-    append_escape(out, unit);
+    out += "\\u";
+    append_hexadecimal(out, unit, 4);
   } else {
     append_code_point(out, unit);
   }
@@ -106,7 +106,8 @@ std::string quote(std::string_view text) {
       if (unit < 0x80) {
         append_character(out, std::u16string_view(&unit, 1));
       } else {
-        append_escape(out, unit);
+        out += "\\x";
+        append_hexadecimal(out, unit, 2);
       }
     }
     return out + "\"";

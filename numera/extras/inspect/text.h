@@ -14,7 +14,7 @@ namespace numera::extras::inspect {
 std::string quote(std::u16string_view text, size_t max_columns);
 
 /// The same for a text that ought to be UTF-8 and is never cut. Where it is not, every byte beyond
-/// ASCII is escaped.
+/// ASCII is escaped as `\xFF`, which no text that is UTF-8 shows: different texts stay different.
 std::string quote(std::string_view text);
 
 /// A field name: as it stands where it is an identifier, else in quotes.

@@ -162,6 +162,11 @@ TEST(FirstDifference, NamesTheFieldsByPosition) {
             "field 0 A is not <none>");
 }
 
+TEST(FirstDifference, TellsNamesThatAreNoUtf8FromThoseThatAre) {
+  EXPECT_EQ(difference(Struct({{"\x80", Empty()}}), Struct({{"\xC2\x80", Empty()}})),
+            R"(field 0 "\x80" is not "\u0080")");
+}
+
 TEST(FirstDifference, OpensWithThePath) {
   EXPECT_EQ(difference(envelope(Column<double>({1, 2})), envelope(Column<double>({1, 3}))),
             ".Data.Values(1): 2 is not 3");

@@ -204,7 +204,33 @@ TEST(Print, QuotesFieldNamesThatAreNoIdentifiers) {
             "  \"two words\": <empty>\n"
             "  \"line\\nend\": <empty>\n"
             "  \"größe\": <empty>\n"
-            "  \"\\\"\\u00FF\\\"\": <empty>");
+            "  \"\\\"\\xFF\\\"\": <empty>");
+}
+
+TEST(Print, ShowsNestedValuesAsATree) {
+  const hxArrayPtr value = Struct(
+      {{"ArrowType", Char("array")},
+       {"Type", Char("string")},
+       {"Valid", Empty()},
+       {"Data", Strings({u"a", std::nullopt, u"b"})},
+       {"Columns", StructArray({2, 1}, {"Values"},
+                               {{Matrix<double>({2, 3}, {1, -0.0, 2.5, 1e20, kNaN, kInfinity})},
+                                {Column<std::int8_t>(std::vector<std::int8_t>(100))}})},
+       {"Cell", Cell({1, 2}, {Logical({1, 2}, {true, false}), Complex<float>({1, 1}, {{1, 2}})})}});
+  EXPECT_EQ(print(value.get()),
+            "struct 1x1\n"
+            "  ArrowType: char 1x5 \"array\"\n"
+            "  Type: char 1x6 \"string\"\n"
+            "  Valid: <empty>\n"
+            "  Data: string 3x1 [\"a\" <missing> \"b\"]\n"
+            "  Columns: struct 2x1\n"
+            "    (0):\n"
+            "      Values: double 2x3 [1 2.5 NaN; -0 1e+20 Inf]\n"
+            "    (1):\n"
+            "      Values: int8 100x1 [0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 ... 80 more]\n"
+            "  Cell: cell 1x2\n"
+            "    {0}: logical 1x2 [true false]\n"
+            "    {1}: complex single 1x1 [1+2i]");
 }
 
 TEST(Print, NamesTheClassOfAnObject) {
