@@ -36,12 +36,17 @@ bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
 
 std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer) {
   if (buffer == nullptr || !buffer->is_cpu() || buffer->data() == nullptr) return {};
-  return {buffer->data(), static_cast<size_t>(buffer->size())};
+  return {buffer->data(), static_cast<size_t>(std::max<std::int64_t>(buffer->size(), 0))};
+}
+
+std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, size_t index) {
+  if (index >= array.buffers.size()) return {};
+  return readable_bytes(array.buffers[index]);
 }
 
 ::arrow::Result<std::span<const std::uint8_t>> fixed_width_values(const ::arrow::ArrayData& chunk,
                                                                   std::int64_t width) {
-  const auto bytes = readable_bytes(chunk.buffers[1]);
+  const auto bytes = readable_bytes(chunk, 1);
   if (width == 0 || chunk.length == 0) return bytes.first(0);
   const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
   if (chunk.offset > available || chunk.length > available - chunk.offset) {
@@ -74,6 +79,7 @@ std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Arr
 }
 
 ::arrow::Status check_chunks(const ::arrow::ChunkedArray& column) {
+  std::int64_t rest = column.length();
   for (int i = 0; i < column.num_chunks(); ++i) {
     const auto& chunk = column.chunk(i);
     if (chunk == nullptr) return messages::wrong_chunk(i, "no array", *column.type());
@@ -83,7 +89,10 @@ std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Arr
     if (!extent_is_valid(*chunk->data())) {
       return messages::wrong_extent(chunk->offset(), chunk->length());
     }
+    if (chunk->length() > rest) return messages::wrong_total(column.length());
+    rest -= chunk->length();
   }
+  if (rest != 0) return messages::wrong_total(column.length());
   return ::arrow::Status::OK();
 }
 

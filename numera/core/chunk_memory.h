@@ -9,14 +9,19 @@
 #include <arrow/chunked_array.h>
 #include <arrow/result.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 
 namespace numera::io::arrow::core {
 
-/// The bytes of a buffer; none where it is null or its memory is not main memory.
+/// The bytes of a buffer; none where it is null, its memory is not main memory or its size is
+/// negative.
 std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer);
+
+/// The bytes of buffer `index` of an array; none where the array has not as many buffers.
+std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, size_t index);
 
 /// Elements of fixed width: `length` elements from the array's offset on, `width` bytes each.
 /// Invalid where the values buffer ends before.
@@ -25,13 +30,13 @@ std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buff
 
 /// Bits of a boolean array, from the first bit of its buffer on: the offset is not applied.
 inline std::span<const std::uint8_t> unsliced_bits(const ::arrow::ArrayData& chunk) {
-  return readable_bytes(chunk.buffers[1]);
+  return readable_bytes(chunk, 1);
 }
 
 /// Validity bits, from the first bit of the bitmap on: the offset is not applied. Empty where the
 /// array has no bitmap.
 inline std::span<const std::uint8_t> unsliced_validity(const ::arrow::ArrayData& chunk) {
-  return readable_bytes(chunk.buffers[0]);
+  return readable_bytes(chunk, 0);
 }
 
 /// Null slots of an array. As Arrow's own count, but a bitmap that is too short counts as far as
@@ -41,7 +46,8 @@ std::int64_t count_nulls(const ::arrow::ArrayData& array);
 /// A chunked array of this one chunk.
 std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array);
 
-/// Invalid where a chunk is missing, of another type than the column, or of a negative extent.
+/// Invalid where a chunk is missing, of another type than the column, or of a negative extent, and
+/// where the lengths of all chunks do not add up to that of the column.
 ::arrow::Status check_chunks(const ::arrow::ChunkedArray& column);
 
 }  // namespace numera::io::arrow::core

@@ -9,10 +9,10 @@
 namespace numera::io::arrow::core::messages {
 namespace {
 
-/// "complex 2-by-3 double array", "no value".
+/// "a complex 2-by-3 double array", "no value".
 std::string describe(const hxArray* value) {
   if (value == nullptr) return "no value";
-  std::string text;
+  std::string text = "a ";
   if (hxIsComplex(value)) text += "complex ";
   if (hxIsSparse(value)) text += "sparse ";
   const char* by = "";
@@ -31,7 +31,7 @@ std::string describe(const hxArray* value) {
 
 ::arrow::Status wrong_value(std::string_view field, const hxArray* found,
                             std::string_view expected) {
-  return ::arrow::Status::TypeError("Field '", field, "': found a ", describe(found), ", expected ",
+  return ::arrow::Status::TypeError("Field '", field, "': found ", describe(found), ", expected ",
                                     expected, ".");
 }
 
@@ -51,9 +51,18 @@ std::string describe(const hxArray* value) {
                                   ", expected neither negative and their sum within 64 bits.");
 }
 
+::arrow::Status wrong_total(std::int64_t length) {
+  return ::arrow::Status::Invalid("Chunked array: found length ", length,
+                                  ", expected the lengths of its chunks together.");
+}
+
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column) {
   return ::arrow::Status::Invalid("Chunk ", chunk, ": found ", found, ", expected ", column.name(),
                                   ", the type of the column.");
+}
+
+::arrow::Status no_schema() {
+  return ::arrow::Status::Invalid("Table: found no schema, expected one.");
 }
 
 ::arrow::Status wrong_column_count(std::int64_t found, std::int64_t fields) {
@@ -62,7 +71,8 @@ std::string describe(const hxArray* value) {
 }
 
 ::arrow::Status not_readable() {
-  return ::arrow::Status::Invalid("Buffer: found memory of another device, expected main memory.");
+  return ::arrow::Status::Invalid(
+      "Buffer: found bytes that cannot be read here, expected main memory.");
 }
 
 ::arrow::Status nested_too_deeply() {

@@ -31,13 +31,19 @@ namespace numera::io::arrow::core::messages {
 /// Invalid: an Arrow array whose length or offset is negative or overflows.
 ::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length);
 
+/// Invalid: a chunked array whose length is not that of its chunks together.
+::arrow::Status wrong_total(std::int64_t length);
+
 /// Invalid: a chunk that is missing or of another type than its column.
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column);
+
+/// Invalid: a table without a schema.
+::arrow::Status no_schema();
 
 /// Invalid: a table with fewer or more columns than its schema has fields.
 ::arrow::Status wrong_column_count(std::int64_t found, std::int64_t fields);
 
-/// Invalid: memory of another device.
+/// Invalid: a buffer of no memory, of a negative size, or in the memory of another device.
 ::arrow::Status not_readable();
 
 /// Invalid: values nested deeper than `kMaxNestingLevels`.

@@ -42,6 +42,7 @@ void store_column(hxArray* columns, size_t index, hxArrayPtr envelope) {
   if (table == nullptr) {
     return ::arrow::Status::Invalid("Received null pointer in arrow::Table conversion");
   }
+  if (table->schema() == nullptr) return messages::no_schema();
   const ::arrow::Schema& schema = *table->schema();
   const auto& columns = table->columns();
   if (std::cmp_not_equal(columns.size(), schema.num_fields())) {

@@ -2,6 +2,7 @@
 
 #include <arrow/type.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "numera/core/bitmap.h"
@@ -34,8 +35,10 @@ namespace {
   const size_t count = hxGetDimensions(columns)[0];
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector arrays;
-  fields.reserve(count);
-  arrays.reserve(count);
+  // Of a shape without elements the first extent may be any number: the first access throws.
+  const size_t stored = std::min(count, hxGetNumberOfElements(columns));
+  fields.reserve(stored);
+  arrays.reserve(stored);
   for (size_t i = 0; i < count; ++i) {
     hxThrowIfInterruptPending();
     std::string name = util::HxArrayToString(hxGetCellChecked(names, i));
