@@ -121,6 +121,7 @@ void MemoryStringArray::check_index(size_t i) const {
 // Back to empty texts, keeping the room of the arena.
 void MemoryStringArray::clear() {
   arena_.truncate(0);
+  begins_[0] = 0;
   filled_ = 0;
   garbage_ = 0;
   HostVector<size_t>().swap(lengths_);

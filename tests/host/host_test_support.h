@@ -1,0 +1,56 @@
+#pragma once
+
+/// \file
+/// Short ways to make arrays, and to state what a call throws.
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "numera/host/array.h"
+#include "numera/host/memory.h"
+
+namespace numera::host::memory {
+
+using Dims = std::vector<size_t>;
+using Names = std::vector<const char*>;
+
+inline hxArrayPtr zeros(const Dims& dims, hxClassID class_id = hxClassID::Double) {
+  return hxCreateNumericArray(dims, class_id, hxComplexity::Real);
+}
+
+inline hxArrayPtr number(double value) {
+  hxArrayPtr array = zeros({1, 1});
+  *static_cast<double*>(hxGetData(array.get())) = value;
+  return array;
+}
+
+inline const void* read(const hxArrayPtr& array) {
+  return hxGetData(static_cast<const hxArray*>(array.get()));
+}
+
+inline double number_in(const hxArray* array) {
+  return *static_cast<const double*>(hxGetData(array));
+}
+
+inline Dims dims_of(const hxArrayPtr& array) {
+  const auto dims = hxGetDimensions(array.get());
+  return {dims.begin(), dims.end()};
+}
+
+/// The text of the `Error` that the call throws; a failed expectation where it throws none.
+template <class Error, class Call>
+std::string thrown(Call call) {
+  try {
+    call();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  ADD_FAILURE() << "nothing thrown";
+  return {};
+}
+
+}  // namespace numera::host::memory
