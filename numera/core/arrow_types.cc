@@ -8,7 +8,12 @@
 #include "numera/core/host_values.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
+#include "numera/core/types/date_time.h"
+#include "numera/core/types/list.h"
+#include "numera/core/types/map.h"
 #include "numera/core/types/numeric.h"
+#include "numera/core/types/struct.h"
+#include "numera/core/types/timestamp.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -39,27 +44,27 @@ constexpr ArrowTypeRow kRows[] = {
     {Type::STRING, u"array", u"string", "string", nullptr},
     {Type::BINARY, u"array", u"binary_array", "cell", nullptr},
     {Type::FIXED_SIZE_BINARY, u"array", u"fixed_binary_array", "cell", nullptr},
-    {Type::DATE32, u"array", u"datetime", "datetime", nullptr},
-    {Type::DATE64, u"array", u"datetime", "datetime", nullptr},
-    {Type::TIMESTAMP, u"array", u"datetime", "datetime", nullptr},
-    {Type::TIME32, u"array", u"duration", "duration", nullptr},
-    {Type::TIME64, u"array", u"duration", "duration", nullptr},
+    {Type::DATE32, u"array", u"datetime", "datetime", date_to_numera},
+    {Type::DATE64, u"array", u"datetime", "datetime", date_to_numera},
+    {Type::TIMESTAMP, u"array", u"datetime", "datetime", timestamp_to_numera},
+    {Type::TIME32, u"array", u"duration", "duration", time_to_numera},
+    {Type::TIME64, u"array", u"duration", "duration", time_to_numera},
     refused(Type::INTERVAL_MONTHS),
     refused(Type::INTERVAL_DAY_TIME),
     refused(Type::DECIMAL128),
     refused(Type::DECIMAL256),
-    {Type::LIST, u"list_array", u"list_array", "cell", nullptr},
-    {Type::STRUCT, u"struct", u"struct", "table", nullptr},
+    {Type::LIST, u"list_array", u"list_array", "cell", ListToHost},
+    {Type::STRUCT, u"struct", u"struct", "table", StructToHost},
     refused(Type::SPARSE_UNION),
     refused(Type::DENSE_UNION),
     {Type::DICTIONARY, u"array", u"categorical", "categorical", nullptr},
-    {Type::MAP, u"map", u"map", "cell", nullptr},
+    {Type::MAP, u"map", u"map", "cell", MapToHost},
     refused(Type::EXTENSION),
     refused(Type::FIXED_SIZE_LIST),
     {Type::DURATION, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
     {Type::LARGE_STRING, u"array", u"string", "string", nullptr},
     {Type::LARGE_BINARY, u"array", u"binary_array", "cell", nullptr},
-    {Type::LARGE_LIST, u"list_array", u"large_list_array", "cell", nullptr},
+    {Type::LARGE_LIST, u"list_array", u"large_list_array", "cell", ListToHost},
     refused(Type::INTERVAL_MONTH_DAY_NANO),
     refused(Type::RUN_END_ENCODED),
     refused(Type::STRING_VIEW),

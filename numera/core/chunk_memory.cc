@@ -6,6 +6,7 @@
 #include <arrow/util/bit_util.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -14,11 +15,6 @@
 
 namespace numera::io::arrow::core {
 namespace {
-
-bool extent_is_valid(const ::arrow::ArrayData& array) {
-  return array.offset >= 0 && array.length >= 0 &&
-         array.offset <= std::numeric_limits<std::int64_t>::max() - array.length;
-}
 
 bool bitmap_covers(const ::arrow::ArrayData& array) {
   const auto bits = unsliced_validity(array);
@@ -33,6 +29,11 @@ bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
 }
 
 }  // namespace
+
+bool extent_is_valid(const ::arrow::ArrayData& array) {
+  return array.offset >= 0 && array.length >= 0 &&
+         array.offset <= std::numeric_limits<std::int64_t>::max() - array.length;
+}
 
 std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer) {
   if (buffer == nullptr || !buffer->is_cpu() || buffer->data() == nullptr) return {};
@@ -56,6 +57,55 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
   return bytes.subspan(static_cast<size_t>(chunk.offset * width),
                        static_cast<size_t>(chunk.length * width));
 }
+
+::arrow::Result<std::span<const std::uint8_t>> stored_offsets(const ::arrow::ArrayData& chunk,
+                                                              std::int64_t width) {
+  static constexpr std::array<std::uint8_t, sizeof(std::int64_t)> kZero{};
+  const auto bytes = readable_bytes(chunk.buffers[1]);
+  if (chunk.length == 0 && bytes.empty()) return std::span(kZero).first(static_cast<size_t>(width));
+  const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
+  if (chunk.offset + chunk.length >= available) {
+    return messages::short_buffer("Offsets buffer", static_cast<std::int64_t>(bytes.size()),
+                                  chunk.offset + chunk.length);
+  }
+  return bytes.subspan(static_cast<size_t>(chunk.offset * width),
+                       static_cast<size_t>((chunk.length + 1) * width));
+}
+
+::arrow::Status check_offsets_fit(const ::arrow::ArrayData& array, std::int64_t width) {
+  if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
+  if (array.length == 0) return ::arrow::Status::OK();
+  const auto bytes = static_cast<std::int64_t>(readable_bytes(array.buffers[1]).size());
+  if (array.offset + array.length < bytes / width) return ::arrow::Status::OK();
+  return messages::short_buffer("Offsets buffer", bytes, array.offset + array.length);
+}
+
+template <class Offset>
+::arrow::Result<VariableWidthValues<Offset>> variable_width_values(
+    const ::arrow::ArrayData& array) {
+  ARROW_RETURN_NOT_OK(check_offsets_fit(array, sizeof(Offset)));
+  if (array.length == 0) return VariableWidthValues<Offset>{};
+  const auto offset_bytes = readable_bytes(array.buffers[1])
+                                .subspan(static_cast<size_t>(array.offset) * sizeof(Offset),
+                                         (static_cast<size_t>(array.length) + 1) * sizeof(Offset));
+  VariableWidthValues<Offset> values{{}, readable_bytes(array.buffers[2]), nullptr};
+  if (reinterpret_cast<std::uintptr_t>(offset_bytes.data()) % alignof(Offset) == 0) {
+    values.offsets = {reinterpret_cast<const Offset*>(offset_bytes.data()),
+                      offset_bytes.size() / sizeof(Offset)};
+  } else {
+    auto copy = std::make_shared<std::vector<Offset>>(offset_bytes.size() / sizeof(Offset));
+    std::memcpy(copy->data(), offset_bytes.data(), offset_bytes.size());
+    values.offsets = *copy;
+    values.aligned_offsets = std::move(copy);
+  }
+  ARROW_RETURN_NOT_OK(check_offsets(values.offsets, values.bytes.size()));
+  return values;
+}
+
+template ::arrow::Result<VariableWidthValues<std::int32_t>> variable_width_values(
+    const ::arrow::ArrayData&);
+template ::arrow::Result<VariableWidthValues<std::int64_t>> variable_width_values(
+    const ::arrow::ArrayData&);
 
 std::int64_t count_nulls(const ::arrow::ArrayData& array) {
   if (!arrow_would_read_past_bitmap(array)) return array.GetNullCount();

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace numera::io::arrow::core {
 
@@ -28,6 +29,31 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
 ::arrow::Result<std::span<const std::uint8_t>> fixed_width_values(const ::arrow::ArrayData& chunk,
                                                                   std::int64_t width);
 
+/// Elements of any width, back to back: element i is bytes [offsets[i], offsets[i + 1]).
+template <class Offset>
+struct VariableWidthValues {
+  std::span<const Offset> offsets;  ///< one more than there are elements; none for no elements
+  std::span<const std::uint8_t> bytes;
+  /// Holds the offsets where those of the array lie at an odd address.
+  std::shared_ptr<const std::vector<Offset>> aligned_offsets;
+};
+
+/// The elements of an array with `Offset` (int32 or int64) offsets, from its own offset on. Invalid
+/// where the offsets buffer ends early, or an offset is negative, below the one before or beyond
+/// the end of the values: reading by these offsets stays within `bytes`. One pass over the offsets.
+template <class Offset>
+::arrow::Result<VariableWidthValues<Offset>> variable_width_values(const ::arrow::ArrayData& array);
+
+/// The part of this check that takes no pass: that there are as many offsets, `width` bytes each,
+/// as the array needs.
+::arrow::Status check_offsets_fit(const ::arrow::ArrayData& array, std::int64_t width);
+
+/// The offsets of a list or map as stored: `length` + 1 of them from the array's offset on, `width`
+/// bytes each. An array without elements may have no offsets at all: then there is one, 0. Invalid
+/// where the offsets buffer ends before.
+::arrow::Result<std::span<const std::uint8_t>> stored_offsets(const ::arrow::ArrayData& chunk,
+                                                              std::int64_t width);
+
 /// Bits of a boolean array, from the first bit of its buffer on: the offset is not applied.
 inline std::span<const std::uint8_t> unsliced_bits(const ::arrow::ArrayData& chunk) {
   return readable_bytes(chunk, 1);
@@ -38,6 +64,9 @@ inline std::span<const std::uint8_t> unsliced_bits(const ::arrow::ArrayData& chu
 inline std::span<const std::uint8_t> unsliced_validity(const ::arrow::ArrayData& chunk) {
   return readable_bytes(chunk, 0);
 }
+
+/// Neither offset nor length is negative, and their sum is within 64 bits.
+bool extent_is_valid(const ::arrow::ArrayData& array);
 
 /// Null slots of an array. As Arrow's own count, but a bitmap that is too short counts as far as
 /// it goes.

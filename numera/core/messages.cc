@@ -35,9 +35,21 @@ std::string describe(const hxArray* value) {
                                     expected, ".");
 }
 
+::arrow::Status no_elements(std::string_view field, std::string_view expected) {
+  return ::arrow::Status::Invalid("Field '", field, "': found no elements, expected ", expected,
+                                  ".");
+}
+
 ::arrow::Status wrong_length(std::string_view field, double found) {
   return ::arrow::Status::TypeError("Field '", field, "': found ", found,
                                     ", expected a number of elements within 64 bits.");
+}
+
+::arrow::Status wrong_time_unit(const hxArray* values, std::string_view found) {
+  const bool wide = hxGetClassID(values) == hxClassID::Int64;
+  return ::arrow::Status::Invalid(
+      "Field 'Units': found '", found, "' with 'Values' of class ", hxGetClassName(values),
+      ", expected ", wide ? "'microseconds' or 'nanoseconds'." : "'seconds' or 'milliseconds'.");
 }
 
 ::arrow::Status short_buffer(std::string_view buffer, std::int64_t found_bytes,
@@ -54,6 +66,12 @@ std::string describe(const hxArray* value) {
 ::arrow::Status wrong_total(std::int64_t length) {
   return ::arrow::Status::Invalid("Chunked array: found length ", length,
                                   ", expected the lengths of its chunks together.");
+}
+
+::arrow::Status wrong_layout(const ::arrow::DataType& type, std::string_view found,
+                             std::string_view expected) {
+  return ::arrow::Status::Invalid("Array of type ", type.name(), ": found ", found, ", expected ",
+                                  expected, ".");
 }
 
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column) {

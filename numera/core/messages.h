@@ -21,8 +21,14 @@ namespace numera::io::arrow::core::messages {
 ::arrow::Status wrong_value(std::string_view field, const hxArray* found,
                             std::string_view expected);
 
+/// Invalid: an array without elements where there must be some.
+::arrow::Status no_elements(std::string_view field, std::string_view expected);
+
 /// TypeError: a number that is no length.
 ::arrow::Status wrong_length(std::string_view field, double found);
+
+/// Invalid: a unit that times of the class of "Values" do not take.
+::arrow::Status wrong_time_unit(const hxArray* values, std::string_view found);
 
 /// Invalid: a buffer that ends before the elements it is said to hold.
 ::arrow::Status short_buffer(std::string_view buffer, std::int64_t found_bytes,
@@ -33,6 +39,10 @@ namespace numera::io::arrow::core::messages {
 
 /// Invalid: a chunked array whose length is not that of its chunks together.
 ::arrow::Status wrong_total(std::int64_t length);
+
+/// Invalid: an Arrow array whose buffers or children are not those of its type.
+::arrow::Status wrong_layout(const ::arrow::DataType& type, std::string_view found,
+                             std::string_view expected);
 
 /// Invalid: a chunk that is missing or of another type than its column.
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column);

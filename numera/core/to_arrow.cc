@@ -7,7 +7,11 @@
 #include "numera/core/host_values.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
+#include "numera/core/types/date_time.h"
+#include "numera/core/types/list.h"
 #include "numera/core/types/numeric.h"
+#include "numera/core/types/struct.h"
+#include "numera/core/types/timestamp.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
 
@@ -25,6 +29,8 @@ struct NamedReader {
 /// The readers of struct "Data" by type name: the one place that knows them.
 constexpr NamedReader kReaders[] = {
     {"logical", logical_to_arrow},
+    {"datetime", datetime_to_arrow},
+    {"duration", duration_to_arrow},
 };
 
 struct KindReader {
@@ -53,6 +59,8 @@ ArrayResult plain_to_arrow(const hxArray* envelope, size_t index, int /*level*/)
 
 /// The readers of envelopes by kind. "array" is not nested and takes no level of its own.
 constexpr KindReader kKinds[] = {
+    {"list_array", ListToArrow},
+    {"struct", StructToArrow},
     {"array", plain_to_arrow},
 };
 

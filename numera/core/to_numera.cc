@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "numera/core/array_layout.h"
 #include "numera/core/arrow_types.h"
 #include "numera/core/chunk_memory.h"
 #include "numera/core/dispatch.h"
@@ -44,6 +45,7 @@ namespace numera::io::arrow::core {
     return ::arrow::Status::Invalid("Received null pointer in arrow::Column conversion");
   }
   ARROW_RETURN_NOT_OK(check_nesting(*column->type()));
+  ARROW_RETURN_NOT_OK(check_layout(*column));
   return column_to_numera(*column);
 }
 

@@ -1,0 +1,115 @@
+#include "numera/core/types/date_time.h"
+
+#include <arrow/array/array_primitive.h>
+#include <arrow/type.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "numera/core/host_values.h"
+#include "numera/core/messages.h"
+#include "numera/core/types/numeric.h"
+#include "numera/core/util/text.h"
+#include "numera/core/util/verify_struct.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using ::arrow::TimeUnit;
+using util::VerifyHxStructContains;
+
+struct UnitNames {
+  TimeUnit::type unit;
+  const char* read;
+  const char16_t* written;
+};
+
+/// Every text that is not here means milliseconds, and so does every value that is no unit.
+constexpr UnitNames kUnits[] = {
+    {TimeUnit::SECOND, "seconds", u"seconds"},
+    {TimeUnit::MILLI, "milliseconds", u"milliseconds"},
+    {TimeUnit::MICRO, "microseconds", u"microseconds"},
+    {TimeUnit::NANO, "nanoseconds", u"nanoseconds"},
+};
+constexpr const UnitNames& kMilliseconds = kUnits[1];
+
+const UnitNames& names_of(TimeUnit::type unit) {
+  const auto row = std::ranges::find(kUnits, unit, &UnitNames::unit);
+  return row != std::end(kUnits) ? *row : kMilliseconds;
+}
+
+bool takes_unit(hxClassID values, TimeUnit::type unit) {
+  const bool is_coarse = unit == TimeUnit::SECOND || unit == TimeUnit::MILLI;
+  return is_coarse == (values == hxClassID::Int32);
+}
+
+template <class ArrowType>
+std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> type,
+                                           const hxArray* values,
+                                           std::shared_ptr<::arrow::Buffer> validity) {
+  return std::make_shared<::arrow::NumericArray<ArrowType>>(
+      std::move(type), static_cast<std::int64_t>(hxGetNumberOfElements(values)),
+      borrow_elements(values), std::move(validity), ::arrow::kUnknownNullCount, 0);
+}
+
+/// Dates and times by the width of their type.
+::arrow::Result<hxArrayPtr> counts_to_numera(const ::arrow::ChunkedArray& chunks, bool wide) {
+  return wide ? numeric_to_numera<std::int64_t>(chunks) : numeric_to_numera<std::int32_t>(chunks);
+}
+
+}  // namespace
+
+TimeUnit::type parse_time_unit(const std::string& text) {
+  const auto row = std::ranges::find(kUnits, text, &UnitNames::read);
+  return row != std::end(kUnits) ? row->unit : kMilliseconds.unit;
+}
+
+hxArrayPtr time_unit_name(TimeUnit::type unit) { return make_char_row(names_of(unit).written); }
+
+::arrow::Result<std::shared_ptr<::arrow::DataType>> time_type_from_struct(const hxArray* encoded) {
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Units", hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Values", hxClassID::Unknown, false));
+  const auto unit = parse_time_unit(util::HxArrayToString(hxGetField(encoded, 0, "Units")));
+  const hxArray* values = hxGetField(encoded, 0, "Values");
+  const hxClassID class_id = values == nullptr ? hxClassID::Unknown : hxGetClassID(values);
+  if (class_id != hxClassID::Int32 && class_id != hxClassID::Int64) {
+    return ::arrow::Status::TypeError(
+        "The values field must be either an int32 array or an int64 array.");
+  }
+  // Arrow's factories end the process for a unit that the width does not take.
+  if (!takes_unit(class_id, unit)) return messages::wrong_time_unit(values, names_of(unit).read);
+  return class_id == hxClassID::Int32 ? ::arrow::time32(unit) : ::arrow::time64(unit);
+}
+
+ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity) {
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values,
+                        checked_field(encoded, "Values", hxClassID::Unknown));
+  ARROW_ASSIGN_OR_RAISE(auto type, time_type_from_struct(encoded));
+  ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
+  if (hxGetClassID(values) == hxClassID::Int32) {
+    return make_times<::arrow::Time32Type>(std::move(type), values, std::move(validity));
+  }
+  return make_times<::arrow::Time64Type>(std::move(type), values, std::move(validity));
+}
+
+::arrow::Result<hxArrayPtr> date_to_numera(const ::arrow::ChunkedArray& chunks) {
+  hxArrayPtr date = make_struct(1, {"Values", "DateType"});
+  hxSetField(date.get(), 0, "DateType", make_char_row(u"Date"));
+  const bool wide = chunks.type()->id() == ::arrow::Type::DATE64;
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
+  hxSetField(date.get(), 0, "Values", hxSharedCopy(values.get()));
+  return date;
+}
+
+::arrow::Result<hxArrayPtr> time_to_numera(const ::arrow::ChunkedArray& chunks) {
+  hxArrayPtr time = make_struct(1, {"Values", "Units"});
+  const bool wide = chunks.type()->id() == ::arrow::Type::TIME64;
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
+  hxSetField(time.get(), 0, "Values", hxSharedCopy(values.get()));
+  const auto unit = static_cast<const ::arrow::TimeType&>(*chunks.type()).unit();
+  hxSetField(time.get(), 0, "Units", time_unit_name(unit));
+  return time;
+}
+
+}  // namespace numera::io::arrow::core

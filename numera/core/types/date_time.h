@@ -1,0 +1,39 @@
+#pragma once
+
+/// \file
+/// Calendar dates, times of day, and the names of time units.
+///
+/// A time of day travels both ways as the 1-by-1 struct of "Values" (int32 or int64, counted in the
+/// unit) and "Units" (char row). A date travels towards the host only, as the struct of "Values"
+/// (int32 days or int64 milliseconds since 1970-01-01) and "DateType" ("Date").
+
+#include <arrow/type_fwd.h>
+
+#include <memory>
+#include <string>
+
+#include "numera/core/dispatch.h"
+#include "numera/host/array.h"
+
+namespace numera::io::arrow::core {
+
+/// "seconds", "microseconds" and "nanoseconds"; every other text means milliseconds.
+::arrow::TimeUnit::type parse_time_unit(const std::string& text);
+
+/// Char row of a unit's name; "milliseconds" for a value that is no unit.
+hxArrayPtr time_unit_name(::arrow::TimeUnit::type unit);
+
+/// time32 for int32 "Values", time64 for int64 "Values", in the unit of "Units", which is checked
+/// first. Another class is a TypeError, a unit that the width does not take Invalid.
+::arrow::Result<std::shared_ptr<::arrow::DataType>> time_type_from_struct(const hxArray* encoded);
+
+/// A time-of-day struct to an array over its "Values", which may be of any shape.
+ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
+
+/// Dates to the date struct; an int32 column for date32, int64 for date64.
+::arrow::Result<hxArrayPtr> date_to_numera(const ::arrow::ChunkedArray& chunks);
+
+/// Times of day to the time-of-day struct; an int32 column for time32, int64 for time64.
+::arrow::Result<hxArrayPtr> time_to_numera(const ::arrow::ChunkedArray& chunks);
+
+}  // namespace numera::io::arrow::core
