@@ -8,10 +8,12 @@
 #include "numera/core/host_values.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
+#include "numera/core/types/binary.h"
 #include "numera/core/types/date_time.h"
 #include "numera/core/types/list.h"
 #include "numera/core/types/map.h"
 #include "numera/core/types/numeric.h"
+#include "numera/core/types/string.h"
 #include "numera/core/types/struct.h"
 #include "numera/core/types/timestamp.h"
 
@@ -41,9 +43,9 @@ constexpr ArrowTypeRow kRows[] = {
     refused(Type::HALF_FLOAT),
     {Type::FLOAT, u"array", u"single", "single", numeric_to_numera<float>},
     {Type::DOUBLE, u"array", u"double", "double", numeric_to_numera<double>},
-    {Type::STRING, u"array", u"string", "string", nullptr},
-    {Type::BINARY, u"array", u"binary_array", "cell", nullptr},
-    {Type::FIXED_SIZE_BINARY, u"array", u"fixed_binary_array", "cell", nullptr},
+    {Type::STRING, u"array", u"string", "string", ChunkedStringArrayToHost<::arrow::StringArray>},
+    {Type::BINARY, u"array", u"binary_array", "cell", BinaryChunksToHost<::arrow::BinaryArray>},
+    {Type::FIXED_SIZE_BINARY, u"array", u"fixed_binary_array", "cell", FixedSizeBinaryChunksToHost},
     {Type::DATE32, u"array", u"datetime", "datetime", date_to_numera},
     {Type::DATE64, u"array", u"datetime", "datetime", date_to_numera},
     {Type::TIMESTAMP, u"array", u"datetime", "datetime", timestamp_to_numera},
@@ -62,8 +64,10 @@ constexpr ArrowTypeRow kRows[] = {
     refused(Type::EXTENSION),
     refused(Type::FIXED_SIZE_LIST),
     {Type::DURATION, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
-    {Type::LARGE_STRING, u"array", u"string", "string", nullptr},
-    {Type::LARGE_BINARY, u"array", u"binary_array", "cell", nullptr},
+    {Type::LARGE_STRING, u"array", u"string", "string",
+     ChunkedStringArrayToHost<::arrow::LargeStringArray>},
+    {Type::LARGE_BINARY, u"array", u"binary_array", "cell",
+     BinaryChunksToHost<::arrow::LargeBinaryArray>},
     {Type::LARGE_LIST, u"list_array", u"large_list_array", "cell", ListToHost},
     refused(Type::INTERVAL_MONTH_DAY_NANO),
     refused(Type::RUN_END_ENCODED),

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -26,6 +27,21 @@ bool bitmap_covers(const ::arrow::ArrayData& array) {
 bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
   return array.null_count.load() == ::arrow::kUnknownNullCount && !array.buffers.empty() &&
          array.buffers[0] != nullptr && (!extent_is_valid(array) || !bitmap_covers(array));
+}
+
+template <class Offset>
+::arrow::Status check_offsets(std::span<const Offset> offsets, size_t bytes) {
+  Offset falls = 0;  // of the offsets' own width, so that the loop becomes vector code
+  for (size_t i = 1; i < offsets.size(); ++i) falls |= Offset{offsets[i] < offsets[i - 1]};
+  if (falls == 0 && offsets.front() >= 0 && std::cmp_less_equal(offsets.back(), bytes)) {
+    return ::arrow::Status::OK();
+  }
+  size_t i = 0;
+  while (offsets[i] >= 0 && offsets[i] <= offsets[i + 1] &&
+         std::cmp_less_equal(offsets[i + 1], bytes)) {
+    ++i;
+  }
+  return messages::wrong_range(i, offsets[i], offsets[i + 1], bytes);
 }
 
 }  // namespace

@@ -58,6 +58,22 @@ std::string describe(const hxArray* value) {
                                   expected_elements, " elements.");
 }
 
+::arrow::Status wrong_range(size_t element, std::int64_t begin, std::int64_t end, size_t bytes) {
+  return ::arrow::Status::Invalid("Element ", element, ": found offsets ", begin, " and ", end,
+                                  ", expected a range that rises within ", bytes, " bytes.");
+}
+
+::arrow::Status wrong_code(std::string_view code, size_t slot, std::int64_t dictionary_length) {
+  return ::arrow::Status::Invalid("Dictionary code: found ", code, " at slot ", slot,
+                                  ", expected an index into a dictionary of ", dictionary_length,
+                                  " values.");
+}
+
+::arrow::Status wrong_dictionary(std::string_view found, const ::arrow::DataType& expected) {
+  return ::arrow::Status::Invalid("Dictionary: found ", found, ", expected an array of type ",
+                                  expected.ToString(), ".");
+}
+
 ::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length) {
   return ::arrow::Status::Invalid("Array: found offset ", offset, " and length ", length,
                                   ", expected neither negative and their sum within 64 bits.");

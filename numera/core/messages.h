@@ -7,6 +7,7 @@
 #include <arrow/status.h>
 #include <arrow/type_fwd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -33,6 +34,15 @@ namespace numera::io::arrow::core::messages {
 /// Invalid: a buffer that ends before the elements it is said to hold.
 ::arrow::Status short_buffer(std::string_view buffer, std::int64_t found_bytes,
                              std::int64_t expected_elements);
+
+/// Invalid: an element whose offsets fall or leave the bytes of the values.
+::arrow::Status wrong_range(size_t element, std::int64_t begin, std::int64_t end, size_t bytes);
+
+/// Invalid: a code of a valid slot that is no index into the dictionary.
+::arrow::Status wrong_code(std::string_view code, size_t slot, std::int64_t dictionary_length);
+
+/// Invalid: a dictionary that is missing or of another type than its array says.
+::arrow::Status wrong_dictionary(std::string_view found, const ::arrow::DataType& expected);
 
 /// Invalid: an Arrow array whose length or offset is negative or overflows.
 ::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length);

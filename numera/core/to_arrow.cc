@@ -7,9 +7,11 @@
 #include "numera/core/host_values.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
+#include "numera/core/types/binary.h"
 #include "numera/core/types/date_time.h"
 #include "numera/core/types/list.h"
 #include "numera/core/types/numeric.h"
+#include "numera/core/types/string.h"
 #include "numera/core/types/struct.h"
 #include "numera/core/types/timestamp.h"
 #include "numera/core/util/text.h"
@@ -28,9 +30,9 @@ struct NamedReader {
 
 /// The readers of struct "Data" by type name: the one place that knows them.
 constexpr NamedReader kReaders[] = {
-    {"logical", logical_to_arrow},
-    {"datetime", datetime_to_arrow},
-    {"duration", duration_to_arrow},
+    {"string", MakeLargeStringArray}, {"char", MakeLargeStringArray},
+    {"logical", logical_to_arrow},    {"datetime", datetime_to_arrow},
+    {"duration", duration_to_arrow},  {"binary_array", MakeLargeBinaryArray},
 };
 
 struct KindReader {

@@ -1,0 +1,78 @@
+#include "numera/core/types/binary.h"
+
+#include <arrow/array/array_binary.h>
+#include <arrow/type.h>
+#include <arrow/util/checked_cast.h>
+
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <utility>
+
+#include "numera/core/chunk_memory.h"
+#include "numera/core/host_values.h"
+#include "numera/core/types/values_and_offsets.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+hxArrayPtr make_byte_column(std::span<const std::uint8_t> bytes) {
+  hxArrayPtr column = make_column(hxClassID::UInt8, bytes.size());
+  if (!bytes.empty()) std::memcpy(elements<std::uint8_t>(column), bytes.data(), bytes.size());
+  return column;
+}
+
+}  // namespace
+
+ArrayResult MakeLargeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity) {
+  return borrow_large_array<::arrow::LargeBinaryArray>(s, std::move(validity));
+}
+
+ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity) {
+  return borrow_narrow_array<::arrow::BinaryArray>(s, std::move(validity));
+}
+
+template <class ArrowArray>
+::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ::arrow::ChunkedArray& column) {
+  using Offset = typename ArrowArray::offset_type;
+  for (const auto& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(check_offsets_fit(*chunk->data(), sizeof(Offset)));
+  }
+  hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
+  size_t slot = 0;
+  for (const auto& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto values, variable_width_values<Offset>(*chunk->data()));
+    for (size_t i = 0; i + 1 < values.offsets.size(); ++i) {
+      const auto begin = static_cast<size_t>(values.offsets[i]);
+      const auto end = static_cast<size_t>(values.offsets[i + 1]);
+      hxSetCell(cell.get(), slot++, make_byte_column(values.bytes.subspan(begin, end - begin)));
+    }
+  }
+  return cell;
+}
+
+template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::BinaryArray>(
+    const ::arrow::ChunkedArray&);
+template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::LargeBinaryArray>(
+    const ::arrow::ChunkedArray&);
+
+::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ::arrow::ChunkedArray& column) {
+  const auto& type =
+      ::arrow::internal::checked_cast<const ::arrow::FixedSizeBinaryType&>(*column.type());
+  for (const auto& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(fixed_width_values(*chunk->data(), type.byte_width()));
+  }
+  const auto width = static_cast<size_t>(type.byte_width());
+  hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
+  size_t slot = 0;
+  for (const auto& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(*chunk->data(), type.byte_width()));
+    const auto count = static_cast<size_t>(chunk->length());
+    for (size_t i = 0; i < count; ++i) {
+      hxSetCell(cell.get(), slot++, make_byte_column(bytes.subspan(i * width, width)));
+    }
+  }
+  return cell;
+}
+
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,50 @@
+#pragma once
+
+/// \file
+/// Texts. Towards Arrow they are UTF-8 bytes and offsets, wrapped as they stand (see
+/// values_and_offsets.h); towards the host they become a string array of UTF-16 texts.
+
+#include <arrow/chunked_array.h>
+#include <arrow/result.h>
+#include <arrow/status.h>
+
+#include <cstddef>
+#include <memory>
+
+#include "numera/core/dispatch.h"
+#include "numera/core/types/values_and_offsets.h"
+#include "numera/host/array.h"
+#include "numera/host/string_array.h"
+
+namespace numera::io::arrow::core {
+
+/// An `::arrow::LargeStringArray` over the memory of "Values" and "StartOffsets". The bytes are not
+/// looked at: whether they are UTF-8 is for the caller to know.
+ArrayResult MakeLargeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
+
+/// An `::arrow::StringArray`; its offsets are a copy made by `NarrowOffsets`, with its errors.
+ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
+
+/// Sets the elements of `store` from `start` on to the texts of `array`; those under null slots are
+/// converted like any other. `store` has that many elements.
+///
+/// Whatever the store throws while it converts is Invalid "Could not convert string in row R to
+/// UTF-16 string.\n", as is text that is not UTF-8; R counts within `array`, and is 0 where the
+/// store has not told the row. Offsets that fall or leave their buffers are Invalid too. After a
+/// failure the elements are unspecified.
+///
+/// The whole array is one call of the store. `ArrowArray` is `::arrow::StringArray` or
+/// `::arrow::LargeStringArray`, here and below.
+template <class ArrowArray>
+::arrow::Status FillHostStrings(const ArrowArray& array, hxStringArray& store, size_t start);
+
+/// One array to a string array of N-by-1 elements, none of them missing.
+template <class ArrowArray>
+::arrow::Result<hxArrayPtr> StringArrayToHost(const ArrowArray& array);
+
+/// All chunks to one string array of N-by-1 elements. A row that a failure names counts within its
+/// chunk.
+template <class ArrowArray>
+::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ::arrow::ChunkedArray& column);
+
+}  // namespace numera::io::arrow::core
