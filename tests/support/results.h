@@ -1,0 +1,18 @@
+#pragma once
+
+#include <arrow/result.h>
+#include <arrow/status.h>
+
+#include <stdexcept>
+#include <utility>
+
+namespace numera::testing {
+
+/// The value of a result that is expected to have one; a status ends the test with its text.
+template <class T>
+T ValueOf(::arrow::Result<T> result) {
+  if (!result.ok()) throw std::runtime_error(result.status().ToString());
+  return std::move(result).ValueUnsafe();
+}
+
+}  // namespace numera::testing
