@@ -27,8 +27,22 @@ void count_allocation_of(size_t bytes) {
   if (bytes > static_cast<size_t>(PTRDIFF_MAX)) throw std::bad_alloc();
 }
 
-void* checked(void* block) {
+// Blocks of several huge pages ask for them, since the first write to fresh memory costs a fault a
+// page. It is advice: a system without huge pages goes on with small ones. Ends that fill no huge
+// page keep small ones, so that no block takes more memory than it asked for.
+constexpr size_t kHugePage = size_t{2} * 1024 * 1024;
+constexpr size_t kHugeBytes = 2 * kHugePage;
+
+void advise_huge_pages(void* block, size_t bytes) {
+  if (bytes < kHugeBytes || kSeparateBlocks) return;
+  const size_t before = -reinterpret_cast<std::uintptr_t>(block) % kHugePage;
+  madvise(static_cast<std::byte*>(block) + before, (bytes - before) / kHugePage * kHugePage,
+          MADV_HUGEPAGE);
+}
+
+void* checked(void* block, size_t bytes) {
   if (block == nullptr) throw std::bad_alloc();
+  advise_huge_pages(block, bytes);
   return block;
 }
 
@@ -36,6 +50,7 @@ ElementBlock map_zeroed(size_t bytes) {
   void* const data =
       mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (data == MAP_FAILED) throw std::bad_alloc();
+  advise_huge_pages(data, bytes);
   return {data, bytes};
 }
 
@@ -62,12 +77,12 @@ void count_allocation() {
 
 void* allocate(size_t bytes) {
   count_allocation_of(bytes);
-  return checked(std::malloc(bytes == 0 ? 1 : bytes));
+  return checked(std::malloc(bytes == 0 ? 1 : bytes), bytes);
 }
 
 void* reallocate(void* block, size_t bytes) {
   count_allocation_of(bytes);
-  return checked(std::realloc(block, bytes == 0 ? 1 : bytes));
+  return checked(std::realloc(block, bytes == 0 ? 1 : bytes), bytes);
 }
 
 void release(void* block) noexcept { std::free(block); }
@@ -75,8 +90,11 @@ void release(void* block) noexcept { std::free(block); }
 ElementBlock allocate_elements(size_t bytes, Fill fill) {
   count_allocation_of(bytes);
   if (fill == Fill::Zero && bytes >= kMappedBytes && !kSeparateBlocks) return map_zeroed(bytes);
+  const bool huge = bytes >= kHugeBytes && !kSeparateBlocks;
+  const size_t alignment = huge ? kHugePage : kElementAlignment;
   void* data = nullptr;
-  if (posix_memalign(&data, kElementAlignment, bytes == 0 ? 1 : bytes) != 0) throw std::bad_alloc();
+  if (posix_memalign(&data, alignment, bytes == 0 ? 1 : bytes) != 0) throw std::bad_alloc();
+  advise_huge_pages(data, bytes);
   if (fill == Fill::Zero) std::memset(data, 0, bytes);
   guard_empty_block(data, bytes);
   return {data, 0};

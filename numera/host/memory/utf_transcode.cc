@@ -9,7 +9,7 @@
 namespace numera::host::memory {
 namespace {
 
-// Bytes that are looked at together for being ASCII.
+// Bytes or code units that are looked at together for being ASCII.
 constexpr size_t kStep = 16;
 
 bool ascii_step(const char* bytes) {
@@ -20,6 +20,16 @@ bool ascii_step(const char* bytes) {
 
 void widen_step(const char* bytes, char16_t* units) {
   for (size_t i = 0; i < kStep; ++i) units[i] = static_cast<unsigned char>(bytes[i]);
+}
+
+bool ascii_step(const char16_t* units) {
+  unsigned bits = 0;
+  for (size_t i = 0; i < kStep; ++i) bits |= units[i];
+  return bits < 0x80;
+}
+
+void narrow_step(const char16_t* units, char* bytes) {
+  for (size_t i = 0; i < kStep; ++i) bytes[i] = static_cast<char>(units[i]);
 }
 
 unsigned at(std::string_view text, size_t i) { return static_cast<unsigned char>(text[i]); }
@@ -89,6 +99,27 @@ size_t decode_long(std::string_view text, size_t begin, char16_t* pair) noexcept
 bool is_high(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool is_low(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
+// A code point that is not ASCII; the code units it takes, or 0 for an unpaired surrogate.
+size_t encode_one(std::u16string_view text, size_t begin, char*& bytes) noexcept {
+  const unsigned unit = text[begin];
+  const auto put = [&bytes](unsigned byte) { *bytes++ = static_cast<char>(byte); };
+  if (unit < 0x800) {
+    put(0xC0u | unit >> 6);
+    put(0x80u | (unit & 0x3Fu));
+    return 1;
+  }
+  if (!is_high(text[begin]) && !is_low(text[begin])) {
+    put(0xE0u | unit >> 12);
+    put(0x80u | (unit >> 6 & 0x3Fu));
+    put(0x80u | (unit & 0x3Fu));
+    return 1;
+  }
+  if (!is_high(text[begin]) || begin + 1 == text.size() || !is_low(text[begin + 1])) return 0;
+  const char16_t* const pair = text.data() + begin;
+  bytes = utf8::utf16to8(pair, pair + 2, bytes);
+  return 2;
+}
+
 }  // namespace
 
 Utf8Measure measure_utf8(std::string_view text) noexcept {
@@ -147,28 +178,25 @@ Transcoded utf8_to_utf16(std::string_view text, char16_t* units) noexcept {
 
 Transcoded utf16_to_utf8(std::u16string_view text, char* bytes) noexcept {
   char* out = bytes;
-  const auto put = [&out](unsigned byte) { *out++ = static_cast<char>(byte); };
-  for (size_t i = 0; i < text.size(); ++i) {
-    const unsigned unit = text[i];
-    if (unit < 0x80) {
-      put(unit);
-    } else if (unit < 0x800) {
-      put(0xC0u | unit >> 6);
-      put(0x80u | (unit & 0x3Fu));
-    } else if (!is_high(text[i]) && !is_low(text[i])) {
-      put(0xE0u | unit >> 12);
-      put(0x80u | (unit >> 6 & 0x3Fu));
-      put(0x80u | (unit & 0x3Fu));
-    } else if (is_high(text[i]) && i + 1 < text.size() && is_low(text[i + 1])) {
-      out = utf8::utf16to8(text.begin() + i, text.begin() + i + 2, out);
-      ++i;
-    } else {
-      return {
-          i, static_cast<size_t>(out - bytes),
-          is_high(text[i]) ? TextFault::UnpairedHighSurrogate : TextFault::UnpairedLowSurrogate};
+  size_t i = 0;
+  while (i < text.size()) {
+    while (text.size() - i >= kStep && ascii_step(text.data() + i)) {
+      narrow_step(text.data() + i, out);
+      i += kStep;
+      out += kStep;
+    }
+    while (i < text.size() && text[i] < 0x80) *out++ = static_cast<char>(text[i++]);
+    while (i < text.size() && text[i] >= 0x80) {
+      const size_t length = encode_one(text, i, out);
+      if (length == 0) {
+        return {
+            i, static_cast<size_t>(out - bytes),
+            is_high(text[i]) ? TextFault::UnpairedHighSurrogate : TextFault::UnpairedLowSurrogate};
+      }
+      i += length;
     }
   }
-  return {text.size(), static_cast<size_t>(out - bytes)};
+  return {i, static_cast<size_t>(out - bytes)};
 }
 
 std::string describe(const Transcoded& result) {
