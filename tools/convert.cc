@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ostream>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -39,27 +40,43 @@ struct Column {
   bool returned() const { return way_back == "equal"; }
 };
 
+std::string first_line(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+/// Runs a conversion and adds the time of one that succeeds. What the host refuses by an exception,
+/// which the library lets pass, becomes a status like every other refusal.
 template <class Function>
-auto timed(double& seconds, Function&& function) {
+auto timed(double& seconds, Function&& convert) -> decltype(convert()) {
   const auto start = std::chrono::steady_clock::now();
-  auto result = function();
-  seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  return result;
+  try {
+    auto result = convert();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    if (result.ok()) seconds += taken.count();
+    return result;
+  } catch (const std::logic_error& refusal) {
+    return ::arrow::Status::Invalid(refusal.what());
+  } catch (const hxCodecError& refusal) {
+    return ::arrow::Status::Invalid(refusal.what());
+  }
 }
 
-std::string first_line(std::string text) { return text.substr(0, text.find('\n')); }
+/// NaN equals NaN, but -0 is not 0: what comes back is what went.
+::arrow::EqualOptions same_values() {
+  return ::arrow::EqualOptions::Defaults().nans_equal(true).signed_zeros_equal(false);
+}
 
 std::int64_t bytes_of(const ::arrow::ChunkedArray& values) {
   return ::arrow::util::ReferencedBufferSize(values).ValueOr(0);
 }
 
-/// "equal", or in what the values that came back differ from those that went. NaN equals NaN, and
-/// chunking is set aside.
+/// "equal", or in what the values that came back differ from those that went. Chunking is set
+/// aside.
 std::string compare(const ::arrow::ChunkedArray& went,
                     const std::shared_ptr<::arrow::Array>& came) {
   if (!came->type()->Equals(went.type())) return "returns as " + came->type()->ToString();
-  const auto options = ::arrow::EqualOptions::Defaults().nans_equal(true);
-  return ::arrow::ChunkedArray(came).Equals(went, options) ? "equal" : "differs";
+  if (came->length() != went.length()) {
+    return "returns " + grouped(came->length()) + " of " + grouped(went.length()) + " rows";
+  }
+  return ::arrow::ChunkedArray(came).Equals(went, same_values()) ? "equal" : "differs";
 }
 
 /// Takes one column there and back.
@@ -93,7 +110,7 @@ void convert_column(Column& column, bool show, Way& to_host, Way& to_arrow) {
   const auto table = ::arrow::Table::Make(::arrow::schema(fields), values);
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(table));
   ARROW_ASSIGN_OR_RAISE(const auto back, core::to_arrow_table(host.get()));
-  return back->Equals(*table, ::arrow::EqualOptions::Defaults().nans_equal(true));
+  return back->Equals(*table, same_values());
 }
 
 void print_way(std::ostream& out, const char* label, const Way& way) {
@@ -135,6 +152,7 @@ void print_columns(std::ostream& out, const std::vector<Column>& columns) {
   for (const Column& column : columns) {
     if (!column.tree.empty()) out << '\n' << column.name << ": " << column.tree << '\n';
   }
+  if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return ::arrow::Status::OK();
 }
 
@@ -145,7 +163,7 @@ int convert(const ConvertOptions& options, std::ostream& out, std::ostream& erro
   try {
     const ::arrow::Status status = convert_file(options, out);
     if (status.ok()) return 0;
-    reason = first_line(status.message());
+    reason = status.message();
     if (status.detail() != nullptr) reason += ": " + status.detail()->ToString();
   } catch (const std::exception& error) {
     reason = error.what();

@@ -11,7 +11,8 @@ struct ConvertOptions {
 };
 
 /// Takes every column of a file to the host and back, and prints a row a column. The exit status:
-/// 0 when the file was read, 1 when it was not; the reason goes to `errors` in one line.
+/// 0 when the file was read and the result written, 1 otherwise; the reason goes to `errors` in one
+/// line.
 int convert(const ConvertOptions& options, std::ostream& out, std::ostream& errors);
 
 }  // namespace numera::tools

@@ -7,16 +7,26 @@
 
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace numera::tools {
 namespace {
 
 using TableResult = ::arrow::Result<std::shared_ptr<::arrow::Table>>;
 
+/// A row group becomes a chunk of each column. Checksums of pages are verified where there are any.
 TableResult read_parquet(std::shared_ptr<::arrow::io::RandomAccessFile> file) {
-  ARROW_ASSIGN_OR_RAISE(auto reader,
-                        parquet::arrow::OpenFile(std::move(file), ::arrow::default_memory_pool()));
-  return reader->ReadTable();
+  parquet::ReaderProperties properties;
+  properties.set_page_checksum_verification(true);
+  parquet::arrow::FileReaderBuilder builder;
+  ARROW_RETURN_NOT_OK(builder.Open(std::move(file), properties));
+  ARROW_ASSIGN_OR_RAISE(const auto reader, builder.Build());
+  if (reader->num_row_groups() == 0) return reader->ReadTable();
+  std::vector<std::shared_ptr<::arrow::Table>> row_groups;
+  for (int i = 0; i < reader->num_row_groups(); ++i) {
+    ARROW_ASSIGN_OR_RAISE(row_groups.emplace_back(), reader->ReadRowGroup(i));
+  }
+  return ::arrow::ConcatenateTables(row_groups);
 }
 
 TableResult read_ipc(std::shared_ptr<::arrow::io::RandomAccessFile> file) {

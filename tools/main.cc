@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "numera/version.h"
 #include "tools/convert.h"
@@ -24,7 +25,12 @@ int main(int argc, char** argv) {
   } catch (const CLI::Success& answer) {
     return program.exit(answer);
   } catch (const CLI::ParseError& error) {
-    program.exit(error, std::cerr, std::cerr);
+    const std::vector<std::string> unknown = program.remaining();
+    if (unknown.empty()) {
+      program.exit(error, std::cerr, std::cerr);
+    } else {  // otherwise only the lack of a command would be told
+      program.exit(CLI::ExtrasError(program.get_name(), unknown), std::cerr, std::cerr);
+    }
     return 2;
   }
   return numera::tools::convert(options, std::cout, std::cerr);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 namespace numera::tools {
 namespace {
@@ -12,7 +13,14 @@ size_t width_of(const std::string& text) {
       text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
+bool is_control(char byte) { return static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F; }
+
 }  // namespace
+
+void TextTable::add(std::vector<std::string> cells) {
+  for (std::string& cell : cells) std::ranges::replace_if(cell, is_control, '?');
+  rows_.push_back(std::move(cells));
+}
 
 void TextTable::print(std::ostream& out) const {
   std::vector<size_t> widths(rows_.front().size(), 0);

@@ -2,17 +2,19 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace numera::tools {
 
-/// Rows of cells, printed in columns two blanks apart. The first row is the heading.
+/// Rows of cells, printed in columns two blanks apart. The first row is the heading. A control
+/// character, which would break the table, is printed as "?".
 class TextTable {
  public:
   explicit TextTable(std::vector<std::string> heading) : rows_{std::move(heading)} {}
 
   /// `cells` has as many entries as the heading.
-  void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+  void add(std::vector<std::string> cells);
   void print(std::ostream& out) const;
 
  private:

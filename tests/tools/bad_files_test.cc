@@ -1,0 +1,139 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "tests/tools/program.h"
+#include "tests/tools/written_files.h"
+
+namespace numera::testing {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+/// One line on standard error that names the file and gives the reason, nothing on standard
+/// output, exit status 1.
+void expect_refusal(const std::string& file, const std::string& reason) {
+  const Outcome run = run_program({"convert", file});
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_THAT(run.out, IsEmpty());
+  EXPECT_THAT(run.errors, StartsWith("numera-arrow: " + file + ": "));
+  EXPECT_THAT(run.errors, HasSubstr(reason));
+  EXPECT_THAT(run.errors, EndsWith("\n"));
+  EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
+}
+
+std::string thousand_numbers() {
+  std::string json = "[0";
+  for (int i = 1; i < 1000; ++i) json += "," + std::to_string(i);
+  return json + "]";
+}
+
+class BadFiles : public ::testing::Test {
+ protected:
+  std::string parquet_file() {
+    std::string file = folder_.path("numbers.parquet");
+    write_parquet(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
+    return file;
+  }
+
+  std::string ipc_file() {
+    std::string file = folder_.path("numbers.arrow");
+    write_ipc(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
+    return file;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(BadFiles, AMissingFileIsNamed) {
+  expect_refusal(folder_.path("missing.parquet"), "No such file or directory");
+}
+
+TEST_F(BadFiles, ADirectoryIsNoFile) { expect_refusal(folder_.path(""), "is a directory"); }
+
+TEST_F(BadFiles, AnEmptyFileIsCalledEmpty) {
+  const std::string file = folder_.path("empty.parquet");
+  write_text(file, "");
+  expect_refusal(file, "the file is empty");
+}
+
+TEST_F(BadFiles, AFileOfAnotherFormatIsCalledSo) {
+  const std::string file = folder_.path("text.csv");
+  for (const char* text : {"x", "a,b\n1,2\n", "PARQUET"}) {
+    SCOPED_TRACE(text);
+    write_text(file, text);
+    expect_refusal(file, "neither a Parquet nor an Arrow IPC file");
+  }
+}
+
+TEST_F(BadFiles, AFileOfItsFirstBytesAloneIsTooShort) {
+  const std::string file = folder_.path("start");
+  write_text(file, "PAR1");
+  expect_refusal(file, "smaller than the minimum file footer");
+  write_text(file, "ARROW1");
+  expect_refusal(file, "too small");
+}
+
+TEST_F(BadFiles, ATruncatedParquetFileIsRefused) {
+  const std::string file = parquet_file();
+  const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  for (const std::int64_t size : {whole - 1, whole - 8, whole / 2, std::int64_t{12}}) {
+    SCOPED_TRACE(size);
+    std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
+    expect_refusal(file, "Parquet magic bytes not found in footer");
+  }
+}
+
+TEST_F(BadFiles, ATruncatedIpcFileIsRefused) {
+  const std::string file = ipc_file();
+  const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  for (const std::int64_t size : {whole - 1, whole - 8, whole / 2, std::int64_t{64}}) {
+    SCOPED_TRACE(size);
+    std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
+    expect_refusal(file, "Not an Arrow file");
+  }
+}
+
+TEST_F(BadFiles, AChangedLengthOfAParquetFooterIsNoticed) {
+  const std::string file = parquet_file();
+  flip_byte(file, -5);  // the highest byte of the length
+  expect_refusal(file, "footer");
+}
+
+TEST_F(BadFiles, AChangedFirstByteOfAParquetFooterIsNoticed) {
+  const std::string file = parquet_file();
+  const std::string content = read_text(file);
+  std::uint32_t footer_length = 0;  // stands before the magic bytes at the end
+  std::memcpy(&footer_length, content.data() + content.size() - 8, 4);
+  flip_byte(file, -8 - std::int64_t{footer_length});
+  expect_refusal(file, "thrift");
+}
+
+TEST_F(BadFiles, AChangedPageIsNoticedByItsChecksum) {
+  const std::string file = parquet_file();
+  flip_byte(file, 200);  // among the values, which are the greatest part of the file
+  expect_refusal(file, "CRC checksum verification failed");
+}
+
+TEST_F(BadFiles, AChangedPageHeaderIsNoticed) {
+  const std::string file = parquet_file();
+  flip_byte(file, 4);
+  expect_refusal(file, "Couldn't deserialize thrift");
+}
+
+TEST_F(BadFiles, ValuesThatAreNoValidTextAreNoticed) {
+  const std::string file = folder_.path("texts.arrow");
+  write_ipc(file, *table_of({{"t", ::arrow::utf8(), R"(["abcdefgh"])"}}));
+  overwrite(file, "abcdefgh",
+            "abc\xFF"
+            "efgh");
+  expect_refusal(file, "UTF8");
+}
+
+}  // namespace
+}  // namespace numera::testing

@@ -1,0 +1,66 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "numera/version.h"
+#include "tests/tools/program.h"
+#include "tests/tools/written_files.h"
+
+namespace numera::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(Usage, VersionGoesToStandardOutput) {
+  const Outcome expected{0, "numera-arrow " + std::string(kVersion) + "\n", ""};
+  EXPECT_EQ(run_program({"--version"}), expected);
+}
+
+TEST(Usage, HelpNamesTheCommands) {
+  const Outcome run = run_program({"--help"});
+  EXPECT_EQ(run.exit_status, 0);
+  EXPECT_THAT(run.out, HasSubstr("numera-arrow [OPTIONS] SUBCOMMAND"));
+  EXPECT_THAT(run.out, HasSubstr("convert"));
+  EXPECT_THAT(run.errors, IsEmpty());
+}
+
+TEST(Usage, HelpOfConvertNamesItsArguments) {
+  const Outcome run = run_program({"convert", "--help"});
+  EXPECT_EQ(run.exit_status, 0);
+  EXPECT_THAT(run.out, HasSubstr("FILE"));
+  EXPECT_THAT(run.out, HasSubstr("--show"));
+  EXPECT_THAT(run.errors, IsEmpty());
+}
+
+TEST(Usage, WrongUsageExitsWith2AndSaysWhyOnStandardError) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string reason;
+  };
+  const Case cases[] = {
+      {{}, "A subcommand is required"},
+      {{"frobnicate"}, "frobnicate"},
+      {{"convert"}, "FILE is required"},
+      {{"convert", "one", "two"}, "two"},
+      {{"convert", "--frobnicate", "one"}, "--frobnicate"},
+      {{"--frobnicate"}, "--frobnicate"},
+  };
+  for (const Case& wrong : cases) {
+    SCOPED_TRACE(wrong.reason);
+    const Outcome run = run_program(wrong.arguments);
+    EXPECT_EQ(run.exit_status, 2);
+    EXPECT_THAT(run.out, IsEmpty());
+    EXPECT_THAT(run.errors, HasSubstr(wrong.reason));
+  }
+}
+
+TEST(Usage, AResultThatCannotBeWrittenIsAFailure) {
+  const TemporaryFolder folder;
+  const std::string file = folder.path("small.parquet");
+  write_parquet(file, *table_of({{"n", ::arrow::int32(), "[1, 2]"}}));
+  const Outcome expected{1, "", "numera-arrow: " + file + ": the result cannot be written\n"};
+  EXPECT_EQ(run_program_into("/dev/full", {"convert", file}), expected);
+}
+
+}  // namespace
+}  // namespace numera::testing

@@ -1,0 +1,185 @@
+// Parquet files of every numeric class and of booleans, written here: there and back.
+
+#include <arrow/api.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/tools/program.h"
+#include "tests/tools/written_files.h"
+
+namespace numera::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+/// The result of `convert` for a file that is read.
+std::string converted(const std::string& file, const std::vector<std::string>& options = {}) {
+  std::vector<std::string> arguments = {"convert", file};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  const Outcome run = run_program(arguments);
+  EXPECT_EQ(run.exit_status, 0) << run.errors;
+  EXPECT_EQ(run.errors, "");
+  return run.out;
+}
+
+/// Values repeated to a length, so that chunks begin and end within a byte of their bits.
+std::string repeated(const std::vector<std::string>& values, size_t length) {
+  std::string json = "[";
+  for (size_t i = 0; i < length; ++i) json += (i == 0 ? "" : ",") + values[i % values.size()];
+  return json + "]";
+}
+
+std::vector<NamedColumn> numeric_columns(size_t length, bool nulls) {
+  const std::vector<std::string> numbers = {"0", "1", "127", "3", "5"};
+  const std::vector<std::string> truths = {"true", "true", "false", "true", "false"};
+  std::vector<NamedColumn> columns;
+  for (const auto& type :
+       {::arrow::float64(), ::arrow::float32(), ::arrow::int8(), ::arrow::uint8(), ::arrow::int16(),
+        ::arrow::uint16(), ::arrow::int32(), ::arrow::uint32(), ::arrow::int64(), ::arrow::uint64(),
+        ::arrow::boolean()}) {
+    std::vector<std::string> values = type->id() == ::arrow::Type::BOOL ? truths : numbers;
+    if (nulls) values[2] = "null";
+    columns.push_back({type->name() + "_column", type, repeated(values, length)});
+  }
+  return columns;
+}
+
+class WrittenFiles : public ::testing::Test {
+ protected:
+  std::string parquet_file(const ::arrow::Table& table, std::int64_t row_group_length = 1024) {
+    std::string file = folder_.path("written.parquet");
+    write_parquet(file, table, row_group_length);
+    return file;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(WrittenFiles, EveryNumericClassAndBooleansReturnEqual) {
+  const std::string out = converted(parquet_file(*table_of(numeric_columns(10, false))));
+  EXPECT_EQ(table_rows(out),
+            "double_column | double | double | double | 10 | 1 | 0 | equal\n"
+            "float_column | float | single | single | 10 | 1 | 0 | equal\n"
+            "int8_column | int8 | int8 | int8 | 10 | 1 | 0 | equal\n"
+            "uint8_column | uint8 | uint8 | uint8 | 10 | 1 | 0 | equal\n"
+            "int16_column | int16 | int16 | int16 | 10 | 1 | 0 | equal\n"
+            "uint16_column | uint16 | uint16 | uint16 | 10 | 1 | 0 | equal\n"
+            "int32_column | int32 | int32 | int32 | 10 | 1 | 0 | equal\n"
+            "uint32_column | uint32 | uint32 | uint32 | 10 | 1 | 0 | equal\n"
+            "int64_column | int64 | int64 | int64 | 10 | 1 | 0 | equal\n"
+            "uint64_column | uint64 | uint64 | uint64 | 10 | 1 | 0 | equal\n"
+            "bool_column | bool | logical | logical | 10 | 1 | 0 | equal\n");
+  EXPECT_EQ(line_that_starts(out, "as one table"),
+            "as one table: 11 of 11 columns there and back, equal");
+}
+
+TEST_F(WrittenFiles, RowGroupsOfOddLengthsWithNullsReturnEqual) {
+  const std::string out = converted(parquet_file(*table_of(numeric_columns(1000, true)), 77));
+  EXPECT_EQ(table_rows(out),
+            "double_column | double | double | double | 1,000 | 13 | 200 | equal\n"
+            "float_column | float | single | single | 1,000 | 13 | 200 | equal\n"
+            "int8_column | int8 | int8 | int8 | 1,000 | 13 | 200 | equal\n"
+            "uint8_column | uint8 | uint8 | uint8 | 1,000 | 13 | 200 | equal\n"
+            "int16_column | int16 | int16 | int16 | 1,000 | 13 | 200 | equal\n"
+            "uint16_column | uint16 | uint16 | uint16 | 1,000 | 13 | 200 | equal\n"
+            "int32_column | int32 | int32 | int32 | 1,000 | 13 | 200 | equal\n"
+            "uint32_column | uint32 | uint32 | uint32 | 1,000 | 13 | 200 | equal\n"
+            "int64_column | int64 | int64 | int64 | 1,000 | 13 | 200 | equal\n"
+            "uint64_column | uint64 | uint64 | uint64 | 1,000 | 13 | 200 | equal\n"
+            "bool_column | bool | logical | logical | 1,000 | 13 | 200 | equal\n");
+  EXPECT_EQ(line_that_starts(out, "as one table"),
+            "as one table: 11 of 11 columns there and back, equal");
+}
+
+TEST_F(WrittenFiles, ATableWithoutRowsReturnsEqual) {
+  const std::string out = converted(
+      parquet_file(*table_of({{"n", ::arrow::float64(), "[]"}, {"b", ::arrow::boolean(), "[]"}})));
+  EXPECT_EQ(table_rows(out),
+            "n | double | double | double | 0 | 1 | 0 | equal\n"
+            "b | bool | logical | logical | 0 | 1 | 0 | equal\n");
+  EXPECT_EQ(line_that_starts(out, "as one table"),
+            "as one table: 2 of 2 columns there and back, equal");
+}
+
+TEST_F(WrittenFiles, ATableWithoutColumnsReturnsEqual) {
+  const std::string file = folder_.path("no_columns.arrow");
+  write_ipc(file, *table_of({}));
+  const std::string out = converted(file);
+  EXPECT_EQ(table_rows(out), "");
+  EXPECT_EQ(line_that_starts(out, "as one table"),
+            "as one table: 0 of 0 columns there and back, equal");
+}
+
+TEST_F(WrittenFiles, NamesNeedNotBeAscii) {
+  const std::string out = converted(parquet_file(*table_of({{"größe", ::arrow::int8(), "[1]"},
+                                                            {"身長", ::arrow::int8(), "[2]"},
+                                                            {"𝜆", ::arrow::int8(), "[3]"}})));
+  EXPECT_EQ(table_rows(out),
+            "größe | int8 | int8 | int8 | 1 | 1 | 0 | equal\n"
+            "身長 | int8 | int8 | int8 | 1 | 1 | 0 | equal\n"
+            "𝜆 | int8 | int8 | int8 | 1 | 1 | 0 | equal\n");
+  EXPECT_EQ(line_that_starts(out, "as one table"),
+            "as one table: 3 of 3 columns there and back, equal");
+}
+
+TEST_F(WrittenFiles, ANameWithALineBreakKeepsItsRow) {
+  const std::string out =
+      converted(parquet_file(*table_of({{"two\nlines", ::arrow::int8(), "[1]"}})));
+  EXPECT_EQ(table_rows(out), "two?lines | int8 | int8 | int8 | 1 | 1 | 0 | equal\n");
+}
+
+TEST_F(WrittenFiles, NotANumberInfinityAndNegativeZeroReturnEqual) {
+  ::arrow::DoubleBuilder builder;
+  const double values[] = {std::numeric_limits<double>::quiet_NaN(),
+                           -std::numeric_limits<double>::infinity(), -0.0, 0.0,
+                           std::numeric_limits<double>::denorm_min()};
+  ASSERT_TRUE(builder.AppendValues(values, 5).ok());
+  const auto table = ::arrow::Table::Make(
+      ::arrow::schema({::arrow::field("special", ::arrow::float64())}), {*builder.Finish()});
+  const std::string out = converted(parquet_file(*table), {"--show"});
+  EXPECT_EQ(table_rows(out), "special | double | double | double | 5 | 1 | 0 | equal\n");
+  EXPECT_THAT(out, HasSubstr("  Data: double 5x1 [NaN -Inf -0 0 5e-324]\n"));
+}
+
+TEST_F(WrittenFiles, BytesOfBothWaysAreTold) {
+  const std::string file = folder_.path("numbers.arrow");
+  write_ipc(file, *table_of({{"n", ::arrow::int64(), "[1, 2]"}}));
+  const std::string out = converted(file);
+  EXPECT_THAT(line_that_starts(out, "to the host:"),
+              ::testing::MatchesRegex("to the host:  16 bytes in [0-9]+[.][0-9]+ s"));
+  EXPECT_THAT(line_that_starts(out, "to Arrow:"),
+              ::testing::MatchesRegex("to Arrow:     16 bytes in [0-9]+[.][0-9]+ s"));
+}
+
+TEST_F(WrittenFiles, ShowPrintsTheFirstValuesOfEachEncodedColumn) {
+  const std::string file = parquet_file(
+      *table_of({{"n", ::arrow::int16(), "[1, 2, 3, 4, 5, null, 7]"},
+                 {"b", ::arrow::boolean(), "[true, true, false, false, true, true, true]"}}));
+  const std::string out = converted(file, {"--show"});
+  EXPECT_EQ(out.substr(out.find("\nn: ")),
+            "\nn: struct 1x1\n"
+            "  ArrowType: char 1x5 \"array\"\n"
+            "  Type: char 1x5 \"int16\"\n"
+            "  Valid: struct 1x1\n"
+            "    ArrowType: char 1x6 \"buffer\"\n"
+            "    Values: uint8 1x1 [223]\n"
+            "    Length: double 1x1 [7]\n"
+            "  Data: int16 7x1 [1 2 3 4 5 ... 2 more]\n"
+            "\n"
+            "b: struct 1x1\n"
+            "  ArrowType: char 1x5 \"array\"\n"
+            "  Type: char 1x7 \"logical\"\n"
+            "  Valid: struct 1x1\n"
+            "    ArrowType: char 1x6 \"buffer\"\n"
+            "    Values: uint8 0x1 []\n"
+            "    Length: double 1x1 [7]\n"
+            "  Data: struct 1x1\n"
+            "    Values: uint8 1x1 [115]\n"
+            "    Length: double 1x1 [7]\n"
+            "    ArrowType: char 1x6 \"buffer\"\n");
+}
+
+}  // namespace
+}  // namespace numera::testing
