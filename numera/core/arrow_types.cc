@@ -9,6 +9,7 @@
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/binary.h"
+#include "numera/core/types/categorical.h"
 #include "numera/core/types/date_time.h"
 #include "numera/core/types/list.h"
 #include "numera/core/types/map.h"
@@ -59,7 +60,7 @@ constexpr ArrowTypeRow kRows[] = {
     {Type::STRUCT, u"struct", u"struct", "table", StructToHost},
     refused(Type::SPARSE_UNION),
     refused(Type::DENSE_UNION),
-    {Type::DICTIONARY, u"array", u"categorical", "categorical", nullptr},
+    {Type::DICTIONARY, u"array", u"categorical", "categorical", DictionaryToHost},
     {Type::MAP, u"map", u"map", "cell", MapToHost},
     refused(Type::EXTENSION),
     refused(Type::FIXED_SIZE_LIST),

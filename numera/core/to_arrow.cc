@@ -8,6 +8,7 @@
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/binary.h"
+#include "numera/core/types/categorical.h"
 #include "numera/core/types/date_time.h"
 #include "numera/core/types/list.h"
 #include "numera/core/types/numeric.h"
@@ -30,9 +31,13 @@ struct NamedReader {
 
 /// The readers of struct "Data" by type name: the one place that knows them.
 constexpr NamedReader kReaders[] = {
-    {"string", MakeLargeStringArray}, {"char", MakeLargeStringArray},
-    {"logical", logical_to_arrow},    {"datetime", datetime_to_arrow},
-    {"duration", duration_to_arrow},  {"binary_array", MakeLargeBinaryArray},
+    {"string", MakeLargeStringArray},
+    {"char", MakeLargeStringArray},  // the same under another name
+    {"categorical", categorical_to_arrow},
+    {"logical", logical_to_arrow},
+    {"datetime", datetime_to_arrow},
+    {"duration", duration_to_arrow},
+    {"binary_array", MakeLargeBinaryArray},
 };
 
 struct KindReader {

@@ -1,0 +1,154 @@
+#include "numera/core/types/categorical.h"
+
+#include <arrow/array/array_binary.h>
+#include <arrow/array/array_dict.h>
+#include <arrow/array/util.h>
+#include <arrow/buffer.h>
+#include <arrow/builder.h>
+#include <arrow/memory_pool.h>
+#include <arrow/type.h>
+#include <arrow/util/checked_cast.h>
+
+#include <utility>
+#include <vector>
+
+#include "numera/core/chunk_memory.h"
+#include "numera/core/host_values.h"
+#include "numera/core/messages.h"
+#include "numera/core/types/dictionary_codes.h"
+#include "numera/core/types/numeric.h"
+#include "numera/core/types/string.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using ::arrow::Type;
+using ::arrow::internal::checked_cast;
+
+const ::arrow::DictionaryType& as_dictionary_type(const ::arrow::DataType& type) {
+  return checked_cast<const ::arrow::DictionaryType&>(type);
+}
+
+::arrow::Result<bool> read_ordinal(const hxArray* ordinal) {
+  ARROW_RETURN_NOT_OK(check_plain(ordinal, "Ordinal"));
+  if (hxGetNumberOfElements(ordinal) != 1) {
+    return messages::wrong_value("Ordinal", ordinal, "a logical array of one element");
+  }
+  return *static_cast<const std::uint8_t*>(hxGetData(ordinal)) != 0;
+}
+
+/// The dictionary of a chunk, fit for Arrow to read: Arrow trusts its offsets and counts its nulls
+/// by a bitmap that it trusts to be long enough.
+template <class ArrowArray>
+::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
+    const ::arrow::Array& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {
+  const auto& dictionary = chunk.data()->dictionary;
+  if (dictionary == nullptr) return messages::wrong_dictionary("none", *value_type);
+  if (!dictionary->type->Equals(*value_type)) {
+    return messages::wrong_dictionary(dictionary->type->ToString(), *value_type);
+  }
+  if (dictionary->buffers.size() != 3) {
+    return messages::wrong_dictionary("an array without its buffers", *value_type);
+  }
+  ARROW_RETURN_NOT_OK(
+      variable_width_values<typename ArrowArray::offset_type>(*dictionary).status());
+  auto counted = dictionary->Copy();
+  counted->null_count = count_nulls(*dictionary);
+  return ::arrow::MakeArray(counted);
+}
+
+::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
+    const ::arrow::Array& chunk, const ::arrow::DataType& dict_type) {
+  const auto& value_type = as_dictionary_type(dict_type).value_type();
+  return value_type->id() == Type::LARGE_STRING
+             ? readable_dictionary<::arrow::LargeStringArray>(chunk, value_type)
+             : readable_dictionary<::arrow::StringArray>(chunk, value_type);
+}
+
+::arrow::Result<SingleDictionary> empty_dictionary(
+    const std::shared_ptr<::arrow::DataType>& dict_type) {
+  const auto& type = as_dictionary_type(*dict_type);
+  ARROW_ASSIGN_OR_RAISE(auto dictionary, ::arrow::MakeEmptyArray(type.value_type()));
+  ARROW_ASSIGN_OR_RAISE(auto indices, ::arrow::ChunkedArray::Make({}, type.index_type()));
+  return SingleDictionary{std::move(dictionary), std::move(indices), dict_type};
+}
+
+::arrow::Result<hxArrayPtr> categories_to_host(const ::arrow::Array& dictionary) {
+  if (dictionary.type_id() == Type::LARGE_STRING) {
+    return StringArrayToHost(checked_cast<const ::arrow::LargeStringArray&>(dictionary));
+  }
+  return StringArrayToHost(checked_cast<const ::arrow::StringArray&>(dictionary));
+}
+
+}  // namespace
+
+ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity,
+                               bool useLargeStrings) {
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(data, "Values", hxClassID::Unknown));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* categories,
+                        checked_field(data, "Categories", hxClassID::Struct));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* ordinal, checked_field(data, "Ordinal", hxClassID::Logical));
+  ARROW_ASSIGN_OR_RAISE(const bool ordered, read_ordinal(ordinal));
+  ARROW_ASSIGN_OR_RAISE(auto indices, numeric_to_arrow(values, std::move(validity), "Values"));
+  ARROW_ASSIGN_OR_RAISE(auto dictionary, useLargeStrings ? MakeLargeStringArray(categories, nullptr)
+                                                         : MakeStringArray(categories, nullptr));
+  if (!::arrow::is_integer(indices->type_id())) {
+    return messages::wrong_value("Values", values, "an array of an integer class");
+  }
+  auto type =
+      std::make_shared<::arrow::DictionaryType>(indices->type(), dictionary->type(), ordered);
+  return std::make_shared<::arrow::DictionaryArray>(std::move(type), std::move(indices),
+                                                    std::move(dictionary));
+}
+
+::arrow::Result<SingleDictionary> UnifyDictionaryChunks(
+    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType) {
+  ::arrow::MemoryPool* const pool = ::arrow::default_memory_pool();
+  ARROW_ASSIGN_OR_RAISE(auto unifier, ::arrow::DictionaryUnifier::Make(
+                                          as_dictionary_type(*dictType).value_type(), pool));
+  std::vector<std::shared_ptr<::arrow::Buffer>> maps;
+  for (const auto& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto dictionary, readable_dictionary(*chunk, *dictType));
+    ARROW_RETURN_NOT_OK(unifier->Unify(*dictionary, &maps.emplace_back()));
+  }
+  SingleDictionary single;
+  ARROW_RETURN_NOT_OK(unifier->GetResult(&single.type, &single.dictionary));
+  ::arrow::ArrayVector indices;
+  for (int i = 0; i < column.num_chunks(); ++i) {
+    const auto& chunk = checked_cast<const ::arrow::DictionaryArray&>(*column.chunk(i));
+    ARROW_ASSIGN_OR_RAISE(const auto codes, codes_within_dictionary(chunk));
+    ARROW_ASSIGN_OR_RAISE(const auto map, nonempty_map(maps[static_cast<size_t>(i)]));
+    ARROW_ASSIGN_OR_RAISE(
+        const auto transposed,
+        codes->Transpose(single.type, single.dictionary, map->data_as<std::int32_t>(), pool));
+    indices.push_back(checked_cast<const ::arrow::DictionaryArray&>(*transposed).indices());
+  }
+  ARROW_ASSIGN_OR_RAISE(single.indices, ::arrow::ChunkedArray::Make(std::move(indices)));
+  return single;
+}
+
+::arrow::Result<SingleDictionary> DictionaryChunksToSingle(
+    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType) {
+  if (column.num_chunks() == 0) return empty_dictionary(dictType);
+  if (column.num_chunks() > 1) return UnifyDictionaryChunks(column, dictType);
+  const auto& chunk = checked_cast<const ::arrow::DictionaryArray&>(*column.chunk(0));
+  ARROW_ASSIGN_OR_RAISE(auto dictionary, readable_dictionary(chunk, *dictType));
+  return SingleDictionary{std::move(dictionary), single_chunk(chunk.indices()), dictType};
+}
+
+::arrow::Result<hxArrayPtr> DictionaryToHost(const ::arrow::ChunkedArray& column) {
+  const auto& value_type = as_dictionary_type(*column.type()).value_type();
+  if (value_type->id() != Type::STRING && value_type->id() != Type::LARGE_STRING) {
+    return ::arrow::Status::Invalid("Invalid dictionary value type: ", value_type->ToString());
+  }
+  ARROW_ASSIGN_OR_RAISE(const auto single, DictionaryChunksToSingle(column, column.type()));
+  hxArrayPtr data = make_struct(1, {"Categories", "Values", "Ordinal"});
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr categories, categories_to_host(*single.dictionary));
+  hxSetField(data.get(), 0, "Categories", std::move(categories));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr codes, data_to_numera(*single.indices));
+  hxSetField(data.get(), 0, "Values", std::move(codes));
+  hxSetField(data.get(), 0, "Ordinal", make_logical(as_dictionary_type(*single.type).ordered()));
+  return data;
+}
+
+}  // namespace numera::io::arrow::core

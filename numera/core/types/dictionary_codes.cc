@@ -1,0 +1,142 @@
+#include "numera/core/types/dictionary_codes.h"
+
+#include <arrow/array/data.h>
+#include <arrow/type.h>
+#include <arrow/util/bit_util.h>
+
+#include <algorithm>
+#include <concepts>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "numera/core/bitmap.h"
+#include "numera/core/chunk_memory.h"
+#include "numera/core/messages.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using ::arrow::ArrayData;
+using ArrayDataResult = ::arrow::Result<std::shared_ptr<ArrayData>>;
+
+/// Codes of one type. Buffers need not be aligned.
+template <std::integral Code>
+class Codes {
+ public:
+  explicit Codes(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+
+  size_t size() const { return bytes_.size() / sizeof(Code); }
+  Code operator[](size_t i) const {
+    Code code;
+    std::memcpy(&code, bytes_.data() + i * sizeof(Code), sizeof(Code));
+    return code;
+  }
+
+ private:
+  std::span<const std::uint8_t> bytes_;
+};
+
+/// Negative codes lie outside of every dictionary, as the large numbers that they are unsigned.
+template <class Code>
+auto unsigned_code(Code code) {
+  return static_cast<std::make_unsigned_t<Code>>(code);
+}
+
+template <class Code>
+bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
+  std::make_unsigned_t<Code> largest = 0;
+  for (size_t i = 0; i < codes.size(); ++i) largest = std::max(largest, unsigned_code(codes[i]));
+  return codes.size() == 0 || std::cmp_less(largest, dictionary_length);
+}
+
+/// A copy without an offset: its codes within the dictionary, its bitmap as long as the codes.
+template <class Code>
+ArrayDataResult rebuild(const ArrayData& chunk, Codes<Code> codes) {
+  const std::int64_t dictionary_length = chunk.dictionary->length;
+  const auto bits = unsliced_validity(chunk);
+  const auto is_valid = [&](size_t i) {
+    const size_t bit = static_cast<size_t>(chunk.offset) + i;
+    return bit / 8 >= bits.size() || ::arrow::bit_util::GetBit(bits.data(), bit);
+  };
+  ARROW_ASSIGN_OR_RAISE(std::shared_ptr<::arrow::Buffer> bitmap,
+                        ::arrow::AllocateBuffer(bitmap_bytes(chunk.length)));
+  ARROW_ASSIGN_OR_RAISE(
+      std::shared_ptr<::arrow::Buffer> values,
+      ::arrow::AllocateBuffer(static_cast<std::int64_t>(codes.size() * sizeof(Code))));
+  std::memset(bitmap->mutable_data(), 0, static_cast<size_t>(bitmap->size()));
+  std::int64_t nulls = 0;
+  for (size_t i = 0; i < codes.size(); ++i) {
+    Code code = codes[i];
+    const bool valid = is_valid(i);
+    if (!std::cmp_less(unsigned_code(code), dictionary_length)) {
+      if (valid) return messages::wrong_code(std::to_string(code), i, dictionary_length);
+      code = 0;
+    }
+    ::arrow::bit_util::SetBitTo(bitmap->mutable_data(), static_cast<std::int64_t>(i), valid);
+    nulls += !valid;
+    std::memcpy(values->mutable_data() + i * sizeof(Code), &code, sizeof(Code));
+  }
+  auto rebuilt = ArrayData::Make(chunk.type, chunk.length, {bitmap, values}, nulls);
+  rebuilt->dictionary = chunk.dictionary;
+  return rebuilt;
+}
+
+template <class Code>
+ArrayDataResult within_dictionary(const ArrayData& chunk) {
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, sizeof(Code)));
+  const Codes<Code> codes(bytes);
+  const auto bits = unsliced_validity(chunk);
+  const bool covered = bits.empty() || bitmap_bytes(chunk.offset + chunk.length) <=
+                                           static_cast<std::int64_t>(bits.size());
+  if (!covered || !are_within(codes, chunk.dictionary->length)) return rebuild(chunk, codes);
+  auto same = chunk.Copy();
+  // Where there may be nulls Arrow reads the bitmap without asking whether there is one.
+  same->null_count = bits.empty() ? 0 : count_nulls(chunk);
+  return same;
+}
+
+ArrayDataResult within_dictionary(const ArrayData& chunk, ::arrow::Type::type index_type) {
+  switch (index_type) {
+    case ::arrow::Type::INT8:
+      return within_dictionary<std::int8_t>(chunk);
+    case ::arrow::Type::UINT8:
+      return within_dictionary<std::uint8_t>(chunk);
+    case ::arrow::Type::INT16:
+      return within_dictionary<std::int16_t>(chunk);
+    case ::arrow::Type::UINT16:
+      return within_dictionary<std::uint16_t>(chunk);
+    case ::arrow::Type::INT32:
+      return within_dictionary<std::int32_t>(chunk);
+    case ::arrow::Type::UINT32:
+      return within_dictionary<std::uint32_t>(chunk);
+    case ::arrow::Type::INT64:
+      return within_dictionary<std::int64_t>(chunk);
+    default:
+      // A dictionary type takes integers only.
+      return within_dictionary<std::uint64_t>(chunk);
+  }
+}
+
+}  // namespace
+
+::arrow::Result<std::shared_ptr<::arrow::DictionaryArray>> codes_within_dictionary(
+    const ::arrow::DictionaryArray& chunk) {
+  ARROW_ASSIGN_OR_RAISE(const auto data,
+                        within_dictionary(*chunk.data(), chunk.dict_type()->index_type()->id()));
+  return std::make_shared<::arrow::DictionaryArray>(data);
+}
+
+::arrow::Result<std::shared_ptr<::arrow::Buffer>> nonempty_map(
+    const std::shared_ptr<::arrow::Buffer>& map) {
+  if (map->size() > 0) return map;
+  ARROW_ASSIGN_OR_RAISE(std::shared_ptr<::arrow::Buffer> zero,
+                        ::arrow::AllocateBuffer(sizeof(std::int32_t)));
+  std::memset(zero->mutable_data(), 0, sizeof(std::int32_t));
+  return zero;
+}
+
+}  // namespace numera::io::arrow::core
