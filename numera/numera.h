@@ -16,4 +16,5 @@
 #include "numera/host/message_id_exception.h"
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
+#include "numera/unicode/convert_utf16_to_utf8.h"
 #include "numera/version.h"

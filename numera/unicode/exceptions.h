@@ -1,0 +1,60 @@
+#pragma once
+
+/// \file
+/// Tags of the exceptions that `convertUTF16ToUTF8` throws, each as `hxTaggedException<Tag>`. The
+/// wording of a message belongs to the message catalogue of the host.
+
+#include "numera/export.h"
+
+namespace NUMERA::io::arrow::unicode {
+
+/// The input is neither a string array, a cell array nor a char array.
+struct NUMERA_EXPORT InvalidTextInput {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "InvalidTextInput";
+};
+
+/// A char array has not two dimensions.
+struct NUMERA_EXPORT InvalidCharDimensions {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "InvalidCharDimensions";
+};
+
+/// A string array has not two dimensions, or more than one column.
+struct NUMERA_EXPORT InvalidStringDimensions {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "InvalidStringDimensions";
+};
+
+/// A cell array has not two dimensions, or more than one column.
+struct NUMERA_EXPORT InvalidCellstrDimensions {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "InvalidCellstrDimensions";
+};
+
+/// A cell is empty or holds anything but a char row: a value of another class, of more than two
+/// dimensions, or of more than one row.
+struct NUMERA_EXPORT InvalidCellArray {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "InvalidCellArray";
+};
+
+/// A text is not valid UTF-16. Arguments: the number of the element, counted from 1
+/// (`std::uint64_t`), and what the codec says (`std::string`).
+struct NUMERA_EXPORT UnrecognizedUTF16Character {
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
+  static constexpr const char* key = "UnrecognizedUTF16Character";
+};
+
+}  // namespace NUMERA::io::arrow::unicode
+
+namespace numera::io::arrow::unicode {
+
+using ::NUMERA::io::arrow::unicode::InvalidCellArray;
+using ::NUMERA::io::arrow::unicode::InvalidCellstrDimensions;
+using ::NUMERA::io::arrow::unicode::InvalidCharDimensions;
+using ::NUMERA::io::arrow::unicode::InvalidStringDimensions;
+using ::NUMERA::io::arrow::unicode::InvalidTextInput;
+using ::NUMERA::io::arrow::unicode::UnrecognizedUTF16Character;
+
+}  // namespace numera::io::arrow::unicode
