@@ -6,12 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "numera/host/array.h"
 #include "numera/host/memory.h"
+#include "numera/host/string_array.h"
 
 namespace numera::host::memory {
 
@@ -39,6 +41,18 @@ inline double number_in(const hxArray* array) {
 inline Dims dims_of(const hxArrayPtr& array) {
   const auto dims = hxGetDimensions(array.get());
   return {dims.begin(), dims.end()};
+}
+
+/// The elements of a string array; nullopt: missing.
+using Texts = std::vector<std::optional<std::u16string>>;
+
+inline Texts texts_of(const hxStringArray& strings) {
+  Texts texts;
+  for (size_t i = 0; i < strings.size(); ++i) {
+    const auto text = strings.element(i);
+    texts.push_back(text ? std::optional(std::u16string(*text)) : std::nullopt);
+  }
+  return texts;
 }
 
 /// The text of the `Error` that the call throws; a failed expectation where it throws none.

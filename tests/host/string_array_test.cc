@@ -10,17 +10,6 @@
 namespace numera::host::memory {
 namespace {
 
-using Texts = std::vector<std::optional<std::u16string>>;
-
-Texts texts_of(const hxStringArray& strings) {
-  Texts texts;
-  for (size_t i = 0; i < strings.size(); ++i) {
-    const auto text = strings.element(i);
-    texts.push_back(text ? std::optional(std::u16string(*text)) : std::nullopt);
-  }
-  return texts;
-}
-
 TEST(StringArray, HoldsEmptyTextsAtFirst) {
   const auto strings = hxMakeStringArray(Dims{2, 2});
   EXPECT_EQ(strings->size(), 4u);
