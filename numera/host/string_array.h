@@ -53,8 +53,9 @@ class NUMERA_EXPORT hxStringArray {
       const auto begin = static_cast<size_t>(offsets[k]);
       const auto end = static_cast<size_t>(offsets[k + 1]);
       const std::string_view text =
-          begin == end ? std::string_view()
-                       : std::string_view(reinterpret_cast<const char*>(bytes) + begin, end - begin);
+          begin == end
+              ? std::string_view()
+              : std::string_view(reinterpret_cast<const char*>(bytes) + begin, end - begin);
       try {
         set(first + k, codec.convert(text));
       } catch (const hxCodecError&) {
