@@ -30,7 +30,7 @@ TableResult read_parquet(std::shared_ptr<::arrow::io::RandomAccessFile> file) {
 }
 
 TableResult read_ipc(std::shared_ptr<::arrow::io::RandomAccessFile> file) {
-  ARROW_ASSIGN_OR_RAISE(auto reader, ::arrow::ipc::RecordBatchFileReader::Open(std::move(file)));
+  ARROW_ASSIGN_OR_RAISE(auto reader, ::arrow::ipc::RecordBatchFileReader::Open(file));
   return reader->ToTable();
 }
 

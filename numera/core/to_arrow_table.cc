@@ -47,7 +47,7 @@ namespace {
     fields.push_back(::arrow::field(std::move(name), array->type()));
     arrays.push_back(std::move(array));
   }
-  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(arrays), -1);
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), arrays, -1);
 }
 
 }  // namespace numera::io::arrow::core

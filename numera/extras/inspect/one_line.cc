@@ -127,7 +127,7 @@ std::string strings_text(const hxArray* array, const Limits& limits) {
 std::string one_line(const hxArray* array, const char* null_text, size_t max_elements,
                      size_t max_columns) {
   if (array == nullptr) return null_text;
-  const std::string head = class_text(array) + " " + size_text(array);
+  std::string head = class_text(array) + " " + size_text(array);
   const Limits limits{max_elements, less(max_columns, columns(head) + 1)};
   switch (content_of(array)) {
     case Content::kNumbers:

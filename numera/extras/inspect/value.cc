@@ -94,6 +94,7 @@ size_t slot_count(const hxArray* container) {
 const hxArray* slot_value(const hxArray* container, size_t slot) {
   if (content_of(container) == Content::kCells) return hxGetCell(container, slot);
   const size_t fields = field_count(container);
+  if (fields == 0) return nullptr;
   const char* const name = hxGetFieldName(container, static_cast<int>(slot % fields));
   return hxGetField(container, slot / fields, name);
 }

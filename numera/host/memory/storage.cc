@@ -119,7 +119,7 @@ hxArrayPtr new_joined_array(const Description& description, size_t bytes, Fill f
   }
   auto* const elements =
       ::new (control) Elements{.block = data, .own_data = !inline_data, .own_block = false};
-  block.release();
+  static_cast<void>(block.release());
   return hxArrayPtr(new_header(header, layout, elements, false));
 }
 
@@ -129,7 +129,7 @@ hxArrayPtr new_separate_array(const Description& description, size_t bytes, Fill
   Layout* const layout = build_layout(layout_block.get(), description);
   OwnedBlock header(allocate(sizeof(hxArray)));
   Elements* const elements = new_elements(bytes, fill);
-  layout_block.release();
+  static_cast<void>(layout_block.release());
   return hxArrayPtr(new_header(header.release(), layout, elements, true));
 }
 
