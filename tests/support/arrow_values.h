@@ -36,14 +36,15 @@ inline std::shared_ptr<::arrow::Buffer> ArrowBuffer(const std::vector<std::uint8
 inline ::testing::AssertionResult SameArray(const ::arrow::Array& actual,
                                             const ::arrow::Array& expected) {
   if (!actual.type()->Equals(*expected.type(), /*check_metadata=*/true)) {
-    return ::testing::AssertionFailure() << "types differ:\n  actual   " << *actual.type()
-                                         << "\n  expected " << *expected.type();
+    return ::testing::AssertionFailure()
+           << "types differ:\n  actual   " << *actual.type() << "\n  expected " << *expected.type();
   }
   if (actual.Equals(expected, ::arrow::EqualOptions::Defaults().nans_equal(true))) {
     return ::testing::AssertionSuccess();
   }
-  return ::testing::AssertionFailure()
-         << "actual:\n" << actual.ToString() << "\nexpected:\n" << expected.ToString();
+  return ::testing::AssertionFailure() << "actual:\n"
+                                       << actual.ToString() << "\nexpected:\n"
+                                       << expected.ToString();
 }
 
 }  // namespace numera::testing
