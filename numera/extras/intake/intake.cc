@@ -1,0 +1,82 @@
+#include "numera/extras/intake/intake.h"
+
+#include <utility>
+
+#include "numera/core/util/table_error.h"
+#include "numera/extras/intake/column.h"
+
+namespace numera::extras {
+namespace {
+
+using io::arrow::core::util::TableErrorCode;
+using io::arrow::core::util::TableErrorStatusDetail;
+
+::arrow::Status null_pointer(const char* what) {
+  return ::arrow::Status::Invalid(what, ": found a null pointer, expected a value.");
+}
+
+intake::Work work_of(const IntakeOptions& options) {
+  intake::Work work;
+  work.cast = options.cast;
+  return work;
+}
+
+::arrow::Status in_column(const ::arrow::Status& status, const ::arrow::Field& field, int index) {
+  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
+  return status.WithDetail(std::make_shared<TableErrorStatusDetail>(code, field.name(), index));
+}
+
+::arrow::Result<intake::TakenColumn> take_in_column_of(const ::arrow::Table& table, int index,
+                                                       const IntakeOptions& options) {
+  const auto& column = table.column(index);
+  if (column == nullptr) return null_pointer("Column");
+  return intake::take_in_column(table.field(index)->name(), column->type(), column->chunks(),
+                                work_of(options));
+}
+
+}  // namespace
+
+std::string to_string(const IntakeCast& cast) {
+  const std::string place = cast.path.empty() ? "" : cast.path + ": ";
+  return place + cast.from->ToString() + " to " + cast.to->ToString();
+}
+
+::arrow::Result<Intake<::arrow::Array>> take_in(const std::shared_ptr<::arrow::Array>& array,
+                                                const IntakeOptions& options) {
+  if (array == nullptr) return null_pointer("Array");
+  ARROW_ASSIGN_OR_RAISE(auto taken,
+                        intake::take_in_column("", array->type(), {array}, work_of(options)));
+  return Intake<::arrow::Array>{std::move(taken.chunks[0]), std::move(taken.casts)};
+}
+
+::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
+    const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options) {
+  if (column == nullptr) return null_pointer("Column");
+  ARROW_ASSIGN_OR_RAISE(
+      auto taken, intake::take_in_column("", column->type(), column->chunks(), work_of(options)));
+  return Intake<::arrow::ChunkedArray>{
+      std::make_shared<::arrow::ChunkedArray>(std::move(taken.chunks), std::move(taken.type)),
+      std::move(taken.casts)};
+}
+
+::arrow::Result<Intake<::arrow::Table>> take_in(const std::shared_ptr<::arrow::Table>& table,
+                                                const IntakeOptions& options) {
+  if (table == nullptr) return null_pointer("Table");
+  Intake<::arrow::Table> result;
+  ::arrow::FieldVector fields;
+  ::arrow::ChunkedArrayVector columns;
+  for (int i = 0; i < table->num_columns(); ++i) {
+    auto taken = take_in_column_of(*table, i, options);
+    if (!taken.ok()) return in_column(taken.status(), *table->field(i), i);
+    fields.push_back(table->field(i)->WithType(taken->type));
+    columns.push_back(
+        std::make_shared<::arrow::ChunkedArray>(std::move(taken->chunks), std::move(taken->type)));
+    for (auto& cast : taken->casts) result.casts.push_back(std::move(cast));
+  }
+  result.value =
+      ::arrow::Table::Make(::arrow::schema(std::move(fields), table->schema()->metadata()),
+                           std::move(columns), table->num_rows());
+  return result;
+}
+
+}  // namespace numera::extras

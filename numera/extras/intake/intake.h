@@ -1,0 +1,91 @@
+#pragma once
+
+/// \file
+/// Arrow data from outside made fit for `to_numera`.
+///
+/// `to_numera` trusts what it is given, and reads validity and truth values from the first bit of
+/// their buffers, whatever the offset of a slice. `take_in` checks the data completely and removes
+/// offsets at every depth, in children and dictionaries too; on request it also casts what
+/// `to_numera` refuses. docs/intake.md has the rule of every Arrow type.
+///
+/// \code
+///   ARROW_ASSIGN_OR_RAISE(auto taken, numera::extras::take_in(table, {.cast = true}));
+///   for (const auto& cast : taken.casts) std::cerr << numera::extras::to_string(cast) << "\n";
+///   return numera::io::arrow::core::to_numera(taken.value);
+/// \endcode
+
+#include <arrow/array/array_base.h>
+#include <arrow/chunked_array.h>
+#include <arrow/result.h>
+#include <arrow/table.h>
+#include <arrow/type.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "numera/arrow_version.h"
+#include "numera/export.h"
+
+namespace numera::extras {
+
+struct IntakeOptions {
+  /// Casts what `to_numera` refuses, as far as there is a rule for it.
+  bool cast = false;
+};
+
+/// One value, at whatever depth, that was cast.
+struct IntakeCast {
+  /// Where it is: a table's column by its name, and from there (or from the array itself, whose
+  /// path is empty) ".name" for a field of a struct, "[]" for the elements of a list, "{key}" and
+  /// "{item}" for those of a map, "<dictionary>" for a dictionary, "<values>" for run-end encoded
+  /// values and "<storage>" for those of an extension type.
+  std::string path;
+  std::shared_ptr<::arrow::DataType> from;
+  std::shared_ptr<::arrow::DataType> to;
+};
+
+/// "trips[].fare: decimal128(9, 2) to double"
+NUMERA_EXPORT std::string to_string(const IntakeCast& cast);
+
+template <class T>
+struct Intake {
+  std::shared_ptr<T> value;
+  /// In the order of fields, the inner value before the one around it; each once, whatever the
+  /// number of chunks.
+  std::vector<IntakeCast> casts;
+};
+
+/// The same value, fit for `to_numera`: valid (`ValidateFull`), offset 0 at every depth, no longer
+/// bitmap than its elements need, list and map offsets that start at 0 and children cut to what
+/// they use, null counts right or unknown (-1). Without `options.cast` its type is unchanged.
+///
+/// Buffers are shared with the input wherever they can be, and an array that is fit already keeps
+/// all of them: bitmaps and truth values are copied where they do not start at a byte, offsets of
+/// lists and maps where the first is not 0, and values where they are cast.
+///
+/// A cast to text, bytes or lists gives 32-bit offsets, and 64-bit ones ("large") in the whole
+/// column where one chunk has too many bytes or elements for them.
+///
+/// Errors, all of which begin with the path where it is not empty:
+/// - null pointers, at any depth: Invalid
+/// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
+/// - nesting deeper than `kMaxNestingLevels`: Invalid
+/// - memory of another device than the CPU: Invalid
+/// - whatever `ValidateFull` finds: its status
+/// - elements of a map too many for its 32-bit offsets once cast: Invalid
+///
+/// Cost: validation reads every element once. Peak memory is what is copied or cast, and 8 bytes
+/// for each element of a list view, a run-end encoded value or a dictionary that is taken apart.
+NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
+    const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
+
+/// Chunk by chunk; all chunks get the same type.
+NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
+    const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
+
+/// Column by column; names, nullability and metadata stay.
+NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Table>> take_in(
+    const std::shared_ptr<::arrow::Table>& table, const IntakeOptions& options = {});
+
+}  // namespace numera::extras

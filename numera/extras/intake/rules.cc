@@ -1,0 +1,164 @@
+#include "numera/extras/intake/rules.h"
+
+#include <arrow/extension_type.h>
+
+#include <iterator>
+
+#include "numera/core/limits.h"
+#include "numera/extras/intake/takes.h"
+
+namespace numera::extras::intake {
+namespace {
+
+using ::arrow::Type;
+
+constexpr Rule kept(Type::type id, const char* type, Take take) {
+  return {id, type, Fate::kKept, "", take};
+}
+
+constexpr Rule cast(Type::type id, const char* type, const char* to, Take take) {
+  return {id, type, Fate::kCast, to, take};
+}
+
+constexpr Rule refused(Type::type id, const char* type) {
+  return {id, type, Fate::kRefused, "", nullptr};
+}
+
+constexpr Rule kRules[] = {
+    kept(Type::NA, "null", take_null),
+    kept(Type::BOOL, "bool", take_bits),
+    kept(Type::UINT8, "uint8", take_fixed_width),
+    kept(Type::INT8, "int8", take_fixed_width),
+    kept(Type::UINT16, "uint16", take_fixed_width),
+    kept(Type::INT16, "int16", take_fixed_width),
+    kept(Type::UINT32, "uint32", take_fixed_width),
+    kept(Type::INT32, "int32", take_fixed_width),
+    kept(Type::UINT64, "uint64", take_fixed_width),
+    kept(Type::INT64, "int64", take_fixed_width),
+    cast(Type::HALF_FLOAT, "halffloat", "double", cast_half_float),
+    kept(Type::FLOAT, "float", take_fixed_width),
+    kept(Type::DOUBLE, "double", take_fixed_width),
+    kept(Type::STRING, "utf8", take_text<std::int32_t>),
+    kept(Type::BINARY, "binary", take_text<std::int32_t>),
+    kept(Type::FIXED_SIZE_BINARY, "fixed_size_binary", take_fixed_width),
+    kept(Type::DATE32, "date32", take_fixed_width),
+    kept(Type::DATE64, "date64", take_fixed_width),
+    kept(Type::TIMESTAMP, "timestamp", take_fixed_width),
+    kept(Type::TIME32, "time32", take_fixed_width),
+    kept(Type::TIME64, "time64", take_fixed_width),
+    cast(Type::INTERVAL_MONTHS, "month_interval", "utf8", cast_month_interval),
+    cast(Type::INTERVAL_DAY_TIME, "day_time_interval", "utf8", cast_day_time_interval),
+    cast(Type::DECIMAL128, "decimal128", "double", cast_decimal),
+    cast(Type::DECIMAL256, "decimal256", "double", cast_decimal),
+    kept(Type::LIST, "list", take_list<std::int32_t>),
+    kept(Type::STRUCT, "struct", take_struct),
+    refused(Type::SPARSE_UNION, "sparse_union"),
+    refused(Type::DENSE_UNION, "dense_union"),
+    {Type::DICTIONARY, "dictionary", Fate::kKept, "its values, unless they are text",
+     take_dictionary},
+    kept(Type::MAP, "map", take_list<std::int32_t>),
+    cast(Type::EXTENSION, "extension", "its storage", cast_extension),
+    cast(Type::FIXED_SIZE_LIST, "fixed_size_list", "list", cast_fixed_size_list),
+    kept(Type::DURATION, "duration", take_fixed_width),
+    kept(Type::LARGE_STRING, "large_utf8", take_text<std::int64_t>),
+    kept(Type::LARGE_BINARY, "large_binary", take_text<std::int64_t>),
+    kept(Type::LARGE_LIST, "large_list", take_list<std::int64_t>),
+    cast(Type::INTERVAL_MONTH_DAY_NANO, "month_day_nano_interval", "utf8",
+         cast_month_day_nano_interval),
+    cast(Type::RUN_END_ENCODED, "run_end_encoded", "its values", cast_run_end_encoded),
+    cast(Type::STRING_VIEW, "utf8_view", "utf8", cast_view),
+    cast(Type::BINARY_VIEW, "binary_view", "binary", cast_view),
+    cast(Type::LIST_VIEW, "list_view", "list", cast_list_view<std::int32_t>),
+    cast(Type::LARGE_LIST_VIEW, "large_list_view", "large_list", cast_list_view<std::int64_t>),
+    cast(Type::DECIMAL32, "decimal32", "double", cast_decimal),
+    cast(Type::DECIMAL64, "decimal64", "double", cast_decimal),
+};
+
+constexpr bool rules_are_in_order_of_id() {
+  for (size_t i = 0; i < std::size(kRules); ++i) {
+    if (static_cast<size_t>(kRules[i].id) != i) return false;
+  }
+  return true;
+}
+static_assert(std::size(kRules) == Type::MAX_ID, "every type has a rule");
+static_assert(rules_are_in_order_of_id(), "a rule is found by its id");
+
+::arrow::Status refuse(const std::string& path, const ::arrow::DataType& type, const char* cure) {
+  const std::string place = path.empty() ? "" : path + ": ";
+  return ::arrow::Status::TypeError(place, "found type ", type.ToString(),
+                                    ", expected one that has a host form", cure, ".");
+}
+
+constexpr const char* kAskForCasts = "; casts were not asked for";
+
+bool is_text(const ::arrow::DataType& type) {
+  return type.id() == Type::STRING || type.id() == Type::LARGE_STRING;
+}
+
+bool is_nested(const ::arrow::DataType& type) {
+  return type.num_fields() > 0 || type.id() == Type::STRUCT || type.id() == Type::DICTIONARY ||
+         type.id() == Type::EXTENSION;
+}
+
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, bool cast,
+                      int levels);
+
+::arrow::Status check_fields(const std::string& path, const ::arrow::DataType& type, bool cast,
+                             int levels) {
+  for (const auto& field : type.fields()) {
+    ARROW_RETURN_NOT_OK(check(type.id() == Type::STRUCT            ? field_path(path, field->name())
+                              : type.id() == Type::RUN_END_ENCODED ? path + "<values>"
+                                                                   : path + "[]",
+                              *field->type(), cast, levels));
+  }
+  return ::arrow::Status::OK();
+}
+
+/// `levels` more types may nest others.
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, bool cast,
+                      int levels) {
+  const auto id = static_cast<size_t>(type.id());
+  if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
+  if (kRules[id].fate == Fate::kCast && !cast) return refuse(path, type, kAskForCasts);
+  if (!is_nested(type)) return ::arrow::Status::OK();
+  if (type.id() == Type::DICTIONARY) {
+    const auto& values = *static_cast<const ::arrow::DictionaryType&>(type).value_type();
+    if (!cast && !is_text(values)) return refuse(path, type, kAskForCasts);
+    return check(path + "<dictionary>", values, cast, levels - (is_nested(values) ? 1 : 0));
+  }
+  if (type.id() == Type::EXTENSION) {
+    const auto& storage = *static_cast<const ::arrow::ExtensionType&>(type).storage_type();
+    return check(path + "<storage>", storage, cast, levels - (is_nested(storage) ? 1 : 0));
+  }
+  if (levels <= 0) {
+    return ::arrow::Status::Invalid("Types: found more than ", io::arrow::core::kMaxNestingLevels,
+                                    " in one another, expected no more than that.");
+  }
+  if (type.id() == Type::MAP) {
+    const auto& map = static_cast<const ::arrow::MapType&>(type);
+    ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), cast, levels - 1));
+    return check(path + "{item}", *map.item_type(), cast, levels - 1);
+  }
+  return check_fields(path, type, cast, levels - 1);
+}
+
+}  // namespace
+
+std::span<const Rule> rules() { return kRules; }
+
+std::string field_path(const std::string& path, const std::string& name) {
+  return path + "." + name;
+}
+
+::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, bool cast) {
+  return check(path, type, cast, io::arrow::core::kMaxNestingLevels);
+}
+
+DataResult take_in_data(Work& work, const std::string& path, const ::arrow::ArrayData& array) {
+  const Rule& rule = kRules[array.type->id()];
+  ARROW_ASSIGN_OR_RAISE(Data taken, rule.take(work, path, array));
+  if (rule.fate == Fate::kCast) work.note(path, array.type, taken->type);
+  return taken;
+}
+
+}  // namespace numera::extras::intake

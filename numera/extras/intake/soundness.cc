@@ -1,0 +1,55 @@
+#include "numera/extras/intake/soundness.h"
+
+#include <arrow/buffer.h>
+
+#include <limits>
+
+#include "numera/core/limits.h"
+
+namespace numera::extras::intake {
+namespace {
+
+using ::arrow::Status;
+
+/// A map takes two levels of arrays, and an extension or a dictionary may stand around each.
+constexpr int kMaxLevels = 4 * io::arrow::core::kMaxNestingLevels;
+
+Status check_buffer(const std::shared_ptr<::arrow::Buffer>& buffer) {
+  if (buffer == nullptr) return Status::OK();
+  if (!buffer->is_cpu()) {
+    return Status::Invalid("Buffer: found memory of ", buffer->device()->ToString(),
+                           ", expected that of the CPU.");
+  }
+  if (buffer->size() < 0 || (buffer->size() > 0 && buffer->data() == nullptr)) {
+    return Status::Invalid("Buffer: found ", buffer->size(), " bytes at ",
+                           buffer->data() == nullptr ? "no" : "an",
+                           " address, expected 0 or more at one.");
+  }
+  return Status::OK();
+}
+
+Status check(const ::arrow::ArrayData* array, int levels) {
+  if (array == nullptr || array->type == nullptr) {
+    return Status::Invalid("Array: found a null pointer, expected an array with a type.");
+  }
+  if (levels == 0) {
+    return Status::Invalid("Arrays: found more than ", kMaxLevels,
+                           " in one another, expected no more than that.");
+  }
+  if (array->offset < 0 || array->length < 0 ||
+      array->offset > std::numeric_limits<std::int64_t>::max() - array->length) {
+    return Status::Invalid("Array: found offset ", array->offset, " and length ", array->length,
+                           ", expected 0 or more and a sum of 64 bits.");
+  }
+  for (const auto& buffer : array->buffers) ARROW_RETURN_NOT_OK(check_buffer(buffer));
+  for (const auto& child : array->child_data) ARROW_RETURN_NOT_OK(check(child.get(), levels - 1));
+  return array->dictionary == nullptr ? Status::OK() : check(array->dictionary.get(), levels - 1);
+}
+
+}  // namespace
+
+Status check_soundness(const std::shared_ptr<::arrow::ArrayData>& array) {
+  return check(array.get(), kMaxLevels);
+}
+
+}  // namespace numera::extras::intake

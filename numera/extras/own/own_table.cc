@@ -1,0 +1,86 @@
+#include <arrow/array/util.h>
+#include <arrow/type.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "numera/core/to_arrow.h"
+#include "numera/core/util/table_error.h"
+#include "numera/core/util/text.h"
+#include "numera/core/util/verify_struct.h"
+#include "numera/extras/own/own.h"
+#include "numera/extras/own/owned_memory.h"
+
+namespace numera::extras {
+namespace {
+
+namespace core = io::arrow::core;
+using core::util::TableErrorCode;
+using core::util::TableErrorStatusDetail;
+using core::util::VerifyHxStructContains;
+
+/// Arrow counts the nulls of a column when it joins a table, and trusts the bitmap to be long
+/// enough.
+::arrow::Status check_bitmap(const ::arrow::ArrayData& column) {
+  if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
+  const std::int64_t bytes = column.buffers[0]->size();
+  if (column.length / 8 + (column.length % 8 != 0) <= bytes) return ::arrow::Status::OK();
+  return ::arrow::Status::Invalid("Field 'Valid': found ", bytes, " bytes, expected enough for ",
+                                  column.length, " elements.");
+}
+
+::arrow::Status in_column(const ::arrow::Status& status, const std::string& name, size_t index) {
+  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
+  return status.WithDetail(
+      std::make_shared<TableErrorStatusDetail>(code, name, static_cast<int>(index)));
+}
+
+/// Reads the name and the borrowed array of a column.
+::arrow::Status read_column(const hxArray* names, const hxArray* columns, size_t index,
+                            std::string* name, std::shared_ptr<::arrow::Array>* array) {
+  *name = core::util::HxArrayToString(hxGetCellChecked(names, index));
+  ARROW_ASSIGN_OR_RAISE(*array, core::to_arrow(columns, index));
+  return check_bitmap(*(*array)->data());
+}
+
+/// The same, failures named. Whatever the host throws for want of memory is not the column's fault.
+::arrow::Status read_named_column(const hxArray* names, const hxArray* columns, size_t index,
+                                  std::string* name, std::shared_ptr<::arrow::Array>* array) {
+  try {
+    const ::arrow::Status status = read_column(names, columns, index, name, array);
+    return status.ok() ? status : in_column(status, *name, index);
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    return in_column(::arrow::Status::Invalid(error.what()), *name, index);
+  }
+}
+
+}  // namespace
+
+::arrow::Result<std::shared_ptr<::arrow::Table>> own_to_arrow_table(hxArrayPtr encoded) {
+  const own::Owner owner = std::move(encoded);
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "ArrowType", hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "Names", hxClassID::Cell, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "Columns", hxClassID::Struct, false));
+  const hxArray* names = hxGetFieldChecked(owner.get(), 0, "Names");
+  const hxArray* columns = hxGetFieldChecked(owner.get(), 0, "Columns");
+  const size_t count = hxGetDimensions(columns)[0];
+  ::arrow::FieldVector fields;
+  ::arrow::ArrayVector arrays;
+  for (size_t i = 0; i < count; ++i) {
+    hxThrowIfInterruptPending();
+    std::string name;
+    std::shared_ptr<::arrow::Array> borrowed;
+    ARROW_RETURN_NOT_OK(read_named_column(names, columns, i, &name, &borrowed));
+    fields.push_back(::arrow::field(std::move(name), borrowed->type()));
+    arrays.push_back(::arrow::MakeArray(own::owned(*borrowed->data(), owner)));
+  }
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(arrays), -1);
+}
+
+}  // namespace numera::extras

@@ -1,0 +1,25 @@
+#pragma once
+
+/// \file
+/// Borrowed Arrow values made owners of the host value that they borrow from.
+
+#include <arrow/array/data.h>
+#include <arrow/buffer.h>
+
+#include <memory>
+
+#include "numera/host/array.h"
+
+namespace numera::extras::own {
+
+/// A host value with any number of owners; the last one destroys it.
+using Owner = std::shared_ptr<const hxArray>;
+
+/// The same bytes, kept alive with their owner. Null stays null.
+std::shared_ptr<::arrow::Buffer> owned(std::shared_ptr<::arrow::Buffer> borrowed,
+                                       const Owner& owner);
+
+/// The same array over owned buffers, those of children and dictionaries too.
+std::shared_ptr<::arrow::ArrayData> owned(const ::arrow::ArrayData& borrowed, const Owner& owner);
+
+}  // namespace numera::extras::own
