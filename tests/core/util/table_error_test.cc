@@ -57,7 +57,7 @@ TEST(TableErrorStatusDetail, TravelsWithAStatus) {
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
   ASSERT_NE(detail, nullptr);
   EXPECT_EQ(detail->column_name(), "name");
-  EXPECT_EQ(status.ToString(), "Invalid: broken. Detail: [Internal] Internal");
+  EXPECT_EQ(status.ToString(), "Invalid: broken. Detail: Internal");
 }
 
 }  // namespace
