@@ -12,6 +12,7 @@
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/recording_host.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -121,8 +122,10 @@ TEST(StructToArrow, ReturnsTheFirstFailureAndReadsNoFurtherChild) {
   const hxArrayPtr encoded = StructEnvelope(
       Cell({Char("a"), Char("b"), Char("c")}),
       Cell({Numbers<double>("double", {1}), Envelope("double", Struct({})), Scalar(3.0)}));
+  Reset();
   EXPECT_EQ(StatusOfReading(encoded),
             Status::Invalid("Invalid type for NUMERA to Arrow conversion."));
+  EXPECT_EQ(Calls("hxGetCellChecked"), 3U) << "two children and the name of the first";
   const hxArrayPtr empty_slot = StructEnvelope(Cell({Char("a")}), Cell({Empty()}));
   EXPECT_EQ(StatusOfReading(empty_slot), Status::TypeError("Struct array required for input"));
 }

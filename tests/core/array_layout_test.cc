@@ -1,0 +1,144 @@
+#include "numera/core/array_layout.h"
+
+#include <arrow/extension_type.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "numera/core/to_numera.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/results.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using namespace numera::testing;
+using ::arrow::ArrayData;
+using ::arrow::field;
+using ::arrow::Status;
+
+using DataPtr = std::shared_ptr<ArrayData>;
+
+/// A struct of one child; Arrow looks at the child only when asked for it.
+std::shared_ptr<::arrow::Array> Around(const std::shared_ptr<::arrow::DataType>& declared,
+                                       const DataPtr& child) {
+  return ::arrow::MakeArray(
+      ArrayData::Make(::arrow::struct_({field("f", declared)}), 1, {nullptr}, {child}, 0));
+}
+
+DataPtr Copy(const std::shared_ptr<::arrow::DataType>& type, const char* json) {
+  return ArrowArray(type, json)->data()->Copy();
+}
+
+template <class Change>
+Status StatusOf(const std::shared_ptr<::arrow::DataType>& type, const char* json, Change change) {
+  const DataPtr child = Copy(type, json);
+  change(*child);
+  return to_numera(Around(type, child)).status();
+}
+
+Status Refused(const char* type, const char* message) {
+  return Status::Invalid("Array of type ", type, ": found ", message);
+}
+
+TEST(ArrayLayout, RefusesBuffersThatTheTypeDoesNotHave) {
+  const auto drop_one = [](ArrayData& data) { data.buffers.pop_back(); };
+  const auto add_one = [](ArrayData& data) { data.buffers.push_back(nullptr); };
+  EXPECT_EQ(StatusOf(::arrow::int32(), "[1]", drop_one),
+            Refused("int32", "1 buffers, expected 2."));
+  EXPECT_EQ(StatusOf(::arrow::int32(), "[1]", add_one), Refused("int32", "3 buffers, expected 2."));
+  EXPECT_EQ(StatusOf(::arrow::utf8(), R"(["a"])", drop_one),
+            Refused("utf8", "2 buffers, expected 3."));
+  EXPECT_EQ(StatusOf(::arrow::list(::arrow::int8()), "[[1]]", drop_one),
+            Refused("list", "1 buffers, expected 2."));
+  EXPECT_EQ(StatusOf(::arrow::struct_({field("a", ::arrow::int8())}), "[[1]]", drop_one),
+            Refused("struct", "0 buffers, expected 1."));
+}
+
+TEST(ArrayLayout, RefusesChildrenThatTheTypeDoesNotHave) {
+  const auto list = ::arrow::list(::arrow::int8());
+  EXPECT_EQ(StatusOf(list, "[[1]]", [](ArrayData& data) { data.child_data.clear(); }),
+            Refused("list", "0 children, expected 1."));
+  EXPECT_EQ(StatusOf(list, "[[1]]", [](ArrayData& data) { data.child_data[0] = nullptr; }),
+            Refused("list", "no child 0, expected one."));
+  EXPECT_EQ(StatusOf(list, "[[1]]",
+                     [](ArrayData& data) { data.child_data[0] = Copy(::arrow::utf8(), "[]"); }),
+            Refused("list", "child 0 of type utf8, expected int8."));
+  EXPECT_EQ(to_numera(Around(::arrow::utf8(), Copy(::arrow::int8(), "[1]"))).status(),
+            Refused("struct", "child 0 of type int8, expected utf8."));
+  const auto no_children = ::arrow::MakeArray(
+      ArrayData::Make(::arrow::struct_({field("f", ::arrow::int8())}), 1, {nullptr}, 0));
+  EXPECT_EQ(to_numera(no_children).status(), Refused("struct", "0 children, expected 1."));
+}
+
+TEST(ArrayLayout, RefusesAMissingDictionary) {
+  EXPECT_EQ(StatusOf(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), R"(["a"])",
+                     [](ArrayData& data) { data.dictionary = nullptr; }),
+            Refused("dictionary", "no dictionary, expected one."));
+}
+
+TEST(ArrayLayout, RefusesMapsWhoseEntriesOrKeysMayBeNull) {
+  const auto map = ::arrow::map(::arrow::int8(), ::arrow::int8());
+  EXPECT_EQ(StatusOf(map, "[[[1, 2]]]",
+                     [](ArrayData& data) {
+                       data.child_data[0] = data.child_data[0]->Copy();
+                       data.child_data[0]->null_count = ::arrow::kUnknownNullCount;
+                     }),
+            Refused("map", "entries that may be null, expected none."));
+  EXPECT_EQ(StatusOf(map, "[[[1, 2]]]",
+                     [](ArrayData& data) {
+                       DataPtr& entries = data.child_data[0];
+                       entries = entries->Copy();
+                       entries->child_data[0] = entries->child_data[0]->Copy();
+                       entries->child_data[0]->null_count = 1;
+                     }),
+            Refused("map", "keys that may be null, expected none."));
+}
+
+TEST(ArrayLayout, RefusesExtentsBeyond64Bits) {
+  EXPECT_EQ(StatusOf(::arrow::int8(), "[1]", [](ArrayData& data) { data.offset = -1; }),
+            Status::Invalid("Array: found offset -1 and length 1, expected neither negative and "
+                            "their sum within 64 bits."));
+  EXPECT_EQ(StatusOf(::arrow::struct_({}), "[[]]",
+                     [](ArrayData& data) {
+                       data.offset = std::numeric_limits<std::int64_t>::max();
+                       data.null_count = 0;
+                     }),
+            Status::Invalid("Array: found offset 9223372036854775807 and length 1, expected "
+                            "neither negative and their sum within 64 bits."));
+}
+
+TEST(ArrayLayout, BoundsArraysThatAreDeeperThanTheirTypes) {
+  DataPtr child = Copy(::arrow::int8(), "[1]");
+  for (int i = 0; i < 2000; ++i) {
+    // Each level declares an empty struct for what is itself a struct.
+    child = ArrayData::Make(::arrow::struct_({field("f", ::arrow::struct_({}))}), 1, {nullptr},
+                            {i == 0 ? Copy(::arrow::struct_({}), "[[]]") : child}, 0);
+  }
+  EXPECT_EQ(to_numera(::arrow::MakeArray(child)).status(),
+            Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024."));
+}
+
+TEST(ArrayLayout, LeavesTypesThatAreRefusedToTheirMessage) {
+  const std::pair<std::shared_ptr<::arrow::DataType>, const char*> cases[] = {
+      {::arrow::fixed_size_list(::arrow::int8(), 1), "[[1]]"},
+      {::arrow::sparse_union({field("a", ::arrow::int8())}), "[[0, 1]]"},
+      {::arrow::dense_union({field("a", ::arrow::int8())}), "[[0, 1]]"},
+      {::arrow::list_view(::arrow::int8()), "[[1]]"},
+      {::arrow::large_list_view(::arrow::int8()), "[[1]]"},
+      {::arrow::utf8_view(), R"(["a text that does not fit into a view"])"},
+      {::arrow::binary_view(), R"(["a"])"},
+      {::arrow::decimal256(3, 1), R"(["1.5"])"},
+      {::arrow::month_day_nano_interval(), "[[1, 2, 3]]"}};
+  for (const auto& [type, json] : cases) {
+    const auto unsupported =
+        Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ", type->ToString());
+    EXPECT_EQ(to_numera(Around(type, Copy(type, json))).status(), unsupported);
+    const auto list = ::arrow::list(type);
+    const std::string lists = "[" + std::string(json) + "]";
+    EXPECT_EQ(to_numera(Around(list, Copy(list, lists.c_str()))).status(), unsupported);
+  }
+}
+
+}  // namespace
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <numeric>
+
+#include "numera/core/limits.h"
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_numera.h"
+#include "numera/core/to_numera_datatype.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/envelopes.h"
+#include "tests/support/faults.h"
+#include "tests/support/host_builder.h"
+#include "tests/support/host_matchers.h"
+#include "tests/support/large_stack.h"
+#include "tests/support/recording_host.h"
+#include "tests/support/results.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using namespace numera::testing;
+using ::arrow::ArrayData;
+using ::arrow::Status;
+
+using DataPtr = std::shared_ptr<ArrayData>;
+
+/// A container of one element around one other value of one element, in each form that it takes.
+struct Container {
+  const char* name;
+  DataPtr (*arrow)(DataPtr inner);
+  hxArrayPtr (*written)(hxArrayPtr inner);
+  hxArrayPtr (*encoded)(hxArrayPtr inner);  ///< null where the container is not read
+};
+
+DataPtr NestedData(std::shared_ptr<::arrow::DataType> type,
+                   std::vector<std::shared_ptr<::arrow::Buffer>> buffers, DataPtr child) {
+  return ArrayData::Make(std::move(type), 1, std::move(buffers), {std::move(child)}, 0);
+}
+
+DataPtr ArrowList(DataPtr inner) {
+  const auto type = ::arrow::list(inner->type);
+  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0})}, std::move(inner));
+}
+
+DataPtr ArrowLargeList(DataPtr inner) {
+  const auto type = ::arrow::large_list(inner->type);
+  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0})},
+                    std::move(inner));
+}
+
+DataPtr ArrowStruct(DataPtr inner) {
+  const auto type = ::arrow::struct_({::arrow::field("f", inner->type)});
+  return NestedData(type, {nullptr}, std::move(inner));
+}
+
+DataPtr ArrowMap(DataPtr inner) {
+  const auto type = std::make_shared<::arrow::MapType>(::arrow::uint8(), inner->type);
+  const auto keys = ArrayData::Make(::arrow::uint8(), 1, {nullptr, ArrowBuffer({7})}, 0);
+  const auto entries =
+      ArrayData::Make(type->value_type(), 1, {nullptr}, {keys, std::move(inner)}, 0);
+  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0})}, entries);
+}
+
+hxArrayPtr WrittenList(hxArrayPtr inner) {
+  return WrittenEnvelope(
+      "list_array", "list_array", WrittenBitmap(1),
+      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int32_t>({0, 1})}}));
+}
+
+hxArrayPtr WrittenLargeList(hxArrayPtr inner) {
+  return WrittenEnvelope(
+      "list_array", "large_list_array", WrittenBitmap(1),
+      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int64_t>({0, 1})}}));
+}
+
+hxArrayPtr WrittenStruct(hxArrayPtr inner) {
+  return WrittenEnvelope("struct", "struct", WrittenBitmap(1),
+                         Struct({{"FieldName", Cell({1, 1}, {Char("f")})},
+                                 {"FieldData", Cell({1, 1}, {std::move(inner)})}}));
+}
+
+hxArrayPtr WrittenMap(hxArrayPtr inner) {
+  return WrittenEnvelope("map", "map", WrittenBitmap(1),
+                         Struct({{"Keys", WrittenEnvelope("array", "uint8", WrittenValidity(1),
+                                                          Scalar<std::uint8_t>(7))},
+                                 {"Values", std::move(inner)},
+                                 {"StartOffsets", Column<std::int32_t>({0, 1})}}));
+}
+
+hxArrayPtr EncodedList(hxArrayPtr inner) {
+  return KindEnvelope(
+      "list_array", "list_array",
+      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::uint64_t>({0, 1})}}));
+}
+
+constexpr Container kList = {"list", ArrowList, WrittenList, nullptr};
+constexpr Container kLargeList = {"large list", ArrowLargeList, WrittenLargeList, EncodedList};
+constexpr Container kStruct = {"struct", ArrowStruct, WrittenStruct, WrittenStruct};
+constexpr Container kMap = {"map", ArrowMap, WrittenMap, nullptr};
+
+using Containers = std::vector<Container>;
+
+/// The containers in turn, `levels` of them in one another, around one double.
+std::shared_ptr<::arrow::Array> NestedArray(const Containers& containers, size_t levels) {
+  DataPtr data = ArrowArray(::arrow::float64(), "[1.5]")->data();
+  for (size_t i = 0; i < levels; ++i) data = containers[i % containers.size()].arrow(data);
+  return ::arrow::MakeArray(data);
+}
+
+hxArrayPtr NestedWritten(const Containers& containers, size_t levels) {
+  hxArrayPtr value = WrittenEnvelope("array", "double", WrittenValidity(1), Scalar(1.5));
+  for (size_t i = 0; i < levels; ++i) {
+    value = containers[i % containers.size()].written(std::move(value));
+  }
+  return value;
+}
+
+hxArrayPtr NestedEncoded(const Containers& containers, size_t levels) {
+  hxArrayPtr value = Envelope("double", Scalar(1.5));
+  for (size_t i = 0; i < levels; ++i) {
+    value = containers[i % containers.size()].encoded(std::move(value));
+  }
+  return value;
+}
+
+const auto kTooDeep =
+    Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024.");
+
+const Containers kWrittenContainers[] = {{kList},
+                                         {kLargeList},
+                                         {kStruct},
+                                         {kMap},
+                                         {kList, kStruct, kMap, kLargeList},
+                                         {kMap, kMap, kStruct}};
+
+const Containers kReadContainers[] = {{kLargeList}, {kStruct}, {kStruct, kLargeList, kLargeList}};
+
+TEST(NestingLimit, Is1024) { EXPECT_EQ(kMaxNestingLevels, 1024); }
+
+TEST(NestingToNumera, ConvertsUpToTheLimit) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    for (const size_t levels : {1U, 2U, 1024U}) {
+      EXPECT_TRUE(SameHostValue(ValueOf(to_numera(NestedArray(containers, levels))).get(),
+                                NestedWritten(containers, levels).get()));
+    }
+  }
+}
+
+TEST(NestingToNumera, RefusesWhatIsDeeper) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    EXPECT_EQ(to_numera(NestedArray(containers, 1025)).status(), kTooDeep);
+  }
+}
+
+TEST(NestingToNumera, RefusesADeeperTypeWithoutChunks) {
+  const auto type = NestedArray({kStruct, kList}, 1025)->type();
+  EXPECT_EQ(to_numera(ArrowChunks(type, {})).status(), kTooDeep);
+}
+
+TEST(NestingToNumera, CountsAStructWithoutFieldsAsALevel) {
+  const auto nested = [](int levels) {
+    DataPtr data = ArrayData::Make(::arrow::struct_({}), 1, {nullptr}, 0);
+    for (int i = 1; i < levels; ++i) data = ArrowStruct(data);
+    return ::arrow::MakeArray(data);
+  };
+  EXPECT_TRUE(to_numera(nested(1024)).ok());
+  EXPECT_EQ(to_numera(nested(1025)).status(), kTooDeep);
+}
+
+TEST(NestingToNumera, SurvivesAHundredThousandLevels) {
+  OnLargeStack([] {
+    const auto array = NestedArray({kStruct}, 100'000);
+    const auto convert = [&array] {
+      EXPECT_EQ(to_numera(array).status(), kTooDeep);
+      EXPECT_EQ(to_numera_datatype(array->type()), std::nullopt);
+    };
+    OnUsualStack(convert);
+  });
+}
+
+TEST(NestingToArrow, ConvertsUpToTheLimit) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    for (const size_t levels : {1U, 2U, 1024U}) {
+      const hxArrayPtr encoded = NestedEncoded(containers, levels);
+      auto array = ValueOf(to_arrow<::arrow::Array>(encoded.get()))->data();
+      for (size_t i = levels; i-- > 0;) {
+        ASSERT_EQ(array->type->name(), containers[i % containers.size()]
+                                           .arrow(ArrowArray(::arrow::float64(), "[1.5]")->data())
+                                           ->type->name());
+        ASSERT_EQ(array->length, 1);
+        array = array->child_data[0];
+      }
+      EXPECT_TRUE(SameArray(*::arrow::MakeArray(array), *ArrowArray(::arrow::float64(), "[1.5]")));
+    }
+  }
+}
+
+TEST(NestingToArrow, RefusesWhatIsDeeper) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    for (const size_t levels : {1025U, 10'000U}) {
+      const hxArrayPtr encoded = NestedEncoded(containers, levels);
+      EXPECT_EQ(to_arrow<::arrow::Array>(encoded.get()).status(), kTooDeep);
+    }
+  }
+}
+
+TEST(Nesting, ReturnsToTheSameValues) {
+  const auto type = ::arrow::struct_(
+      {::arrow::field("a", ::arrow::struct_({::arrow::field("b", ::arrow::boolean())})),
+       ::arrow::field("c", ::arrow::time32(::arrow::TimeUnit::SECOND))});
+  const auto array = ArrowArray(type, "[[[true], 1], [null, 2], null, [[null], null]]");
+  const hxArrayPtr written = ValueOf(to_numera(array));
+  EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(written.get())), *array));
+}
+
+TEST(Nesting, LeavesNothingBehindWhereverItFails) {
+  const hxArrayPtr encoded = NestedEncoded({kStruct, kLargeList}, 4);
+  EXPECT_GE(FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); }).calls,
+            70U);
+  const auto array = NestedArray({kList, kStruct, kMap, kLargeList}, 4);
+  EXPECT_GE(FailEverywhere([&] { return to_numera(array).status(); }).allocations, 50U);
+}
+
+TEST(LargeShapes, AStructOfFiveThousandFieldsConvertsBothWays) {
+  constexpr size_t kFields = 5000;
+  ::arrow::FieldVector fields;
+  ::arrow::ArrayVector children;
+  const auto number = ArrowArray(::arrow::int32(), "[7]");
+  hxArrayPtr names = hxCreateCellArray(Dims{1, kFields});
+  hxArrayPtr values = hxCreateCellArray(Dims{1, kFields});
+  for (size_t i = 0; i < kFields; ++i) {
+    const std::string name = "f" + std::to_string(i);
+    fields.push_back(::arrow::field(name, ::arrow::int32()));
+    children.push_back(number);
+    hxSetCell(names.get(), i, Char(name));
+    hxSetCell(values.get(), i,
+              WrittenEnvelope("array", "int32", WrittenValidity(1), Scalar<std::int32_t>(7)));
+  }
+  const auto structs = ValueOf(::arrow::StructArray::Make(children, fields));
+  const hxArrayPtr written = ValueOf(to_numera(structs));
+  EXPECT_TRUE(SameHostValue(
+      written.get(),
+      WrittenEnvelope("struct", "struct", WrittenBitmap(1),
+                      Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(values)}}))
+          .get()));
+  EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(written.get())), *structs));
+}
+
+TEST(LargeShapes, TenMillionEmptyListsConvertBothWays) {
+  constexpr size_t kLists = 10'000'000;
+  const std::vector<std::int32_t> offsets(kLists + 1);
+  const ::arrow::ListArray lists(::arrow::list(::arrow::int32()), kLists,
+                                 ::arrow::Buffer::Wrap(offsets),
+                                 ArrowArray(::arrow::int32(), "[]"));
+  const auto slice = lists.Slice(0);
+  const hxArrayPtr written = ValueOf(to_numera(slice));
+  EXPECT_TRUE(SameHostValue(
+      written.get(),
+      WrittenEnvelope("list_array", "list_array", WrittenBitmap(kLists),
+                      Struct({{"Values", WrittenEnvelope("array", "int32", WrittenValidity(0),
+                                                         Column<std::int32_t>({}))},
+                              {"StartOffsets", Column<std::int32_t>(offsets)}}))
+          .get()));
+  const hxArrayPtr encoded = KindEnvelope(
+      "list_array", "list_array",
+      Struct({{"Values", Envelope("int32", Column<std::int32_t>({}))},
+              {"StartOffsets",
+               hxCreateNumericArray(Dims{kLists + 1, 1}, hxClassID::UInt64, hxComplexity::Real)}}));
+  const auto read = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
+  EXPECT_EQ(read->length(), 10'000'000);
+  EXPECT_TRUE(read->ValidateFull().ok());
+}
+
+/// Lists of one struct each, whose one field is a list of one number: the number of its row.
+std::shared_ptr<::arrow::Array> ListsOfStructsOfLists(const std::vector<std::int32_t>& offsets) {
+  const auto rows = static_cast<std::int64_t>(offsets.size()) - 1;
+  const auto numbers = std::make_shared<::arrow::Int32Array>(
+      rows, ::arrow::SliceBuffer(::arrow::Buffer::Wrap(offsets), 0, rows * 4), nullptr, 0);
+  const auto inner = std::make_shared<::arrow::ListArray>(
+      ::arrow::list(::arrow::int32()), rows, ::arrow::Buffer::Wrap(offsets), numbers, nullptr, 0);
+  const auto structs =
+      ValueOf(::arrow::StructArray::Make({inner}, std::vector<std::string>{"values"}));
+  return std::make_shared<::arrow::ListArray>(::arrow::list(structs->type()), rows,
+                                              ::arrow::Buffer::Wrap(offsets), structs, nullptr, 0);
+}
+
+TEST(LargeShapes, AMillionListsOfStructsOfListsConvert) {
+  std::vector<std::int32_t> offsets(1'000'001);
+  std::iota(offsets.begin(), offsets.end(), 0);
+  const std::vector<std::int32_t> numbers(offsets.begin(), offsets.end() - 1);
+  const auto list_of = [&offsets](hxArrayPtr values) {
+    return WrittenEnvelope(
+        "list_array", "list_array", WrittenBitmap(1e6),
+        Struct({{"Values", std::move(values)}, {"StartOffsets", Column<std::int32_t>(offsets)}}));
+  };
+  hxArrayPtr inner = list_of(
+      WrittenEnvelope("array", "int32", WrittenValidity(1e6), Column<std::int32_t>(numbers)));
+  const hxArrayPtr expected =
+      list_of(WrittenEnvelope("struct", "struct", WrittenBitmap(1e6),
+                              Struct({{"FieldName", Cell({1, 1}, {Char("values")})},
+                                      {"FieldData", Cell({1, 1}, {std::move(inner)})}})));
+  EXPECT_TRUE(
+      SameHostValue(ValueOf(to_numera(ListsOfStructsOfLists(offsets))).get(), expected.get()));
+}
+
+TEST(NestingCost, IsAsManyHostCallsForAThousandRowsAsForOne) {
+  const auto calls = [](std::int32_t rows) {
+    std::vector<std::int32_t> offsets(static_cast<size_t>(rows) + 1);
+    std::iota(offsets.begin(), offsets.end(), 0);
+    const auto lists = ListsOfStructsOfLists(offsets);
+    Reset();
+    EXPECT_TRUE(to_numera(lists).ok());
+    return std::array{TotalThrowingCalls(), Created().size()};
+  };
+  EXPECT_EQ(calls(1000), calls(1));
+}
+
+TEST(NestingCost, IsNoHostArrayTowardsArrow) {
+  const hxArrayPtr encoded = NestedEncoded({kStruct, kLargeList}, 10);
+  Reset();
+  EXPECT_TRUE(to_arrow<::arrow::Array>(encoded.get()).ok());
+  EXPECT_EQ(Created(), std::vector<Creation>());
+}
+
+}  // namespace
+}  // namespace numera::io::arrow::core

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <functional>
+#include <stdexcept>
+
+namespace numera::testing {
+
+/// Runs the function on a thread whose stack has `bytes` bytes, and waits for it.
+inline void on_stack_of(size_t bytes, const std::function<void()>& function) {
+  pthread_attr_t attributes;
+  pthread_t thread;
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<const std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  std::function<void()> copy = function;
+  if (pthread_attr_init(&attributes) != 0 || pthread_attr_setstacksize(&attributes, bytes) != 0 ||
+      pthread_create(&thread, &attributes, run, &copy) != 0) {
+    throw std::runtime_error("no thread with a stack of that size");
+  }
+  pthread_attr_destroy(&attributes);
+  pthread_join(thread, nullptr);
+}
+
+/// Room to destroy values nested so deeply that their own recursive destruction would end any
+/// usual stack.
+inline void OnLargeStack(const std::function<void()>& function) {
+  on_stack_of(size_t{1} << 30, function);
+}
+
+/// What a thread usually has, or less.
+inline void OnUsualStack(const std::function<void()>& function) {
+  on_stack_of(size_t{4} << 20, function);
+}
+
+}  // namespace numera::testing
