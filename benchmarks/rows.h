@@ -25,16 +25,16 @@ void add_row(const std::string& name, MakeInput make_input, Product product, Lim
   using Input = decltype(make_input());
   const auto shared_input = std::make_shared<std::optional<Input>>();
   const auto add = [&](const std::string& full_name, auto run) {
-    benchmark::RegisterBenchmark(full_name.c_str(), [shared_input, make_input,
-                                                     run](benchmark::State& state) {
-      if (!*shared_input) shared_input->emplace(make_input());
-      const Input& input = **shared_input;
-      for ([[maybe_unused]] auto iteration : state) {
-        auto result = run(input);
-        benchmark::DoNotOptimize(result);
-        benchmark::ClobberMemory();
-      }
-    })->UseRealTime();
+    benchmark::RegisterBenchmark(full_name.c_str(),
+                                 [shared_input, make_input, run](benchmark::State& state) {
+                                   if (!*shared_input) shared_input->emplace(make_input());
+                                   const Input& input = **shared_input;
+                                   for ([[maybe_unused]] auto iteration : state) {
+                                     auto result = run(input);
+                                     benchmark::DoNotOptimize(result);
+                                     benchmark::ClobberMemory();
+                                   }
+                                 });
   };
   add(name, product);
   add("limit/" + name, limit);
