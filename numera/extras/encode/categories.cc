@@ -1,0 +1,51 @@
+#include "numera/extras/encode/categories.h"
+
+#include <utility>
+
+#include "numera/extras/encode/text.h"
+
+namespace numera::extras::encoding {
+namespace {
+
+::arrow::Status check_codes(const Located& codes) {
+  const hxClassID class_id = hxGetClassID(codes.value);
+  if (!hxIsNumeric(codes.value) || class_id == hxClassID::Double || class_id == hxClassID::Single) {
+    return wrong_class(codes, "codes of an integer class");
+  }
+  return check_numbers(codes);
+}
+
+::arrow::Result<hxArrayPtr> pack_categories(const Located& categories) {
+  if (has_fields(categories.value)) {
+    ARROW_ASSIGN_OR_RAISE(Readable packed, packed_as_it_is(categories, u"string"));
+    return std::move(packed.data);
+  }
+  ARROW_ASSIGN_OR_RAISE(Readable packed, pack_texts(categories));
+  if (packed.valid != nullptr) {
+    return invalid(categories, "a missing text", "a text for each category");
+  }
+  return std::move(packed.data);
+}
+
+}  // namespace
+
+::arrow::Result<Readable> read_categorical(const Located& data) {
+  ARROW_RETURN_NOT_OK(check_one_element(data));
+  ARROW_ASSIGN_OR_RAISE(const Located codes, field(data, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_codes(codes));
+  ARROW_ASSIGN_OR_RAISE(const Located ordinal, field(data, 0, "Ordinal"));
+  ARROW_RETURN_NOT_OK(check_class(ordinal, hxClassID::Logical, "a logical value"));
+  ARROW_RETURN_NOT_OK(check_one_element(ordinal));
+  ARROW_ASSIGN_OR_RAISE(const Located categories, field(data, 0, "Categories"));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr packed, pack_categories(categories));
+  hxArrayPtr readable = make_struct(1, {"Categories", "Values", "Ordinal"});
+  hxSetField(readable.get(), 0, "Categories", std::move(packed));
+  hxSetField(readable.get(), 0, "Values", hxSharedCopy(codes.value));
+  hxSetField(readable.get(), 0, "Ordinal", hxSharedCopy(ordinal.value));
+  return Readable{.kind = u"array",
+                  .type = u"categorical",
+                  .data = std::move(readable),
+                  .length = hxGetNumberOfElements(codes.value)};
+}
+
+}  // namespace numera::extras::encoding

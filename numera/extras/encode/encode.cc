@@ -1,0 +1,72 @@
+#include "numera/extras/encode/encode.h"
+
+#include <string>
+#include <utility>
+
+#include "numera/extras/encode/envelope.h"
+#include "numera/extras/encode/leaf.h"
+#include "numera/extras/encode/readable.h"
+
+namespace numera::extras {
+namespace {
+
+using namespace encoding;  // NOLINT(google-build-using-namespace): this file is its front
+
+::arrow::Result<hxArrayPtr> encode_table(const Located& table) {
+  ARROW_ASSIGN_OR_RAISE(const Located names, field(table, 0, "Names"));
+  ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
+  ARROW_ASSIGN_OR_RAISE(const Located columns, field(table, 0, "Columns"));
+  ARROW_RETURN_NOT_OK(check_class(columns, hxClassID::Struct, "a struct array"));
+  const size_t count = hxGetNumberOfElements(columns.value);
+  if (hxGetNumberOfElements(names.value) != count) {
+    return invalid(names, std::to_string(hxGetNumberOfElements(names.value)) + " names",
+                   std::to_string(count) + ", one for each column");
+  }
+  hxArrayPtr readable = make_struct(count, {"ArrowType", "Type", "Data", "Valid"});
+  for (size_t i = 0; i < count; ++i) {
+    hxThrowIfInterruptPending();
+    ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
+    ARROW_RETURN_NOT_OK(text_of(name));
+    ARROW_ASSIGN_OR_RAISE(Readable column, read_element(columns, i, 0));
+    const bool nested = is_nested(column);
+    store(readable.get(), i, std::move(column));
+    const Located place{columns.value, &columns, nullptr, i};
+    if (!nested) ARROW_RETURN_NOT_OK(read_back(readable.get(), i, place));
+  }
+  hxArrayPtr encoded = make_struct(1, {"ArrowType", "Columns", "Names"});
+  hxSetField(encoded.get(), 0, "ArrowType", make_char(u"table"));
+  hxSetField(encoded.get(), 0, "Columns", std::move(readable));
+  hxSetField(encoded.get(), 0, "Names", hxSharedCopy(names.value));
+  return encoded;
+}
+
+// A buffer has one form.
+::arrow::Result<hxArrayPtr> encode_buffer(const Located& buffer) {
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(buffer, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
+  return hxSharedCopy(buffer.value);
+}
+
+::arrow::Result<hxArrayPtr> encode_written(const Located& value) {
+  ARROW_RETURN_NOT_OK(check_one_element(value));
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(value, 0, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
+  if (name == "table") return encode_table(value);
+  if (name == "buffer") return encode_buffer(value);
+  ARROW_ASSIGN_OR_RAISE(Envelope envelope, read_child(value, 0));
+  return std::move(envelope.value);
+}
+
+}  // namespace
+
+::arrow::Result<hxArrayPtr> encode(const hxArray* value) {
+  const Located place{value};
+  if (value == nullptr) return invalid(place, "a null pointer", "an array");
+  if (has_fields(value) && hxGetFieldNumber(value, "ArrowType") >= 0) return encode_written(place);
+  ARROW_ASSIGN_OR_RAISE(Readable readable, read_plain(place));
+  Envelope envelope = make_envelope(std::move(readable));
+  ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, place));
+  return std::move(envelope.value);
+}
+
+}  // namespace numera::extras

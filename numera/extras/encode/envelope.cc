@@ -1,0 +1,105 @@
+#include "numera/extras/encode/envelope.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "numera/core/limits.h"
+#include "numera/extras/encode/leaf.h"
+#include "numera/extras/encode/nested.h"
+
+namespace numera::extras::encoding {
+namespace {
+
+using io::arrow::core::kMaxNestingLevels;
+
+// Clears what is cleared in either. Both have bits for all elements.
+hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
+  if (a == nullptr) return hxSharedCopy(b.get());
+  if (b == nullptr) return a;
+  hxArrayPtr both = make_column(hxClassID::UInt8, bitmap_bytes(length));
+  const auto* const bits_a = elements<std::uint8_t>(static_cast<const hxArray*>(a.get()));
+  const auto* const bits_b = elements<std::uint8_t>(static_cast<const hxArray*>(b.get()));
+  auto* const target = elements<std::uint8_t>(both);
+  for (size_t i = 0; i < bitmap_bytes(length); ++i) {
+    target[i] = static_cast<std::uint8_t>(bits_a[i] & bits_b[i]);
+  }
+  return both;
+}
+
+::arrow::Result<Readable> read_array(const Encoded& encoded, int /*level*/) {
+  ARROW_ASSIGN_OR_RAISE(Readable readable, read_data(encoded.data, encoded.type));
+  // A column without chunks has no bits, and no elements that need them.
+  if (hxIsEmpty(encoded.valid.value)) return readable;
+  ARROW_RETURN_NOT_OK(check_one_element(encoded.valid));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr valid, read_validity(encoded.valid, 0, readable.length));
+  if (valid != nullptr) {
+    readable.valid = both_valid(std::move(readable.valid), valid, readable.length);
+  }
+  return readable;
+}
+
+struct KindReader {
+  const char* kind;
+  ::arrow::Result<Readable> (*read)(const Encoded& encoded, int level);
+};
+
+constexpr KindReader kKinds[] = {
+    {"array", read_array},
+    {"list_array", read_lists},
+    {"struct", read_structs},
+    {"map", read_maps},
+};
+
+::arrow::Result<const KindReader*> find_kind(const Located& kind) {
+  ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
+  const auto* const row = std::ranges::find(kKinds, name, &KindReader::kind);
+  if (row != std::ranges::end(kKinds)) return row;
+  return invalid(kind, "'" + name + "'", "'array', 'list_array', 'struct' or 'map'");
+}
+
+}  // namespace
+
+::arrow::Result<hxArrayPtr> read_validity(const Located& valid, size_t index, size_t length) {
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(valid, index, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
+  if (name != "buffer") return invalid(kind, "'" + name + "'", "'buffer'");
+  ARROW_ASSIGN_OR_RAISE(const Located bits, field(valid, index, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(bits, hxClassID::UInt8, "a uint8 array"));
+  const size_t bytes = hxGetNumberOfElements(bits.value);
+  if (bytes == 0) return nullptr;
+  if (bytes < bitmap_bytes(length)) {
+    return invalid(bits, std::to_string(bytes) + " bytes",
+                   "bits for " + std::to_string(length) + " elements");
+  }
+  return hxSharedCopy(bits.value);
+}
+
+::arrow::Result<Readable> read_element(const Located& envelopes, size_t index, int outer_levels) {
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const KindReader* const row, find_kind(kind));
+  ARROW_ASSIGN_OR_RAISE(const Located type, field(envelopes, index, "Type"));
+  ARROW_ASSIGN_OR_RAISE(const Located valid, field(envelopes, index, "Valid"));
+  ARROW_RETURN_NOT_OK(check_class(valid, hxClassID::Struct, "a struct array"));
+  ARROW_ASSIGN_OR_RAISE(const Located data, field(envelopes, index, "Data"));
+  // A map is read as a list of structs.
+  const int levels = row->read == read_array ? 0 : (row->read == read_maps ? 2 : 1);
+  if (outer_levels + levels > kMaxNestingLevels) {
+    return ::arrow::Status::Invalid("Nested value: found more than ", kMaxNestingLevels,
+                                    " levels, expected at most ", kMaxNestingLevels, ".");
+  }
+  return row->read({envelopes, type, valid, data}, outer_levels + 1);
+}
+
+::arrow::Result<Envelope> read_child(const Located& child, int outer_levels) {
+  if (!has_fields(child.value)) return wrong_class(child, "an encoded array");
+  ARROW_RETURN_NOT_OK(check_one_element(child));
+  ARROW_ASSIGN_OR_RAISE(Readable readable, read_element(child, 0, outer_levels));
+  const bool nested = is_nested(readable);
+  Envelope envelope = make_envelope(std::move(readable));
+  if (!nested) ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, child));
+  return envelope;
+}
+
+}  // namespace numera::extras::encoding

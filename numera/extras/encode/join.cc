@@ -1,0 +1,47 @@
+#include "numera/extras/encode/join.h"
+
+#include <arrow/array/concatenate.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace numera::extras::encoding {
+namespace {
+
+::arrow::Result<std::shared_ptr<::arrow::Array>> join(const Encoded& encoded,
+                                                      ChunkReader read_chunk, int level) {
+  const size_t chunks = hxGetNumberOfElements(encoded.data.value);
+  // The Arrow arrays borrow the memory of the envelopes until they are joined.
+  std::vector<Envelope> envelopes;
+  ::arrow::ArrayVector arrays;
+  for (size_t c = 0; c < chunks; ++c) {
+    ARROW_ASSIGN_OR_RAISE(Readable readable, read_chunk(encoded, c, level));
+    envelopes.push_back(make_envelope(std::move(readable)));
+    const Located place{encoded.data.value, &encoded.data, nullptr, c};
+    ARROW_ASSIGN_OR_RAISE(auto array, read_back(envelopes.back().value.get(), 0, place));
+    arrays.push_back(std::move(array));
+  }
+  auto joined = ::arrow::Concatenate(arrays);
+  if (!joined.ok()) return at(encoded.data, joined.status());
+  return joined;
+}
+
+}  // namespace
+
+::arrow::Result<Readable> read_chunks(const Encoded& encoded, ChunkReader read_chunk, int level) {
+  if (!has_fields(encoded.data.value)) return wrong_class(encoded.data, "a struct array");
+  const size_t chunks = hxGetNumberOfElements(encoded.data.value);
+  const size_t bitmaps = hxGetNumberOfElements(encoded.valid.value);
+  if (chunks == 0) return invalid(encoded.data, "no chunk, so that no type is known", "one");
+  if (bitmaps != chunks) {
+    return invalid(encoded.valid, std::to_string(bitmaps) + " elements",
+                   std::to_string(chunks) + ", one for each chunk");
+  }
+  if (chunks == 1) return read_chunk(encoded, 0, level);
+  ARROW_ASSIGN_OR_RAISE(const auto joined, join(encoded, read_chunk, level));
+  return write_readable(*joined);
+}
+
+}  // namespace numera::extras::encoding

@@ -1,0 +1,165 @@
+#include "numera/extras/encode/leaf.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "numera/extras/encode/categories.h"
+#include "numera/extras/encode/text.h"
+#include "numera/extras/encode/time.h"
+#include "numera/host/string_array.h"
+
+namespace numera::extras::encoding {
+namespace {
+
+constexpr const char* kPlainValues =
+    "numbers, logical values, text, a cell of texts or of bytes, or an encoded value";
+
+std::u16string_view numeric_type_name(hxClassID class_id) {
+  switch (class_id) {
+    case hxClassID::Double:
+      return u"double";
+    case hxClassID::Single:
+      return u"single";
+    case hxClassID::Int8:
+      return u"int8";
+    case hxClassID::UInt8:
+      return u"uint8";
+    case hxClassID::Int16:
+      return u"int16";
+    case hxClassID::UInt16:
+      return u"uint16";
+    case hxClassID::Int32:
+      return u"int32";
+    case hxClassID::UInt32:
+      return u"uint32";
+    case hxClassID::Int64:
+      return u"int64";
+    case hxClassID::UInt64:
+      return u"uint64";
+    case hxClassID::Unknown:
+    case hxClassID::Cell:
+    case hxClassID::Struct:
+    case hxClassID::Logical:
+    case hxClassID::Char:
+    case hxClassID::Void:
+    case hxClassID::Function:
+    case hxClassID::Object:
+      return {};
+  }
+  return {};
+}
+
+::arrow::Result<Readable> read_numbers(const Located& numbers) {
+  ARROW_RETURN_NOT_OK(check_numbers(numbers));
+  return Readable{.kind = u"array",
+                  .type = numeric_type_name(hxGetClassID(numbers.value)),
+                  .data = hxSharedCopy(numbers.value),
+                  .length = hxGetNumberOfElements(numbers.value)};
+}
+
+::arrow::Result<Readable> pack_logical(const Located& values) {
+  if (hxIsSparse(values.value)) return wrong_class(values, "logical values that are not sparse");
+  const size_t length = hxGetNumberOfElements(values.value);
+  const auto* const source = elements<std::uint8_t>(values.value);
+  hxArrayPtr bits = make_zero_column(hxClassID::UInt8, bitmap_bytes(length));
+  auto* const target = elements<std::uint8_t>(bits);
+  for (size_t i = 0; i < length; ++i) {
+    const unsigned bit = source[i] != 0 ? 1U << (i % 8) : 0U;
+    target[i / 8] = static_cast<std::uint8_t>(target[i / 8] | bit);
+  }
+  return Readable{.kind = u"array",
+                  .type = u"logical",
+                  .data = make_packed_logical(std::move(bits), length),
+                  .length = length};
+}
+
+bool holds_bytes(const hxArray* cells, const std::string& type_name) {
+  if (type_name == "binary_array" || type_name == "fixed_binary_array") return true;
+  if (hxIsEmpty(cells)) return false;
+  const hxArray* const first = hxGetCell(cells, 0);
+  return first != nullptr && hxGetClassID(first) == hxClassID::UInt8;
+}
+
+// Nulls have no values: zeros stand for them.
+::arrow::Result<Readable> read_nulls(const Located& count) {
+  ARROW_RETURN_NOT_OK(check_numbers(count, hxClassID::Int64, "an int64 number of elements"));
+  ARROW_RETURN_NOT_OK(check_one_element(count));
+  const std::int64_t length = *elements<std::int64_t>(count.value);
+  if (length < 0) return invalid(count, std::to_string(length), "a number of elements");
+  const auto size = static_cast<size_t>(length);
+  return Readable{.kind = u"array",
+                  .type = u"double",
+                  .data = make_zero_column(hxClassID::Double, size),
+                  .length = size,
+                  .valid = make_zero_column(hxClassID::UInt8, bitmap_bytes(size))};
+}
+
+::arrow::Result<Readable> packed_logical_as_it_is(const Located& packed) {
+  ARROW_RETURN_NOT_OK(check_one_element(packed));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(packed, 0, "ArrowType"));
+  ARROW_RETURN_NOT_OK(text_of(kind));
+  ARROW_ASSIGN_OR_RAISE(const Located length, field(packed, 0, "Length"));
+  ARROW_RETURN_NOT_OK(check_numbers(length, hxClassID::Double, "a double"));
+  ARROW_RETURN_NOT_OK(check_one_element(length));
+  const double found = *elements<double>(length.value);
+  const double bits = 8.0 * static_cast<double>(hxGetNumberOfElements(values.value));
+  if (!(found >= 0 && found <= bits)) {
+    return invalid(length, std::to_string(found), "a number of bits that 'Values' has");
+  }
+  return Readable{.kind = u"array",
+                  .type = u"logical",
+                  .data = hxSharedCopy(packed.value),
+                  .length = static_cast<size_t>(found)};
+}
+
+::arrow::Result<Readable> packed_text_as_it_is(const Located& packed) {
+  return packed_as_it_is(packed, u"string");
+}
+
+::arrow::Result<Readable> packed_bytes_as_they_are(const Located& packed) {
+  return packed_as_it_is(packed, u"binary_array");
+}
+
+struct StructReader {
+  const char* type_name;
+  ::arrow::Result<Readable> (*read)(const Located& data);
+};
+
+/// What a struct "Data" holds, by "Type".
+constexpr StructReader kStructReaders[] = {
+    {"string", packed_text_as_it_is},
+    {"char", packed_text_as_it_is},
+    {"binary_array", packed_bytes_as_they_are},
+    {"logical", packed_logical_as_it_is},
+    {"datetime", read_datetime},
+    {"duration", read_time_of_day},
+    {"categorical", read_categorical},
+};
+
+}  // namespace
+
+::arrow::Result<Readable> read_plain(const Located& value, const std::string& type_name) {
+  if (hxIsNumeric(value.value)) return read_numbers(value);
+  if (hxIsStringArray(value.value)) return pack_texts(value);
+  const hxClassID class_id = hxGetClassID(value.value);
+  if (class_id == hxClassID::Logical) return pack_logical(value);
+  if (class_id == hxClassID::Char) return pack_texts(value);
+  if (class_id == hxClassID::Cell) {
+    return holds_bytes(value.value, type_name) ? pack_bytes(value) : pack_texts(value);
+  }
+  return wrong_class(value, kPlainValues);
+}
+
+::arrow::Result<Readable> read_data(const Located& data, const Located& type) {
+  ARROW_ASSIGN_OR_RAISE(const std::string type_name, text_of(type));
+  if (type_name == "null") return read_nulls(data);
+  if (!has_fields(data.value)) return read_plain(data, type_name);
+  const auto* const row = std::ranges::find(kStructReaders, type_name, &StructReader::type_name);
+  if (row != std::ranges::end(kStructReaders)) return row->read(data);
+  return invalid(type, "'" + type_name + "'", "the type name of data that is a struct");
+}
+
+}  // namespace numera::extras::encoding

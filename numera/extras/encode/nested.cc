@@ -1,0 +1,159 @@
+#include "numera/extras/encode/nested.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "numera/extras/encode/envelope.h"
+#include "numera/extras/encode/join.h"
+
+namespace numera::extras::encoding {
+namespace {
+
+// Offsets of any class of integers as the uint64 that the reader takes. They must not fall and must
+// stay within the values.
+template <class T>
+::arrow::Result<hxArrayPtr> widen(const Located& offsets, size_t values) {
+  const std::span source(elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
+  hxArrayPtr widened = make_column(hxClassID::UInt64, source.size());
+  auto* const target = elements<std::uint64_t>(widened);
+  std::uint64_t last = 0;
+  for (size_t i = 0; i < source.size(); ++i) {
+    const auto offset = static_cast<std::uint64_t>(source[i]);
+    // As an unsigned number a negative one lies beyond any values.
+    if (offset < last || offset > values) {
+      return invalid(offsets, std::to_string(source[i]) + " at " + std::to_string(i),
+                     "offsets that never fall, within " + std::to_string(values) + " values");
+    }
+    target[i] = last = offset;
+  }
+  return widened;
+}
+
+::arrow::Result<hxArrayPtr> read_offsets(const Located& offsets, size_t values) {
+  ARROW_RETURN_NOT_OK(check_numbers(offsets));
+  if (hxIsEmpty(offsets.value)) {
+    return invalid(offsets, "no elements", "one more than there are lists");
+  }
+  const hxClassID class_id = hxGetClassID(offsets.value);
+  if (class_id == hxClassID::Int32) return widen<std::int32_t>(offsets, values);
+  if (class_id == hxClassID::Int64) return widen<std::int64_t>(offsets, values);
+  if (class_id == hxClassID::UInt64) return widen<std::uint64_t>(offsets, values);
+  return wrong_class(offsets, "an int32, int64 or uint64 array");
+}
+
+// One chunk of lists over values that are readable already.
+::arrow::Result<Readable> make_lists(const Encoded& encoded, size_t chunk, Envelope values) {
+  ARROW_ASSIGN_OR_RAISE(const Located offsets, field(encoded.data, chunk, "StartOffsets"));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr widened, read_offsets(offsets, values.length));
+  const size_t length = hxGetNumberOfElements(widened.get()) - 1;
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, length));
+  hxArrayPtr data = make_struct(1, {"Values", "StartOffsets"});
+  hxSetField(data.get(), 0, "Values", std::move(values.value));
+  hxSetField(data.get(), 0, "StartOffsets", std::move(widened));
+  return Readable{.kind = u"list_array",
+                  .type = u"large_list_array",
+                  .data = std::move(data),
+                  .length = length,
+                  .valid = std::move(valid)};
+}
+
+::arrow::Result<Readable> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(encoded.data, chunk, "Values"));
+  ARROW_ASSIGN_OR_RAISE(Envelope child, read_child(values, level));
+  return make_lists(encoded, chunk, std::move(child));
+}
+
+// The entries of maps: structs without nulls of their own.
+Envelope make_entries(Envelope keys, Envelope items) {
+  hxArrayPtr names = make_cell(1, 2);
+  hxSetCell(names.get(), 0, make_char(u"key"));
+  hxSetCell(names.get(), 1, make_char(u"value"));
+  hxArrayPtr children = make_cell(1, 2);
+  hxSetCell(children.get(), 0, std::move(keys.value));
+  hxSetCell(children.get(), 1, std::move(items.value));
+  hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
+  hxSetField(data.get(), 0, "FieldName", std::move(names));
+  hxSetField(data.get(), 0, "FieldData", std::move(children));
+  return make_envelope(
+      {.kind = u"struct", .type = u"struct", .data = std::move(data), .length = keys.length});
+}
+
+::arrow::Result<Readable> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(const Located keys_place, field(encoded.data, chunk, "Keys"));
+  ARROW_ASSIGN_OR_RAISE(Envelope keys, read_child(keys_place, level + 1));
+  ARROW_ASSIGN_OR_RAISE(const Located items_place, field(encoded.data, chunk, "Values"));
+  ARROW_ASSIGN_OR_RAISE(Envelope items, read_child(items_place, level + 1));
+  if (keys.length != items.length) {
+    return invalid(items_place, std::to_string(items.length) + " elements",
+                   std::to_string(keys.length) + " as there are keys");
+  }
+  return make_lists(encoded, chunk, make_entries(std::move(keys), std::move(items)));
+}
+
+::arrow::Status check_names(const Located& names, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
+    ARROW_RETURN_NOT_OK(text_of(name));
+  }
+  return {};
+}
+
+// The children of one chunk of structs, all of `length` elements, which the first one says.
+::arrow::Result<hxArrayPtr> read_fields(const Located& children, int level, size_t& length) {
+  const size_t count = hxGetNumberOfElements(children.value);
+  hxArrayPtr readable = make_cell(1, count);
+  for (size_t i = 0; i < count; ++i) {
+    ARROW_ASSIGN_OR_RAISE(const Located place, cell(children, i));
+    ARROW_ASSIGN_OR_RAISE(Envelope child, read_child(place, level));
+    if (i == 0) length = child.length;
+    if (child.length != length) {
+      return invalid(place, std::to_string(child.length) + " elements",
+                     std::to_string(length) + " as in the first field");
+    }
+    hxSetCell(readable.get(), i, std::move(child.value));
+  }
+  return readable;
+}
+
+::arrow::Result<Readable> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(const Located names, field(encoded.data, chunk, "FieldName"));
+  ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
+  ARROW_ASSIGN_OR_RAISE(const Located children, field(encoded.data, chunk, "FieldData"));
+  ARROW_RETURN_NOT_OK(check_class(children, hxClassID::Cell, "a cell of encoded arrays"));
+  const size_t count = hxGetNumberOfElements(children.value);
+  if (count == 0) return invalid(children, "no fields", "at least one");
+  if (hxGetNumberOfElements(names.value) != count) {
+    return invalid(names, std::to_string(hxGetNumberOfElements(names.value)) + " names",
+                   std::to_string(count) + ", one for each field");
+  }
+  ARROW_RETURN_NOT_OK(check_names(names, count));
+  size_t length = 0;
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr fields, read_fields(children, level, length));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, length));
+  hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
+  hxSetField(data.get(), 0, "FieldName", hxSharedCopy(names.value));
+  hxSetField(data.get(), 0, "FieldData", std::move(fields));
+  return Readable{.kind = u"struct",
+                  .type = u"struct",
+                  .data = std::move(data),
+                  .length = length,
+                  .valid = std::move(valid)};
+}
+
+}  // namespace
+
+::arrow::Result<Readable> read_lists(const Encoded& encoded, int level) {
+  return read_chunks(encoded, read_list_chunk, level);
+}
+
+::arrow::Result<Readable> read_structs(const Encoded& encoded, int level) {
+  return read_chunks(encoded, read_struct_chunk, level);
+}
+
+::arrow::Result<Readable> read_maps(const Encoded& encoded, int level) {
+  return read_chunks(encoded, read_map_chunk, level);
+}
+
+}  // namespace numera::extras::encoding

@@ -1,0 +1,123 @@
+#include <arrow/type.h>
+
+#include <utility>
+
+#include "numera/core/limits.h"
+#include "numera/extras/encode/encode.h"
+
+namespace numera::extras {
+namespace {
+
+using ::arrow::Type;
+using TypePtr = std::shared_ptr<::arrow::DataType>;
+using io::arrow::core::kMaxNestingLevels;
+
+std::optional<TypePtr> returned(const ::arrow::DataType& type, int levels);
+
+bool is_text(const ::arrow::DataType& type) {
+  return type.id() == Type::STRING || type.id() == Type::LARGE_STRING;
+}
+
+std::optional<TypePtr> returned_dictionary(const ::arrow::DictionaryType& type) {
+  if (!is_text(*type.value_type())) return std::nullopt;
+  return ::arrow::dictionary(type.index_type(), ::arrow::large_utf8(), type.ordered());
+}
+
+std::optional<TypePtr> returned_list(const ::arrow::DataType& values, int levels) {
+  if (levels == 0) return std::nullopt;
+  const auto child = returned(values, levels - 1);
+  if (!child) return std::nullopt;
+  return ::arrow::large_list(*child);
+}
+
+std::optional<TypePtr> returned_struct(const ::arrow::FieldVector& fields, int levels) {
+  if (levels == 0 || fields.empty()) return std::nullopt;
+  ::arrow::FieldVector children;
+  for (const auto& field : fields) {
+    auto child = returned(*field->type(), levels - 1);
+    if (!child) return std::nullopt;
+    children.push_back(::arrow::field(field->name(), *std::move(child)));
+  }
+  return ::arrow::struct_(std::move(children));
+}
+
+std::optional<TypePtr> returned_map(const ::arrow::MapType& type, int levels) {
+  if (levels == 0) return std::nullopt;
+  const auto entry = returned_struct(
+      {::arrow::field("key", type.key_type()), ::arrow::field("value", type.item_type())},
+      levels - 1);
+  if (!entry) return std::nullopt;
+  return ::arrow::large_list(*entry);
+}
+
+/// What returns as it is, or as one other type whatever its parameters.
+std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
+  switch (type.id()) {
+    case Type::BOOL:
+    case Type::UINT8:
+    case Type::INT8:
+    case Type::UINT16:
+    case Type::INT16:
+    case Type::UINT32:
+    case Type::INT32:
+    case Type::UINT64:
+    case Type::INT64:
+    case Type::FLOAT:
+    case Type::DOUBLE:
+    case Type::TIMESTAMP:
+    case Type::TIME32:
+    case Type::TIME64:
+      return type.GetSharedPtr();
+    case Type::NA:
+      return ::arrow::float64();
+    case Type::STRING:
+    case Type::LARGE_STRING:
+      return ::arrow::large_utf8();
+    case Type::BINARY:
+    case Type::LARGE_BINARY:
+    case Type::FIXED_SIZE_BINARY:
+      return ::arrow::large_binary();
+    case Type::DATE32:
+      return ::arrow::timestamp(::arrow::TimeUnit::SECOND);
+    case Type::DATE64:
+      return ::arrow::timestamp(::arrow::TimeUnit::MILLI);
+    case Type::DURATION:
+      return ::arrow::int64();
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<TypePtr> returned(const ::arrow::DataType& type, int levels) {
+  switch (type.id()) {
+    case Type::DICTIONARY:
+      return returned_dictionary(static_cast<const ::arrow::DictionaryType&>(type));
+    case Type::LIST:
+    case Type::LARGE_LIST:
+      return returned_list(*static_cast<const ::arrow::BaseListType&>(type).value_type(), levels);
+    case Type::STRUCT:
+      return returned_struct(type.fields(), levels);
+    case Type::MAP:
+      return returned_map(static_cast<const ::arrow::MapType&>(type), levels);
+    default:
+      return returned_plain(type);
+  }
+}
+
+}  // namespace
+
+std::optional<TypePtr> returned_type(const ::arrow::DataType& type) {
+  return returned(type, kMaxNestingLevels);
+}
+
+bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to) {
+  const std::optional<TypePtr> returned = returned_type(from);
+  if (!returned) return false;
+  if ((*returned)->Equals(to)) return true;
+  // Chunks of a dictionary are merged under an index type that fits what they hold together.
+  if (from.id() != Type::DICTIONARY || to.id() != Type::DICTIONARY) return false;
+  const auto& merged = static_cast<const ::arrow::DictionaryType&>(to);
+  return !merged.ordered() && merged.value_type()->id() == Type::LARGE_STRING;
+}
+
+}  // namespace numera::extras

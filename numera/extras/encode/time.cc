@@ -1,0 +1,112 @@
+#include "numera/extras/encode/time.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "numera/host/text_codec.h"
+
+namespace numera::extras::encoding {
+namespace {
+
+constexpr std::int64_t kSecondsPerDay = 86400;
+
+// The code units as the bytes of a text in UTF-8, if they are one. Text that was no such text
+// before stays: a lone character of Latin-1 is no UTF-8.
+std::optional<std::u16string> decode_bytes(const hxArray* text) {
+  const size_t length = hxGetNumberOfElements(text);
+  const auto* const units = elements<char16_t>(text);
+  std::string bytes;
+  bool ascii = true;
+  for (size_t i = 0; i < length; ++i) {
+    if (units[i] > 0xFF) return std::nullopt;
+    if (units[i] > 0x7F) ascii = false;
+    bytes.push_back(static_cast<char>(units[i]));
+  }
+  if (ascii) return std::nullopt;
+  try {
+    return hxUTF8ToUTF16("UTF-8").convert(bytes);
+  } catch (const hxCodecError&) {
+    return std::nullopt;
+  }
+}
+
+hxArrayPtr readable_time_zone(const hxArray* written) {
+  const std::optional<std::u16string> decoded = decode_bytes(written);
+  return decoded ? make_char(*decoded) : hxSharedCopy(written);
+}
+
+bool is_date(const Located& data) {
+  return hxGetFieldNumber(data.value, "Units") < 0 && hxGetFieldNumber(data.value, "DateType") >= 0;
+}
+
+// Days reach further in seconds than an int32 can count them, so nothing is lost.
+hxArrayPtr days_as_seconds(const hxArray* days) {
+  const size_t length = hxGetNumberOfElements(days);
+  const auto* const source = elements<std::int32_t>(days);
+  hxArrayPtr seconds = make_column(hxClassID::Int64, length);
+  auto* const target = elements<std::int64_t>(seconds);
+  for (size_t i = 0; i < length; ++i) target[i] = kSecondsPerDay * source[i];
+  return seconds;
+}
+
+::arrow::Result<Readable> read_dates(const Located& data) {
+  ARROW_ASSIGN_OR_RAISE(const Located date_type, field(data, 0, "DateType"));
+  ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(date_type));
+  if (name != "Date") return invalid(date_type, "'" + name + "'", "'Date', or 'Units' beside it");
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(values));
+  const hxClassID class_id = hxGetClassID(values.value);
+  if (class_id != hxClassID::Int32 && class_id != hxClassID::Int64) {
+    return wrong_class(values, "int32 days or int64 milliseconds");
+  }
+  const bool days = class_id == hxClassID::Int32;
+  return Readable{
+      .kind = u"array",
+      .type = u"datetime",
+      .data = make_datetime(days ? days_as_seconds(values.value) : hxSharedCopy(values.value),
+                            make_char(days ? u"seconds" : u"milliseconds"), make_char(u"")),
+      .length = hxGetNumberOfElements(values.value)};
+}
+
+}  // namespace
+
+::arrow::Result<Readable> read_datetime(const Located& data) {
+  ARROW_RETURN_NOT_OK(check_one_element(data));
+  if (is_date(data)) return read_dates(data);
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::Int64, "an int64 array"));
+  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, "Units"));
+  ARROW_RETURN_NOT_OK(text_of(units));
+  ARROW_ASSIGN_OR_RAISE(const Located time_zone, field(data, 0, "TimeZone"));
+  ARROW_RETURN_NOT_OK(text_of(time_zone));
+  return Readable{.kind = u"array",
+                  .type = u"datetime",
+                  .data = make_datetime(hxSharedCopy(values.value), hxSharedCopy(units.value),
+                                        readable_time_zone(time_zone.value)),
+                  .length = hxGetNumberOfElements(values.value)};
+}
+
+::arrow::Result<Readable> read_time_of_day(const Located& data) {
+  ARROW_RETURN_NOT_OK(check_one_element(data));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  ARROW_RETURN_NOT_OK(check_numbers(values));
+  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, "Units"));
+  ARROW_RETURN_NOT_OK(text_of(units));
+  return Readable{.kind = u"array",
+                  .type = u"duration",
+                  .data = hxSharedCopy(data.value),
+                  .length = hxGetNumberOfElements(values.value)};
+}
+
+hxArrayPtr make_datetime(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
+  hxArrayPtr data = make_struct(1, {"Values", "Units", "TimeZone", "DateType"});
+  hxSetField(data.get(), 0, "Values", std::move(values));
+  hxSetField(data.get(), 0, "Units", std::move(units));
+  hxSetField(data.get(), 0, "TimeZone", std::move(time_zone));
+  hxSetField(data.get(), 0, "DateType", make_char(u"Timestamp"));
+  return data;
+}
+
+}  // namespace numera::extras::encoding

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <arrow/result.h>
+
+#include <string_view>
+
+#include "numera/extras/encode/located.h"
+#include "numera/extras/encode/readable.h"
+
+namespace numera::extras::encoding {
+
+/// Timestamps as they are, but for the text of their time zone; dates ("DateType" is "Date" and
+/// there are no "Units") as timestamps without time zone.
+::arrow::Result<Readable> read_datetime(const Located& data);
+
+/// Times of day as they are.
+::arrow::Result<Readable> read_time_of_day(const Located& data);
+
+/// The readable "Data" of timestamps.
+hxArrayPtr make_datetime(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone);
+
+}  // namespace numera::extras::encoding
