@@ -55,7 +55,8 @@ struct SingleDictionary {
 /// these. The type is Arrow's choice: the smallest signed index type that fits, never ordered.
 ///
 /// Invalid names the first code of a valid slot that lies outside its dictionary; under a null such
-/// a code counts as 0. Dictionaries that hold nulls are refused by Arrow as NotImplemented.
+/// a code counts as 0. Dictionaries that hold nulls are refused by Arrow: Invalid "Cannot yet unify
+/// dictionaries with nulls".
 ::arrow::Result<SingleDictionary> UnifyDictionaryChunks(
     const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType);
 

@@ -1,0 +1,66 @@
+#pragma once
+
+/// \file
+/// Texts and byte strings as the host encodes them, and Arrow arrays of bytes and offsets that JSON
+/// cannot tell: invalid UTF-8, and offsets that no builder makes.
+
+#include <arrow/array/util.h>
+#include <arrow/buffer.h>
+#include <arrow/type.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/host_builder.h"
+
+namespace numera::testing {
+
+inline std::vector<std::uint8_t> BytesOf(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+/// The struct of "Values" and "StartOffsets".
+inline hxArrayPtr EncodedTexts(std::string_view bytes, const std::vector<std::uint64_t>& offsets) {
+  return Struct({{"Values", Column<std::uint8_t>(BytesOf(bytes))},
+                 {"StartOffsets", Column<std::uint64_t>(offsets)}});
+}
+
+/// A buffer in a block of exactly its own size, so that a read past its end is seen.
+template <class T>
+std::shared_ptr<::arrow::Buffer> ExactBuffer(const std::vector<T>& values) {
+  auto owner = std::make_shared<std::vector<T>>(values);
+  owner->shrink_to_fit();
+  const auto size = static_cast<std::int64_t>(owner->size() * sizeof(T));
+  auto* const data = reinterpret_cast<const std::uint8_t*>(owner->data());
+  return {new ::arrow::Buffer(data, size), [owner](::arrow::Buffer* buffer) { delete buffer; }};
+}
+
+/// An array of a type with offsets: `length` elements from element `offset` on.
+inline std::shared_ptr<::arrow::Array> ArrayOfOffsets(
+    const std::shared_ptr<::arrow::DataType>& type, std::int64_t length,
+    std::shared_ptr<::arrow::Buffer> offsets, std::shared_ptr<::arrow::Buffer> bytes,
+    std::int64_t offset = 0) {
+  return ::arrow::MakeArray(::arrow::ArrayData::Make(
+      type, length, {nullptr, std::move(offsets), std::move(bytes)}, 0, offset));
+}
+
+/// An array of 32-bit offsets, utf8 or binary.
+inline std::shared_ptr<::arrow::Array> NarrowArray(const std::shared_ptr<::arrow::DataType>& type,
+                                                   std::string_view bytes,
+                                                   const std::vector<std::int32_t>& offsets) {
+  return ArrayOfOffsets(type, static_cast<std::int64_t>(offsets.size()) - 1, ExactBuffer(offsets),
+                        ExactBuffer(BytesOf(bytes)));
+}
+
+/// An array of 64-bit offsets, large utf8 or large binary.
+inline std::shared_ptr<::arrow::Array> LargeArray(const std::shared_ptr<::arrow::DataType>& type,
+                                                  std::string_view bytes,
+                                                  const std::vector<std::int64_t>& offsets) {
+  return ArrayOfOffsets(type, static_cast<std::int64_t>(offsets.size()) - 1, ExactBuffer(offsets),
+                        ExactBuffer(BytesOf(bytes)));
+}
+
+}  // namespace numera::testing
