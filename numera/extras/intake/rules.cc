@@ -95,7 +95,7 @@ bool is_text(const ::arrow::DataType& type) {
   return type.id() == Type::STRING || type.id() == Type::LARGE_STRING;
 }
 
-bool is_nested(const ::arrow::DataType& type) {
+bool holds_types(const ::arrow::DataType& type) {
   return type.num_fields() > 0 || type.id() == Type::STRUCT || type.id() == Type::DICTIONARY ||
          type.id() == Type::EXTENSION;
 }
@@ -114,32 +114,39 @@ bool is_nested(const ::arrow::DataType& type) {
   return ::arrow::Status::OK();
 }
 
-/// `levels` more types may nest others.
+/// The one type that a dictionary or an extension stands for; null for every other type.
+const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
+  if (type.id() == Type::DICTIONARY) {
+    return static_cast<const ::arrow::DictionaryType&>(type).value_type().get();
+  }
+  if (type.id() == Type::EXTENSION) {
+    return static_cast<const ::arrow::ExtensionType&>(type).storage_type().get();
+  }
+  return nullptr;
+}
+
+/// `levels` more types may hold others. A type that stands for a plain one is no level.
 ::arrow::Status check(const std::string& path, const ::arrow::DataType& type, bool cast,
                       int levels) {
   const auto id = static_cast<size_t>(type.id());
   if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
   if (kRules[id].fate == Fate::kCast && !cast) return refuse(path, type, kAskForCasts);
-  if (!is_nested(type)) return ::arrow::Status::OK();
-  if (type.id() == Type::DICTIONARY) {
-    const auto& values = *static_cast<const ::arrow::DictionaryType&>(type).value_type();
-    if (!cast && !is_text(values)) return refuse(path, type, kAskForCasts);
-    return check(path + "<dictionary>", values, cast, levels - (is_nested(values) ? 1 : 0));
-  }
-  if (type.id() == Type::EXTENSION) {
-    const auto& storage = *static_cast<const ::arrow::ExtensionType&>(type).storage_type();
-    return check(path + "<storage>", storage, cast, levels - (is_nested(storage) ? 1 : 0));
-  }
-  if (levels <= 0) {
+  if (!holds_types(type)) return ::arrow::Status::OK();
+  const ::arrow::DataType* represented = represented_type(type);
+  const bool is_level = represented == nullptr || holds_types(*represented);
+  if (is_level && --levels < 0) {
     return ::arrow::Status::Invalid("Types: found more than ", io::arrow::core::kMaxNestingLevels,
                                     " in one another, expected no more than that.");
   }
-  if (type.id() == Type::MAP) {
-    const auto& map = static_cast<const ::arrow::MapType&>(type);
-    ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), cast, levels - 1));
-    return check(path + "{item}", *map.item_type(), cast, levels - 1);
+  if (type.id() == Type::DICTIONARY) {
+    if (!cast && !is_text(*represented)) return refuse(path, type, kAskForCasts);
+    return check(path + "<dictionary>", *represented, cast, levels);
   }
-  return check_fields(path, type, cast, levels - 1);
+  if (represented != nullptr) return check(path + "<storage>", *represented, cast, levels);
+  if (type.id() != Type::MAP) return check_fields(path, type, cast, levels);
+  const auto& map = static_cast<const ::arrow::MapType&>(type);
+  ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), cast, levels));
+  return check(path + "{item}", *map.item_type(), cast, levels);
 }
 
 }  // namespace
