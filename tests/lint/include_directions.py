@@ -26,7 +26,7 @@ PARTS = [
     ("numera/host/", ["numera/host/"]),
     ("numera/core/", ["interface"]),
     ("numera/unicode/", ["interface"]),
-    ("numera/extras/", ["interface", "numera/core/", "numera/unicode/"]),
+    ("numera/extras/", ["numera/core/", "numera/unicode/", "numera/host/"]),
     ("numera/", ["numera/"]),
     ("tools/", ["numera/"]),
     ("python/", ["numera/"]),

@@ -13,7 +13,7 @@ import sys
 PUBLIC_NAME = re.compile(
     r"(typeinfo (name )?for |vtable for |VTT for )?"
     r"(numera::|NUMERA::|hx[A-Z]|MessageIdException)"
-    r"|arrow::Result<.*> numera::io::arrow::core::to_arrow<"
+    r"|arrow::Result<.*> numera::"
     r"|NR(Initialize|Terminate)_ArrowCoreModule$"
 )
 
@@ -43,8 +43,12 @@ def faults(folder):
                 yield f"{library.name} exports {name}"
     for part in ("arrow", "extras"):
         library = folder / f"libnumera_{part}.so"
-        if not any(name.startswith("hx") for name in names(library, "--undefined-only")):
+        undefined = names(library, "--undefined-only")
+        if not any(name.startswith("hx") for name in undefined):
             yield f"{library.name} leaves no operation of the host undefined"
+        for name in undefined:
+            if name.startswith("numera::host::"):
+                yield f"{library.name} runs on no host but the one that has {name}"
         for name in names(library, "--defined-only"):
             if re.match(r"hx(Create|Get|Set|Is|Make|Destroy|Error|Throw)\w*\(", name):
                 yield f"{library.name} defines the host's {name}"
