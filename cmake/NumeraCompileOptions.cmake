@@ -5,10 +5,11 @@ function(numera_compile_options target)
       -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wsign-compare -Wshadow
       -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Wswitch
       -Wundef -Werror)
-    # GCC 12 warns wrongly about overlaps and lengths in the standard library's own string
-    # concatenation, the latter with optimisation.
+    # GCC 12 warns wrongly about the standard library's own string concatenation: about overlap, and
+    # with optimisation about lengths.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-      target_compile_options(${target} PRIVATE -Wno-restrict -Wno-stringop-overflow)
+      target_compile_options(${target} PRIVATE -Wno-restrict
+        "$<$<NOT:$<CONFIG:Debug>>:-Wno-stringop-overflow;-Wno-array-bounds>")
     endif()
   endif()
   if(NUMERA_SANITIZE)
