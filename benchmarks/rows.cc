@@ -37,7 +37,7 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
     if (is_limit) name.erase(0, kLimit.size());
     Row& row = row_of(run, name);
     std::optional<double>& fastest = is_limit ? row.limit_seconds : row.seconds;
-    const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
+    const double seconds = run.cpu_accumulated_time / static_cast<double>(run.iterations);
     fastest = std::min(fastest.value_or(seconds), seconds);
   }
 }

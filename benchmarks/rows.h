@@ -48,7 +48,8 @@ void add_table_rows();
 void add_gateway_rows();
 
 /// Keeps the fastest repetition of each row, the one that the machine disturbed least, and prints
-/// them at the end: a line a row with its limit and their ratio.
+/// them at the end: a line a row with its limit and their ratio. Rows run on one thread, and theirs
+/// is the time of the processor, system calls included: others who share it do not count.
 class RatioReporter : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context& context) override;
