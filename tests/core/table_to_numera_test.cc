@@ -30,7 +30,8 @@ std::shared_ptr<Table> table_of(const std::vector<std::string>& names,
     fields.push_back(
         ::arrow::field(names[i], columns[i] == nullptr ? ::arrow::null() : columns[i]->type()));
   }
-  return Table::Make(::arrow::schema(std::move(fields)), std::move(columns), 0);
+  const std::int64_t rows = columns.empty() ? 0 : columns[0]->length();
+  return Table::Make(::arrow::schema(std::move(fields)), std::move(columns), rows);
 }
 
 std::shared_ptr<Table> small_table() {

@@ -1,0 +1,158 @@
+#include "numera/core/arrow_types.h"
+
+#include <arrow/array/util.h>
+#include <arrow/builder.h>
+#include <arrow/extension/uuid.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "numera/core/to_numera.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/envelopes.h"
+#include "tests/support/host_builder.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using namespace numera::testing;
+using ::arrow::Status;
+using ::arrow::Type;
+using TypePtr = std::shared_ptr<::arrow::DataType>;
+
+/// A type of every id, with what an envelope says of it; no name where the type is refused.
+struct Row {
+  TypePtr type;
+  const char* kind;
+  const char* encoded_name;
+};
+
+std::map<Type::type, Row> rows_by_id() {
+  using namespace ::arrow;  // NOLINT(google-build-using-namespace)
+  const TypePtr item = int32();
+  const FieldVector fields = {field("a", item)};
+  const Row rows[] = {
+      {null(), "array", "null"},
+      {boolean(), "array", "logical"},
+      {uint8(), "array", "uint8"},
+      {int8(), "array", "int8"},
+      {uint16(), "array", "uint16"},
+      {int16(), "array", "int16"},
+      {uint32(), "array", "uint32"},
+      {int32(), "array", "int32"},
+      {uint64(), "array", "uint64"},
+      {int64(), "array", "int64"},
+      {float32(), "array", "single"},
+      {float64(), "array", "double"},
+      {utf8(), "array", "string"},
+      {large_utf8(), "array", "string"},
+      {binary(), "array", "binary_array"},
+      {large_binary(), "array", "binary_array"},
+      {fixed_size_binary(3), "array", "fixed_binary_array"},
+      {date32(), "array", "datetime"},
+      {date64(), "array", "datetime"},
+      {timestamp(TimeUnit::MILLI), "array", "datetime"},
+      {time32(TimeUnit::SECOND), "array", "duration"},
+      {time64(TimeUnit::NANO), "array", "duration"},
+      {duration(TimeUnit::MICRO), "array", "int64"},
+      {list(item), "list_array", "list_array"},
+      {large_list(item), "list_array", "large_list_array"},
+      {struct_(fields), "struct", "struct"},
+      {map(utf8(), item), "map", "map"},
+      {dictionary(int8(), utf8()), "array", "categorical"},
+      {float16(), nullptr, nullptr},
+      {month_interval(), nullptr, nullptr},
+      {day_time_interval(), nullptr, nullptr},
+      {month_day_nano_interval(), nullptr, nullptr},
+      {decimal32(5, 2), nullptr, nullptr},
+      {decimal64(15, 2), nullptr, nullptr},
+      {decimal128(25, 2), nullptr, nullptr},
+      {decimal256(50, 2), nullptr, nullptr},
+      {sparse_union(fields), nullptr, nullptr},
+      {dense_union(fields), nullptr, nullptr},
+      {extension::uuid(), nullptr, nullptr},
+      {fixed_size_list(item, 2), nullptr, nullptr},
+      {run_end_encoded(int32(), item), nullptr, nullptr},
+      {utf8_view(), nullptr, nullptr},
+      {binary_view(), nullptr, nullptr},
+      {list_view(item), nullptr, nullptr},
+      {large_list_view(item), nullptr, nullptr},
+  };
+  std::map<Type::type, Row> by_id;
+  for (const Row& row : rows) by_id.emplace(row.type->id(), row);
+  return by_id;
+}
+
+std::string text_of(const hxArrayPtr& envelope, const char* field) {
+  return hxGetString(hxGetField(envelope.get(), 0, field));
+}
+
+std::string utf8(const char16_t* text) { return {text, text + std::u16string_view(text).size()}; }
+
+class EveryArrowType : public ::testing::TestWithParam<int> {
+ protected:
+  Type::type id() const { return static_cast<Type::type>(GetParam()); }
+};
+
+TEST_P(EveryArrowType, HasARow) {
+  EXPECT_EQ(rows_by_id().count(id()), 1U) << "a type of this id is missing in this test";
+  EXPECT_EQ(arrow_type_row(id()).id, id());
+}
+
+TEST_P(EveryArrowType, IsConvertedOrRefusedByName) {
+  const Row row = rows_by_id().at(id());
+  SCOPED_TRACE(row.type->ToString());
+  for (const std::int64_t length : {0, 3}) {
+    SCOPED_TRACE(length);
+    const auto array = ::arrow::MakeArrayOfNull(row.type, length).ValueOrDie();
+    ASSERT_TRUE(array->ValidateFull().ok());
+    const auto envelope = to_numera(array);
+    if (row.kind == nullptr) {
+      EXPECT_EQ(envelope.status(),
+                Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
+                                  row.type->ToString()));
+      continue;
+    }
+    ASSERT_TRUE(envelope.ok()) << envelope.status();
+    EXPECT_EQ(text_of(*envelope, "ArrowType"), row.kind);
+    EXPECT_EQ(text_of(*envelope, "Type"), row.encoded_name);
+  }
+}
+
+TEST_P(EveryArrowType, IsTreatedAlikeInAColumnWithoutChunks) {
+  const Row row = rows_by_id().at(id());
+  SCOPED_TRACE(row.type->ToString());
+  const auto envelope = to_numera(ArrowChunks(row.type, {}));
+  EXPECT_EQ(envelope.ok(), row.kind != nullptr);
+  EXPECT_EQ(envelope.status().IsTypeError(), row.kind == nullptr);
+}
+
+TEST_P(EveryArrowType, HasValidityOfTheFormOfItsKind) {
+  const Row row = rows_by_id().at(id());
+  if (row.kind == nullptr) return;
+  SCOPED_TRACE(row.type->ToString());
+  const auto chunk = ::arrow::MakeArrayOfNull(row.type, 3).ValueOrDie();
+  const auto envelope =
+      to_numera(std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{chunk, chunk}))
+          .ValueOrDie();
+  const hxArray* valid = hxGetField(envelope.get(), 0, "Valid");
+  const bool plain = std::string(row.kind) == "array";
+  EXPECT_EQ(hxGetNumberOfElements(valid), plain ? 1U : 2U);
+  EXPECT_STREQ(hxGetFieldName(valid, 0), plain ? "ArrowType" : "Values");
+}
+
+INSTANTIATE_TEST_SUITE_P(Ids, EveryArrowType, ::testing::Range(0, static_cast<int>(Type::MAX_ID)));
+
+TEST(ArrowTypeRow, OfAnIdThatNoTypeHasIsARefusal) {
+  for (const int id : {static_cast<int>(Type::MAX_ID), 1000, -1}) {
+    const ArrowTypeRow& row = arrow_type_row(static_cast<Type::type>(id));
+    EXPECT_EQ(row.writer, nullptr);
+    EXPECT_EQ(row.encoded_name, nullptr);
+    EXPECT_EQ(row.class_name, nullptr);
+    EXPECT_EQ(utf8(row.kind), "array");
+  }
+}
+
+}  // namespace
+}  // namespace numera::io::arrow::core
