@@ -15,9 +15,10 @@
 namespace numera::extras::intake {
 
 enum class Fate : std::uint8_t {
-  kKept,     ///< fit for `to_numera`, as far as its children are
-  kCast,     ///< refused unless casts are asked for
-  kRefused,  ///< there is no rule
+  kKept,        ///< fit for `to_numera`, as far as its children are
+  kKeptOfText,  ///< the same where its values are text, else cast
+  kCast,        ///< refused unless casts are asked for
+  kRefused,     ///< there is no rule
 };
 
 struct Rule {

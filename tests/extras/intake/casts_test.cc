@@ -78,9 +78,9 @@ std::vector<JsonCase> json_cases() {
   return {
       {::arrow::decimal32(5, 2), R"(["1.25", null, "-999.99"])", ::arrow::float64(),
        "[1.25, null, -999.99]"},
-      {::arrow::decimal64(15, 3), R"(["1.25", null, "-123456789012.345"])", ::arrow::float64(),
+      {::arrow::decimal64(15, 3), R"(["1.250", null, "-123456789012.345"])", ::arrow::float64(),
        "[1.25, null, -123456789012.345]"},
-      {::arrow::decimal128(30, 10), R"(["0.1", null, "-12345678901234567890.0123456789"])",
+      {::arrow::decimal128(30, 10), R"(["0.1000000000", null, "-12345678901234567890.0123456789"])",
        ::arrow::float64(), "[0.1, null, -12345678901234567890.0123456789]"},
       {::arrow::decimal256(70, 0),
        R"(["123456789012345678901234567890123456789012345678901234567890", null, "-7"])",
@@ -133,7 +133,8 @@ TEST(IntakeCasts, TakeDictionariesOfOtherThanTextApart) {
       {::arrow::boolean(), "[true, false, null]", ::arrow::boolean(),
        "[false, null, true, false, null]"},
       {::arrow::null(), "[null, null, null]", ::arrow::null(), "[null, null, null, null, null]"},
-      {::arrow::binary(), R"(["a", "bc", ""])", ::arrow::binary(), R"(["bc", null, "a", "bc", ""])"},
+      {::arrow::binary(), R"(["a", "bc", ""])", ::arrow::binary(),
+       R"(["bc", null, "a", "bc", ""])"},
       {::arrow::large_binary(), R"(["a", "bc", null])", ::arrow::large_binary(),
        R"(["bc", null, "a", "bc", null])"},
       {::arrow::fixed_size_binary(2), R"(["ab", "cd", null])", ::arrow::fixed_size_binary(2),
@@ -165,9 +166,8 @@ TEST(IntakeCasts, KeepDictionariesOfDictionariesOfText) {
   const auto outer =
       ::arrow::DictionaryArray::FromArrays(ArrowArray(int8(), "[1, 0, null, 1]"), inner)
           .ValueOrDie();
-  const auto expected = ::arrow::DictionaryArray::FromArrays(
-                            ArrowArray(int8(), "[1, 0, null, 1]"),
-                            ArrowArray(utf8(), R"(["a", "b"])"))
+  const auto expected = ::arrow::DictionaryArray::FromArrays(ArrowArray(int8(), "[1, 0, null, 1]"),
+                                                             ArrowArray(utf8(), R"(["a", "b"])"))
                             .ValueOrDie();
   expect_cast(outer, expected);
 }
@@ -183,39 +183,38 @@ TEST(IntakeCasts, ExpandRuns) {
   };
   for (const TypePtr& index : {int16(), int32(), int64()}) {
     for (const JsonCase& one : values) {
-      const auto runs =
-          ::arrow::RunEndEncodedArray::Make(6, ArrowArray(index, "[2, 3, 6]"),
-                                            ArrowArray(one.from, one.json))
-              .ValueOrDie();
+      const auto runs = ::arrow::RunEndEncodedArray::Make(6, ArrowArray(index, "[2, 3, 6]"),
+                                                          ArrowArray(one.from, one.json))
+                            .ValueOrDie();
       expect_cast(runs, ArrowArray(one.to, one.expected));
     }
   }
 }
 
 TEST(IntakeCasts, ExpandRunsWhoseChildrenAreSlices) {
-  const auto runs = ::arrow::RunEndEncodedArray::Make(
-                        5, ArrowArray(int32(), "[99, 2, 3, 6]")->Slice(1),
-                        ArrowArray(utf8(), R"(["-", "a", null, "c"])")->Slice(1))
-                        .ValueOrDie();
+  const auto runs =
+      ::arrow::RunEndEncodedArray::Make(5, ArrowArray(int32(), "[99, 2, 3, 6]")->Slice(1),
+                                        ArrowArray(utf8(), R"(["-", "a", null, "c"])")->Slice(1))
+          .ValueOrDie();
   expect_cast(runs, ArrowArray(utf8(), R"(["a", "a", null, "c", "c"])"));
 }
 
 TEST(IntakeCasts, OfListViewsGatherWhatIsOutOfOrder) {
   const auto elements = ArrowArray(utf8(), R"(["-", "a", "b", "c", "d", "-"])");
-  const auto views = ::arrow::ListViewArray::FromArrays(
-                         *ArrowArray(int32(), "[3, 1, 1, 5, 2]"),
-                         *ArrowArray(int32(), "[2, 2, 3, 0, 1]"), *elements)
-                         .ValueOrDie();
-  expect_cast(views, ArrowArray(list(utf8()),
-                                R"([["c", "d"], ["a", "b"], ["a", "b", "c"], [], ["b"]])"));
+  const auto views =
+      ::arrow::ListViewArray::FromArrays(*ArrowArray(int32(), "[3, 1, 1, 5, 2]"),
+                                         *ArrowArray(int32(), "[2, 2, 3, 0, 1]"), *elements)
+          .ValueOrDie();
+  expect_cast(views,
+              ArrowArray(list(utf8()), R"([["c", "d"], ["a", "b"], ["a", "b", "c"], [], ["b"]])"));
 }
 
 TEST(IntakeCasts, OfListViewsShareElementsThatAreInOrder) {
   const auto elements = ArrowArray(int32(), "[1, 2, 3, 4, 5]");
-  const auto views = ::arrow::ListViewArray::FromArrays(*ArrowArray(int32(), "[1, 0, 2]"),
-                                                        *ArrowArray(int32(), "[1, 0, 2]"),
-                                                        *elements)
-                         .ValueOrDie();
+  const auto views =
+      ::arrow::ListViewArray::FromArrays(*ArrowArray(int32(), "[1, 0, 2]"),
+                                         *ArrowArray(int32(), "[1, 0, 2]"), *elements)
+          .ValueOrDie();
   const Taken taken = cast(views);
   EXPECT_TRUE(SameArray(*taken.array, *ArrowArray(list(int32()), "[[2], [], [3, 4]]")));
   EXPECT_EQ(taken.array->data()->child_data[0]->buffers[1]->data(),
@@ -277,13 +276,11 @@ TEST(IntakeCasts, AreReportedWithPathAndTypes) {
        field("m", ::arrow::map(views, ::arrow::float16())), field("d", dictionary(int8(), views)),
        field("kept", utf8()), field("v", ::arrow::list_view(views))});
   const Taken taken = cast(ArrowArray(type, "[]"));
-  EXPECT_EQ(taken.casts,
-            (std::vector<std::string>{".a[].price: decimal128(9, 2) to double",
-                                      ".m{key}: string_view to string",
-                                      ".m{item}: halffloat to double",
-                                      ".d<dictionary>: string_view to string",
-                                      ".v[]: string_view to string",
-                                      ".v: list_view<item: string_view> to list<item: string>"}));
+  EXPECT_EQ(taken.casts, (std::vector<std::string>{
+                             ".a[].price: decimal128(9, 2) to double",
+                             ".m{key}: string_view to string", ".m{item}: halffloat to double",
+                             ".d<dictionary>: string_view to string", ".v[]: string_view to string",
+                             ".v: list_view<item: string_view> to list<item: string>"}));
 }
 
 TEST(IntakeCasts, OfWholeValuesHaveAnEmptyPath) {
@@ -292,10 +289,10 @@ TEST(IntakeCasts, OfWholeValuesHaveAnEmptyPath) {
   const auto runs = ::arrow::RunEndEncodedArray::Make(1, ArrowArray(int32(), "[1]"),
                                                       ArrowArray(::arrow::float16(), "[1]"))
                         .ValueOrDie();
-  EXPECT_EQ(cast(runs).casts,
-            (std::vector<std::string>{
-                "<values>: halffloat to double",
-                "run_end_encoded<run_ends: int32, values: halffloat> to double"}));
+  EXPECT_EQ(
+      cast(runs).casts,
+      (std::vector<std::string>{"<values>: halffloat to double",
+                                "run_end_encoded<run_ends: int32, values: halffloat> to double"}));
 }
 
 }  // namespace

@@ -1,0 +1,227 @@
+#include <arrow/array.h>
+#include <arrow/extension/bool8.h>
+#include <arrow/table.h>
+#include <arrow/type.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "numera/core/limits.h"
+#include "numera/core/util/table_error.h"
+#include "numera/extras/intake/intake.h"
+#include "tests/support/arrow_values.h"
+
+namespace numera::testing {
+namespace {
+
+using ::arrow::Array;
+using ::arrow::ArrayData;
+using ::arrow::field;
+using ::arrow::int32;
+using ::arrow::int8;
+using ::arrow::list;
+using ::arrow::Status;
+using ::arrow::StatusCode;
+using ::arrow::utf8;
+using extras::take_in;
+using io::arrow::core::kMaxNestingLevels;
+using ::testing::HasSubstr;
+using TypePtr = std::shared_ptr<::arrow::DataType>;
+
+Status refusal(const TypePtr& type, bool cast) {
+  const auto empty = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{}, type);
+  return take_in(empty, {.cast = cast}).status();
+}
+
+TEST(IntakeRefusals, NameTheTypeThatWouldNeedACast) {
+  const TypePtr types[] = {::arrow::float16(),
+                           ::arrow::month_interval(),
+                           ::arrow::day_time_interval(),
+                           ::arrow::month_day_nano_interval(),
+                           ::arrow::decimal32(5, 2),
+                           ::arrow::decimal64(5, 2),
+                           ::arrow::decimal128(5, 2),
+                           ::arrow::decimal256(5, 2),
+                           ::arrow::extension::bool8(),
+                           ::arrow::fixed_size_list(int8(), 2),
+                           ::arrow::run_end_encoded(int32(), int8()),
+                           ::arrow::utf8_view(),
+                           ::arrow::binary_view(),
+                           ::arrow::list_view(int8()),
+                           ::arrow::large_list_view(int8()),
+                           ::arrow::dictionary(int8(), int32())};
+  for (const TypePtr& type : types) {
+    EXPECT_EQ(refusal(type, false),
+              Status::TypeError("found type ", type->ToString(),
+                                ", expected one that has a host form; casts were not asked for."));
+    EXPECT_EQ(refusal(type, true), Status::OK());
+  }
+}
+
+TEST(IntakeRefusals, NameUnionsEvenWhereCastsAreAskedFor) {
+  const ::arrow::FieldVector fields = {field("a", int8())};
+  for (const TypePtr& type : {::arrow::sparse_union(fields), ::arrow::dense_union(fields)}) {
+    for (const bool cast : {false, true}) {
+      EXPECT_EQ(refusal(type, cast), Status::TypeError("found type ", type->ToString(),
+                                                       ", expected one that has a host form."));
+    }
+  }
+}
+
+TEST(IntakeRefusals, NameThePath) {
+  const TypePtr bad = ::arrow::dense_union({field("a", int8())});
+  const std::pair<TypePtr, std::string> cases[] = {
+      {list(bad), "[]: "},
+      {::arrow::list_view(bad), "[]: "},
+      {::arrow::fixed_size_list(bad, 2), "[]: "},
+      {::arrow::struct_({field("ok", int8()), field("x", list(bad))}), ".x[]: "},
+      {::arrow::map(bad, int8()), "{key}: "},
+      {::arrow::map(int8(), ::arrow::struct_({field("u", bad)})), "{item}.u: "},
+      {::arrow::dictionary(int8(), bad), "<dictionary>: "},
+      {::arrow::run_end_encoded(int32(), bad), "<values>: "},
+  };
+  for (const auto& [type, path] : cases) {
+    const Status status = refusal(type, true);
+    EXPECT_EQ(status.code(), StatusCode::TypeError);
+    EXPECT_EQ(status.message(),
+              path + "found type " + bad->ToString() + ", expected one that has a host form.");
+  }
+}
+
+TEST(IntakeRefusals, CarryTheColumnOfATable) {
+  const auto bad = ArrowArray(::arrow::float16(), "[1]");
+  const auto table =
+      ::arrow::Table::Make(::arrow::schema({field("a", int8()), field("b", ::arrow::float16())}),
+                           {ArrowArray(int8(), "[1]"), bad});
+  const Status status = take_in(table).status();
+  EXPECT_EQ(status.message(),
+            "b: found type halffloat, expected one that has a host form; casts were not asked "
+            "for.");
+  const auto* detail =
+      dynamic_cast<const io::arrow::core::util::TableErrorStatusDetail*>(status.detail().get());
+  ASSERT_NE(detail, nullptr);
+  EXPECT_STREQ(detail->type_id(), "TypeError");
+  EXPECT_EQ(detail->column_name(), "b");
+  EXPECT_EQ(detail->column_index(), 1);
+}
+
+TEST(IntakeRefusals, MeetNullPointers) {
+  const auto expect_invalid = [](const Status& status) {
+    EXPECT_EQ(status.code(), StatusCode::Invalid);
+    EXPECT_THAT(status.message(), HasSubstr("found a null pointer"));
+  };
+  expect_invalid(take_in(std::shared_ptr<Array>()).status());
+  expect_invalid(take_in(std::shared_ptr<::arrow::ChunkedArray>()).status());
+  expect_invalid(take_in(std::shared_ptr<::arrow::Table>()).status());
+  const auto childless = ArrowArray(list(int8()), "[[1]]");
+  childless->data()->child_data[0] = nullptr;
+  expect_invalid(take_in(childless).status());
+}
+
+struct Bad {
+  const char* what;
+  std::shared_ptr<ArrayData> data;
+  /// Arrow gives no array of it, but lets it be the child of one.
+  bool is_no_array = false;
+};
+
+std::vector<Bad> bad_arrays() {
+  const auto with = [](const TypePtr& type, const char* json, auto change) {
+    auto data = ArrowArray(type, json)->data()->Copy();
+    change(*data);
+    return data;
+  };
+  const auto buffer = [](std::vector<std::uint8_t> bytes) { return ArrowBuffer(bytes); };
+  return {
+      {"bad UTF-8",
+       with(utf8(), R"(["ab"])", [&](auto& a) { a.buffers[2] = buffer({0xC3, 0x28}); })},
+      {"short values", with(int32(), "[1, 2]", [&](auto& a) { a.buffers[1] = buffer({1, 0}); })},
+      {"short bitmap", with(int8(), "[1, 2, 3, 4, 5, 6, 7, 8, null]",
+                            [&](auto& a) { a.buffers[0] = buffer({1}); })},
+      {"length past the end", with(int32(), "[1, 2]", [](auto& a) { a.length = 100; })},
+      {"offset past the end", with(int32(), "[1, 2]", [](auto& a) { a.offset = 100; })},
+      {"negative offset", with(int32(), "[1, 2]", [](auto& a) { a.offset = -1; })},
+      {"extent beyond 64 bits",
+       with(int32(), "[1, 2]",
+            [](auto& a) { a.offset = std::numeric_limits<std::int64_t>::max(); })},
+      {"wrong null count", with(int8(), "[1, null]", [](auto& a) { a.null_count = 2; })},
+      {"too few buffers", with(int8(), "[1]", [](auto& a) { a.buffers.resize(1); }), true},
+      {"falling offsets",
+       with(utf8(), R"(["a", "b"])",
+            [&](auto& a) { a.buffers[1] = buffer({0, 0, 0, 0, 9, 0, 0, 0, 2, 0, 0, 0}); })},
+      {"list past its elements",
+       with(list(int8()), "[[1]]",
+            [&](auto& a) { a.buffers[1] = buffer({0, 0, 0, 0, 7, 0, 0, 0}); })},
+      {"code outside the dictionary", with(::arrow::dictionary(int8(), utf8()), R"(["a"])",
+                                           [&](auto& a) { a.buffers[1] = buffer({3}); })},
+      {"no dictionary",
+       with(::arrow::dictionary(int8(), utf8()), R"(["a"])",
+            [](auto& a) { a.dictionary = nullptr; }),
+       true},
+      {"short field", with(::arrow::struct_({field("a", int8())}), R"([{"a": 1}])",
+                           [](auto& a) { a.length = 3; })},
+      {"too few children", with(::arrow::struct_({field("a", int8())}), R"([{"a": 1}])",
+                                [](auto& a) { a.child_data.clear(); })},
+      {"view past its buffer", with(::arrow::utf8_view(), R"(["longer than twelve bytes"])",
+                                    [&](auto& a) { a.buffers[2] = buffer({1, 2}); })},
+      {"view without buffer", with(::arrow::utf8_view(), R"(["longer than twelve bytes"])",
+                                   [](auto& a) { a.buffers.resize(2); })},
+      {"null buffer of views", with(::arrow::utf8_view(), R"(["longer than twelve bytes"])",
+                                    [](auto& a) { a.buffers[2] = nullptr; })},
+      {"list view past its elements", with(::arrow::list_view(int8()), "[[1]]",
+                                           [&](auto& a) { a.buffers[2] = buffer({9, 0, 0, 0}); })},
+      {"bytes without address",
+       with(int8(), "[1]",
+            [](auto& a) { a.buffers[1] = std::make_shared<::arrow::Buffer>(nullptr, 8); })},
+  };
+}
+
+TEST(IntakeRefusals, MeetInvalidDataAtTheTop) {
+  for (const Bad& bad : bad_arrays()) {
+    SCOPED_TRACE(bad.what);
+    if (bad.is_no_array) continue;
+    EXPECT_FALSE(take_in(::arrow::MakeArray(bad.data), {.cast = true}).ok());
+  }
+}
+
+TEST(IntakeRefusals, MeetInvalidDataBelow) {
+  for (const Bad& bad : bad_arrays()) {
+    SCOPED_TRACE(bad.what);
+    const auto around = ArrayData::Make(::arrow::struct_({field("inner", bad.data->type)}),
+                                        bad.data->length, {nullptr}, {bad.data}, 0);
+    EXPECT_FALSE(take_in(::arrow::MakeArray(around), {.cast = true}).ok());
+  }
+}
+
+TypePtr nested(int levels, TypePtr type) {
+  for (int i = 0; i < levels; ++i) type = list(field("item", type));
+  return type;
+}
+
+TEST(IntakeRefusals, BeginWhereNestingExceedsItsLimit) {
+  EXPECT_EQ(refusal(nested(kMaxNestingLevels, int8()), false), Status::OK());
+  const Status deeper = refusal(nested(kMaxNestingLevels + 1, int8()), false);
+  EXPECT_EQ(deeper,
+            Status::Invalid("Types: found more than 1024 in one another, expected no more than "
+                            "that."));
+  EXPECT_EQ(refusal(nested(20'000, int8()), true).code(), StatusCode::Invalid);
+  TypePtr dictionaries = utf8();
+  for (int i = 0; i < 20'000; ++i) dictionaries = ::arrow::dictionary(int8(), dictionaries);
+  EXPECT_EQ(refusal(dictionaries, true).code(), StatusCode::Invalid);
+}
+
+TEST(IntakeRefusals, SpareValuesNestedAsDeepAsTheLimit) {
+  const auto array =
+      ::arrow::MakeArrayOfNull(nested(kMaxNestingLevels, int8()), 3).ValueOrDie()->Slice(1);
+  const auto taken = take_in(array);
+  ASSERT_TRUE(taken.ok()) << taken.status();
+  EXPECT_EQ(taken->value->offset(), 0);
+  EXPECT_EQ(taken->value->null_count(), 2);
+}
+
+}  // namespace
+}  // namespace numera::testing
