@@ -125,7 +125,10 @@ inline ::testing::AssertionResult SameValues(const ::arrow::ChunkedArray& writte
   }
   std::int64_t start = 0;
   for (const auto& chunk : written.chunks()) {
-    for (std::int64_t i = 0; i < chunk->length(); ++i) {
+    const auto nans_equal = ::arrow::EqualOptions::Defaults().nans_equal(true);
+    const bool same = chunk->type()->Equals(returned.type()) &&
+                      chunk->RangeEquals(returned, 0, chunk->length(), start, nans_equal);
+    for (std::int64_t i = 0; !same && i < chunk->length(); ++i) {
       if (same_element(*chunk, i, returned, start + i)) continue;
       return ::testing::AssertionFailure()
              << "element " << start + i << " was " << chunk->Slice(i, 1)->ToString() << " and is "

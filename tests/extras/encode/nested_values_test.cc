@@ -1,0 +1,215 @@
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "numera/core/limits.h"
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/envelopes.h"
+#include "tests/support/host_matchers.h"
+
+namespace numera::testing {
+namespace {
+
+using extras::encode;
+using io::arrow::core::kMaxNestingLevels;
+using io::arrow::core::to_arrow;
+using io::arrow::core::to_numera;
+
+hxArrayPtr Plain(std::string_view type, double length, hxArrayPtr data,
+                 const std::vector<std::uint8_t>& valid = {}) {
+  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
+}
+
+hxArrayPtr Lists(double length, hxArrayPtr values, hxArrayPtr offsets,
+                 const std::vector<std::uint8_t>& valid = {}) {
+  return WrittenEnvelope(
+      "list_array", "large_list_array", WrittenValidity(length, valid),
+      Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}}));
+}
+
+hxArrayPtr Structs(double length, hxArrayPtr names, hxArrayPtr fields,
+                   const std::vector<std::uint8_t>& valid = {}) {
+  return WrittenEnvelope(
+      "struct", "struct", WrittenValidity(length, valid),
+      Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(fields)}}));
+}
+
+/// The envelope that is written for chunks.
+hxArrayPtr encoded(const std::shared_ptr<::arrow::DataType>& type,
+                   const std::vector<std::string>& chunks) {
+  const hxArrayPtr written = to_numera(ArrowChunks(type, chunks)).ValueOrDie();
+  return encode(written.get()).ValueOrDie();
+}
+
+TEST(EncodeNestedValues, ListsOfOneChunkAreRewrittenInPlace) {
+  const hxArrayPtr readable = encoded(::arrow::list(::arrow::int16()), {"[[1, 2], null, [3]]"});
+  const hxArrayPtr expected = Lists(3, Plain("int16", 3, Column<std::int16_t>({1, 2, 3})),
+                                    Column<std::uint64_t>({0, 2, 2, 3}), {0xFD});
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, ValuesOfListsOfOneChunkAreNotCopied) {
+  const hxArrayPtr written =
+      to_numera(ArrowArray(::arrow::list(::arrow::float64()), "[[1, 2], [3]]")).ValueOrDie();
+  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const auto leaf = [](const hxArrayPtr& envelope) {
+    const hxArray* const values = hxGetField(hxGetField(envelope.get(), 0, "Data"), 0, "Values");
+    return hxGetData(hxGetField(values, 0, "Data"));
+  };
+  EXPECT_EQ(leaf(readable), leaf(written));
+}
+
+TEST(EncodeNestedValues, ListsOfSeveralChunksAreJoinedWithTheirValidity) {
+  const hxArrayPtr readable =
+      encoded(::arrow::large_list(::arrow::int16()), {"[[1, null], null, [3]]", "[]", "[[], [4]]"});
+  const hxArrayPtr expected =
+      Lists(5, Plain("int16", 4, Column<std::int16_t>({1, 0, 3, 4}), {0b1101}),
+            Column<std::uint64_t>({0, 2, 2, 3, 3, 4}), {0b11101});
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, ChunksWithoutNullsHaveNoBits) {
+  const hxArrayPtr readable = encoded(::arrow::list(::arrow::int16()), {"[[1]]", "[[2, 3]]"});
+  const hxArrayPtr expected = Lists(2, Plain("int16", 3, Column<std::int16_t>({1, 2, 3})),
+                                    Column<std::uint64_t>({0, 1, 3}));
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, OffsetsOfASliceStayInTheWholeChild) {
+  const auto lists = ArrowArray(::arrow::list(::arrow::int16()), "[[1], [2, 3], [4]]");
+  const hxArrayPtr written = to_numera(lists->Slice(1, 2)).ValueOrDie();
+  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr expected = Lists(2, Plain("int16", 4, Column<std::int16_t>({1, 2, 3, 4})),
+                                    Column<std::uint64_t>({1, 3, 4}));
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, StructsOfSeveralChunksAreJoined) {
+  const auto type = ::arrow::struct_(
+      {::arrow::field("é", ::arrow::boolean()), ::arrow::field("b", ::arrow::date32())});
+  const hxArrayPtr readable =
+      encoded(type, {R"([{"é": true, "b": 1}, null])", R"([{"é": null, "b": 2}])"});
+  const hxArrayPtr expected =
+      Structs(3, Cell({1, 2}, {Char("é"), Char("b")}),
+              Cell({1, 2}, {Plain("logical", 3, WrittenBitmap(3, {1}), {3}),
+                            Plain("datetime", 3,
+                                  Struct({{"Values", Column<std::int64_t>({86400, 0, 172800})},
+                                          {"Units", Char("seconds")},
+                                          {"TimeZone", Char("")},
+                                          {"DateType", Char("Timestamp")}}))}),
+              {5});
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, MapsBecomeListsOfKeysAndValues) {
+  const hxArrayPtr readable =
+      encoded(::arrow::map(::arrow::int8(), ::arrow::int16()), {"[[[1, 10], [2, null]], null]"});
+  const hxArrayPtr expected =
+      Lists(2,
+            Structs(2, Cell({1, 2}, {Char("key"), Char("value")}),
+                    Cell({1, 2}, {Plain("int8", 2, Column<std::int8_t>({1, 2})),
+                                  Plain("int16", 2, Column<std::int16_t>({10, 0}), {0xFD})})),
+            Column<std::uint64_t>({0, 2, 2}), {0xFD});
+  EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
+}
+
+TEST(EncodeNestedValues, DictionariesOfTheChunksAreMerged) {
+  const auto type = ::arrow::list(::arrow::dictionary(::arrow::int8(), ::arrow::utf8(), true));
+  const hxArrayPtr readable = encoded(type, {R"([["b", "a"]])", R"([["c", null, "a"]])"});
+  const auto array = to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
+  const auto& codes = static_cast<const ::arrow::DictionaryArray&>(
+      *static_cast<const ::arrow::LargeListArray&>(*array).values());
+  EXPECT_TRUE(SameArray(*codes.indices(), *ArrowArray(::arrow::int8(), "[0, 1, 2, null, 1]")));
+  EXPECT_TRUE(
+      SameArray(*codes.dictionary(), *ArrowArray(::arrow::large_utf8(), R"(["b", "a", "c"])")));
+  EXPECT_TRUE(static_cast<const ::arrow::DictionaryType&>(*codes.type()).ordered());
+}
+
+TEST(EncodeNestedValues, ReadableOffsetsOfEveryIntegerWidthAreRead) {
+  const auto lists = [](hxArrayPtr offsets) {
+    return Lists(1, Plain("int8", 2, Column<std::int8_t>({1, 2})), std::move(offsets));
+  };
+  const hxArrayPtr expected = lists(Column<std::uint64_t>({0, 2}));
+  for (const hxArrayPtr& value :
+       {lists(Column<std::int32_t>({0, 2})), lists(Column<std::int64_t>({0, 2})),
+        lists(Column<std::uint64_t>({0, 2}))}) {
+    EXPECT_TRUE(SameHostValue(encode(value.get()).ValueOrDie().get(), expected.get()));
+  }
+}
+
+enum class Nesting { kList, kStruct, kMap };
+
+/// A value of so many levels around one number, as it is written.
+hxArrayPtr nested(Nesting nesting, int levels) {
+  hxArrayPtr value = Plain("double", 1, Scalar(1.0));
+  for (int i = 0; i < levels; ++i) {
+    switch (nesting) {
+      case Nesting::kList:
+        value = Lists(1, std::move(value), Column<std::int32_t>({0, 1}));
+        break;
+      case Nesting::kStruct:
+        value = Structs(1, Cell({Char("x")}), Cell({std::move(value)}));
+        break;
+      case Nesting::kMap:
+        value = WrittenEnvelope("map", "map", WrittenValidity(1),
+                                Struct({{"Keys", Plain("double", 1, Scalar(1.0))},
+                                        {"Values", std::move(value)},
+                                        {"StartOffsets", Column<std::int32_t>({0, 1})}}));
+        break;
+    }
+  }
+  return value;
+}
+
+TEST(EncodeNestedValues, ValuesAsDeepAsTheCoreReadsAreEncoded) {
+  const struct {
+    Nesting nesting;
+    int levels;
+  } rows[] = {{Nesting::kList, kMaxNestingLevels},
+              {Nesting::kStruct, kMaxNestingLevels},
+              {Nesting::kMap, kMaxNestingLevels / 2}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(static_cast<int>(row.nesting));
+    const auto readable = encode(nested(row.nesting, row.levels).get());
+    ASSERT_TRUE(readable.ok()) << readable.status();
+    EXPECT_TRUE(to_arrow<::arrow::Array>(readable->get()).ok());
+    const auto deeper = encode(nested(row.nesting, row.levels + 1).get());
+    EXPECT_EQ(deeper.status().ToString(),
+              "Invalid: Nested value: found more than 1024 levels, expected at most 1024.");
+  }
+}
+
+TEST(EncodeNestedValues, ValuesNestedMuchDeeperAreRefused) {
+  for (const Nesting nesting : {Nesting::kList, Nesting::kStruct, Nesting::kMap}) {
+    EXPECT_TRUE(encode(nested(nesting, 5 * kMaxNestingLevels).get()).status().IsInvalid());
+  }
+}
+
+TEST(EncodeNestedValues, DeepValuesOfSeveralChunksAreJoined) {
+  // Joining is Arrow's; it goes through the types as deep as they are.
+  for (const Nesting nesting : {Nesting::kList, Nesting::kStruct}) {
+    const auto chunk = [&] { return nested(nesting, kMaxNestingLevels - 1); };
+    const auto bits = [] {
+      return StructArray({2, 1}, {"Values", "Length", "ArrowType"},
+                         {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
+                          {Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")}});
+    };
+    const hxArrayPtr written = WrittenEnvelope(
+        "list_array", "list_array", bits(),
+        StructArray(
+            {2, 1}, {"Values", "StartOffsets"},
+            {{chunk(), Column<std::int32_t>({0, 1})}, {chunk(), Column<std::int32_t>({0, 1})}}));
+    const auto readable = encode(written.get());
+    ASSERT_TRUE(readable.ok()) << readable.status();
+    EXPECT_EQ(to_arrow<::arrow::Array>(readable->get()).ValueOrDie()->length(), 2);
+  }
+}
+
+}  // namespace
+}  // namespace numera::testing

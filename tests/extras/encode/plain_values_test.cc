@@ -1,0 +1,144 @@
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "numera/core/to_arrow.h"
+#include "numera/extras/encode/encode.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/envelopes.h"
+#include "tests/support/host_matchers.h"
+
+namespace numera::testing {
+namespace {
+
+using extras::encode;
+using io::arrow::core::to_arrow;
+
+/// A readable envelope of `length` elements; `valid` is its bitmap.
+hxArrayPtr Readable(std::string_view type, double length, hxArrayPtr data,
+                    const std::vector<std::uint8_t>& valid = {}) {
+  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
+}
+
+hxArrayPtr Packed(const std::vector<std::uint8_t>& bytes,
+                  const std::vector<std::uint64_t>& offsets) {
+  return Struct(
+      {{"Values", Column<std::uint8_t>(bytes)}, {"StartOffsets", Column<std::uint64_t>(offsets)}});
+}
+
+void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
+  const auto readable = encode(value.get());
+  ASSERT_TRUE(readable.ok()) << readable.status();
+  EXPECT_TRUE(SameHostValue(readable->get(), expected.get()));
+}
+
+template <class T>
+void expect_numbers(std::string_view type) {
+  SCOPED_TRACE(std::string(type));
+  expect_encoded(Matrix<T>({2, 2}, {1, 2, 3, 4}),
+                 Readable(type, 4, Matrix<T>({2, 2}, {1, 2, 3, 4})));
+}
+
+TEST(EncodePlainValues, NumbersOfEveryClassStayAsTheyAre) {
+  expect_numbers<double>("double");
+  expect_numbers<float>("single");
+  expect_numbers<std::int8_t>("int8");
+  expect_numbers<std::uint8_t>("uint8");
+  expect_numbers<std::int16_t>("int16");
+  expect_numbers<std::uint16_t>("uint16");
+  expect_numbers<std::int32_t>("int32");
+  expect_numbers<std::uint32_t>("uint32");
+  expect_numbers<std::int64_t>("int64");
+  expect_numbers<std::uint64_t>("uint64");
+}
+
+TEST(EncodePlainValues, NumbersAreNotCopied) {
+  const hxArrayPtr numbers = Column<double>({1, 2, 3});
+  const hxArrayPtr readable = encode(numbers.get()).ValueOrDie();
+  const hxArray* const data = hxGetField(readable.get(), 0, "Data");
+  EXPECT_EQ(hxGetData(data), hxGetData(static_cast<const hxArray*>(numbers.get())));
+}
+
+TEST(EncodePlainValues, EmptyNumbersHaveNoElements) {
+  expect_encoded(Matrix<double>({0, 0}, {}), Readable("double", 0, Matrix<double>({0, 0}, {})));
+}
+
+TEST(EncodePlainValues, LogicalValuesArePackedInStorageOrder) {
+  const std::vector<bool> values = {true, false, false, true, true, false, false, false, true};
+  const auto expected = [] { return Readable("logical", 9, WrittenBitmap(9, {0b00011001, 1})); };
+  expect_encoded(Logical(values), expected());
+  expect_encoded(Logical({1, 9}, values), expected());
+  expect_encoded(Logical({3, 3}, values), expected());
+  expect_encoded(Logical({}), Readable("logical", 0, WrittenBitmap(0)));
+}
+
+TEST(EncodePlainValues, StringArraysOfAnyShapeArePackedWithBitsForMissingTexts) {
+  const std::vector<std::optional<std::u16string>> texts = {u"ab", std::nullopt, u"", u"é"};
+  const auto expected = [] {
+    return Readable("string", 4, Packed({'a', 'b', 0xC3, 0xA9, 0}, {0, 2, 2, 2, 4}), {0xFD});
+  };
+  expect_encoded(Strings(texts), expected());
+  expect_encoded(Strings({1, 4}, texts), expected());
+  expect_encoded(Strings({2, 2}, texts), expected());
+  expect_encoded(Strings({1, 2, 2}, texts), expected());
+}
+
+TEST(EncodePlainValues, StringArraysWithoutMissingTextsHaveNoBits) {
+  expect_encoded(Strings({u"a", u""}), Readable("string", 2, Packed({'a', 0}, {0, 1, 1})));
+  expect_encoded(Strings({}), Readable("string", 0, Packed({0}, {0})));
+}
+
+TEST(EncodePlainValues, MissingTextsBecomeNulls) {
+  const hxArrayPtr readable =
+      encode(Strings({u"a", std::nullopt, u"😀", std::nullopt}).get()).ValueOrDie();
+  const auto array = to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
+  EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::large_utf8(), R"(["a", null, "😀", null])")));
+}
+
+TEST(EncodePlainValues, CharArraysGiveATextARow) {
+  expect_encoded(
+      Char("two words"),
+      Readable("string", 1, Packed({'t', 'w', 'o', ' ', 'w', 'o', 'r', 'd', 's', 0}, {0, 9})));
+  expect_encoded(CharMatrix({2, 2}, u"acb "),
+                 Readable("string", 2, Packed({'a', 'b', 'c', ' ', 0}, {0, 2, 4})));
+  expect_encoded(CharMatrix({0, 0}, u""), Readable("string", 0, Packed({0}, {0})));
+}
+
+TEST(EncodePlainValues, CellsOfCharRowsAreTextInStorageOrder) {
+  const auto expected = [] {
+    return Readable("string", 4, Packed({'a', 'b', 'c', 0}, {0, 1, 1, 1, 3}));
+  };
+  const auto empty = [] { return CharMatrix({0, 0}, u""); };
+  expect_encoded(Cell({Char("a"), empty(), Char(""), Char("bc")}), expected());
+  expect_encoded(Cell({1, 4}, {Char("a"), empty(), Char(""), Char("bc")}), expected());
+  expect_encoded(Cell({2, 2}, {Char("a"), empty(), Char(""), Char("bc")}), expected());
+}
+
+TEST(EncodePlainValues, CellsOfBytesArePackedInStorageOrder) {
+  const auto expected = [] {
+    return Readable("binary_array", 3, Packed({1, 2, 3, 4}, {0, 2, 2, 4}));
+  };
+  expect_encoded(
+      Cell({Column<std::uint8_t>({1, 2}), Column<std::uint8_t>({}), Row<std::uint8_t>({3, 4})}),
+      expected());
+  expect_encoded(Cell({1, 3}, {Column<std::uint8_t>({1, 2}), Matrix<std::uint8_t>({0, 0}, {}),
+                               Row<std::uint8_t>({3, 4})}),
+                 expected());
+}
+
+TEST(EncodePlainValues, CellArraysWithoutCellsAreText) {
+  expect_encoded(Cell({0, 0}, {}), Readable("string", 0, Packed({0}, {0})));
+}
+
+TEST(EncodePlainValues, TheInputStaysAsItWas) {
+  const auto value = [] { return Cell({1, 2}, {Char("a"), Char("b")}); };
+  const hxArrayPtr input = value();
+  ASSERT_TRUE(encode(input.get()).ok());
+  EXPECT_TRUE(SameHostValue(input.get(), value().get()));
+}
+
+}  // namespace
+}  // namespace numera::testing
