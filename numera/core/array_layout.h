@@ -9,7 +9,7 @@ namespace numera::io::arrow::core {
 /// every array, struct children as long as their struct, map keys without nulls, and containers in
 /// one another no deeper than `kMaxNestingLevels`. Arrow looks at the children of a struct when
 /// they are asked for, and ends the process where they do not fit, so this comes before. Invalid
-/// names the type, what was found and what was expected. Leaves its columns of other types alone.
+/// names the type, what was found and what was expected. Columns of plain types pass.
 ///
 /// Cost: one step a node a chunk; no values are read.
 ::arrow::Status check_layout(const ::arrow::ChunkedArray& column);

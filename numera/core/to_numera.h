@@ -39,6 +39,7 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// - a type that has no host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
 /// - types nested deeper than `kMaxNestingLevels`: Invalid
 /// - chunks whose buffers end before their elements do: Invalid
+/// - nested chunks whose buffers or children are not those of their type: Invalid
 /// - what the converter of the type reports
 ///
 /// Cost: one host allocation a result array, one block copy a chunk; peak memory is the result.

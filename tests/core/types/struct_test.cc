@@ -210,6 +210,17 @@ TEST(StructToHost, CutsChildrenToTheSlice) {
                         .get()));
 }
 
+TEST(StructToHost, ReadsTheValidityOfASliceFromTheStartOfItsBitmap) {
+  const auto structs =
+      ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1], null, [3], [4]]");
+  EXPECT_TRUE(SameHostValue(
+      ValueOf(to_numera(structs->Slice(1, 3))).get(),
+      WrittenEnvelope("struct", "struct", WrittenBitmap(3, {0b11111101}),
+                      StructData(Cell({1, 1}, {Char("a")}),
+                                 Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {0, 3, 4})})))
+          .get()));
+}
+
 TEST(StructToHost, CutsAChildThatIsLongerThanTheStruct) {
   const auto child = ArrowArray(::arrow::int32(), "[1, 2, 3]");
   const auto structs = ::arrow::MakeArray(::arrow::ArrayData::Make(
