@@ -439,37 +439,6 @@ TEST(FillHostStrings, NamesTheFirstRowWhereTheHostTellsNone) {
             RowFailure(0));
 }
 
-TEST(TextToHost, TakesTenMillionTextsOfOneByte) {
-  constexpr int kCount = 10'000'000;
-  std::vector<std::int32_t> offsets(kCount + 1);
-  std::string bytes(kCount, 'a');
-  for (int i = 0; i <= kCount; ++i) offsets[static_cast<size_t>(i)] = i;
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('a' + i % 26);
-
-  const hxArrayPtr data = DataOf(NarrowArray(::arrow::utf8(), bytes, offsets));
-
-  const hxStringArray& strings = hxGetStringArray(data.get());
-  ASSERT_EQ(strings.size(), size_t{kCount});
-  for (const size_t i : {size_t{0}, size_t{25}, size_t{26}, size_t{9'999'999}}) {
-    EXPECT_EQ(strings.element(i), std::u16string(1, static_cast<char16_t>(u'a' + i % 26))) << i;
-  }
-}
-
-TEST(TextToHost, TakesATextOfAHundredMegabytes) {
-  constexpr size_t kCount = 20'000'000;
-  std::string bytes;
-  bytes.reserve(5 * kCount);
-  for (size_t i = 0; i < kCount; ++i) bytes += "é漢";
-
-  const hxArrayPtr data = DataOf(
-      LargeArray(::arrow::large_utf8(), bytes, {0, static_cast<std::int64_t>(bytes.size())}));
-
-  const auto text = hxGetStringArray(data.get()).element(0);
-  ASSERT_EQ(text->size(), 2 * kCount);
-  EXPECT_EQ(text->substr(0, 4), u"é漢é漢");
-  EXPECT_EQ(text->substr(2 * kCount - 3), u"漢é漢");
-}
-
 TEST(TextToHost, NeitherFailsNorLeaksHalfWay) {
   const auto column = ArrowChunks(::arrow::utf8(), {R"(["a", "é"])", R"([null, "c"])"});
   const FaultSites sites = FailEverywhere([&] { return to_numera(column).status(); });
