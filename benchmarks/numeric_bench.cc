@@ -66,12 +66,13 @@ hxArrayPtr shift_bits(const ColumnPtr& column) {
   return result;
 }
 
+constexpr std::array<size_t, 2> kOne = {1, 1};
+constexpr std::array<size_t, 2> kNone = {0, 1};
+constexpr std::array kFields = {"ArrowType", "Type", "Valid", "Data"};
+constexpr std::array kBufferFields = {"ArrowType", "Values", "Length"};
+
 /// The host calls that make the envelope of one number.
 hxArrayPtr bare_envelope(const std::shared_ptr<::arrow::DoubleArray>& number) {
-  constexpr std::array<size_t, 2> kOne = {1, 1};
-  constexpr std::array<size_t, 2> kNone = {0, 1};
-  constexpr std::array kFields = {"ArrowType", "Type", "Valid", "Data"};
-  constexpr std::array kBufferFields = {"ArrowType", "Values", "Length"};
   hxArrayPtr valid = hxCreateStructArray(kOne, kBufferFields);
   hxSetCell(valid.get(), 0, hxCreateCharArray(u"buffer", 6));
   hxSetCell(valid.get(), 1, hxCreateNumericArray(kNone, hxClassID::UInt8, hxComplexity::Real));
