@@ -9,6 +9,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "numera/extras/inspect/element_type.h"
+
 namespace numera::extras::inspect {
 namespace {
 
@@ -33,47 +35,17 @@ std::string to_text(T value) {
 }
 
 // One part of an element: parts are counted through the whole block.
-template <class T>
-std::string part_text(const std::uint8_t* block, size_t part) {
-  T value;
-  std::memcpy(&value, block + part * sizeof(T), sizeof(T));
-  return to_text(value);
-}
-
 std::string part_text(hxClassID class_id, const std::uint8_t* block, size_t part) {
-  switch (class_id) {
-    case hxClassID::Logical:
+  const auto text = [&]<class T>() -> std::string {
+    if constexpr (std::is_same_v<T, bool>) {
       return block[part] != 0 ? "true" : "false";
-    case hxClassID::Double:
-      return part_text<double>(block, part);
-    case hxClassID::Single:
-      return part_text<float>(block, part);
-    case hxClassID::Int8:
-      return part_text<std::int8_t>(block, part);
-    case hxClassID::UInt8:
-      return part_text<std::uint8_t>(block, part);
-    case hxClassID::Int16:
-      return part_text<std::int16_t>(block, part);
-    case hxClassID::UInt16:
-      return part_text<std::uint16_t>(block, part);
-    case hxClassID::Int32:
-      return part_text<std::int32_t>(block, part);
-    case hxClassID::UInt32:
-      return part_text<std::uint32_t>(block, part);
-    case hxClassID::Int64:
-      return part_text<std::int64_t>(block, part);
-    case hxClassID::UInt64:
-      return part_text<std::uint64_t>(block, part);
-    case hxClassID::Unknown:
-    case hxClassID::Cell:
-    case hxClassID::Struct:
-    case hxClassID::Char:
-    case hxClassID::Void:
-    case hxClassID::Function:
-    case hxClassID::Object:
-      break;
-  }
-  return "?";
+    } else {
+      T value;
+      std::memcpy(&value, block + part * sizeof(T), sizeof(T));
+      return to_text(value);
+    }
+  };
+  return with_element_type(class_id, text, [] { return std::string("?"); });
 }
 
 const std::uint8_t* block_of(const hxArray* array) {

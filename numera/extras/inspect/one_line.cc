@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "numera/extras/inspect/number.h"
+#include "numera/extras/inspect/rows.h"
 #include "numera/extras/inspect/text.h"
 #include "numera/extras/inspect/value.h"
 #include "numera/host/string_array.h"
@@ -21,28 +22,6 @@ struct Limits {
 };
 
 size_t less(size_t columns, size_t taken) { return columns > taken ? columns - taken : 0; }
-
-// An array cut into rows, which are listed one after another, page after page.
-class Rows {
- public:
-  explicit Rows(std::span<const size_t> dims)
-      : height_(dims[0]), width_(dims[1]), separated_(!is_vector(dims)) {}
-
-  // Index in storage order of the element that is listed at `position`.
-  size_t element_at(size_t position) const {
-    const size_t page = height_ * width_;
-    const size_t in_page = position % page;
-    return position - in_page + in_page / width_ + in_page % width_ * height_;
-  }
-  std::string_view separator_before(size_t position) const {
-    return separated_ && position % width_ == 0 ? "; " : " ";
-  }
-
- private:
-  size_t height_;
-  size_t width_;
-  bool separated_;
-};
 
 // "[a b; c ... 7 more]". `item(position, columns)` gives the text at a position; where it can be
 // cut, it takes no more than `columns`. `separator(position)` stands before it.
@@ -107,7 +86,7 @@ std::string numbers_text(const hxArray* array, const Limits& limits) {
   return list_text(
       hxGetNumberOfElements(array), limits,
       [&](size_t position, size_t) { return number_text(array, rows.element_at(position)); },
-      [&](size_t position) { return rows.separator_before(position); });
+      [&](size_t position) { return rows.starts_row(position) ? "; " : " "; });
 }
 
 std::string strings_text(const hxArray* array, const Limits& limits) {
@@ -119,7 +98,7 @@ std::string strings_text(const hxArray* array, const Limits& limits) {
         const std::optional<std::u16string_view> text = strings.element(rows.element_at(position));
         return text ? quote(*text, max_columns) : "<missing>";
       },
-      [&](size_t position) { return rows.separator_before(position); });
+      [&](size_t position) { return rows.starts_row(position) ? "; " : " "; });
 }
 
 }  // namespace

@@ -1,0 +1,35 @@
+#pragma once
+
+/// \file
+/// The order in which elements are listed.
+
+#include <cstddef>
+#include <span>
+
+#include "numera/extras/inspect/value.h"
+
+namespace numera::extras::inspect {
+
+/// An array cut into rows, which are listed one after another, page after page.
+class Rows {
+ public:
+  explicit Rows(std::span<const size_t> dims)
+      : height_(dims[0]), width_(dims[1]), separated_(!is_vector(dims)) {}
+
+  /// Index in storage order of the element that is listed at `position`.
+  size_t element_at(size_t position) const {
+    const size_t page = height_ * width_;
+    const size_t in_page = position % page;
+    return position - in_page + in_page / width_ + in_page % width_ * height_;
+  }
+
+  /// Whether a mark sets the element at `position` apart from the one before.
+  bool starts_row(size_t position) const { return separated_ && position % width_ == 0; }
+
+ private:
+  size_t height_;
+  size_t width_;
+  bool separated_;
+};
+
+}  // namespace numera::extras::inspect
