@@ -1,175 +1,176 @@
 #include "tools/convert.h"
 
-#include <arrow/compare.h>
-#include <arrow/util/byte_size.h>
-
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <ostream>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
-#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/encode/encode.h"
 #include "numera/numera.h"
-#include "tools/file_input.h"
+#include "tools/compare.h"
+#include "tools/sink.h"
+#include "tools/terminal.h"
 #include "tools/text_table.h"
+#include "tools/there_and_back.h"
 
 namespace numera::tools {
 namespace {
 
 namespace core = numera::io::arrow::core;
 
-/// Bytes of Arrow memory taken one way, and the time that it took.
-struct Way {
-  std::int64_t bytes = 0;
-  double seconds = 0;
-};
-
+/// What is known of a column after the batches so far.
 struct Column {
-  Column(std::string column_name, std::shared_ptr<::arrow::ChunkedArray> column_values)
-      : name(std::move(column_name)), values(std::move(column_values)) {}
-
-  std::string name;
-  std::shared_ptr<::arrow::ChunkedArray> values;
   std::string encoded_type = "-";
-  std::string way_back;
-  std::string tree;
+  std::int64_t nulls = 0;
+  std::string casts;
+  std::shared_ptr<::arrow::DataType> returned;
+  std::string failure;  ///< why it did not return as it went; empty so far
 
-  bool returned() const { return way_back == "equal"; }
+  /// "equal", "cast to double, equal as large_string", or the failure.
+  std::string way_back(const ::arrow::DataType& went) const {
+    if (!failure.empty()) return failure;
+    if (returned == nullptr) return "no rows";
+    const bool same = casts.empty() && returned->Equals(went);
+    return casts + (same ? "equal" : "equal as " + returned->ToString());
+  }
 };
 
-std::string first_line(const std::string& text) { return text.substr(0, text.find('\n')); }
+std::string describe(const std::vector<extras::IntakeCast>& casts) {
+  std::string text;
+  for (const extras::IntakeCast& cast : casts) text += "cast " + extras::to_string(cast) + ", ";
+  return text;
+}
 
-/// Runs a conversion and adds the time of one that succeeds. What the host refuses by an exception,
-/// which the library lets pass, becomes a status like every other refusal.
-template <class Function>
-auto timed(double& seconds, Function&& convert) -> decltype(convert()) {
-  const auto start = std::chrono::steady_clock::now();
-  try {
-    auto result = convert();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    if (result.ok()) seconds += taken.count();
-    return result;
-  } catch (const std::logic_error& refusal) {
-    return ::arrow::Status::Invalid(refusal.what());
-  } catch (const hxCodecError& refusal) {
-    return ::arrow::Status::Invalid(refusal.what());
+/// Compares a column that came back with what went: the input, or what it was cast to.
+std::string compare(const std::shared_ptr<::arrow::Array>& input, const Trip& trip,
+                    std::int64_t rows_before) {
+  const auto& went = trip.casts.empty() ? input : trip.taken;
+  if (!extras::returns_as(*went->type(), *trip.back->type())) {
+    return "returns as " + trip.back->type()->ToString();
   }
+  const auto row = first_differing_row(*went, *trip.back);
+  return row ? "differs in row " + grouped(rows_before + *row) : "";
 }
 
-/// NaN equals NaN, but -0 is not 0: what comes back is what went.
-::arrow::EqualOptions same_values() {
-  return ::arrow::EqualOptions::Defaults().nans_equal(true).signed_zeros_equal(false);
-}
+class Conversion {
+ public:
+  explicit Conversion(const ConvertOptions& options) : options_(options) {}
 
-std::int64_t bytes_of(const ::arrow::ChunkedArray& values) {
-  return ::arrow::util::ReferencedBufferSize(values).ValueOr(0);
-}
-
-/// "equal", or in what the values that came back differ from those that went. Chunking is set
-/// aside.
-std::string compare(const ::arrow::ChunkedArray& went,
-                    const std::shared_ptr<::arrow::Array>& came) {
-  if (!came->type()->Equals(went.type())) return "returns as " + came->type()->ToString();
-  if (came->length() != went.length()) {
-    return "returns " + grouped(came->length()) + " of " + grouped(went.length()) + " rows";
+  ::arrow::Status run() {
+    ARROW_ASSIGN_OR_RAISE(source_, open_source(options_.file, options_.source));
+    columns_.resize(static_cast<size_t>(source_.schema->num_fields()));
+    if (!options_.output.empty()) {
+      ARROW_ASSIGN_OR_RAISE(sink_, Sink::open(options_.output, options_.file));
+    }
+    Progress progress(source_.rows);
+    while (true) {
+      ARROW_ASSIGN_OR_RAISE(const auto batch, source_.next());
+      if (batch == nullptr) return ::arrow::Status::OK();
+      ARROW_RETURN_NOT_OK(add(*batch));
+      progress.show(rows_);
+    }
   }
-  return ::arrow::ChunkedArray(came).Equals(went, same_values()) ? "equal" : "differs";
-}
 
-/// Takes one column there and back.
-void convert_column(Column& column, bool show, Way& to_host, Way& to_arrow) {
-  auto host = timed(to_host.seconds, [&] { return core::to_numera(column.values); });
-  if (!host.ok()) {
-    column.way_back = first_line(host.status().message());
-    return;
+  void print(std::ostream& out) const {
+    TextTable table({"column", "Arrow type", "encoded type", "host class", "rows", "chunks",
+                     "nulls", "way back"});
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      const auto& field = source_.schema->field(static_cast<int>(i));
+      table.add({field->name(), field->type()->ToString(), columns_[i].encoded_type,
+                 core::to_numera_datatype(field->type()).value_or("-"), grouped(rows_),
+                 grouped(*source_.chunks), grouped(columns_[i].nulls),
+                 columns_[i].way_back(*field->type())});
+    }
+    table.print(out, output_has_colour());
+    out << '\n';
+    print_leg(out, "to the host:  ", legs_.to_host);
+    print_leg(out, "to Arrow:     ", legs_.to_arrow);
   }
-  to_host.bytes += bytes_of(*column.values);
-  column.encoded_type = hxGetString(hxGetField(host->get(), 0, "Type"));
-  if (show) column.tree = extras::print(host->get(), {.max_elements = 5});
-  auto back = timed(to_arrow.seconds, [&] { return core::to_arrow<::arrow::Array>(host->get()); });
-  if (!back.ok()) {
-    column.way_back = first_line(back.status().message());
-    return;
-  }
-  to_arrow.bytes += bytes_of(::arrow::ChunkedArray(*back));
-  column.way_back = compare(*column.values, *back);
-}
 
-/// The columns that come back, as one table there and back.
-::arrow::Result<bool> whole_table_returns(const std::vector<Column>& columns) {
-  ::arrow::FieldVector fields;
-  ::arrow::ChunkedArrayVector values;
-  for (const Column& column : columns) {
-    if (!column.returned()) continue;
-    fields.push_back(::arrow::field(column.name, column.values->type()));
-    values.push_back(column.values);
+  /// Makes the output appear where all is well, and says what is not.
+  ::arrow::Status finish() {
+    const auto failed = std::ranges::count_if(
+        columns_, [](const Column& column) { return !column.failure.empty(); });
+    if (failed > 0) {
+      return ::arrow::Status::Invalid(failed, " of ", columns_.size(),
+                                      " columns did not return as they went");
+    }
+    if (options_.strict) ARROW_RETURN_NOT_OK(check_types());
+    return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish();
   }
-  const auto table = ::arrow::Table::Make(::arrow::schema(fields), values);
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(table));
-  ARROW_ASSIGN_OR_RAISE(const auto back, core::to_arrow_table(host.get()));
-  return back->Equals(*table, same_values());
-}
 
-void print_way(std::ostream& out, const char* label, const Way& way) {
-  char seconds[32];
-  std::snprintf(seconds, sizeof seconds, "%.6f", way.seconds);
-  out << label << grouped(way.bytes) << " bytes in " << seconds << " s\n";
-}
+ private:
+  ::arrow::Status add(const ::arrow::RecordBatch& batch) {
+    std::vector<bool> refused;
+    for (const Column& column : columns_) refused.push_back(!column.failure.empty());
+    std::vector<Trip> trips = there_and_back(batch, options_.cast, refused, legs_);
+    for (size_t i = 0; i < trips.size(); ++i) {
+      const auto& input = batch.column(static_cast<int>(i));
+      columns_[i].nulls += input->null_count();
+      if (!refused[i]) add_trip(columns_[i], input, trips[i]);
+    }
+    rows_ += batch.num_rows();
+    return sink_ == nullptr ? ::arrow::Status::OK() : write(batch, trips);
+  }
 
-void print_columns(std::ostream& out, const std::vector<Column>& columns) {
-  TextTable table({"column", "Arrow type", "encoded type", "host class", "rows", "chunks", "nulls",
-                   "way back"});
-  for (const Column& column : columns) {
-    const auto& type = column.values->type();
-    table.add({column.name, type->ToString(), column.encoded_type,
-               core::to_numera_datatype(type).value_or("-"), grouped(column.values->length()),
-               grouped(column.values->num_chunks()), grouped(column.values->null_count()),
-               column.way_back});
+  void add_trip(Column& column, const std::shared_ptr<::arrow::Array>& input,
+                const Trip& trip) const {
+    if (!trip.refusal.empty()) {
+      column.failure = trip.refusal.substr(0, trip.refusal.find('\n'));
+      return;
+    }
+    column.encoded_type = trip.encoded_type;
+    column.casts = describe(trip.casts);
+    column.returned = trip.back->type();
+    column.failure = compare(input, trip, rows_);
   }
-  table.print(out);
-}
 
-::arrow::Status convert_file(const ConvertOptions& options, std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto table, read_table(options.file));
-  std::vector<Column> columns;
-  Way to_host;
-  Way to_arrow;
-  for (int i = 0; i < table->num_columns(); ++i) {
-    Column& column = columns.emplace_back(table->field(i)->name(), table->column(i));
-    convert_column(column, options.show, to_host, to_arrow);
+  ::arrow::Status write(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips) {
+    ::arrow::FieldVector fields;
+    ::arrow::ArrayVector arrays;
+    for (size_t i = 0; i < trips.size(); ++i) {
+      if (!columns_[i].failure.empty()) return ::arrow::Status::OK();  // nothing will be written
+      fields.push_back(source_.schema->field(static_cast<int>(i))->WithType(trips[i].back->type()));
+      arrays.push_back(trips[i].back);
+    }
+    return sink_->write(::arrow::RecordBatch::Make(
+        ::arrow::schema(std::move(fields), source_.schema->metadata()), batch.num_rows(), arrays));
   }
-  print_columns(out, columns);
-  const auto returned = std::ranges::count_if(columns, &Column::returned);
-  ARROW_ASSIGN_OR_RAISE(const bool whole, whole_table_returns(columns));
-  out << '\n';
-  print_way(out, "to the host:  ", to_host);
-  print_way(out, "to Arrow:     ", to_arrow);
-  out << "as one table: " << returned << " of " << columns.size() << " columns there and back, "
-      << (whole ? "equal" : "differs") << '\n';
-  for (const Column& column : columns) {
-    if (!column.tree.empty()) out << '\n' << column.name << ": " << column.tree << '\n';
+
+  ::arrow::Status check_types() const {
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      const auto& field = source_.schema->field(static_cast<int>(i));
+      const auto& returned = columns_[i].returned;
+      if (returned != nullptr && !returned->Equals(*field->type())) {
+        return ::arrow::Status::Invalid("column '", field->name(), "' returns as ",
+                                        returned->ToString());
+      }
+    }
+    return ::arrow::Status::OK();
   }
-  if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
-  return ::arrow::Status::OK();
-}
+
+  static void print_leg(std::ostream& out, const char* label, const Leg& leg) {
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%.6f", leg.seconds);
+    out << label << grouped(leg.bytes) << " bytes in " << seconds << " s\n";
+  }
+
+  const ConvertOptions& options_;
+  Source source_;
+  std::unique_ptr<Sink> sink_;
+  std::vector<Column> columns_;
+  std::int64_t rows_ = 0;
+  Legs legs_;
+};
 
 }  // namespace
 
-int convert(const ConvertOptions& options, std::ostream& out, std::ostream& errors) {
-  std::string reason;
-  try {
-    const ::arrow::Status status = convert_file(options, out);
-    if (status.ok()) return 0;
-    reason = status.message();
-    if (status.detail() != nullptr) reason += ": " + status.detail()->ToString();
-  } catch (const std::exception& error) {
-    reason = error.what();
-  }
-  errors << "numera-arrow: " << options.file << ": " << first_line(reason) << '\n';
-  return 1;
+::arrow::Status convert(const ConvertOptions& options, std::ostream& out) {
+  Conversion conversion(options);
+  ARROW_RETURN_NOT_OK(conversion.run());
+  conversion.print(out);
+  return conversion.finish();
 }
 
 }  // namespace numera::tools

@@ -1,18 +1,25 @@
 #pragma once
 
+#include <arrow/status.h>
+
 #include <iosfwd>
 #include <string>
+
+#include "tools/source.h"
 
 namespace numera::tools {
 
 struct ConvertOptions {
   std::string file;
-  bool show = false;  ///< print the first values of each encoded column
+  SourceOptions source;
+  bool cast = false;    ///< cast what has no host form
+  bool strict = false;  ///< a change of type is a failure
+  std::string output;   ///< where the way back is written; empty: nowhere
 };
 
-/// Takes every column of a file to the host and back, and prints a row a column. The exit status:
-/// 0 when the file was read and the result written, 1 otherwise; the reason goes to `errors` in one
-/// line.
-int convert(const ConvertOptions& options, std::ostream& out, std::ostream& errors);
+/// Takes a file to the host and back, batch by batch, and prints a row a column and what it took.
+/// Invalid where a column cannot go or return, or returns otherwise than it went; then no output is
+/// written. An interrupt passes through as the host's exception, and leaves no output either.
+::arrow::Status convert(const ConvertOptions& options, std::ostream& out);
 
 }  // namespace numera::tools

@@ -1,25 +1,105 @@
 #include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "numera/host/memory.h"
 #include "numera/version.h"
 #include "tools/convert.h"
+#include "tools/look.h"
+
+namespace {
+
+using namespace numera::tools;
+
+enum Exit { kSuccess = 0, kFailure = 1, kUsage = 2, kInterrupted = 128 + SIGINT };
+
+struct Arguments {
+  ConvertOptions convert;
+  std::int64_t rows = 10;
+};
+
+struct Commands {
+  CLI::App* types;
+  CLI::App* show;
+  CLI::App* convert;
+};
+
+void add_input(CLI::App* command, ConvertOptions& options) {
+  command->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
+  command->add_option("--columns", options.source.columns, "Only these, separated by commas")
+      ->delimiter(',');
+}
+
+Commands add_commands(CLI::App& program, Arguments& arguments) {
+  ConvertOptions& options = arguments.convert;
+  Commands commands{};
+  commands.types = program.add_subcommand("types", "List the columns and what they become");
+  commands.types->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
+
+  commands.show = program.add_subcommand("show", "Print the first rows as encoded host values");
+  add_input(commands.show, options);
+  commands.show->add_option("--rows", arguments.rows, "How many rows (10)")
+      ->check(CLI::NonNegativeNumber);
+
+  commands.convert = program.add_subcommand(
+      "convert", "Take every column to the host and back, and say what became of it");
+  add_input(commands.convert, options);
+  commands.convert->add_flag("--cast", options.cast, "Cast types that have no host form");
+  commands.convert->add_option("--output", options.output,
+                               "Write what came back: .parquet, or .arrow, .feather, .ipc");
+  commands.convert
+      ->add_option("--batch-rows", options.source.batch_rows, "Most rows at a time (65536)")
+      ->check(CLI::PositiveNumber);
+  commands.convert->add_flag("--strict", options.strict, "A change of type is a failure, too");
+  return commands;
+}
+
+arrow::Status run(const Commands& commands, const Arguments& arguments) {
+  const ConvertOptions& options = arguments.convert;
+  if (commands.types->parsed()) return print_types(options.file, options.source, std::cout);
+  if (commands.show->parsed()) {
+    return print_values(options.file, options.source, arguments.rows, std::cout);
+  }
+  return convert(options, std::cout);
+}
+
+int report(const std::string& file, const std::string& reason) {
+  std::cout.flush();
+  std::cerr << "numera-arrow: " << file << ": " << reason.substr(0, reason.find('\n')) << '\n';
+  return kFailure;
+}
+
+int run_and_report(const Commands& commands, const Arguments& arguments) {
+  const std::string& file = arguments.convert.file;
+  try {
+    arrow::Status status = run(commands, arguments);
+    if (status.ok() && !std::cout.flush()) {
+      status = arrow::Status::IOError("the result cannot be written");
+    }
+    if (status.ok()) return kSuccess;
+    std::string reason = status.message();
+    if (status.detail() != nullptr) reason += ": " + status.detail()->ToString();
+    return report(file, reason);
+  } catch (const numera::host::memory::InterruptException&) {
+    report(file, "interrupted");
+    return kInterrupted;
+  } catch (const std::exception& error) {
+    return report(file, error.what());
+  }
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-  using numera::tools::ConvertOptions;
-
-  CLI::App program("Takes the columns of Parquet and Arrow files to host arrays and back.",
+  CLI::App program("Takes the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",
                    "numera-arrow");
   program.set_version_flag("--version", "numera-arrow " + std::string(numera::kVersion));
   program.require_subcommand(1);
-
-  ConvertOptions options;
-  CLI::App* convert = program.add_subcommand(
-      "convert", "Take every column to the host and back, and say what became of it");
-  convert->add_option("FILE", options.file, "A Parquet or Arrow IPC file")->required();
-  convert->add_flag("--show", options.show, "Print the first values of each encoded column");
-
+  Arguments arguments;
+  const Commands commands = add_commands(program, arguments);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& answer) {
@@ -31,7 +111,9 @@ int main(int argc, char** argv) {
     } else {  // otherwise only the lack of a command would be told
       program.exit(CLI::ExtrasError(program.get_name(), unknown), std::cerr, std::cerr);
     }
-    return 2;
+    return kUsage;
   }
-  return numera::tools::convert(options, std::cout, std::cerr);
+  std::signal(SIGINT, [](int) { numera::host::memory::RequestInterrupt(); });
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing
+  return run_and_report(commands, arguments);
 }

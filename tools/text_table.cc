@@ -22,7 +22,7 @@ void TextTable::add(std::vector<std::string> cells) {
   rows_.push_back(std::move(cells));
 }
 
-void TextTable::print(std::ostream& out) const {
+void TextTable::print(std::ostream& out, bool colour) const {
   std::vector<size_t> widths(rows_.front().size(), 0);
   for (const auto& row : rows_) {
     for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], width_of(row[i]));
@@ -33,7 +33,8 @@ void TextTable::print(std::ostream& out) const {
       line += row[i] + std::string(widths[i] - width_of(row[i]) + 2, ' ');
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
+    const bool bold = colour && &row == &rows_.front();
+    out << (bold ? "\x1b[1m" : "") << line << (bold ? "\x1b[0m" : "") << '\n';
   }
 }
 

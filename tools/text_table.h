@@ -15,7 +15,8 @@ class TextTable {
 
   /// `cells` has as many entries as the heading.
   void add(std::vector<std::string> cells);
-  void print(std::ostream& out) const;
+  /// The heading is bold where `colour` is set.
+  void print(std::ostream& out, bool colour = false) const;
 
  private:
   std::vector<std::vector<std::string>> rows_;

@@ -1,0 +1,88 @@
+#include <arrow/csv/api.h>
+#include <arrow/io/file.h>
+#include <arrow/ipc/reader.h>
+
+#include <utility>
+
+#include "tools/formats.h"
+
+namespace numera::tools {
+namespace {
+
+using Batch = std::shared_ptr<::arrow::RecordBatch>;
+using BatchResult = ::arrow::Result<Batch>;
+
+/// The columns asked for, of every batch that `pull` gives, counted.
+::arrow::Result<Source> select(const ::arrow::Schema& whole, const SourceOptions& options,
+                               std::function<BatchResult()> pull,
+                               std::optional<std::int64_t> rows = std::nullopt) {
+  ARROW_ASSIGN_OR_RAISE(auto columns, find_columns(whole, options.columns));
+  ::arrow::FieldVector fields;
+  for (const int column : columns) fields.push_back(whole.field(column));
+  auto count = std::make_shared<std::int64_t>(0);
+  auto next = [pull = std::move(pull), columns = std::move(columns), count]() -> BatchResult {
+    ARROW_ASSIGN_OR_RAISE(const Batch batch, pull());
+    if (batch == nullptr) return nullptr;
+    ++*count;
+    return batch->SelectColumns(columns);
+  };
+  return Source{::arrow::schema(std::move(fields), whole.metadata()), std::move(next), rows, count};
+}
+
+/// Batches of a reader that gives null behind the last one. The file stays open as long.
+template <class Reader>
+std::function<BatchResult()> batches_of(std::shared_ptr<Reader> reader) {
+  return [reader = std::move(reader)]() -> BatchResult {
+    Batch batch;
+    ARROW_RETURN_NOT_OK(reader->ReadNext(&batch));
+    return batch;
+  };
+}
+
+}  // namespace
+
+::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
+                                               const std::vector<std::string>& columns) {
+  std::vector<int> numbers;
+  if (columns.empty()) {
+    for (int i = 0; i < schema.num_fields(); ++i) numbers.push_back(i);
+  }
+  for (const std::string& name : columns) {
+    const auto found = schema.GetAllFieldIndices(name);
+    if (found.empty()) return ::arrow::Status::Invalid("there is no column '", name, "'");
+    if (found.size() > 1) {
+      return ::arrow::Status::Invalid("there are ", found.size(), " columns '", name, "'");
+    }
+    numbers.push_back(found.front());
+  }
+  return numbers;
+}
+
+::arrow::Result<Source> open_ipc_file(const File& file, const SourceOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchFileReader::Open(file));
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, reader->CountRows());
+  auto next = [reader, i = 0]() mutable -> BatchResult {
+    if (i == reader->num_record_batches()) return nullptr;
+    return reader->ReadRecordBatch(i++);
+  };
+  return select(*reader->schema(), options, std::move(next), rows);
+}
+
+::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(file));
+  const auto schema = reader->schema();
+  return select(*schema, options, batches_of(std::move(reader)));
+}
+
+::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options) {
+  auto read = ::arrow::csv::ReadOptions::Defaults();
+  read.use_threads = false;
+  ARROW_ASSIGN_OR_RAISE(
+      auto reader, ::arrow::csv::StreamingReader::Make(::arrow::io::default_io_context(), file,
+                                                       read, ::arrow::csv::ParseOptions::Defaults(),
+                                                       ::arrow::csv::ConvertOptions::Defaults()));
+  const auto schema = reader->schema();
+  return select(*schema, options, batches_of(std::move(reader)));
+}
+
+}  // namespace numera::tools

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <arrow/io/interfaces.h>
+#include <arrow/result.h>
+
+#include <memory>
+
+#include "tools/source.h"
+
+namespace numera::tools {
+
+using File = std::shared_ptr<::arrow::io::RandomAccessFile>;
+
+/// \name Readers of one format each
+/// They give batches as they lie in the file, of the columns asked for.
+/// @{
+::arrow::Result<Source> open_parquet(const File& file, const SourceOptions& options);
+::arrow::Result<Source> open_ipc_file(const File& file, const SourceOptions& options);
+::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options);
+::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options);
+/// @}
+
+/// The field numbers of columns, in the order of their names. Invalid for one that is not there, or
+/// there several times.
+::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
+                                               const std::vector<std::string>& columns);
+
+}  // namespace numera::tools

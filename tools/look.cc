@@ -1,0 +1,78 @@
+#include "tools/look.h"
+
+#include <arrow/table.h>
+
+#include <algorithm>
+#include <ostream>
+#include <vector>
+
+#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/numera.h"
+#include "tools/terminal.h"
+#include "tools/text_table.h"
+
+namespace numera::tools {
+namespace {
+
+namespace core = numera::io::arrow::core;
+
+/// "Type" of a column of this type; "-" where the type is refused.
+std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
+  const auto nothing = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{}, type);
+  const auto encoded = core::to_numera(nothing);
+  return encoded.ok() ? core::util::HxArrayToString(hxGetField(encoded->get(), 0, "Type")) : "-";
+}
+
+}  // namespace
+
+::arrow::Status print_types(const std::string& file, const SourceOptions& options,
+                            std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const Source source, open_source(file, options));
+  std::vector<std::int64_t> nulls(static_cast<size_t>(source.schema->num_fields()), 0);
+  std::int64_t rows = 0;
+  Progress progress(source.rows);
+  while (true) {
+    ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
+    if (batch == nullptr) break;
+    ARROW_RETURN_NOT_OK(batch->Validate());
+    for (size_t i = 0; i < nulls.size(); ++i) {
+      nulls[i] += batch->column(static_cast<int>(i))->null_count();
+    }
+    rows += batch->num_rows();
+    progress.show(rows);
+    hxThrowIfInterruptPending();
+  }
+  progress.clear();
+  TextTable table(
+      {"column", "Arrow type", "encoded type", "host class", "rows", "chunks", "nulls"});
+  for (size_t i = 0; i < nulls.size(); ++i) {
+    const auto& field = source.schema->field(static_cast<int>(i));
+    table.add({field->name(), field->type()->ToString(), encoded_type(field->type()),
+               core::to_numera_datatype(field->type()).value_or("-"), grouped(rows),
+               grouped(*source.chunks), grouped(nulls[i])});
+  }
+  table.print(out, output_has_colour());
+  return ::arrow::Status::OK();
+}
+
+::arrow::Status print_values(const std::string& file, const SourceOptions& options,
+                             std::int64_t rows, std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const Source source, open_source(file, options));
+  ::arrow::RecordBatchVector batches;
+  for (std::int64_t wanted = rows; wanted > 0;) {
+    ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
+    if (batch == nullptr) break;
+    batches.push_back(batch->Slice(0, wanted));
+    wanted -= batches.back()->num_rows();
+  }
+  ARROW_ASSIGN_OR_RAISE(const auto table,
+                        ::arrow::Table::FromRecordBatches(source.schema, batches));
+  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(taken.value));
+  const auto listed = static_cast<size_t>(std::max<std::int64_t>(rows, table->num_columns()));
+  out << extras::print(host.get(), {.max_elements = std::max<size_t>(listed, 20)}) << '\n';
+  return ::arrow::Status::OK();
+}
+
+}  // namespace numera::tools

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <arrow/status.h>
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include "tools/source.h"
+
+namespace numera::tools {
+
+/// Prints a row a column: name, Arrow type, encoded type name, host class, rows, chunks, nulls.
+::arrow::Status print_types(const std::string& file, const SourceOptions& options,
+                            std::ostream& out);
+
+/// Prints the first rows of a file as the encoded host table that they become.
+::arrow::Status print_values(const std::string& file, const SourceOptions& options,
+                             std::int64_t rows, std::ostream& out);
+
+}  // namespace numera::tools

@@ -1,0 +1,91 @@
+#include "tools/source.h"
+
+#include <arrow/buffer.h>
+#include <arrow/io/file.h>
+#include <arrow/util/utf8.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "tools/formats.h"
+
+namespace numera::tools {
+namespace {
+
+using Open = ::arrow::Result<Source> (*)(const File&, const SourceOptions&);
+
+struct Format {
+  std::string_view magic;  ///< the first bytes of a file
+  Open open;
+};
+
+/// An IPC stream opens with the mark of its first message.
+constexpr Format kFormats[] = {
+    {"PAR1", open_parquet}, {"ARROW1", open_ipc_file}, {"\xFF\xFF\xFF\xFF", open_ipc_stream}};
+
+constexpr std::int64_t kLookedAt = 64 * 1024;
+
+/// Text without NUL. What is looked at may end in the middle of a character.
+bool looks_like_csv(std::string_view start, bool whole) {
+  if (start.find('\0') != std::string_view::npos) return false;
+  for (size_t cut = 0; cut < 4 && cut <= start.size(); ++cut) {
+    const auto text = start.substr(0, start.size() - cut);
+    if (::arrow::util::ValidateUTF8(text)) return true;
+    if (whole) return false;
+  }
+  return false;
+}
+
+::arrow::Result<Open> recognise(const File& file) {
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
+  if (size == 0) return ::arrow::Status::Invalid("the file is empty");
+  ARROW_ASSIGN_OR_RAISE(const auto start, file->ReadAt(0, std::min(size, kLookedAt)));
+  const std::string_view bytes(*start);
+  for (const Format& format : kFormats) {
+    if (bytes.starts_with(format.magic)) return format.open;
+  }
+  if (looks_like_csv(bytes, size <= kLookedAt)) return open_csv;
+  return ::arrow::Status::Invalid("not a Parquet, Arrow IPC or CSV file");
+}
+
+/// Opening a pipe would wait for its writer.
+::arrow::Status check_is_file(const std::string& path) {
+  struct stat found = {};
+  if (::stat(path.c_str(), &found) != 0) return ::arrow::Status::IOError(std::strerror(errno));
+  if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("is a directory");
+  if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("is not a regular file");
+  return ::arrow::Status::OK();
+}
+
+/// Cuts batches that are larger than asked for.
+Source in_batches_of(Source source, std::int64_t rows) {
+  auto pull = std::move(source.next);
+  source.next = [pull = std::move(pull), rows,
+                 rest = std::shared_ptr<::arrow::RecordBatch>()]() mutable
+      -> ::arrow::Result<std::shared_ptr<::arrow::RecordBatch>> {
+    if (rest == nullptr) {
+      ARROW_ASSIGN_OR_RAISE(rest, pull());
+      if (rest == nullptr) return nullptr;
+    }
+    auto batch = rest->Slice(0, rows);
+    rest = rest->num_rows() > rows ? rest->Slice(rows) : nullptr;
+    return batch;
+  };
+  return source;
+}
+
+}  // namespace
+
+::arrow::Result<Source> open_source(const std::string& path, const SourceOptions& options) {
+  ARROW_RETURN_NOT_OK(check_is_file(path));
+  ARROW_ASSIGN_OR_RAISE(const auto file, ::arrow::io::ReadableFile::Open(path));
+  ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
+  ARROW_ASSIGN_OR_RAISE(Source source, open(file, options));
+  return in_batches_of(std::move(source), options.batch_rows);
+}
+
+}  // namespace numera::tools

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace numera::tools {
+
+/// Whether results go to a terminal that wants colours (NO_COLOR is not set).
+bool output_has_colour();
+
+/// One line on standard error that says how far a command is; nothing at all unless that is a
+/// terminal. The line is wiped at the end, and by `clear` before other output.
+class Progress {
+ public:
+  explicit Progress(std::optional<std::int64_t> rows);
+  ~Progress() { clear(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void show(std::int64_t rows_done);
+  void clear();
+
+ private:
+  bool wanted_;
+  std::optional<std::int64_t> rows_;
+  std::string shown_;
+};
+
+}  // namespace numera::tools
