@@ -52,11 +52,43 @@ constexpr KindReader kKinds[] = {
     {"map", read_maps},
 };
 
-::arrow::Result<const KindReader*> find_kind(const Located& kind) {
+// The steps of the recursion keep their frames small: what needs room stands in functions of its
+// own, which have returned before the next level begins.
+
+::arrow::Result<const KindReader*> find_kind(const Located& envelopes, size_t index) {
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, "ArrowType"));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
   const auto* const row = std::ranges::find(kKinds, name, &KindReader::kind);
   if (row != std::ranges::end(kKinds)) return row;
   return invalid(kind, "'" + name + "'", "'array', 'list_array', 'struct' or 'map'");
+}
+
+::arrow::Result<Encoded> read_fields(const Located& envelopes, size_t index) {
+  ARROW_ASSIGN_OR_RAISE(const Located type, field(envelopes, index, "Type"));
+  ARROW_ASSIGN_OR_RAISE(const Located valid, field(envelopes, index, "Valid"));
+  ARROW_RETURN_NOT_OK(check_class(valid, hxClassID::Struct, "a struct array"));
+  ARROW_ASSIGN_OR_RAISE(const Located data, field(envelopes, index, "Data"));
+  return Encoded{type, valid, data};
+}
+
+::arrow::Status check_levels(const KindReader& row, int outer_levels) {
+  // A map is read as a list of structs.
+  const int levels = row.read == read_array ? 0 : (row.read == read_maps ? 2 : 1);
+  if (outer_levels + levels <= kMaxNestingLevels) return {};
+  return ::arrow::Status::Invalid("Nested value: found more than ", kMaxNestingLevels,
+                                  " levels, expected at most ", kMaxNestingLevels, ".");
+}
+
+::arrow::Status check_envelope(const Located& child) {
+  if (!has_fields(child.value)) return wrong_class(child, "an encoded array");
+  return check_one_element(child);
+}
+
+::arrow::Result<Envelope> check_stored(Readable readable, const Located& origin) {
+  const bool nested = is_nested(readable);
+  Envelope envelope = make_envelope(std::move(readable));
+  if (!nested) ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, origin));
+  return envelope;
 }
 
 }  // namespace
@@ -77,29 +109,16 @@ constexpr KindReader kKinds[] = {
 }
 
 ::arrow::Result<Readable> read_element(const Located& envelopes, size_t index, int outer_levels) {
-  ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, "ArrowType"));
-  ARROW_ASSIGN_OR_RAISE(const KindReader* const row, find_kind(kind));
-  ARROW_ASSIGN_OR_RAISE(const Located type, field(envelopes, index, "Type"));
-  ARROW_ASSIGN_OR_RAISE(const Located valid, field(envelopes, index, "Valid"));
-  ARROW_RETURN_NOT_OK(check_class(valid, hxClassID::Struct, "a struct array"));
-  ARROW_ASSIGN_OR_RAISE(const Located data, field(envelopes, index, "Data"));
-  // A map is read as a list of structs.
-  const int levels = row->read == read_array ? 0 : (row->read == read_maps ? 2 : 1);
-  if (outer_levels + levels > kMaxNestingLevels) {
-    return ::arrow::Status::Invalid("Nested value: found more than ", kMaxNestingLevels,
-                                    " levels, expected at most ", kMaxNestingLevels, ".");
-  }
-  return row->read({envelopes, type, valid, data}, outer_levels + 1);
+  ARROW_ASSIGN_OR_RAISE(const KindReader* const row, find_kind(envelopes, index));
+  ARROW_ASSIGN_OR_RAISE(const Encoded encoded, read_fields(envelopes, index));
+  ARROW_RETURN_NOT_OK(check_levels(*row, outer_levels));
+  return row->read(encoded, outer_levels + 1);
 }
 
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels) {
-  if (!has_fields(child.value)) return wrong_class(child, "an encoded array");
-  ARROW_RETURN_NOT_OK(check_one_element(child));
+  ARROW_RETURN_NOT_OK(check_envelope(child));
   ARROW_ASSIGN_OR_RAISE(Readable readable, read_element(child, 0, outer_levels));
-  const bool nested = is_nested(readable);
-  Envelope envelope = make_envelope(std::move(readable));
-  if (!nested) ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, child));
-  return envelope;
+  return check_stored(std::move(readable), child);
 }
 
 }  // namespace numera::extras::encoding

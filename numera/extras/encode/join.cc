@@ -28,9 +28,7 @@ namespace {
   return joined;
 }
 
-}  // namespace
-
-::arrow::Result<Readable> read_chunks(const Encoded& encoded, ChunkReader read_chunk, int level) {
+::arrow::Status check_chunks(const Encoded& encoded) {
   if (!has_fields(encoded.data.value)) return wrong_class(encoded.data, "a struct array");
   const size_t chunks = hxGetNumberOfElements(encoded.data.value);
   const size_t bitmaps = hxGetNumberOfElements(encoded.valid.value);
@@ -39,7 +37,14 @@ namespace {
     return invalid(encoded.valid, std::to_string(bitmaps) + " elements",
                    std::to_string(chunks) + ", one for each chunk");
   }
-  if (chunks == 1) return read_chunk(encoded, 0, level);
+  return {};
+}
+
+}  // namespace
+
+::arrow::Result<Readable> read_chunks(const Encoded& encoded, ChunkReader read_chunk, int level) {
+  ARROW_RETURN_NOT_OK(check_chunks(encoded));
+  if (hxGetNumberOfElements(encoded.data.value) == 1) return read_chunk(encoded, 0, level);
   ARROW_ASSIGN_OR_RAISE(const auto joined, join(encoded, read_chunk, level));
   return write_readable(*joined);
 }

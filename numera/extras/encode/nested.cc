@@ -1,8 +1,10 @@
 #include "numera/extras/encode/nested.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "numera/extras/encode/envelope.h"
@@ -11,26 +13,34 @@
 namespace numera::extras::encoding {
 namespace {
 
-// Offsets of any class of integers as the uint64 that the reader takes. They must not fall and must
-// stay within the values.
+// They must not fall and must stay within the values.
 template <class T>
-::arrow::Result<hxArrayPtr> widen(const Located& offsets, size_t values) {
+::arrow::Status check_offsets(const Located& offsets, size_t values) {
   const std::span source(elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
-  hxArrayPtr widened = make_column(hxClassID::UInt64, source.size());
-  auto* const target = elements<std::uint64_t>(widened);
   std::uint64_t last = 0;
   for (size_t i = 0; i < source.size(); ++i) {
-    const auto offset = static_cast<std::uint64_t>(source[i]);
     // As an unsigned number a negative one lies beyond any values.
+    const auto offset = static_cast<std::uint64_t>(source[i]);
     if (offset < last || offset > values) {
       return invalid(offsets, std::to_string(source[i]) + " at " + std::to_string(i),
                      "offsets that never fall, within " + std::to_string(values) + " values");
     }
-    target[i] = last = offset;
+    last = offset;
   }
+  return {};
+}
+
+template <class T>
+::arrow::Result<hxArrayPtr> widen(const Located& offsets, size_t values) {
+  ARROW_RETURN_NOT_OK(check_offsets<T>(offsets, values));
+  const std::span source(elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
+  hxArrayPtr widened = make_column(hxClassID::UInt64, source.size());
+  std::ranges::transform(source, elements<std::uint64_t>(widened),
+                         [](T offset) { return static_cast<std::uint64_t>(offset); });
   return widened;
 }
 
+// Offsets as the uint64 that the reader takes.
 ::arrow::Result<hxArrayPtr> read_offsets(const Located& offsets, size_t values) {
   ARROW_RETURN_NOT_OK(check_numbers(offsets));
   if (hxIsEmpty(offsets.value)) {
@@ -39,8 +49,11 @@ template <class T>
   const hxClassID class_id = hxGetClassID(offsets.value);
   if (class_id == hxClassID::Int32) return widen<std::int32_t>(offsets, values);
   if (class_id == hxClassID::Int64) return widen<std::int64_t>(offsets, values);
-  if (class_id == hxClassID::UInt64) return widen<std::uint64_t>(offsets, values);
-  return wrong_class(offsets, "an int32, int64 or uint64 array");
+  if (class_id != hxClassID::UInt64) {
+    return wrong_class(offsets, "an int32, int64 or uint64 array");
+  }
+  ARROW_RETURN_NOT_OK(check_offsets<std::uint64_t>(offsets, values));
+  return hxSharedCopy(offsets.value);
 }
 
 // One chunk of lists over values that are readable already.
@@ -59,12 +72,6 @@ template <class T>
                   .valid = std::move(valid)};
 }
 
-::arrow::Result<Readable> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(encoded.data, chunk, "Values"));
-  ARROW_ASSIGN_OR_RAISE(Envelope child, read_child(values, level));
-  return make_lists(encoded, chunk, std::move(child));
-}
-
 // The entries of maps: structs without nulls of their own.
 Envelope make_entries(Envelope keys, Envelope items) {
   hxArrayPtr names = make_cell(1, 2);
@@ -80,44 +87,45 @@ Envelope make_entries(Envelope keys, Envelope items) {
       {.kind = u"struct", .type = u"struct", .data = std::move(data), .length = keys.length});
 }
 
-::arrow::Result<Readable> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
-  ARROW_ASSIGN_OR_RAISE(const Located keys_place, field(encoded.data, chunk, "Keys"));
-  ARROW_ASSIGN_OR_RAISE(Envelope keys, read_child(keys_place, level + 1));
-  ARROW_ASSIGN_OR_RAISE(const Located items_place, field(encoded.data, chunk, "Values"));
-  ARROW_ASSIGN_OR_RAISE(Envelope items, read_child(items_place, level + 1));
-  if (keys.length != items.length) {
-    return invalid(items_place, std::to_string(items.length) + " elements",
-                   std::to_string(keys.length) + " as there are keys");
-  }
+::arrow::Status check_length(const Located& place, size_t length, size_t expected,
+                             std::string_view why) {
+  if (length == expected) return {};
+  return invalid(place, std::to_string(length) + " elements",
+                 std::to_string(expected) + " " + std::string(why));
+}
+
+// The child in a field of a chunk.
+::arrow::Result<Envelope> read_chunk_child(const Encoded& encoded, size_t chunk, const char* name,
+                                           int level) {
+  ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, name));
+  return read_child(place, level);
+}
+
+::arrow::Result<Readable> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(Envelope child, read_chunk_child(encoded, chunk, "Values", level));
+  return make_lists(encoded, chunk, std::move(child));
+}
+
+::arrow::Result<Readable> make_maps(const Encoded& encoded, size_t chunk, Envelope keys,
+                                    Envelope items) {
+  ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, "Values"));
+  ARROW_RETURN_NOT_OK(check_length(place, items.length, keys.length, "as there are keys"));
   return make_lists(encoded, chunk, make_entries(std::move(keys), std::move(items)));
 }
 
-::arrow::Status check_names(const Located& names, size_t count) {
-  for (size_t i = 0; i < count; ++i) {
-    ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
-    ARROW_RETURN_NOT_OK(text_of(name));
-  }
-  return {};
+::arrow::Result<Readable> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(Envelope keys, read_chunk_child(encoded, chunk, "Keys", level + 1));
+  ARROW_ASSIGN_OR_RAISE(Envelope items, read_chunk_child(encoded, chunk, "Values", level + 1));
+  return make_maps(encoded, chunk, std::move(keys), std::move(items));
 }
 
-// The children of one chunk of structs, all of `length` elements, which the first one says.
-::arrow::Result<hxArrayPtr> read_fields(const Located& children, int level, size_t& length) {
-  const size_t count = hxGetNumberOfElements(children.value);
-  hxArrayPtr readable = make_cell(1, count);
-  for (size_t i = 0; i < count; ++i) {
-    ARROW_ASSIGN_OR_RAISE(const Located place, cell(children, i));
-    ARROW_ASSIGN_OR_RAISE(Envelope child, read_child(place, level));
-    if (i == 0) length = child.length;
-    if (child.length != length) {
-      return invalid(place, std::to_string(child.length) + " elements",
-                     std::to_string(length) + " as in the first field");
-    }
-    hxSetCell(readable.get(), i, std::move(child.value));
-  }
-  return readable;
-}
+struct StructFields {
+  Located names;
+  Located children;
+};
 
-::arrow::Result<Readable> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {
+// As many names as children, at least one, and every name a text.
+::arrow::Result<StructFields> find_fields(const Encoded& encoded, size_t chunk) {
   ARROW_ASSIGN_OR_RAISE(const Located names, field(encoded.data, chunk, "FieldName"));
   ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
   ARROW_ASSIGN_OR_RAISE(const Located children, field(encoded.data, chunk, "FieldData"));
@@ -128,18 +136,50 @@ Envelope make_entries(Envelope keys, Envelope items) {
     return invalid(names, std::to_string(hxGetNumberOfElements(names.value)) + " names",
                    std::to_string(count) + ", one for each field");
   }
-  ARROW_RETURN_NOT_OK(check_names(names, count));
-  size_t length = 0;
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr fields, read_fields(children, level, length));
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, length));
+  for (size_t i = 0; i < count; ++i) {
+    ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
+    ARROW_RETURN_NOT_OK(text_of(name));
+  }
+  return StructFields{names, children};
+}
+
+::arrow::Result<Envelope> read_cell_child(const Located& children, size_t i, int level) {
+  ARROW_ASSIGN_OR_RAISE(const Located place, cell(children, i));
+  return read_child(place, level);
+}
+
+// The children of one chunk of structs, all of as many elements as the first.
+::arrow::Result<Envelope> read_children(const Located& children, int level) {
+  const size_t count = hxGetNumberOfElements(children.value);
+  Envelope readable{make_cell(1, count)};
+  for (size_t i = 0; i < count; ++i) {
+    ARROW_ASSIGN_OR_RAISE(Envelope child, read_cell_child(children, i, level));
+    if (i == 0) readable.length = child.length;
+    const Located place{hxGetCell(children.value, i), &children, nullptr, i};
+    ARROW_RETURN_NOT_OK(
+        check_length(place, child.length, readable.length, "as in the first field"));
+    hxSetCell(readable.value.get(), i, std::move(child.value));
+  }
+  return readable;
+}
+
+::arrow::Result<Readable> make_structs(const Encoded& encoded, size_t chunk, const hxArray* names,
+                                       Envelope children) {
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, children.length));
   hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
-  hxSetField(data.get(), 0, "FieldName", hxSharedCopy(names.value));
-  hxSetField(data.get(), 0, "FieldData", std::move(fields));
+  hxSetField(data.get(), 0, "FieldName", hxSharedCopy(names));
+  hxSetField(data.get(), 0, "FieldData", std::move(children.value));
   return Readable{.kind = u"struct",
                   .type = u"struct",
                   .data = std::move(data),
-                  .length = length,
+                  .length = children.length,
                   .valid = std::move(valid)};
+}
+
+::arrow::Result<Readable> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {
+  ARROW_ASSIGN_OR_RAISE(const StructFields fields, find_fields(encoded, chunk));
+  ARROW_ASSIGN_OR_RAISE(Envelope children, read_children(fields.children, level));
+  return make_structs(encoded, chunk, fields.names.value, std::move(children));
 }
 
 }  // namespace

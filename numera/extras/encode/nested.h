@@ -12,7 +12,6 @@ namespace numera::extras::encoding {
 
 /// What the fields of an encoded array say.
 struct Encoded {
-  const Located& envelopes;
   Located type;
   Located valid;
   Located data;

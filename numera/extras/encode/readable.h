@@ -29,7 +29,7 @@ struct Readable {
 /// Whether it is a list or a struct.
 bool is_nested(const Readable& readable);
 
-/// An envelope of its own with the number of its elements.
+/// An envelope, or a cell of envelopes, with the number of its elements.
 struct Envelope {
   hxArrayPtr value;
   size_t length = 0;

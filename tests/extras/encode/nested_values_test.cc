@@ -65,6 +65,16 @@ TEST(EncodeNestedValues, ValuesOfListsOfOneChunkAreNotCopied) {
   EXPECT_EQ(leaf(readable), leaf(written));
 }
 
+TEST(EncodeNestedValues, ReadableOffsetsAreNotCopied) {
+  const hxArrayPtr lists =
+      Lists(1, Plain("int8", 2, Column<std::int8_t>({1, 2})), Column<std::uint64_t>({0, 2}));
+  const hxArrayPtr readable = encode(lists.get()).ValueOrDie();
+  const auto offsets = [](const hxArrayPtr& envelope) {
+    return hxGetData(hxGetField(hxGetField(envelope.get(), 0, "Data"), 0, "StartOffsets"));
+  };
+  EXPECT_EQ(offsets(readable), offsets(lists));
+}
+
 TEST(EncodeNestedValues, ListsOfSeveralChunksAreJoinedWithTheirValidity) {
   const hxArrayPtr readable =
       encoded(::arrow::large_list(::arrow::int16()), {"[[1, null], null, [3]]", "[]", "[[], [4]]"});
