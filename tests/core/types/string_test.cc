@@ -1,6 +1,7 @@
 #include "numera/core/types/string.h"
 
 #include <arrow/array/array_binary.h>
+#include <arrow/array/builder_binary.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
