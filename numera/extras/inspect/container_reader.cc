@@ -10,11 +10,6 @@ namespace {
 
 using Form = Container::Form;
 
-// A struct without a size is one element.
-size_t stated_count(const Container& container, const Scanner& scanner) {
-  return container.head.dims ? checked_element_count(*container.head.dims, scanner) : 1;
-}
-
 void begin_element(Container& container) {
   ++container.elements.count;
   container.field = 0;
@@ -81,7 +76,7 @@ bool next_in_brackets(Scanner& scanner, Container& container) {
     return true;
   }
   const bool listed = container.form == Form::kBraces;
-  const bool with_value = listed || stated_count(container, scanner) > 0;
+  const bool with_value = listed || container.stated > 0;
   for (;;) {
     if (!container.in_element) {
       if (listed ? !next_in_braces(scanner, container) : container.elements.count > 0) return false;
@@ -128,7 +123,7 @@ bool next_field_line(Scanner& scanner, Container& container, size_t indent, bool
 }
 
 bool next_on_lines(Scanner& scanner, Container& container) {
-  const size_t count = stated_count(container, scanner);
+  const size_t count = container.stated;
   if (container.has_cells()) {
     if (container.elements.count == count) return false;
     take_label(scanner, container, "{", "}");
@@ -178,7 +173,10 @@ Container open_container(Scanner& scanner, Head head, size_t line_indent, bool i
   Container container{std::move(head), Form::kNothing};
   container.indent = line_indent + 2;
   const bool cells = container.has_cells();
-  const size_t count = stated_count(container, scanner);
+  if (container.head.dims) {
+    container.stated = checked_element_count(*container.head.dims, scanner);
+  }
+  const size_t count = container.stated;
   scanner.skip_blanks();
   if (scanner.take("{")) {
     container.form = Form::kBraces;

@@ -32,6 +32,7 @@ struct Container {
 
   Head head;
   Form form;
+  size_t stated = 1;      ///< elements by the size; a struct without one is one element
   size_t indent = 0;      ///< kLines: that of the lines below
   bool labelled = false;  ///< kLines: each element of a struct has a line of its own
   std::vector<std::string> names = {};
