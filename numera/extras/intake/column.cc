@@ -42,7 +42,7 @@ namespace {
     ARROW_ASSIGN_OR_RAISE(Data data, take_in_data(work, path, *chunk->data()));
     if (taken.type == nullptr) taken.type = data->type;
     data->type = taken.type;
-    taken.chunks.push_back(::arrow::MakeArray(std::move(data)));
+    taken.chunks.push_back(::arrow::MakeArray(data));
     work.records = false;
   }
   taken.casts = std::move(work.casts);

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "numera/extras/intake/gather.h"
 #include "numera/extras/intake/memory.h"
 #include "numera/extras/intake/rules.h"
 #include "numera/extras/intake/takes.h"

@@ -89,7 +89,7 @@ std::shared_ptr<::arrow::DataType> with_child_types(const std::shared_ptr<::arro
       return std::make_shared<::arrow::MapType>(
           fields[0], static_cast<const ::arrow::MapType&>(*type).keys_sorted());
     default:
-      return ::arrow::struct_(std::move(fields));
+      return ::arrow::struct_(fields);
   }
 }
 

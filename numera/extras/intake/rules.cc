@@ -137,11 +137,11 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
     return ::arrow::Status::Invalid("Types: found more than ", io::arrow::core::kMaxNestingLevels,
                                     " in one another, expected no more than that.");
   }
-  if (type.id() == Type::DICTIONARY) {
-    if (!cast && !is_text(*represented)) return refuse(path, type, kAskForCasts);
-    return check(path + "<dictionary>", *represented, cast, levels);
+  if (represented != nullptr) {
+    const bool is_dictionary = type.id() == Type::DICTIONARY;
+    if (is_dictionary && !cast && !is_text(*represented)) return refuse(path, type, kAskForCasts);
+    return check(path + (is_dictionary ? "<dictionary>" : "<storage>"), *represented, cast, levels);
   }
-  if (represented != nullptr) return check(path + "<storage>", *represented, cast, levels);
   if (type.id() != Type::MAP) return check_fields(path, type, cast, levels);
   const auto& map = static_cast<const ::arrow::MapType&>(type);
   ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), cast, levels));

@@ -80,7 +80,7 @@ using core::util::VerifyHxStructContains;
     fields.push_back(::arrow::field(std::move(name), borrowed->type()));
     arrays.push_back(::arrow::MakeArray(own::owned(*borrowed->data(), owner)));
   }
-  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(arrays), -1);
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), arrays, -1);
 }
 
 }  // namespace numera::extras
