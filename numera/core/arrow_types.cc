@@ -89,10 +89,19 @@ constexpr bool rows_are_in_order_of_id() {
 static_assert(std::size(kRows) == Type::MAX_ID, "every type has a row");
 static_assert(rows_are_in_order_of_id(), "a row is found by its id");
 
+/// Holds no other types.
+bool is_flat(const ::arrow::DataType& type) {
+  return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
+}
+
 /// Whether `type` nests at most `levels` containers. A map is one level, although Arrow keeps its
-/// keys and items in a struct.
+/// keys and items in a struct. A dictionary is none, unless its values hold other types in turn.
 bool nests_within(const ::arrow::DataType& type, int levels) {
-  if (type.num_fields() == 0 && type.id() != Type::STRUCT) return true;
+  if (is_flat(type)) return true;
+  if (type.id() == Type::DICTIONARY) {
+    const auto& values = *static_cast<const ::arrow::DictionaryType&>(type).value_type();
+    return is_flat(values) || (levels > 0 && nests_within(values, levels - 1));
+  }
   if (levels == 0) return false;
   const ::arrow::DataType& parent = type.id() == Type::MAP ? *type.field(0)->type() : type;
   return std::ranges::all_of(parent.fields(), [levels](const auto& field) {

@@ -77,7 +77,7 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
 ::arrow::Result<std::span<const std::uint8_t>> stored_offsets(const ::arrow::ArrayData& chunk,
                                                               std::int64_t width) {
   static constexpr std::array<std::uint8_t, sizeof(std::int64_t)> kZero{};
-  const auto bytes = readable_bytes(chunk.buffers[1]);
+  const auto bytes = readable_bytes(chunk, 1);
   if (chunk.length == 0 && bytes.empty()) return std::span(kZero).first(static_cast<size_t>(width));
   const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
   if (chunk.offset + chunk.length >= available) {
@@ -91,7 +91,7 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
 ::arrow::Status check_offsets_fit(const ::arrow::ArrayData& array, std::int64_t width) {
   if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
   if (array.length == 0) return ::arrow::Status::OK();
-  const auto bytes = static_cast<std::int64_t>(readable_bytes(array.buffers[1]).size());
+  const auto bytes = static_cast<std::int64_t>(readable_bytes(array, 1).size());
   if (array.offset + array.length < bytes / width) return ::arrow::Status::OK();
   return messages::short_buffer("Offsets buffer", bytes, array.offset + array.length);
 }
@@ -101,10 +101,10 @@ template <class Offset>
     const ::arrow::ArrayData& array) {
   ARROW_RETURN_NOT_OK(check_offsets_fit(array, sizeof(Offset)));
   if (array.length == 0) return VariableWidthValues<Offset>{};
-  const auto offset_bytes = readable_bytes(array.buffers[1])
-                                .subspan(static_cast<size_t>(array.offset) * sizeof(Offset),
-                                         (static_cast<size_t>(array.length) + 1) * sizeof(Offset));
-  VariableWidthValues<Offset> values{{}, readable_bytes(array.buffers[2]), nullptr};
+  const auto offset_bytes =
+      readable_bytes(array, 1).subspan(static_cast<size_t>(array.offset) * sizeof(Offset),
+                                       (static_cast<size_t>(array.length) + 1) * sizeof(Offset));
+  VariableWidthValues<Offset> values{{}, readable_bytes(array, 2), nullptr};
   if (reinterpret_cast<std::uintptr_t>(offset_bytes.data()) % alignof(Offset) == 0) {
     values.offsets = {reinterpret_cast<const Offset*>(offset_bytes.data()),
                       offset_bytes.size() / sizeof(Offset)};

@@ -142,7 +142,74 @@ TEST_P(EveryArrowType, HasValidityOfTheFormOfItsKind) {
   EXPECT_STREQ(hxGetFieldName(valid, 0), plain ? "ArrowType" : "Values");
 }
 
+/// Ways in which an array may not hold what its type says.
+void lose_all_buffers(::arrow::ArrayData& data) { data.buffers.clear(); }
+void lose_the_last_buffer(::arrow::ArrayData& data) {
+  if (!data.buffers.empty()) data.buffers.pop_back();
+}
+void empty_all_buffers(::arrow::ArrayData& data) {
+  for (auto& buffer : data.buffers) buffer = ArrowBuffer({});
+}
+void null_all_buffers(::arrow::ArrayData& data) {
+  for (auto& buffer : data.buffers) buffer = nullptr;
+}
+void shorten_all_buffers(::arrow::ArrayData& data) {
+  for (auto& buffer : data.buffers) buffer = ArrowBuffer({0xFE});
+}
+void lose_the_children(::arrow::ArrayData& data) { data.child_data.clear(); }
+void null_the_children(::arrow::ArrayData& data) {
+  for (auto& child : data.child_data) child = nullptr;
+}
+void lose_the_dictionary(::arrow::ArrayData& data) { data.dictionary = nullptr; }
+void lengthen(::arrow::ArrayData& data) { data.length = 1000; }
+void move_on(::arrow::ArrayData& data) { data.offset = 1000; }
+
+TEST_P(EveryArrowType, IsNeverReadPastItsMemory) {
+  const Row row = rows_by_id().at(id());
+  if (row.kind == nullptr) return;
+  SCOPED_TRACE(row.type->ToString());
+  const auto whole = ::arrow::MakeArrayOfNull(row.type, 3).ValueOrDie();
+  int way = 0;
+  for (const auto damage : {lose_all_buffers, lose_the_last_buffer, empty_all_buffers,
+                            null_all_buffers, shorten_all_buffers, lose_the_children,
+                            null_the_children, lose_the_dictionary, lengthen, move_on}) {
+    SCOPED_TRACE(way++);
+    for (const std::int64_t null_count : {std::int64_t{-1}, std::int64_t{3}}) {
+      const auto data = whole->data()->Copy();
+      const auto array = ::arrow::MakeArray(data);
+      damage(*data);
+      data->null_count = null_count;
+      const Status status = to_numera(array).status();
+      EXPECT_TRUE(status.ok() || status.IsInvalid()) << status;
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Ids, EveryArrowType, ::testing::Range(0, static_cast<int>(Type::MAX_ID)));
+
+TypePtr lists_of(TypePtr type, int levels) {
+  for (int i = 0; i < levels; ++i) type = ::arrow::list(type);
+  return type;
+}
+
+TEST(CheckNesting, DoesNotCountADictionaryOfTexts) {
+  const TypePtr categories = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8());
+  EXPECT_TRUE(check_nesting(*lists_of(categories, 1024)).ok());
+  EXPECT_TRUE(check_nesting(*lists_of(categories, 1025)).IsInvalid());
+}
+
+TEST(CheckNesting, LooksIntoTheValuesOfADictionary) {
+  const Status too_deep =
+      Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024.");
+  TypePtr dictionaries = ::arrow::utf8();
+  for (int i = 0; i < 10'000; ++i)
+    dictionaries = ::arrow::dictionary(::arrow::int8(), dictionaries);
+  const TypePtr lists = ::arrow::dictionary(::arrow::int8(), lists_of(::arrow::int8(), 10'000));
+  for (const TypePtr& type : {dictionaries, lists}) {
+    EXPECT_EQ(check_nesting(*type), too_deep);
+    EXPECT_EQ(to_numera(ArrowChunks(type, {})).status(), too_deep);
+  }
+}
 
 TEST(ArrowTypeRow, OfAnIdThatNoTypeHasIsARefusal) {
   for (const int id : {static_cast<int>(Type::MAX_ID), 1000, -1}) {
