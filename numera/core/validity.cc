@@ -1,5 +1,7 @@
 #include "numera/core/validity.h"
 
+#include <arrow/array/array_base.h>
+
 #include "numera/core/buffer_envelope.h"
 #include "numera/core/chunk_memory.h"
 
