@@ -105,7 +105,8 @@ bool next_line(Scanner& scanner, size_t indent) {
 // Passes the label of the next element: "{0,1}:" or "(3):".
 void take_label(Scanner& scanner, Container& container, std::string_view open,
                 std::string_view close) {
-  const std::string index = index_text(*container.head.dims, container.elements.count);
+  const Dims dims = container.head.dims.value_or(Dims{1, 1});
+  const std::string index = index_text(dims, container.elements.count);
   const std::string label = std::string(open) + index + std::string(close) + ":";
   if (!next_line(scanner, container.indent)) scanner.fail("\"" + label + "\"");
   scanner.expect(label);

@@ -73,8 +73,9 @@ hxArrayPtr read_strings(Scanner& scanner, const Head& head) {
   std::unique_ptr<hxStringArray> strings = hxMakeStringArray(dims);
   const Rows rows(dims);
   for (size_t i = 0; i < texts.size(); ++i) {
-    if (texts[i]) {
-      strings->set(rows.element_at(i), *texts[i]);
+    const std::optional<std::u16string>& text = texts[i];
+    if (text) {
+      strings->set(rows.element_at(i), *text);
     } else {
       strings->set_missing(rows.element_at(i));
     }
