@@ -1,7 +1,6 @@
 #include "numera/core/arrow_types.h"
 
 #include <arrow/array/util.h>
-#include <arrow/builder.h>
 #include <arrow/extension/uuid.h>
 #include <gtest/gtest.h>
 
@@ -10,8 +9,6 @@
 
 #include "numera/core/to_numera.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/envelopes.h"
-#include "tests/support/host_builder.h"
 
 namespace numera::io::arrow::core {
 namespace {

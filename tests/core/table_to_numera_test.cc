@@ -1,7 +1,6 @@
 #include <arrow/array/array_primitive.h>
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <string>
 
 #include "numera/core/to_arrow_table.h"

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <numeric>
 #include <stdexcept>
 #include <string>
 
@@ -12,8 +10,8 @@
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
-#include "tests/support/host_matchers.h"
 #include "tests/support/recording_host.h"
+#include "tests/support/thrown.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -43,12 +41,7 @@ Status converted(const hxArrayPtr& encoded) { return to_arrow_table(encoded.get(
 
 template <class Exception>
 std::string message_thrown(const hxArrayPtr& encoded) {
-  try {
-    static_cast<void>(to_arrow_table(encoded.get()));
-  } catch (const Exception& exception) {
-    return exception.what();
-  }
-  return "nothing was thrown";
+  return MessageThrown<Exception>([&encoded] { static_cast<void>(converted(encoded)); });
 }
 
 TEST(ToArrowTable, ConvertsEveryColumn) {

@@ -1,30 +1,25 @@
 #include "numera/core/to_arrow.h"
 
-#include <arrow/array/array_primitive.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 
 #include "numera/host/memory.h"
 #include "numera/host/text_codec.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
-#include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
-#include "tests/support/host_matchers.h"
+#include "tests/support/thrown.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 using namespace numera::testing;
 using ::arrow::Array;
-using ::arrow::Buffer;
 using ::arrow::Status;
 
 Status converted(const hxArrayPtr& encoded) { return to_arrow<Array>(encoded.get()).status(); }
-Status buffer_of(const hxArrayPtr& encoded) { return to_arrow<Buffer>(encoded.get()).status(); }
 
 /// An envelope of the kind "array" whose four fields are given.
 hxArrayPtr envelope_of(hxArrayPtr kind, hxArrayPtr type, hxArrayPtr valid, hxArrayPtr data) {
@@ -32,16 +27,6 @@ hxArrayPtr envelope_of(hxArrayPtr kind, hxArrayPtr type, hxArrayPtr valid, hxArr
                  {"Type", std::move(type)},
                  {"Valid", std::move(valid)},
                  {"Data", std::move(data)}});
-}
-
-template <class Exception, class Act>
-std::string message_thrown(Act act) {
-  try {
-    act();
-  } catch (const Exception& exception) {
-    return exception.what();
-  }
-  return "nothing was thrown";
 }
 
 TEST(ToArrow, ConvertsAColumnOverTheHostsMemory) {
@@ -144,7 +129,7 @@ TEST(ToArrow, ReportsTheFirstFailingFieldInTheOrderOfTheChecks) {
 TEST(ToArrow, RunsEveryCheckEvenAfterAFailure) {
   const hxArrayPtr encoded =
       Struct({{"Data", Empty()}, {"ArrowType", Char("array")}, {"Type", Char("double")}});
-  EXPECT_EQ(message_thrown<std::invalid_argument>(
+  EXPECT_EQ(MessageThrown<std::invalid_argument>(
                 [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
             "Wrong field name.");
 }
@@ -157,7 +142,7 @@ TEST(ToArrow, ThrowsForEachFieldThatTheStructLacks) {
     for (const char* name : names) others.push_back(name == missing ? "other" : name);
     const hxArrayPtr encoded = StructArray(
         {1, 1}, others, {{Char("array"), Char("double"), BufferEnvelope({}), Scalar(1.0)}});
-    EXPECT_EQ(message_thrown<std::invalid_argument>(
+    EXPECT_EQ(MessageThrown<std::invalid_argument>(
                   [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
               "Wrong field name.");
   }
@@ -165,14 +150,14 @@ TEST(ToArrow, ThrowsForEachFieldThatTheStructLacks) {
 
 TEST(ToArrow, ThrowsForAStructWithoutElements) {
   const hxArrayPtr encoded = StructArray({0, 0}, {"ArrowType", "Type", "Valid", "Data"}, {});
-  EXPECT_EQ(message_thrown<std::out_of_range>(
+  EXPECT_EQ(MessageThrown<std::out_of_range>(
                 [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
             "Struct index is out of range.");
 }
 
 TEST(ToArrow, ThrowsForAnElementThatIsNotThere) {
   const hxArrayPtr encoded = Envelope("double", Scalar(1.0));
-  EXPECT_EQ(message_thrown<std::out_of_range>(
+  EXPECT_EQ(MessageThrown<std::out_of_range>(
                 [&encoded] { static_cast<void>(to_arrow(encoded.get(), 1)); }),
             "Struct index is out of range.");
 }
@@ -181,7 +166,6 @@ TEST(ToArrow, RefusesWhatIsNoStruct) {
   const hxArrayPtr others[] = {Scalar(1.0), Char("array"), Cell({}), nullptr};
   for (const hxArrayPtr& other : others) {
     EXPECT_EQ(converted(other), Status::TypeError("Struct array required for input"));
-    EXPECT_EQ(buffer_of(other), Status::TypeError("Struct array required for input"));
   }
 }
 
@@ -243,7 +227,7 @@ TEST(ToArrow, NamesDataThatIsComplexOrSparse) {
 TEST(ToArrow, PassesOnWhatIsWrongWithValid) {
   const hxArrayPtr encoded = envelope_of(Char("array"), Char("double"),
                                          KindEnvelope("array", "double", Scalar(1.0)), Scalar(1.0));
-  EXPECT_EQ(message_thrown<std::invalid_argument>(
+  EXPECT_EQ(MessageThrown<std::invalid_argument>(
                 [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
             "Wrong field name.");
   const hxArrayPtr of_another_kind = envelope_of(
@@ -277,74 +261,6 @@ TEST(ToArrow, AnswersEmptySlotsOfLaterElementsWithAStatus) {
     }
     EXPECT_EQ(to_arrow(encoded.get(), 1).status(), expected);
   }
-}
-
-TEST(ToArrowBuffer, CoversTheBytesOfTheHost) {
-  const hxArrayPtr encoded = BufferEnvelope({1, 2, 255});
-  const auto buffer = to_arrow<Buffer>(encoded.get()).ValueOrDie();
-  EXPECT_TRUE(buffer->Equals(*ArrowBuffer({1, 2, 255})));
-  EXPECT_EQ(buffer->data(), hxGetData(hxGetField(encoded.get(), 0, "Values")));
-}
-
-TEST(ToArrowBuffer, TakesEveryShapeAndDoesNotReadTheLength) {
-  const hxArrayPtr encoded = Struct({{"Values", Matrix<std::uint8_t>({2, 2}, {1, 2, 3, 4})},
-                                     {"Length", Char("not a number")},
-                                     {"ArrowType", Char("buffer")}});
-  EXPECT_TRUE(to_arrow<Buffer>(encoded.get()).ValueOrDie()->Equals(*ArrowBuffer({1, 2, 3, 4})));
-}
-
-TEST(ToArrowBuffer, GivesAnEmptyBufferForNoBytes) {
-  EXPECT_EQ(to_arrow<Buffer>(BufferEnvelope({}).get()).ValueOrDie()->size(), 0);
-}
-
-TEST(ToArrowBuffer, ReportsTheFirstFailingField) {
-  const auto buffer = [](hxArrayPtr kind, hxArrayPtr values) {
-    return Struct({{"ArrowType", std::move(kind)}, {"Values", std::move(values)}});
-  };
-  struct Case {
-    hxArrayPtr encoded;
-    const char* message;
-  };
-  const Case cases[] = {
-      {buffer(Empty(), Empty()), "Missing field 'ArrowType' in input struct array"},
-      {buffer(Scalar(1.0), Empty()), "Incorrect type 'double' for struct array field 'ArrowType'"},
-      {buffer(Char("bits"), Empty()), "Missing field 'Values' in input struct array"},
-      {buffer(Char("bits"), Scalar<std::int8_t>(1)),
-       "Incorrect type 'int8' for struct array field 'Values'"},
-      {buffer(Char("buffer"), Logical({true})),
-       "Incorrect type 'logical' for struct array field 'Values'"},
-      {buffer(Char("Buffer"), Scalar<std::uint8_t>(1)),
-       "Expected 'buffer' input type, received 'Buffer' instead."},
-      {buffer(Char("array"), Scalar<std::uint8_t>(1)),
-       "Expected 'buffer' input type, received 'array' instead."},
-      {buffer(Char("buffer"), Complex<std::uint8_t>({1, 1}, {{1, 2}})),
-       "Field 'Values': found a complex 1-by-1 uint8 array, expected a real array that is not "
-       "sparse."},
-      {buffer(Char("buffer"), host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::UInt8)),
-       "Field 'Values': found a sparse 1-by-1 uint8 array, expected a real array that is not "
-       "sparse."},
-  };
-  for (const Case& one : cases) {
-    SCOPED_TRACE(one.message);
-    EXPECT_EQ(buffer_of(one.encoded), Status::TypeError(one.message));
-  }
-}
-
-TEST(ToArrowBuffer, ThrowsWhereTheHostDoes) {
-  const hxArrayPtr without_values = Struct({{"ArrowType", Char("buffer")}});
-  EXPECT_EQ(message_thrown<std::invalid_argument>(
-                [&without_values] { static_cast<void>(buffer_of(without_values)); }),
-            "Wrong field name.");
-  const hxArrayPtr without_elements = StructArray({1, 0}, {"ArrowType", "Values"}, {});
-  EXPECT_EQ(message_thrown<std::out_of_range>(
-                [&without_elements] { static_cast<void>(buffer_of(without_elements)); }),
-            "Struct index is out of range.");
-}
-
-TEST(ToArrowBuffer, LeavesNothingBehindWhereverItFails) {
-  const hxArrayPtr encoded = BufferEnvelope({1, 2});
-  const FaultSites sites = FailEverywhere([&encoded] { return buffer_of(encoded); });
-  EXPECT_GE(sites.calls, 5U);
 }
 
 }  // namespace

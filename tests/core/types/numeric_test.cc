@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <numeric>
+#include <typeinfo>
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"

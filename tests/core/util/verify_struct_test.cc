@@ -6,6 +6,7 @@
 
 #include "numera/host/array.h"
 #include "tests/support/host_builder.h"
+#include "tests/support/thrown.h"
 
 namespace numera::io::arrow::core::util {
 namespace {
@@ -13,16 +14,6 @@ namespace {
 using namespace numera::testing;
 
 ::arrow::Status type_error(const char* message) { return ::arrow::Status::TypeError(message); }
-
-template <class Exception, class Act>
-std::string message_thrown(Act act) {
-  try {
-    act();
-  } catch (const Exception& exception) {
-    return exception.what();
-  }
-  return "nothing was thrown";
-}
 
 TEST(VerifyHxStructContains, RefusesWhatIsNoStruct) {
   const hxArrayPtr others[] = {Column<double>({1}), Char("text"), Cell({Scalar(1.0)}),
@@ -51,7 +42,7 @@ TEST(VerifyHxStructContains, AcceptsAnyFieldOfAStructWithoutElements) {
 TEST(VerifyHxStructContains, ThrowsForAFieldThatTheStructLacks) {
   const hxArrayPtr value = Struct({{"data", Scalar(1.0)}});
   EXPECT_EQ(
-      message_thrown<std::invalid_argument>([&value] {
+      MessageThrown<std::invalid_argument>([&value] {
         static_cast<void>(VerifyHxStructContains(value.get(), "Data", hxClassID::Unknown, true));
       }),
       "Wrong field name.");
