@@ -17,10 +17,10 @@ namespace {
 
 ::arrow::Result<hxArrayPtr> pack_categories(const Located& categories) {
   if (has_fields(categories.value)) {
-    ARROW_ASSIGN_OR_RAISE(Readable packed, packed_as_it_is(categories, u"string"));
+    ARROW_ASSIGN_OR_RAISE(ReadableValue packed, packed_as_it_is(categories, u"string"));
     return std::move(packed.data);
   }
-  ARROW_ASSIGN_OR_RAISE(Readable packed, pack_texts(categories));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue packed, pack_texts(categories));
   if (packed.valid != nullptr) {
     return invalid(categories, "a missing text", "a text for each category");
   }
@@ -29,7 +29,7 @@ namespace {
 
 }  // namespace
 
-::arrow::Result<Readable> read_categorical(const Located& data) {
+::arrow::Result<ReadableValue> read_categorical(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
   ARROW_ASSIGN_OR_RAISE(const Located codes, field(data, 0, "Values"));
   ARROW_RETURN_NOT_OK(check_codes(codes));
@@ -42,10 +42,10 @@ namespace {
   hxSetField(readable.get(), 0, "Categories", std::move(packed));
   hxSetField(readable.get(), 0, "Values", hxSharedCopy(codes.value));
   hxSetField(readable.get(), 0, "Ordinal", hxSharedCopy(ordinal.value));
-  return Readable{.kind = u"array",
-                  .type = u"categorical",
-                  .data = std::move(readable),
-                  .length = hxGetNumberOfElements(codes.value)};
+  return ReadableValue{.kind = u"array",
+                       .type = u"categorical",
+                       .data = std::move(readable),
+                       .length = hxGetNumberOfElements(codes.value)};
 }
 
 }  // namespace numera::extras::encoding

@@ -9,6 +9,6 @@ namespace numera::extras::encoding {
 
 /// A struct of "Values" (codes of an integer class), "Categories" (texts, packed or not) and
 /// "Ordinal" (one logical value). Codes are not looked at.
-::arrow::Result<Readable> read_categorical(const Located& data);
+::arrow::Result<ReadableValue> read_categorical(const Located& data);
 
 }  // namespace numera::extras::encoding

@@ -27,7 +27,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
     hxThrowIfInterruptPending();
     ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
     ARROW_RETURN_NOT_OK(text_of(name));
-    ARROW_ASSIGN_OR_RAISE(Readable column, read_element(columns, i, 0));
+    ARROW_ASSIGN_OR_RAISE(ReadableValue column, read_element(columns, i, 0));
     const bool nested = is_nested(column);
     store(readable.get(), i, std::move(column));
     const Located place{columns.value, &columns, nullptr, i};
@@ -63,7 +63,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
   const Located place{value};
   if (value == nullptr) return invalid(place, "a null pointer", "an array");
   if (has_fields(value) && hxGetFieldNumber(value, "ArrowType") >= 0) return encode_written(place);
-  ARROW_ASSIGN_OR_RAISE(Readable readable, read_plain(place));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_plain(place));
   Envelope envelope = make_envelope(std::move(readable));
   ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, place));
   return std::move(envelope.value);

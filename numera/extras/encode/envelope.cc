@@ -28,8 +28,8 @@ hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
   return both;
 }
 
-::arrow::Result<Readable> read_array(const Encoded& encoded, int /*level*/) {
-  ARROW_ASSIGN_OR_RAISE(Readable readable, read_data(encoded.data, encoded.type));
+::arrow::Result<ReadableValue> read_array(const Encoded& encoded, int /*level*/) {
+  ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_data(encoded.data, encoded.type));
   // A column without chunks has no bits, and no elements that need them.
   if (hxIsEmpty(encoded.valid.value)) return readable;
   ARROW_RETURN_NOT_OK(check_one_element(encoded.valid));
@@ -42,7 +42,7 @@ hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
 
 struct KindReader {
   const char* kind;
-  ::arrow::Result<Readable> (*read)(const Encoded& encoded, int level);
+  ::arrow::Result<ReadableValue> (*read)(const Encoded& encoded, int level);
 };
 
 constexpr KindReader kKinds[] = {
@@ -84,7 +84,7 @@ constexpr KindReader kKinds[] = {
   return check_one_element(child);
 }
 
-::arrow::Result<Envelope> check_stored(Readable readable, const Located& origin) {
+::arrow::Result<Envelope> check_stored(ReadableValue readable, const Located& origin) {
   const bool nested = is_nested(readable);
   Envelope envelope = make_envelope(std::move(readable));
   if (!nested) ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, origin));
@@ -108,7 +108,8 @@ constexpr KindReader kKinds[] = {
   return hxSharedCopy(bits.value);
 }
 
-::arrow::Result<Readable> read_element(const Located& envelopes, size_t index, int outer_levels) {
+::arrow::Result<ReadableValue> read_element(const Located& envelopes, size_t index,
+                                            int outer_levels) {
   ARROW_ASSIGN_OR_RAISE(const KindReader* const row, find_kind(envelopes, index));
   ARROW_ASSIGN_OR_RAISE(const Encoded encoded, read_fields(envelopes, index));
   ARROW_RETURN_NOT_OK(check_levels(*row, outer_levels));
@@ -117,7 +118,7 @@ constexpr KindReader kKinds[] = {
 
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels) {
   ARROW_RETURN_NOT_OK(check_envelope(child));
-  ARROW_ASSIGN_OR_RAISE(Readable readable, read_element(child, 0, outer_levels));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_element(child, 0, outer_levels));
   return check_stored(std::move(readable), child);
 }
 

@@ -15,7 +15,8 @@ namespace numera::extras::encoding {
 /// Element `index` of a struct array of encoded arrays, which lies within `outer_levels` nested
 /// values. A nested value is checked with all that is in it; any other is checked by `read_back`
 /// once it is stored.
-::arrow::Result<Readable> read_element(const Located& envelopes, size_t index, int outer_levels);
+::arrow::Result<ReadableValue> read_element(const Located& envelopes, size_t index,
+                                            int outer_levels);
 
 /// The envelope of a child, checked with all that is in it.
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels);

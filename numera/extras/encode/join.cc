@@ -17,7 +17,7 @@ namespace {
   std::vector<Envelope> envelopes;
   ::arrow::ArrayVector arrays;
   for (size_t c = 0; c < chunks; ++c) {
-    ARROW_ASSIGN_OR_RAISE(Readable readable, read_chunk(encoded, c, level));
+    ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_chunk(encoded, c, level));
     envelopes.push_back(make_envelope(std::move(readable)));
     const Located place{encoded.data.value, &encoded.data, nullptr, c};
     ARROW_ASSIGN_OR_RAISE(auto array, read_back(envelopes.back().value.get(), 0, place));
@@ -42,7 +42,8 @@ namespace {
 
 }  // namespace
 
-::arrow::Result<Readable> read_chunks(const Encoded& encoded, ChunkReader read_chunk, int level) {
+::arrow::Result<ReadableValue> read_chunks(const Encoded& encoded, ChunkReader read_chunk,
+                                           int level) {
   ARROW_RETURN_NOT_OK(check_chunks(encoded));
   if (hxGetNumberOfElements(encoded.data.value) == 1) return read_chunk(encoded, 0, level);
   ARROW_ASSIGN_OR_RAISE(const auto joined, join(encoded, read_chunk, level));

@@ -13,14 +13,16 @@
 
 namespace numera::extras::encoding {
 
-using ChunkReader = ::arrow::Result<Readable> (*)(const Encoded& encoded, size_t chunk, int level);
+using ChunkReader = ::arrow::Result<ReadableValue> (*)(const Encoded& encoded, size_t chunk,
+                                                       int level);
 
 /// All chunks of a nested value. One alone is read as it stands; several go to Arrow, are joined
 /// there and written once. Invalid where there is none, since the types below are not known then.
-::arrow::Result<Readable> read_chunks(const Encoded& encoded, ChunkReader read_chunk, int level);
+::arrow::Result<ReadableValue> read_chunks(const Encoded& encoded, ChunkReader read_chunk,
+                                           int level);
 
 /// The readable form of an array of a type that the core reads, in new memory. It has no offset at
 /// any depth, as `arrow::Concatenate` gives it.
-::arrow::Result<Readable> write_readable(const ::arrow::Array& array);
+::arrow::Result<ReadableValue> write_readable(const ::arrow::Array& array);
 
 }  // namespace numera::extras::encoding

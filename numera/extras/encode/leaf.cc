@@ -50,15 +50,15 @@ std::u16string_view numeric_type_name(hxClassID class_id) {
   return {};
 }
 
-::arrow::Result<Readable> read_numbers(const Located& numbers) {
+::arrow::Result<ReadableValue> read_numbers(const Located& numbers) {
   ARROW_RETURN_NOT_OK(check_numbers(numbers));
-  return Readable{.kind = u"array",
-                  .type = numeric_type_name(hxGetClassID(numbers.value)),
-                  .data = hxSharedCopy(numbers.value),
-                  .length = hxGetNumberOfElements(numbers.value)};
+  return ReadableValue{.kind = u"array",
+                       .type = numeric_type_name(hxGetClassID(numbers.value)),
+                       .data = hxSharedCopy(numbers.value),
+                       .length = hxGetNumberOfElements(numbers.value)};
 }
 
-::arrow::Result<Readable> pack_logical(const Located& values) {
+::arrow::Result<ReadableValue> pack_logical(const Located& values) {
   if (hxIsSparse(values.value)) return wrong_class(values, "logical values that are not sparse");
   const size_t length = hxGetNumberOfElements(values.value);
   const auto* const source = elements<std::uint8_t>(values.value);
@@ -68,10 +68,10 @@ std::u16string_view numeric_type_name(hxClassID class_id) {
     const unsigned bit = source[i] != 0 ? 1U << (i % 8) : 0U;
     target[i / 8] = static_cast<std::uint8_t>(target[i / 8] | bit);
   }
-  return Readable{.kind = u"array",
-                  .type = u"logical",
-                  .data = make_packed_logical(std::move(bits), length),
-                  .length = length};
+  return ReadableValue{.kind = u"array",
+                       .type = u"logical",
+                       .data = make_packed_logical(std::move(bits), length),
+                       .length = length};
 }
 
 bool holds_bytes(const hxArray* cells, const std::string& type_name) {
@@ -82,20 +82,20 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
 }
 
 // Nulls have no values: zeros stand for them.
-::arrow::Result<Readable> read_nulls(const Located& count) {
+::arrow::Result<ReadableValue> read_nulls(const Located& count) {
   ARROW_RETURN_NOT_OK(check_numbers(count, hxClassID::Int64, "an int64 number of elements"));
   ARROW_RETURN_NOT_OK(check_one_element(count));
   const std::int64_t length = *elements<std::int64_t>(count.value);
   if (length < 0) return invalid(count, std::to_string(length), "a number of elements");
   const auto size = static_cast<size_t>(length);
-  return Readable{.kind = u"array",
-                  .type = u"double",
-                  .data = make_zero_column(hxClassID::Double, size),
-                  .length = size,
-                  .valid = make_zero_column(hxClassID::UInt8, bitmap_bytes(size))};
+  return ReadableValue{.kind = u"array",
+                       .type = u"double",
+                       .data = make_zero_column(hxClassID::Double, size),
+                       .length = size,
+                       .valid = make_zero_column(hxClassID::UInt8, bitmap_bytes(size))};
 }
 
-::arrow::Result<Readable> packed_logical_as_it_is(const Located& packed) {
+::arrow::Result<ReadableValue> packed_logical_as_it_is(const Located& packed) {
   ARROW_RETURN_NOT_OK(check_one_element(packed));
   ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, "Values"));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
@@ -109,23 +109,23 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
   if (!(found >= 0 && found <= bits)) {
     return invalid(length, std::to_string(found), "a number of bits that 'Values' has");
   }
-  return Readable{.kind = u"array",
-                  .type = u"logical",
-                  .data = hxSharedCopy(packed.value),
-                  .length = static_cast<size_t>(found)};
+  return ReadableValue{.kind = u"array",
+                       .type = u"logical",
+                       .data = hxSharedCopy(packed.value),
+                       .length = static_cast<size_t>(found)};
 }
 
-::arrow::Result<Readable> packed_text_as_it_is(const Located& packed) {
+::arrow::Result<ReadableValue> packed_text_as_it_is(const Located& packed) {
   return packed_as_it_is(packed, u"string");
 }
 
-::arrow::Result<Readable> packed_bytes_as_they_are(const Located& packed) {
+::arrow::Result<ReadableValue> packed_bytes_as_they_are(const Located& packed) {
   return packed_as_it_is(packed, u"binary_array");
 }
 
 struct StructReader {
   const char* type_name;
-  ::arrow::Result<Readable> (*read)(const Located& data);
+  ::arrow::Result<ReadableValue> (*read)(const Located& data);
 };
 
 /// What a struct "Data" holds, by "Type".
@@ -141,7 +141,7 @@ constexpr StructReader kStructReaders[] = {
 
 }  // namespace
 
-::arrow::Result<Readable> read_plain(const Located& value, const std::string& type_name) {
+::arrow::Result<ReadableValue> read_plain(const Located& value, const std::string& type_name) {
   if (hxIsNumeric(value.value)) return read_numbers(value);
   if (hxIsStringArray(value.value)) return pack_texts(value);
   const hxClassID class_id = hxGetClassID(value.value);
@@ -153,7 +153,7 @@ constexpr StructReader kStructReaders[] = {
   return wrong_class(value, kPlainValues);
 }
 
-::arrow::Result<Readable> read_data(const Located& data, const Located& type) {
+::arrow::Result<ReadableValue> read_data(const Located& data, const Located& type) {
   ARROW_ASSIGN_OR_RAISE(const std::string type_name, text_of(type));
   if (type_name == "null") return read_nulls(data);
   if (!has_fields(data.value)) return read_plain(data, type_name);

@@ -15,9 +15,9 @@ namespace numera::extras::encoding {
 /// A value without an envelope: numbers, logical values, text, cells of text or of bytes.
 /// `type_name` is the "Type" of the envelope around it, if there is one: it decides what a cell
 /// array without cells holds.
-::arrow::Result<Readable> read_plain(const Located& value, const std::string& type_name = {});
+::arrow::Result<ReadableValue> read_plain(const Located& value, const std::string& type_name = {});
 
 /// The "Data" of an encoded array of the kind "array". A failure about the name names `type`.
-::arrow::Result<Readable> read_data(const Located& data, const Located& type);
+::arrow::Result<ReadableValue> read_data(const Located& data, const Located& type);
 
 }  // namespace numera::extras::encoding

@@ -57,7 +57,7 @@ template <class T>
 }
 
 // One chunk of lists over values that are readable already.
-::arrow::Result<Readable> make_lists(const Encoded& encoded, size_t chunk, Envelope values) {
+::arrow::Result<ReadableValue> make_lists(const Encoded& encoded, size_t chunk, Envelope values) {
   ARROW_ASSIGN_OR_RAISE(const Located offsets, field(encoded.data, chunk, "StartOffsets"));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr widened, read_offsets(offsets, values.length));
   const size_t length = hxGetNumberOfElements(widened.get()) - 1;
@@ -65,11 +65,11 @@ template <class T>
   hxArrayPtr data = make_struct(1, {"Values", "StartOffsets"});
   hxSetField(data.get(), 0, "Values", std::move(values.value));
   hxSetField(data.get(), 0, "StartOffsets", std::move(widened));
-  return Readable{.kind = u"list_array",
-                  .type = u"large_list_array",
-                  .data = std::move(data),
-                  .length = length,
-                  .valid = std::move(valid)};
+  return ReadableValue{.kind = u"list_array",
+                       .type = u"large_list_array",
+                       .data = std::move(data),
+                       .length = length,
+                       .valid = std::move(valid)};
 }
 
 // The entries of maps: structs without nulls of their own.
@@ -101,19 +101,19 @@ Envelope make_entries(Envelope keys, Envelope items) {
   return read_child(place, level);
 }
 
-::arrow::Result<Readable> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
+::arrow::Result<ReadableValue> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
   ARROW_ASSIGN_OR_RAISE(Envelope child, read_chunk_child(encoded, chunk, "Values", level));
   return make_lists(encoded, chunk, std::move(child));
 }
 
-::arrow::Result<Readable> make_maps(const Encoded& encoded, size_t chunk, Envelope keys,
-                                    Envelope items) {
+::arrow::Result<ReadableValue> make_maps(const Encoded& encoded, size_t chunk, Envelope keys,
+                                         Envelope items) {
   ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, "Values"));
   ARROW_RETURN_NOT_OK(check_length(place, items.length, keys.length, "as there are keys"));
   return make_lists(encoded, chunk, make_entries(std::move(keys), std::move(items)));
 }
 
-::arrow::Result<Readable> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
+::arrow::Result<ReadableValue> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
   ARROW_ASSIGN_OR_RAISE(Envelope keys, read_chunk_child(encoded, chunk, "Keys", level + 1));
   ARROW_ASSIGN_OR_RAISE(Envelope items, read_chunk_child(encoded, chunk, "Values", level + 1));
   return make_maps(encoded, chunk, std::move(keys), std::move(items));
@@ -163,20 +163,20 @@ struct StructFields {
   return readable;
 }
 
-::arrow::Result<Readable> make_structs(const Encoded& encoded, size_t chunk, const hxArray* names,
-                                       Envelope children) {
+::arrow::Result<ReadableValue> make_structs(const Encoded& encoded, size_t chunk,
+                                            const hxArray* names, Envelope children) {
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, children.length));
   hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
   hxSetField(data.get(), 0, "FieldName", hxSharedCopy(names));
   hxSetField(data.get(), 0, "FieldData", std::move(children.value));
-  return Readable{.kind = u"struct",
-                  .type = u"struct",
-                  .data = std::move(data),
-                  .length = children.length,
-                  .valid = std::move(valid)};
+  return ReadableValue{.kind = u"struct",
+                       .type = u"struct",
+                       .data = std::move(data),
+                       .length = children.length,
+                       .valid = std::move(valid)};
 }
 
-::arrow::Result<Readable> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {
+::arrow::Result<ReadableValue> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {
   ARROW_ASSIGN_OR_RAISE(const StructFields fields, find_fields(encoded, chunk));
   ARROW_ASSIGN_OR_RAISE(Envelope children, read_children(fields.children, level));
   return make_structs(encoded, chunk, fields.names.value, std::move(children));
@@ -184,15 +184,15 @@ struct StructFields {
 
 }  // namespace
 
-::arrow::Result<Readable> read_lists(const Encoded& encoded, int level) {
+::arrow::Result<ReadableValue> read_lists(const Encoded& encoded, int level) {
   return read_chunks(encoded, read_list_chunk, level);
 }
 
-::arrow::Result<Readable> read_structs(const Encoded& encoded, int level) {
+::arrow::Result<ReadableValue> read_structs(const Encoded& encoded, int level) {
   return read_chunks(encoded, read_struct_chunk, level);
 }
 
-::arrow::Result<Readable> read_maps(const Encoded& encoded, int level) {
+::arrow::Result<ReadableValue> read_maps(const Encoded& encoded, int level) {
   return read_chunks(encoded, read_map_chunk, level);
 }
 

@@ -19,9 +19,9 @@ struct Encoded {
 
 /// Each reads an encoded array that lies `level` levels deep (the outermost is level 1).
 /// @{
-::arrow::Result<Readable> read_lists(const Encoded& encoded, int level);
-::arrow::Result<Readable> read_structs(const Encoded& encoded, int level);
-::arrow::Result<Readable> read_maps(const Encoded& encoded, int level);
+::arrow::Result<ReadableValue> read_lists(const Encoded& encoded, int level);
+::arrow::Result<ReadableValue> read_structs(const Encoded& encoded, int level);
+::arrow::Result<ReadableValue> read_maps(const Encoded& encoded, int level);
 /// @}
 
 }  // namespace numera::extras::encoding

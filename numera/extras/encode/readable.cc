@@ -8,9 +8,9 @@
 
 namespace numera::extras::encoding {
 
-bool is_nested(const Readable& readable) { return readable.kind != u"array"; }
+bool is_nested(const ReadableValue& readable) { return readable.kind != u"array"; }
 
-void store(hxArray* envelopes, size_t index, Readable readable) {
+void store(hxArray* envelopes, size_t index, ReadableValue readable) {
   hxArrayPtr valid = make_struct(1, {"ArrowType", "Values", "Length"});
   hxSetField(valid.get(), 0, "ArrowType", make_char(u"buffer"));
   if (readable.valid == nullptr) readable.valid = make_zero_column(hxClassID::UInt8, 0);
@@ -22,7 +22,7 @@ void store(hxArray* envelopes, size_t index, Readable readable) {
   hxSetField(envelopes, index, "Data", std::move(readable.data));
 }
 
-Envelope make_envelope(Readable readable) {
+Envelope make_envelope(ReadableValue readable) {
   Envelope envelope{make_struct(1, {"ArrowType", "Type", "Valid", "Data"}), readable.length};
   store(envelope.value.get(), 0, std::move(readable));
   return envelope;

@@ -18,7 +18,7 @@
 namespace numera::extras::encoding {
 
 /// What the fields of a readable envelope hold.
-struct Readable {
+struct ReadableValue {
   std::u16string_view kind;  ///< "ArrowType"
   std::u16string_view type;  ///< "Type", of static life
   hxArrayPtr data;
@@ -27,7 +27,7 @@ struct Readable {
 };
 
 /// Whether it is a list or a struct.
-bool is_nested(const Readable& readable);
+bool is_nested(const ReadableValue& readable);
 
 /// An envelope, or a cell of envelopes, with the number of its elements.
 struct Envelope {
@@ -36,9 +36,9 @@ struct Envelope {
 };
 
 /// Puts the fields into element `index` of a struct array that has them.
-void store(hxArray* envelopes, size_t index, Readable readable);
+void store(hxArray* envelopes, size_t index, ReadableValue readable);
 /// The 1-by-1 envelope of the value.
-Envelope make_envelope(Readable readable);
+Envelope make_envelope(ReadableValue readable);
 
 /// Element `index` of readable envelopes as the core reads it, fully validated; a failure names
 /// `origin`.

@@ -34,9 +34,9 @@ std::optional<TypePtr> returned_struct(const ::arrow::FieldVector& fields, int l
   if (levels == 0 || fields.empty()) return std::nullopt;
   ::arrow::FieldVector children;
   for (const auto& field : fields) {
-    auto child = returned(*field->type(), levels - 1);
+    const auto child = returned(*field->type(), levels - 1);
     if (!child) return std::nullopt;
-    children.push_back(::arrow::field(field->name(), *std::move(child)));
+    children.push_back(::arrow::field(field->name(), *child));
   }
   return ::arrow::struct_(std::move(children));
 }

@@ -106,7 +106,7 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
 
 }  // namespace
 
-::arrow::Result<Readable> pack_texts(const Located& texts) {
+::arrow::Result<ReadableValue> pack_texts(const Located& texts) {
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr input, gateway_input(texts));
   std::array<hxArrayPtr, 2> outputs;
   const hxArray* inputs = input.get();
@@ -116,7 +116,7 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
     return not_utf16(texts, error);
   }
   auto& [values, offsets] = outputs;
-  Readable readable{.kind = u"array", .type = u"string", .data = nullptr};
+  ReadableValue readable{.kind = u"array", .type = u"string", .data = nullptr};
   readable.length = hxGetNumberOfElements(offsets.get()) - 1;
   readable.data = packed(std::move(values), std::move(offsets));
   if (hxIsStringArray(input.get())) {
@@ -125,7 +125,7 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
   return readable;
 }
 
-::arrow::Result<Readable> pack_bytes(const Located& cells) {
+::arrow::Result<ReadableValue> pack_bytes(const Located& cells) {
   const size_t length = hxGetNumberOfElements(cells.value);
   hxArrayPtr offsets = make_column(hxClassID::UInt64, length + 1);
   auto* const ends = elements<std::uint64_t>(offsets);
@@ -145,12 +145,13 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
     const size_t size = ends[i + 1] - ends[i];
     if (size > 0) std::memcpy(target + ends[i], hxGetData(hxGetCell(cells.value, i)), size);
   }
-  Readable readable{.kind = u"array", .type = u"binary_array", .data = nullptr, .length = length};
+  ReadableValue readable{
+      .kind = u"array", .type = u"binary_array", .data = nullptr, .length = length};
   readable.data = packed(std::move(values), std::move(offsets));
   return readable;
 }
 
-::arrow::Result<Readable> packed_as_it_is(const Located& packed, std::u16string_view type) {
+::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, std::u16string_view type) {
   ARROW_RETURN_NOT_OK(check_one_element(packed));
   ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, "Values"));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
@@ -158,7 +159,7 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
   ARROW_RETURN_NOT_OK(check_numbers(offsets, hxClassID::UInt64, "a uint64 array"));
   const size_t ends = hxGetNumberOfElements(offsets.value);
   if (ends == 0) return invalid(offsets, "no elements", "one more than there are texts");
-  return Readable{
+  return ReadableValue{
       .kind = u"array", .type = type, .data = hxSharedCopy(packed.value), .length = ends - 1};
 }
 

@@ -15,12 +15,12 @@ namespace numera::extras::encoding {
 
 /// A string array, a char array (a text a row) or a cell of char rows, of any shape and in storage
 /// order. Missing texts are cleared bits.
-::arrow::Result<Readable> pack_texts(const Located& texts);
+::arrow::Result<ReadableValue> pack_texts(const Located& texts);
 
 /// A cell of uint8 arrays, of any shape and in storage order.
-::arrow::Result<Readable> pack_bytes(const Located& cells);
+::arrow::Result<ReadableValue> pack_bytes(const Located& cells);
 
 /// A struct that is packed already, as it stands.
-::arrow::Result<Readable> packed_as_it_is(const Located& packed, std::u16string_view type);
+::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, std::u16string_view type);
 
 }  // namespace numera::extras::encoding

@@ -51,7 +51,7 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
   return seconds;
 }
 
-::arrow::Result<Readable> read_dates(const Located& data) {
+::arrow::Result<ReadableValue> read_dates(const Located& data) {
   ARROW_ASSIGN_OR_RAISE(const Located date_type, field(data, 0, "DateType"));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(date_type));
   if (name != "Date") return invalid(date_type, "'" + name + "'", "'Date', or 'Units' beside it");
@@ -62,7 +62,7 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
     return wrong_class(values, "int32 days or int64 milliseconds");
   }
   const bool days = class_id == hxClassID::Int32;
-  return Readable{
+  return ReadableValue{
       .kind = u"array",
       .type = u"datetime",
       .data = make_datetime(days ? days_as_seconds(values.value) : hxSharedCopy(values.value),
@@ -72,7 +72,7 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
 
 }  // namespace
 
-::arrow::Result<Readable> read_datetime(const Located& data) {
+::arrow::Result<ReadableValue> read_datetime(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
   if (is_date(data)) return read_dates(data);
   ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
@@ -81,23 +81,23 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
   ARROW_RETURN_NOT_OK(text_of(units));
   ARROW_ASSIGN_OR_RAISE(const Located time_zone, field(data, 0, "TimeZone"));
   ARROW_RETURN_NOT_OK(text_of(time_zone));
-  return Readable{.kind = u"array",
-                  .type = u"datetime",
-                  .data = make_datetime(hxSharedCopy(values.value), hxSharedCopy(units.value),
-                                        readable_time_zone(time_zone.value)),
-                  .length = hxGetNumberOfElements(values.value)};
+  return ReadableValue{.kind = u"array",
+                       .type = u"datetime",
+                       .data = make_datetime(hxSharedCopy(values.value), hxSharedCopy(units.value),
+                                             readable_time_zone(time_zone.value)),
+                       .length = hxGetNumberOfElements(values.value)};
 }
 
-::arrow::Result<Readable> read_time_of_day(const Located& data) {
+::arrow::Result<ReadableValue> read_time_of_day(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
   ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
   ARROW_RETURN_NOT_OK(check_numbers(values));
   ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, "Units"));
   ARROW_RETURN_NOT_OK(text_of(units));
-  return Readable{.kind = u"array",
-                  .type = u"duration",
-                  .data = hxSharedCopy(data.value),
-                  .length = hxGetNumberOfElements(values.value)};
+  return ReadableValue{.kind = u"array",
+                       .type = u"duration",
+                       .data = hxSharedCopy(data.value),
+                       .length = hxGetNumberOfElements(values.value)};
 }
 
 hxArrayPtr make_datetime(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {

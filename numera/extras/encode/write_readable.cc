@@ -99,8 +99,8 @@ hxArrayPtr write_numbers(const ::arrow::Array& array, hxClassID class_id) {
 
 ::arrow::Result<hxArrayPtr> write_categorical(const ::arrow::DictionaryArray& array) {
   const auto& type = static_cast<const ::arrow::DictionaryType&>(*array.type());
-  ARROW_ASSIGN_OR_RAISE(Readable codes, write_readable(*array.indices()));
-  ARROW_ASSIGN_OR_RAISE(Readable categories, write_readable(*array.dictionary()));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue codes, write_readable(*array.indices()));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue categories, write_readable(*array.dictionary()));
   hxArrayPtr data = make_struct(1, {"Categories", "Values", "Ordinal"});
   hxSetField(data.get(), 0, "Categories", std::move(categories.data));
   hxSetField(data.get(), 0, "Values", std::move(codes.data));
@@ -109,7 +109,7 @@ hxArrayPtr write_numbers(const ::arrow::Array& array, hxClassID class_id) {
 }
 
 ::arrow::Result<hxArrayPtr> write_lists(const ::arrow::LargeListArray& array) {
-  ARROW_ASSIGN_OR_RAISE(Readable values, write_readable(*array.values()));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue values, write_readable(*array.values()));
   hxArrayPtr data = make_struct(1, {"Values", "StartOffsets"});
   hxSetField(data.get(), 0, "Values", make_envelope(std::move(values)).value);
   hxSetField(data.get(), 0, "StartOffsets", copy_offsets(*array.data()));
@@ -122,7 +122,7 @@ hxArrayPtr write_numbers(const ::arrow::Array& array, hxClassID class_id) {
   hxArrayPtr children = make_cell(1, count);
   for (size_t i = 0; i < count; ++i) {
     const int field = static_cast<int>(i);
-    ARROW_ASSIGN_OR_RAISE(Readable child, write_readable(*array.field(field)));
+    ARROW_ASSIGN_OR_RAISE(ReadableValue child, write_readable(*array.field(field)));
     hxSetCell(names.get(), i, write_utf8(array.struct_type()->field(field)->name()));
     hxSetCell(children.get(), i, make_envelope(std::move(child)).value);
   }
@@ -133,7 +133,7 @@ hxArrayPtr write_numbers(const ::arrow::Array& array, hxClassID class_id) {
 }
 
 // Stores "ArrowType", "Type" and "Data".
-::arrow::Status write_data(const ::arrow::Array& array, Readable& readable) {
+::arrow::Status write_data(const ::arrow::Array& array, ReadableValue& readable) {
   const auto* const row = std::ranges::find(kNumbers, array.type_id(), &NumberRow::id);
   if (row != std::ranges::end(kNumbers)) {
     readable.type = row->type;
@@ -172,8 +172,8 @@ hxArrayPtr write_numbers(const ::arrow::Array& array, hxClassID class_id) {
 
 }  // namespace
 
-::arrow::Result<Readable> write_readable(const ::arrow::Array& array) {
-  Readable readable{
+::arrow::Result<ReadableValue> write_readable(const ::arrow::Array& array) {
+  ReadableValue readable{
       .kind = u"array", .type = {}, .data = nullptr, .length = static_cast<size_t>(array.length())};
   ARROW_RETURN_NOT_OK(write_data(array, readable));
   if (array.null_count() > 0) readable.valid = copy_bits(*array.data(), 0);
