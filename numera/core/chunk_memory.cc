@@ -9,6 +9,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "numera/core/bitmap.h"
@@ -31,9 +32,15 @@ bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
 
 template <class Offset>
 ::arrow::Status check_offsets(std::span<const Offset> offsets, size_t bytes) {
-  Offset falls = 0;  // of the offsets' own width, so that the loop becomes vector code
-  for (size_t i = 1; i < offsets.size(); ++i) falls |= Offset{offsets[i] < offsets[i - 1]};
-  if (falls == 0 && offsets.front() >= 0 && std::cmp_less_equal(offsets.back(), bytes)) {
+  // The top bit of either term is set where an offset is negative or below the one before: of this,
+  // unlike of a comparison, every processor makes vector code.
+  using Unsigned = std::make_unsigned_t<Offset>;
+  auto bits = static_cast<Unsigned>(offsets.front());
+  for (size_t i = 1; i < offsets.size(); ++i) {
+    const auto offset = static_cast<Unsigned>(offsets[i]);
+    bits |= offset | (offset - static_cast<Unsigned>(offsets[i - 1]));
+  }
+  if (static_cast<Offset>(bits) >= 0 && std::cmp_less_equal(offsets.back(), bytes)) {
     return ::arrow::Status::OK();
   }
   size_t i = 0;
