@@ -1,7 +1,5 @@
 #include <arrow/type.h>
 
-#include <utility>
-
 #include "numera/core/limits.h"
 #include "numera/extras/encode/encode.h"
 
@@ -38,7 +36,7 @@ std::optional<TypePtr> returned_struct(const ::arrow::FieldVector& fields, int l
     if (!child) return std::nullopt;
     children.push_back(::arrow::field(field->name(), *child));
   }
-  return ::arrow::struct_(std::move(children));
+  return ::arrow::struct_(children);
 }
 
 std::optional<TypePtr> returned_map(const ::arrow::MapType& type, int levels) {
