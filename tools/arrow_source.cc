@@ -2,6 +2,7 @@
 #include <arrow/io/file.h>
 #include <arrow/ipc/reader.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "tools/formats.h"
@@ -52,6 +53,9 @@ std::function<BatchResult()> batches_of(std::shared_ptr<Reader> reader) {
     if (found.empty()) return ::arrow::Status::Invalid("there is no column '", name, "'");
     if (found.size() > 1) {
       return ::arrow::Status::Invalid("there are ", found.size(), " columns '", name, "'");
+    }
+    if (std::ranges::find(numbers, found.front()) != numbers.end()) {
+      return ::arrow::Status::Invalid("column '", name, "' is asked for twice");
     }
     numbers.push_back(found.front());
   }

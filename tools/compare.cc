@@ -68,15 +68,23 @@ Row compare_lists(const Array& went_array, const Array& came_array) {
   });
 }
 
+bool same_fields(const ::arrow::StructArray& went, const ::arrow::StructArray& came) {
+  for (int field = 0; field < went.num_fields(); ++field) {
+    if (first_differing_row(*went.field(field), *came.field(field))) return false;
+  }
+  return true;
+}
+
+/// What fields hold where their struct is null does not count.
 Row compare_structs(const Array& went_array, const Array& came_array) {
   const auto& went = static_cast<const ::arrow::StructArray&>(went_array);
   const auto& came = static_cast<const ::arrow::StructArray&>(came_array);
-  Row first = first_row(went, came, [](std::int64_t) { return true; });
-  for (int field = 0; field < went.num_fields(); ++field) {
-    const Row row = first_differing_row(*went.field(field), *came.field(field));
-    if (row && (!first || *row < *first) && !went.IsNull(*row)) first = row;
-  }
-  return first;
+  const bool same_everywhere = same_fields(went, came);
+  return first_row(went, came, [&](std::int64_t i) {
+    return same_everywhere ||
+           same_fields(static_cast<const ::arrow::StructArray&>(*went.Slice(i, 1)),
+                       static_cast<const ::arrow::StructArray&>(*came.Slice(i, 1)));
+  });
 }
 
 template <class Date>

@@ -6,52 +6,17 @@
 #include <utility>
 #include <vector>
 
-#include "numera/extras/encode/encode.h"
 #include "numera/numera.h"
-#include "tools/compare.h"
 #include "tools/sink.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
+#include "tools/way_back.h"
 
 namespace numera::tools {
 namespace {
 
 namespace core = numera::io::arrow::core;
-
-/// What is known of a column after the batches so far.
-struct Column {
-  std::string encoded_type = "-";
-  std::int64_t nulls = 0;
-  std::string casts;
-  std::shared_ptr<::arrow::DataType> returned;
-  std::string failure;  ///< why it did not return as it went; empty so far
-
-  /// "equal", "cast to double, equal as large_string", or the failure.
-  std::string way_back(const ::arrow::DataType& went) const {
-    if (!failure.empty()) return failure;
-    if (returned == nullptr) return "no rows";
-    const bool same = casts.empty() && returned->Equals(went);
-    return casts + (same ? "equal" : "equal as " + returned->ToString());
-  }
-};
-
-std::string describe(const std::vector<extras::IntakeCast>& casts) {
-  std::string text;
-  for (const extras::IntakeCast& cast : casts) text += "cast " + extras::to_string(cast) + ", ";
-  return text;
-}
-
-/// Compares a column that came back with what went: the input, or what it was cast to.
-std::string compare(const std::shared_ptr<::arrow::Array>& input, const Trip& trip,
-                    std::int64_t rows_before) {
-  const auto& went = trip.casts.empty() ? input : trip.taken;
-  if (!extras::returns_as(*went->type(), *trip.back->type())) {
-    return "returns as " + trip.back->type()->ToString();
-  }
-  const auto row = first_differing_row(*went, *trip.back);
-  return row ? "differs in row " + grouped(rows_before + *row) : "";
-}
 
 class Conversion {
  public:
@@ -64,12 +29,17 @@ class Conversion {
       ARROW_ASSIGN_OR_RAISE(sink_, Sink::open(options_.output, options_.file));
     }
     Progress progress(source_.rows);
-    while (true) {
-      ARROW_ASSIGN_OR_RAISE(const auto batch, source_.next());
-      if (batch == nullptr) return ::arrow::Status::OK();
+    ARROW_ASSIGN_OR_RAISE(auto batch, source_.next());
+    if (batch == nullptr) {  // columns without rows have a way back, too
+      ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_.schema));
+    }
+    while (batch != nullptr) {
+      hxThrowIfInterruptPending();  // the columns may all be refused before the host is asked
       ARROW_RETURN_NOT_OK(add(*batch));
       progress.show(rows_);
+      ARROW_ASSIGN_OR_RAISE(batch, source_.next());
     }
+    return ::arrow::Status::OK();
   }
 
   void print(std::ostream& out) const {
@@ -80,7 +50,7 @@ class Conversion {
       table.add({field->name(), field->type()->ToString(), columns_[i].encoded_type,
                  core::to_numera_datatype(field->type()).value_or("-"), grouped(rows_),
                  grouped(*source_.chunks), grouped(columns_[i].nulls),
-                 columns_[i].way_back(*field->type())});
+                 columns_[i].text(*field->type())});
     }
     table.print(out, output_has_colour());
     out << '\n';
@@ -91,7 +61,7 @@ class Conversion {
   /// Makes the output appear where all is well, and says what is not.
   ::arrow::Status finish() {
     const auto failed = std::ranges::count_if(
-        columns_, [](const Column& column) { return !column.failure.empty(); });
+        columns_, [](const WayBack& column) { return !column.failure.empty(); });
     if (failed > 0) {
       return ::arrow::Status::Invalid(failed, " of ", columns_.size(),
                                       " columns did not return as they went");
@@ -103,27 +73,13 @@ class Conversion {
  private:
   ::arrow::Status add(const ::arrow::RecordBatch& batch) {
     std::vector<bool> refused;
-    for (const Column& column : columns_) refused.push_back(!column.failure.empty());
+    for (const WayBack& column : columns_) refused.push_back(!column.failure.empty());
     std::vector<Trip> trips = there_and_back(batch, options_.cast, refused, legs_);
     for (size_t i = 0; i < trips.size(); ++i) {
-      const auto& input = batch.column(static_cast<int>(i));
-      columns_[i].nulls += input->null_count();
-      if (!refused[i]) add_trip(columns_[i], input, trips[i]);
+      columns_[i].add(batch.column(static_cast<int>(i)), trips[i], rows_);
     }
     rows_ += batch.num_rows();
     return sink_ == nullptr ? ::arrow::Status::OK() : write(batch, trips);
-  }
-
-  void add_trip(Column& column, const std::shared_ptr<::arrow::Array>& input,
-                const Trip& trip) const {
-    if (!trip.refusal.empty()) {
-      column.failure = trip.refusal.substr(0, trip.refusal.find('\n'));
-      return;
-    }
-    column.encoded_type = trip.encoded_type;
-    column.casts = describe(trip.casts);
-    column.returned = trip.back->type();
-    column.failure = compare(input, trip, rows_);
   }
 
   ::arrow::Status write(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips) {
@@ -142,7 +98,7 @@ class Conversion {
     for (size_t i = 0; i < columns_.size(); ++i) {
       const auto& field = source_.schema->field(static_cast<int>(i));
       const auto& returned = columns_[i].returned;
-      if (returned != nullptr && !returned->Equals(*field->type())) {
+      if (!same_type(*field->type(), *returned)) {
         return ::arrow::Status::Invalid("column '", field->name(), "' returns as ",
                                         returned->ToString());
       }
@@ -159,7 +115,7 @@ class Conversion {
   const ConvertOptions& options_;
   Source source_;
   std::unique_ptr<Sink> sink_;
-  std::vector<Column> columns_;
+  std::vector<WayBack> columns_;
   std::int64_t rows_ = 0;
   Legs legs_;
 };
@@ -170,6 +126,7 @@ class Conversion {
   Conversion conversion(options);
   ARROW_RETURN_NOT_OK(conversion.run());
   conversion.print(out);
+  if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();
 }
 

@@ -20,8 +20,8 @@ using File = std::shared_ptr<::arrow::io::RandomAccessFile>;
 ::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options);
 /// @}
 
-/// The field numbers of columns, in the order of their names. Invalid for one that is not there, or
-/// there several times.
+/// The field numbers of columns, in the order of their names. Invalid for one that is not there, is
+/// there several times, or is asked for twice.
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
                                                const std::vector<std::string>& columns);
 

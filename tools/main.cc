@@ -9,12 +9,16 @@
 #include "numera/version.h"
 #include "tools/convert.h"
 #include "tools/look.h"
+#include "tools/text_table.h"
 
 namespace {
 
 using namespace numera::tools;
 
-enum Exit { kSuccess = 0, kFailure = 1, kUsage = 2, kInterrupted = 128 + SIGINT };
+enum Exit { kSuccess = 0, kFailure = 1, kUsage = 2, kSignal = 128 };
+
+/// The signal that asked for an end.
+volatile std::sig_atomic_t end_signal = 0;
 
 struct Arguments {
   ConvertOptions convert;
@@ -30,7 +34,8 @@ struct Commands {
 void add_input(CLI::App* command, ConvertOptions& options) {
   command->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
   command->add_option("--columns", options.source.columns, "Only these, separated by commas")
-      ->delimiter(',');
+      ->delimiter(',')
+      ->allow_extra_args(false);  // FILE may follow
 }
 
 Commands add_commands(CLI::App& program, Arguments& arguments) {
@@ -68,7 +73,7 @@ arrow::Status run(const Commands& commands, const Arguments& arguments) {
 
 int report(const std::string& file, const std::string& reason) {
   std::cout.flush();
-  std::cerr << "numera-arrow: " << file << ": " << reason.substr(0, reason.find('\n')) << '\n';
+  std::cerr << one_line("numera-arrow: " + file + ": " + reason) << '\n';
   return kFailure;
 }
 
@@ -85,10 +90,22 @@ int run_and_report(const Commands& commands, const Arguments& arguments) {
     return report(file, reason);
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");
-    return kInterrupted;
+    return kSignal + end_signal;
   } catch (const std::exception& error) {
     return report(file, error.what());
   }
+}
+
+/// An end that is asked for comes between two columns, so that nothing half-written stays. What
+/// cannot be written is an error of writing, be it a file that may not grow or a closed pipe.
+void heed_signals() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    std::signal(signal, [](int number) {
+      end_signal = number;
+      numera::host::memory::RequestInterrupt();
+    });
+  }
+  for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }
 
 }  // namespace
@@ -113,7 +130,6 @@ int main(int argc, char** argv) {
     }
     return kUsage;
   }
-  std::signal(SIGINT, [](int) { numera::host::memory::RequestInterrupt(); });
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing
+  heed_signals();
   return run_and_report(commands, arguments);
 }

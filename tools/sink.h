@@ -1,5 +1,6 @@
 #pragma once
 
+#include <arrow/io/file.h>
 #include <arrow/record_batch.h>
 #include <arrow/result.h>
 #include <arrow/status.h>
@@ -7,22 +8,41 @@
 #include <memory>
 #include <string>
 
+#include "tools/encoder.h"
+
 namespace numera::tools {
 
 /// A file that appears only when it is complete: it is written beside its target and renamed at the
 /// end. Until then, and after any failure, an existing target stays as it is.
 class Sink {
  public:
-  /// `path` ends in ".parquet", or in ".arrow", ".feather" or ".ipc" for an Arrow IPC file.
-  /// `input` is the file that is read: writing over it is refused.
+  /// The end of `path` says which format is written. `input` is the file that is read: writing over
+  /// it is refused. So is what is there and is no regular file, or not writable.
   static ::arrow::Result<std::unique_ptr<Sink>> open(const std::string& path,
                                                      const std::string& input);
 
-  virtual ~Sink() = default;
+  ~Sink();
+  Sink(const Sink&) = delete;
+  Sink& operator=(const Sink&) = delete;
+
   /// All batches have the schema of the first.
-  virtual ::arrow::Status write(const std::shared_ptr<::arrow::RecordBatch>& batch) = 0;
-  /// Makes the file appear. Without any batch there is no file.
-  virtual ::arrow::Status finish() = 0;
+  ::arrow::Status write(const std::shared_ptr<::arrow::RecordBatch>& batch);
+  /// Makes the file appear, with the permissions of the one that it replaces. There has been a
+  /// batch.
+  ::arrow::Status finish();
+
+ private:
+  explicit Sink(std::string path) : path_(std::move(path)) {}
+
+  ::arrow::Status check_target(const std::string& input) const;
+  ::arrow::Status create_part();
+  ::arrow::Status put_in_place();
+  ::arrow::Status name_target(const ::arrow::Status& status) const;
+
+  std::string path_;
+  std::string part_;  ///< empty while there is none
+  std::shared_ptr<::arrow::io::FileOutputStream> output_;
+  Encoder encoder_;
 };
 
 }  // namespace numera::tools

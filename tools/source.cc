@@ -4,6 +4,7 @@
 #include <arrow/io/file.h>
 #include <arrow/util/utf8.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -42,22 +43,24 @@ bool looks_like_csv(std::string_view start, bool whole) {
 
 ::arrow::Result<Open> recognise(const File& file) {
   ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  if (size == 0) return ::arrow::Status::Invalid("the file is empty");
+  if (size == 0) return ::arrow::Status::Invalid("it is empty");
   ARROW_ASSIGN_OR_RAISE(const auto start, file->ReadAt(0, std::min(size, kLookedAt)));
   const std::string_view bytes(*start);
   for (const Format& format : kFormats) {
     if (bytes.starts_with(format.magic)) return format.open;
   }
   if (looks_like_csv(bytes, size <= kLookedAt)) return open_csv;
-  return ::arrow::Status::Invalid("not a Parquet, Arrow IPC or CSV file");
+  return ::arrow::Status::Invalid(
+      "it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no CSV");
 }
 
 /// Opening a pipe would wait for its writer.
 ::arrow::Status check_is_file(const std::string& path) {
   struct stat found = {};
   if (::stat(path.c_str(), &found) != 0) return ::arrow::Status::IOError(std::strerror(errno));
-  if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("is a directory");
-  if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("is not a regular file");
+  if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("it is a directory");
+  if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
+  if (::access(path.c_str(), R_OK) != 0) return ::arrow::Status::IOError(std::strerror(errno));
   return ::arrow::Status::OK();
 }
 
@@ -84,6 +87,7 @@ Source in_batches_of(Source source, std::int64_t rows) {
   ARROW_RETURN_NOT_OK(check_is_file(path));
   ARROW_ASSIGN_OR_RAISE(const auto file, ::arrow::io::ReadableFile::Open(path));
   ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
+  ARROW_RETURN_NOT_OK(file->Seek(0));  // what reads from front to end has looked at nothing yet
   ARROW_ASSIGN_OR_RAISE(Source source, open(file, options));
   return in_batches_of(std::move(source), options.batch_rows);
 }

@@ -18,7 +18,7 @@ bool is_control(char byte) { return static_cast<unsigned char>(byte) < 0x20U || 
 }  // namespace
 
 void TextTable::add(std::vector<std::string> cells) {
-  for (std::string& cell : cells) std::ranges::replace_if(cell, is_control, '?');
+  for (std::string& cell : cells) cell = one_line(std::move(cell));
   rows_.push_back(std::move(cells));
 }
 
@@ -36,6 +36,11 @@ void TextTable::print(std::ostream& out, bool colour) const {
     const bool bold = colour && &row == &rows_.front();
     out << (bold ? "\x1b[1m" : "") << line << (bold ? "\x1b[0m" : "") << '\n';
   }
+}
+
+std::string one_line(std::string text) {
+  std::ranges::replace_if(text, is_control, '?');
+  return text;
 }
 
 std::string grouped(long long number) {

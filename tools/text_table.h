@@ -7,8 +7,8 @@
 
 namespace numera::tools {
 
-/// Rows of cells, printed in columns two blanks apart. The first row is the heading. A control
-/// character, which would break the table, is printed as "?".
+/// Rows of cells, printed in columns two blanks apart. The first row is the heading. Each cell
+/// is printed as `one_line` makes it.
 class TextTable {
  public:
   explicit TextTable(std::vector<std::string> heading) : rows_{std::move(heading)} {}
@@ -21,6 +21,9 @@ class TextTable {
  private:
   std::vector<std::vector<std::string>> rows_;
 };
+
+/// The text with "?" for every control character, which would break a line.
+std::string one_line(std::string text);
 
 /// 1234567 as "1,234,567".
 std::string grouped(long long number);
