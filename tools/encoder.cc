@@ -3,11 +3,11 @@
 #include <arrow/array/array_dict.h>
 #include <arrow/chunked_array.h>
 #include <arrow/ipc/writer.h>
-#include <arrow/table.h>
+#include <arrow/util/byte_size.h>
 #include <parquet/arrow/writer.h>
 #include <parquet/exception.h>
 
-#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace numera::tools {
@@ -16,6 +16,11 @@ namespace {
 using Batch = std::shared_ptr<::arrow::RecordBatch>;
 using Output = std::shared_ptr<::arrow::io::OutputStream>;
 
+/// Row groups are held in memory until they are written; the file's footer, which is held to the
+/// end, grows with their number.
+constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
+constexpr std::int64_t kGroupRows = 256 * 1024;  // few bytes of categories may stand for many
+
 class ParquetWriter {
  public:
   explicit ParquetWriter(Output output) : output_(std::move(output)) {}
@@ -23,12 +28,19 @@ class ParquetWriter {
   ::arrow::Status write(const Batch& batch) try {
     if (writer_ == nullptr) {
       const auto properties = parquet::ArrowWriterProperties::Builder().store_schema()->build();
+      const auto groups =
+          parquet::WriterProperties::Builder().max_row_group_length(kGroupRows)->build();
       ARROW_ASSIGN_OR_RAISE(writer_, parquet::arrow::FileWriter::Open(
                                          *batch->schema(), ::arrow::default_memory_pool(), output_,
-                                         parquet::default_writer_properties(), properties));
+                                         groups, properties));
     }
-    ARROW_ASSIGN_OR_RAISE(const auto table, ::arrow::Table::FromRecordBatches({batch}));
-    return writer_->WriteTable(*table, std::max<std::int64_t>(batch->num_rows(), 1));
+    if (group_bytes_ >= kGroupBytes) {
+      ARROW_RETURN_NOT_OK(writer_->NewBufferedRowGroup());
+      group_bytes_ = 0;
+    }
+    ARROW_ASSIGN_OR_RAISE(const std::int64_t bytes, ::arrow::util::ReferencedBufferSize(*batch));
+    group_bytes_ += bytes;
+    return writer_->WriteRecordBatch(*batch);
   } catch (const parquet::ParquetException& error) {
     return ::arrow::Status::IOError(error.what());
   }
@@ -42,6 +54,7 @@ class ParquetWriter {
  private:
   Output output_;
   std::unique_ptr<parquet::arrow::FileWriter> writer_;
+  std::int64_t group_bytes_ = 0;
 };
 
 /// Dictionaries only grow from batch to batch, since an IPC file cannot replace them.

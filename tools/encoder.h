@@ -11,7 +11,8 @@
 
 namespace numera::tools {
 
-/// What writes batches of one schema in one format, and holds no more than one of them.
+/// What writes batches of one schema in one format. Parquet holds a row group of about 16 MiB, an
+/// Arrow IPC file the dictionaries.
 struct Encoder {
   std::function<::arrow::Status(const std::shared_ptr<::arrow::RecordBatch>&)> write;
   /// Writes what stands behind the last batch. There has been one.
@@ -20,8 +21,8 @@ struct Encoder {
 
 using MakeEncoder = Encoder (*)(std::shared_ptr<::arrow::io::OutputStream>);
 
-/// The format that the end of a file's name stands for: Parquet, a row group a batch, for
-/// ".parquet"; an Arrow IPC file for ".arrow", ".feather" and ".ipc". Invalid for any other.
+/// The format that the end of a file's name stands for: Parquet for ".parquet"; an Arrow IPC
+/// file, a record batch a batch, for ".arrow", ".feather" and ".ipc". Invalid for any other.
 ::arrow::Result<MakeEncoder> find_encoder(std::string_view path);
 
 }  // namespace numera::tools

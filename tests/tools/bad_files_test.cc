@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
@@ -17,8 +20,9 @@ using ::testing::StartsWith;
 
 /// One line on standard error that names the file and gives the reason, nothing on standard
 /// output, exit status 1.
-void expect_refusal(const std::string& file, const std::string& reason) {
-  const Outcome run = run_program({"convert", file});
+void expect_refusal(const std::string& file, const std::string& reason,
+                    const RunOptions& options = {}) {
+  const Outcome run = run_program({"convert", file}, options);
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_THAT(run.out, IsEmpty());
   EXPECT_THAT(run.errors, StartsWith("numera-arrow: " + file + ": "));
@@ -54,21 +58,39 @@ TEST_F(BadFiles, AMissingFileIsNamed) {
   expect_refusal(folder_.path("missing.parquet"), "No such file or directory");
 }
 
-TEST_F(BadFiles, ADirectoryIsNoFile) { expect_refusal(folder_.path(""), "is a directory"); }
+TEST_F(BadFiles, ADirectoryIsNoFile) { expect_refusal(folder_.path(""), "it is a directory"); }
 
 TEST_F(BadFiles, AnEmptyFileIsCalledEmpty) {
   const std::string file = folder_.path("empty.parquet");
   write_text(file, "");
-  expect_refusal(file, "the file is empty");
+  expect_refusal(file, "it is empty");
 }
 
-TEST_F(BadFiles, AFileOfAnotherFormatIsCalledSo) {
-  const std::string file = folder_.path("text.csv");
-  for (const char* text : {"x", "a,b\n1,2\n", "PARQUET"}) {
-    SCOPED_TRACE(text);
-    write_text(file, text);
-    expect_refusal(file, "neither a Parquet nor an Arrow IPC file");
-  }
+TEST_F(BadFiles, APipeIsNoFile) {
+  const std::string file = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  expect_refusal(file, "it is not a regular file");
+}
+
+TEST_F(BadFiles, ADeviceIsNoFile) { expect_refusal("/dev/zero", "it is not a regular file"); }
+
+TEST_F(BadFiles, AFileThatMayNotBeReadIsNamed) {
+  const std::string file = parquet_file();
+  std::filesystem::permissions(file, std::filesystem::perms(0));
+  expect_refusal(file, "Permission denied", {.unprivileged = true});
+}
+
+TEST_F(BadFiles, ANameThatIsNotPrintableStaysOnOneLine) {
+  const std::string file = folder_.path("a\nb\x1b[1m\xFF");
+  const Outcome expected{
+      1, "", "numera-arrow: " + folder_.path("a?b?[1m\xFF") + ": No such file or directory\n"};
+  EXPECT_EQ(run_program({"convert", file}), expected);
+}
+
+TEST_F(BadFiles, ANameOfAnyBytesIsRead) {
+  const std::string file = folder_.path("a\nb \x1b[1m\xFF");
+  write_text(file, "a\n1\n");
+  EXPECT_EQ(table_rows(converted(file)), "a | int64 | int64 | int64 | 1 | 1 | 0 | equal\n");
 }
 
 TEST_F(BadFiles, AFileOfItsFirstBytesAloneIsTooShort) {
@@ -124,6 +146,69 @@ TEST_F(BadFiles, AChangedPageHeaderIsNoticed) {
   const std::string file = parquet_file();
   flip_byte(file, 4);
   expect_refusal(file, "Couldn't deserialize thrift");
+}
+
+TEST_F(BadFiles, ATruncatedIpcStreamIsRefused) {
+  const std::string file = folder_.path("numbers.stream");
+  write_ipc_stream(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
+  const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  for (const std::int64_t size : {whole - 16, whole / 2, std::int64_t{64}, std::int64_t{6}}) {
+    SCOPED_TRACE(size);
+    std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
+    expect_refusal(file, "xpected");
+  }
+}
+
+TEST_F(BadFiles, RowsOfACsvThatHaveOtherColumnsAreNamed) {
+  const std::string file = folder_.path("rows.csv");
+  write_text(file, "a,b\n1,2\n3\n");
+  expect_refusal(file, "CSV parse error: Row #3: Expected 2 columns, got 1: 3");
+}
+
+TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoColumns) {
+  const std::string file = folder_.path("line.csv");
+  for (const char* text : {"\n", "\n\n"}) {
+    write_text(file, text);
+    expect_refusal(file, "Empty CSV file");
+  }
+}
+
+/// Whatever byte of a file is another one: it converts, or is refused by one line.
+void expect_answer_for_every_flip(const std::string& file, std::int64_t step) {
+  const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  for (std::int64_t at = 0; at < size; at += step) {
+    SCOPED_TRACE(at);
+    flip_byte(file, at);
+    const Outcome run = run_program({"convert", file});
+    const auto lines = std::ranges::count(run.errors, '\n');
+    EXPECT_TRUE((run.exit_status == 0 && lines == 0) || (run.exit_status == 1 && lines == 1))
+        << ::testing::PrintToString(run);
+    flip_byte(file, at);
+  }
+}
+
+std::shared_ptr<::arrow::Table> small_table() {
+  return table_of({{"n", ::arrow::int64(), "[1, null]"},
+                   {"t", ::arrow::utf8(), R"(["text", null])"},
+                   {"l", ::arrow::list(::arrow::int8()), "[[1, 2], [3]]"}});
+}
+
+TEST_F(BadFiles, AnyChangedByteOfAnIpcFileIsAnswered) {
+  const std::string file = folder_.path("small.arrow");
+  write_ipc(file, *small_table());
+  expect_answer_for_every_flip(file, 41);
+}
+
+TEST_F(BadFiles, AnyChangedByteOfAnIpcStreamIsAnswered) {
+  const std::string file = folder_.path("small.stream");
+  write_ipc_stream(file, *small_table());
+  expect_answer_for_every_flip(file, 31);
+}
+
+TEST_F(BadFiles, AnyChangedByteOfAParquetFileIsAnswered) {
+  const std::string file = folder_.path("small.parquet");
+  write_parquet(file, *small_table());
+  expect_answer_for_every_flip(file, 47);
 }
 
 TEST_F(BadFiles, ValuesThatAreNoValidTextAreNoticed) {

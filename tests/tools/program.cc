@@ -1,51 +1,46 @@
 #include "tests/tools/program.h"
 
 #include <fcntl.h>
-#include <spawn.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <sstream>
 #include <system_error>
-
-#include "tests/tools/written_files.h"
+#include <utility>
 
 namespace numera::testing {
 namespace {
 
-void throw_where_failed(int error, const char* what) {
-  if (error != 0) throw std::system_error(error, std::generic_category(), what);
+constexpr uid_t kNobody = 65534;
+
+void throw_where_failed(bool failed, const char* what) {
+  if (failed) throw std::system_error(errno, std::generic_category(), what);
 }
 
-int wait_for(pid_t process) {
-  int status = 0;
-  while (waitpid(process, &status, 0) == -1) {
-    if (errno != EINTR) throw_where_failed(errno, "waitpid");
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+void open_as(int descriptor, const std::string& path, int flags) {
+  const int file = ::open(path.c_str(), flags, 0600);
+  if (file < 0 || ::dup2(file, descriptor) < 0) ::_exit(126);
 }
 
-int spawn_and_wait(const std::vector<std::string>& arguments, const std::string& out,
-                   const std::string& errors) {
-  std::vector<std::string> texts = {NUMERA_PROGRAM};
-  texts.insert(texts.end(), arguments.begin(), arguments.end());
+std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
+  return pointers;
+}
 
-  posix_spawn_file_actions_t actions;
-  throw_where_failed(posix_spawn_file_actions_init(&actions), "posix_spawn_file_actions_init");
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), kFlags, 0600);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), kFlags, 0600);
-  pid_t process = 0;
-  const int error =
-      posix_spawn(&process, texts[0].c_str(), &actions, nullptr, pointers.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  throw_where_failed(error, "posix_spawn");
-  return wait_for(process);
+/// Between fork and exec.
+void apply(const RunOptions& options) {
+  if (options.file_size) {
+    const rlimit limit{*options.file_size, *options.file_size};
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(126);
+  }
+  if (options.unprivileged && ::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(126);
 }
 
 }  // namespace
@@ -56,20 +51,77 @@ void PrintTo(const Outcome& run, std::ostream* stream) {
           << run.errors;
 }
 
-Outcome run_program(const std::vector<std::string>& arguments) {
-  const TemporaryFolder folder;
-  const std::string out = folder.path("out");
-  Outcome run = run_program_into(out, arguments);
-  run.out = read_text(out);
-  return run;
+RunningProgram::RunningProgram(std::vector<std::string> arguments, const RunOptions& options)
+    : out_(options.out.empty() ? folder_.path("out") : options.out) {
+  arguments.insert(arguments.begin(), NUMERA_PROGRAM);
+  const std::vector<char*> pointers = pointers_to(arguments);
+  constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
+  process_ = ::fork();
+  throw_where_failed(process_ < 0, "fork");
+  if (process_ > 0) return;
+  open_as(STDIN_FILENO, "/dev/null", O_RDONLY);
+  open_as(STDOUT_FILENO, out_, kWrite);
+  open_as(STDERR_FILENO, folder_.path("errors"), kWrite);
+  apply(options);
+  ::execv(pointers[0], pointers.data());
+  ::_exit(127);
 }
 
-Outcome run_program_into(const std::string& output_file,
-                         const std::vector<std::string>& arguments) {
-  const TemporaryFolder folder;
-  const std::string errors = folder.path("errors");
-  const int exit_status = spawn_and_wait(arguments, output_file, errors);
-  return {exit_status, "", read_text(errors)};
+RunningProgram::~RunningProgram() {
+  if (process_ == 0) return;
+  ::kill(process_, SIGKILL);
+  ::waitpid(process_, nullptr, 0);
+}
+
+void RunningProgram::send(int signal) const {
+  throw_where_failed(::kill(process_, signal) != 0, "kill");
+}
+
+Outcome RunningProgram::wait() {
+  int status = 0;
+  rusage usage = {};
+  while (::wait4(process_, &status, 0, &usage) == -1) throw_where_failed(errno != EINTR, "wait4");
+  process_ = 0;
+  peak_bytes_ = std::int64_t{usage.ru_maxrss} * 1024;
+  const bool own_file = out_ == folder_.path("out");
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, own_file ? read_text(out_) : "",
+          read_text(folder_.path("errors"))};
+}
+
+Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options) {
+  return RunningProgram(arguments, options).wait();
+}
+
+std::string run_on_terminal(const std::vector<std::string>& arguments) {
+  std::vector<std::string> texts = arguments;
+  texts.insert(texts.begin(), NUMERA_PROGRAM);
+  const std::vector<char*> pointers = pointers_to(texts);
+  int terminal = -1;
+  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  throw_where_failed(process < 0, "forkpty");
+  if (process == 0) {
+    ::execv(pointers[0], pointers.data());
+    ::_exit(127);
+  }
+  std::string written;
+  char buffer[4096];
+  while (true) {  // the end is an error: the other side is gone
+    const ssize_t size = ::read(terminal, buffer, sizeof buffer);
+    if (size <= 0) break;
+    written.append(buffer, static_cast<size_t>(size));
+  }
+  ::close(terminal);
+  ::waitpid(process, nullptr, 0);
+  return written;
+}
+
+std::string converted(const std::string& file, const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {"convert", file};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  Outcome run = run_program(arguments);
+  EXPECT_EQ(run.exit_status, 0);
+  EXPECT_EQ(run.errors, "");
+  return std::move(run.out);
 }
 
 std::string table_rows(const std::string& printed) {

@@ -3,9 +3,15 @@
 /// \file
 /// Runs the real program, and reads what it prints.
 
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include "tests/tools/written_files.h"
 
 namespace numera::testing {
 
@@ -20,10 +26,41 @@ struct Outcome {
 
 void PrintTo(const Outcome& run, std::ostream* stream);
 
-/// Runs the program with the arguments and waits for it. Throws where it cannot be started.
-Outcome run_program(const std::vector<std::string>& arguments);
-/// The same with standard output written into the file, which exists.
-Outcome run_program_into(const std::string& output_file, const std::vector<std::string>& arguments);
+struct RunOptions {
+  std::string out = {};  ///< a file for standard output, which is not read then
+  std::optional<std::uint64_t> file_size = {};  ///< most bytes of a file that it writes
+  bool unprivileged = false;                    ///< as nobody, where the tests run as root
+};
+
+/// The program while it runs. Ends it where nobody has waited for it.
+class RunningProgram {
+ public:
+  /// Throws where it cannot be started.
+  explicit RunningProgram(std::vector<std::string> arguments, const RunOptions& options = {});
+  ~RunningProgram();
+  RunningProgram(const RunningProgram&) = delete;
+  RunningProgram& operator=(const RunningProgram&) = delete;
+
+  void send(int signal) const;
+  Outcome wait();
+  /// The most memory that it held at once. After `wait`.
+  std::int64_t peak_bytes() const { return peak_bytes_; }
+
+ private:
+  TemporaryFolder folder_;
+  std::string out_;
+  pid_t process_ = 0;
+  std::int64_t peak_bytes_ = 0;
+};
+
+/// Runs the program with the arguments and waits for it.
+Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+/// What the program writes to a terminal, which is its standard output and its standard error.
+std::string run_on_terminal(const std::vector<std::string>& arguments);
+
+/// What `convert` prints for a file that is read and returns; a failed expectation otherwise.
+std::string converted(const std::string& file, const std::vector<std::string>& options = {});
 
 /// The rows of a printed table down to the first empty line, cells apart by " | " however wide its
 /// columns are, the heading left out.

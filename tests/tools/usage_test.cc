@@ -20,7 +20,9 @@ TEST(Usage, HelpNamesTheCommands) {
   const Outcome run = run_program({"--help"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, HasSubstr("numera-arrow [OPTIONS] SUBCOMMAND"));
-  EXPECT_THAT(run.out, HasSubstr("convert"));
+  for (const char* command : {"types", "show", "convert"}) {
+    EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + command + " "));
+  }
   EXPECT_THAT(run.errors, IsEmpty());
 }
 
@@ -28,7 +30,7 @@ TEST(Usage, HelpOfConvertNamesItsArguments) {
   const Outcome run = run_program({"convert", "--help"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, HasSubstr("FILE"));
-  EXPECT_THAT(run.out, HasSubstr("--show"));
+  EXPECT_THAT(run.out, HasSubstr("--batch-rows"));
   EXPECT_THAT(run.errors, IsEmpty());
 }
 
@@ -44,6 +46,13 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyOnStandardError) {
       {{"convert", "one", "two"}, "two"},
       {{"convert", "--frobnicate", "one"}, "--frobnicate"},
       {{"--frobnicate"}, "--frobnicate"},
+      {{"types", "--columns", "a", "one"}, "--columns"},
+      {{"types", "--output", "out.arrow", "one"}, "--output"},
+      {{"show", "--rows", "-1", "one"}, "--rows"},
+      {{"show", "--rows", "ten", "one"}, "--rows"},
+      {{"show", "one", "--columns"}, "--columns"},
+      {{"convert", "--batch-rows", "0", "one"}, "--batch-rows"},
+      {{"convert", "--output"}, "--output"},
   };
   for (const Case& wrong : cases) {
     SCOPED_TRACE(wrong.reason);
@@ -59,7 +68,10 @@ TEST(Usage, AResultThatCannotBeWrittenIsAFailure) {
   const std::string file = folder.path("small.parquet");
   write_parquet(file, *table_of({{"n", ::arrow::int32(), "[1, 2]"}}));
   const Outcome expected{1, "", "numera-arrow: " + file + ": the result cannot be written\n"};
-  EXPECT_EQ(run_program_into("/dev/full", {"convert", file}), expected);
+  for (const char* command : {"types", "show", "convert"}) {
+    SCOPED_TRACE(command);
+    EXPECT_EQ(run_program({command, file}, {.out = "/dev/full"}), expected);
+  }
 }
 
 }  // namespace

@@ -1,12 +1,15 @@
 #include "tests/tools/written_files.h"
 
 #include <arrow/io/file.h>
+#include <arrow/ipc/reader.h>
 #include <arrow/ipc/writer.h>
 #include <arrow/json/from_string.h>
 #include <arrow/result.h>
+#include <parquet/arrow/reader.h>
 #include <parquet/arrow/writer.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -32,11 +35,21 @@ TemporaryFolder::TemporaryFolder() {
     throw std::system_error(errno, std::generic_category(), name);
   }
   folder_ = name;
+  std::filesystem::permissions(folder_, std::filesystem::perms(0755));  // for nobody, too
 }
 
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
   std::filesystem::remove_all(folder_, ignored);
+}
+
+std::vector<std::string> TemporaryFolder::names() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    names.push_back(entry.path().filename());
+  }
+  std::ranges::sort(names);
+  return names;
 }
 
 std::shared_ptr<::arrow::Table> table_of(const std::vector<NamedColumn>& columns) {
@@ -65,6 +78,26 @@ void write_ipc(const std::string& path, const ::arrow::Table& table) {
   require(writer->WriteTable(table));
   require(writer->Close());
   require(file->Close());
+}
+
+void write_ipc_stream(const std::string& path, const ::arrow::Table& table) {
+  const auto file = open_to_write(path);
+  const auto writer = ::arrow::ipc::MakeStreamWriter(file, table.schema()).ValueOrDie();
+  require(writer->WriteTable(table));
+  require(writer->Close());
+  require(file->Close());
+}
+
+std::shared_ptr<::arrow::Table> read_ipc(const std::string& path) {
+  const auto file = ::arrow::io::ReadableFile::Open(path).ValueOrDie();
+  const auto reader = ::arrow::ipc::RecordBatchFileReader::Open(file).ValueOrDie();
+  return reader->ToTable().ValueOrDie();
+}
+
+std::shared_ptr<::arrow::Table> read_parquet(const std::string& path) {
+  const auto file = ::arrow::io::ReadableFile::Open(path).ValueOrDie();
+  const auto reader = parquet::arrow::OpenFile(file, ::arrow::default_memory_pool()).ValueOrDie();
+  return reader->ReadTable().ValueOrDie();
 }
 
 std::string read_text(const std::string& path) {

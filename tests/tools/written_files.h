@@ -23,6 +23,8 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   std::string path(const std::string& name) const { return folder_ / name; }
+  /// The names in it, in order.
+  std::vector<std::string> names() const;
 
  private:
   std::filesystem::path folder_;
@@ -41,6 +43,12 @@ void write_parquet(const std::string& path, const ::arrow::Table& table,
                    std::int64_t row_group_length = 1024);
 /// An Arrow IPC file, a batch a chunk.
 void write_ipc(const std::string& path, const ::arrow::Table& table);
+/// An Arrow IPC stream, a batch a chunk. Its dictionaries may be other ones in each.
+void write_ipc_stream(const std::string& path, const ::arrow::Table& table);
+
+/// The whole of an Arrow IPC file or a Parquet file.
+std::shared_ptr<::arrow::Table> read_ipc(const std::string& path);
+std::shared_ptr<::arrow::Table> read_parquet(const std::string& path);
 
 std::string read_text(const std::string& path);
 void write_text(const std::string& path, const std::string& text);

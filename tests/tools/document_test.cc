@@ -1,0 +1,85 @@
+// The sessions of docs/program.md are what the program prints: every "$" line of a console block is
+// run, one after another, in a copy of examples/data.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+#include <sstream>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Times vary from run to run.
+std::string without_times(const std::string& text) {
+  static const std::regex kSeconds("in [0-9]+[.][0-9]{6} s");
+  return std::regex_replace(text, kSeconds, "in TIME s");
+}
+
+/// What a shell command prints, on either output.
+std::string printed_by(const std::string& command) {
+  std::FILE* pipe = ::popen(("(" + command + ") 2>&1").c_str(), "r");
+  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
+  std::string printed;
+  char buffer[4096];
+  for (size_t size = 1; size > 0;) {
+    size = std::fread(buffer, 1, sizeof buffer, pipe);
+    printed.append(buffer, size);
+  }
+  ::pclose(pipe);
+  return printed;
+}
+
+/// The document with the output of its commands as it is now.
+std::string renewed(const std::string& document) {
+  std::istringstream lines(document);
+  std::string renewed;
+  std::string line;
+  bool in_session = false;
+  bool in_output = false;
+  while (std::getline(lines, line)) {
+    if (line == "```console") in_session = true;
+    if (line == "```") in_session = in_output = false;
+    const bool command = in_session && line.starts_with("$ ");
+    if (command || !in_output) renewed += line + "\n";
+    if (!command) continue;
+    renewed += printed_by(line.substr(2));
+    in_output = true;
+  }
+  return renewed;
+}
+
+class CopyOfTheExamples {
+ public:
+  CopyOfTheExamples() : before_(fs::current_path()) {
+    fs::copy(NUMERA_EXAMPLE_DATA, folder_.path("data"));
+    fs::current_path(folder_.path("data"));
+  }
+  ~CopyOfTheExamples() { fs::current_path(before_); }
+  CopyOfTheExamples(const CopyOfTheExamples&) = delete;
+  CopyOfTheExamples& operator=(const CopyOfTheExamples&) = delete;
+
+ private:
+  fs::path before_;
+  TemporaryFolder folder_;
+};
+
+TEST(Document, ShowsWhatTheProgramPrints) {
+  const std::string path = std::getenv("PATH");
+  ::setenv("PATH", (fs::path(NUMERA_PROGRAM).parent_path().string() + ":" + path).c_str(), 1);
+  const CopyOfTheExamples here;
+  const std::string document = read_text(NUMERA_PROGRAM_DOCUMENT);
+  ASSERT_NE(document.find("```console\n$ numera-arrow "), std::string::npos);
+  EXPECT_EQ(without_times(document), without_times(renewed(document)));
+  ::setenv("PATH", path.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace numera::testing

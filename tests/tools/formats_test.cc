@@ -1,0 +1,110 @@
+// Files are told apart by what stands in them, whatever their names.
+
+#include <gtest/gtest.h>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+class Formats : public ::testing::Test {
+ protected:
+  static std::string types_of(const std::string& file) {
+    const Outcome run = run_program({"types", file});
+    EXPECT_EQ(run.exit_status, 0);
+    EXPECT_EQ(run.errors, "");
+    return table_rows(run.out);
+  }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.path("a_file");
+  std::shared_ptr<::arrow::Table> table_ = table_of(
+      {{"n", ::arrow::int16(), "[1, null, 3]"}, {"t", ::arrow::utf8(), R"(["a", "b", null])"}});
+};
+
+constexpr const char* kTypes =
+    "n | int16 | int16 | int16 | 3 | 1 | 1\n"
+    "t | string | string | string | 3 | 1 | 1\n";
+
+constexpr const char* kWayBack =
+    "n | int16 | int16 | int16 | 3 | 1 | 1 | equal\n"
+    "t | string | string | string | 3 | 1 | 1 | equal as large_string\n";
+
+TEST_F(Formats, ParquetIsKnown) {
+  write_parquet(file_, *table_);
+  EXPECT_EQ(types_of(file_), kTypes);
+  EXPECT_EQ(table_rows(converted(file_)), kWayBack);
+}
+
+TEST_F(Formats, AnArrowIpcFileIsKnown) {
+  write_ipc(file_, *table_);
+  EXPECT_EQ(types_of(file_), kTypes);
+  EXPECT_EQ(table_rows(converted(file_)), kWayBack);
+}
+
+TEST_F(Formats, AnArrowIpcStreamIsKnown) {
+  write_ipc_stream(file_, *table_);
+  EXPECT_EQ(types_of(file_), kTypes);
+  EXPECT_EQ(table_rows(converted(file_)), kWayBack);
+}
+
+TEST_F(Formats, CsvIsKnown) {
+  write_text(file_, "n,t\n1,a\n,b\n3,\"x,y\"\n");
+  EXPECT_EQ(types_of(file_),
+            "n | int64 | int64 | int64 | 3 | 1 | 1\n"
+            "t | string | string | string | 3 | 1 | 0\n");
+  EXPECT_EQ(table_rows(converted(file_)),
+            "n | int64 | int64 | int64 | 3 | 1 | 1 | equal\n"
+            "t | string | string | string | 3 | 1 | 0 | equal as large_string\n");
+}
+
+TEST_F(Formats, ACsvOfItsHeadingAloneHasNoRows) {
+  write_text(file_, "n,t\n");
+  EXPECT_EQ(table_rows(converted(file_)),
+            "n | null | null | double | 0 | 0 | 0 | equal as double\n"
+            "t | null | null | double | 0 | 0 | 0 | equal as double\n");
+}
+
+TEST_F(Formats, ACharacterOfACsvMayBeCutWhereTheProgramStopsLooking) {
+  for (const size_t ahead : {0U, 1U, 2U, 3U}) {  // bytes of 𝜆 within the first 64 KiB
+    SCOPED_TRACE(ahead);
+    write_text(file_, "t\n" + std::string(65534 - ahead, 'x') + "𝜆\n");
+    EXPECT_EQ(types_of(file_), "t | string | string | string | 1 | 1 | 0\n");
+  }
+}
+
+TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
+  const std::pair<const char*, std::string> cases[] = {
+      {"NUL in text", std::string("a,b\n1,\0\n", 8)},
+      {"Latin-1", "gr\xF6\xDF\x65\n1\n"},
+      {"UTF-16", std::string("\xFF\xFEn\0\n\0", 6)},
+      {"half a character at the end", "a\n\xF0\x9D"},
+      {"NUL as the last byte looked at", "a\n" + std::string(65533, 'x') + '\0'},
+  };
+  for (const auto& [what, text] : cases) {
+    SCOPED_TRACE(what);
+    write_text(file_, text);
+    const Outcome expected{1, "",
+                           "numera-arrow: " + file_ +
+                               ": it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no "
+                               "CSV\n"};
+    for (const char* command : {"types", "show", "convert"}) {
+      EXPECT_EQ(run_program({command, file_}), expected);
+    }
+  }
+}
+
+TEST_F(Formats, TypesCountsChunksAndRowsWithSeparators) {
+  std::string json = "[0";
+  for (int i = 1; i < 2500; ++i) json += ", null";
+  write_parquet(file_, *table_of({{"n", ::arrow::date32(), json + "]"}}), 1000);
+  EXPECT_EQ(types_of(file_), "n | date32[day] | datetime | datetime | 2,500 | 3 | 2,499\n");
+}
+
+TEST_F(Formats, TypesListsWhatHasNoHostForm) {
+  write_ipc(file_, *table_of({{"d", ::arrow::decimal128(5, 2), R"(["1.50"])"}}));
+  EXPECT_EQ(types_of(file_), "d | decimal128(5, 2) | - | - | 1 | 1 | 0\n");
+}
+
+}  // namespace
+}  // namespace numera::testing

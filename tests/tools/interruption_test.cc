@@ -1,0 +1,91 @@
+// Signals on the way: nothing half-written is left.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A conversion of many small batches, which takes long, over an output that is there already.
+class Interruption : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string text = "a,b,c,d\n";
+    for (int i = 0; i < 300000; ++i) text += "1,2,3,4\n";
+    write_text(file_, text);
+    write_text(output_, "older");
+  }
+
+  std::vector<std::string> convert() const {
+    return {"convert", file_, "--batch-rows", "10", "--output", output_};
+  }
+
+  std::string part() const {
+    for (const std::string& name : folder_.names()) {
+      if (name.ends_with(".part")) return name;
+    }
+    return "";
+  }
+
+  /// Until some batches have been written beside the output.
+  void wait_for_part() const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (part().empty() || fs::file_size(folder_.path(part())) < 100000) {
+      if (std::chrono::steady_clock::now() > deadline)
+        throw std::runtime_error("no part is written");
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.path("numbers.csv");
+  std::string output_ = folder_.path("back.arrow");
+};
+
+TEST_F(Interruption, EndsBetweenTwoColumnsWithOneLineAndTheOutputIntact) {
+  const std::pair<int, int> cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+  for (const auto& [signal, exit_status] : cases) {
+    SCOPED_TRACE(signal);
+    RunningProgram program(convert());
+    wait_for_part();
+    program.send(signal);
+    const Outcome expected{exit_status, "", "numera-arrow: " + file_ + ": interrupted\n"};
+    EXPECT_EQ(program.wait(), expected);
+    EXPECT_EQ(read_text(output_), "older");
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
+  }
+}
+
+TEST_F(Interruption, EndsWhereEveryColumnIsRefused) {
+  const std::string file = folder_.path("half.arrow");
+  const auto half = table_of({{"h", ::arrow::float16(), "[1, 2]"}});
+  std::vector<std::shared_ptr<::arrow::Table>> tables(50000, half);
+  write_ipc(file, *::arrow::ConcatenateTables(tables).ValueOrDie());
+  RunningProgram program({"convert", file, "--output", output_});
+  while (part().empty()) std::this_thread::yield();
+  program.send(SIGINT);
+  const Outcome expected{130, "", "numera-arrow: " + file + ": interrupted\n"};
+  EXPECT_EQ(program.wait(), expected);
+}
+
+TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
+  RunningProgram program(convert());
+  wait_for_part();
+  program.send(SIGKILL);
+  EXPECT_EQ(program.wait().exit_status, -1);
+  EXPECT_EQ(read_text(output_), "older");
+  EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
+}
+
+}  // namespace
+}  // namespace numera::testing

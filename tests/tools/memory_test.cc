@@ -1,0 +1,63 @@
+// Memory is bounded whatever the size of a file.
+
+#include <arrow/io/file.h>
+#include <arrow/ipc/writer.h>
+#include <arrow/record_batch.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+constexpr std::int64_t kMiB = std::int64_t{1024} * 1024;
+constexpr std::int64_t kBound = 96 * kMiB;  // as docs/program.md states it
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kSanitized = false;
+#endif
+
+std::shared_ptr<::arrow::RecordBatch> a_batch() {
+  std::string json = "[0";
+  for (int i = 1; i < 16384; ++i) json += "," + std::to_string(i);
+  const auto table =
+      table_of({{"n", ::arrow::int64(), json + "]"}, {"x", ::arrow::float64(), json + "]"}});
+  return table->CombineChunksToBatch().ValueOrDie();
+}
+
+/// An Arrow IPC file of at least so many bytes.
+void write_large(const std::string& path, std::int64_t bytes) {
+  const auto batch = a_batch();
+  const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
+  const auto writer = ::arrow::ipc::MakeFileWriter(file, batch->schema()).ValueOrDie();
+  while (file->Tell().ValueOrDie() < bytes) ASSERT_TRUE(writer->WriteRecordBatch(*batch).ok());
+  ASSERT_TRUE(writer->Close().ok());
+  ASSERT_TRUE(file->Close().ok());
+}
+
+TEST(Memory, StaysBelowTheBoundForAFileTenTimesAsLarge) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer needs memory of its own";
+  const TemporaryFolder folder;
+  const std::string file = folder.path("large.arrow");
+  const std::string output = folder.path("back.parquet");
+  write_large(file, 10 * kBound);
+  RunningProgram program({"convert", file, "--output", output});
+  const Outcome run = program.wait();
+  EXPECT_EQ(run.exit_status, 0) << run.errors;
+  EXPECT_LT(program.peak_bytes(), kBound);
+  RecordProperty("peak_kib", std::to_string(program.peak_bytes() / 1024));
+
+  RunningProgram again({"convert", output, "--batch-rows", "16384", "--output", file});
+  EXPECT_EQ(again.wait().exit_status, 0);
+  EXPECT_LT(again.peak_bytes(), kBound);
+  EXPECT_GE(static_cast<std::int64_t>(std::filesystem::file_size(file)), 10 * kBound);
+}
+
+}  // namespace
+}  // namespace numera::testing

@@ -1,0 +1,59 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class Terminal : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    write_parquet(file_, *table_of({{"n", ::arrow::int8(), "[1, 2, 3, 4]"}}), 2);
+  }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.path("numbers.parquet");
+};
+
+constexpr const char* kBold = "\x1b[1m";
+
+TEST_F(Terminal, ShowsProgressAndWipesIt) {
+  for (const char* command : {"types", "convert"}) {
+    SCOPED_TRACE(command);
+    const std::string written = run_on_terminal({command, file_});
+    EXPECT_THAT(written, HasSubstr("2 of 4 rows (50 %)"));
+    EXPECT_THAT(written, HasSubstr("4 of 4 rows (100 %)\r                   \r"));
+  }
+}
+
+TEST_F(Terminal, ShowsRowsAloneWhereTheFileDoesNotSayHowManyThereAre) {
+  write_text(file_, "n\n1\n2\n");
+  EXPECT_THAT(run_on_terminal({"types", file_}), HasSubstr("2 rows\r      \r"));
+}
+
+TEST_F(Terminal, ShowsTheHeadingInBold) {
+  EXPECT_THAT(run_on_terminal({"types", file_}), HasSubstr(std::string(kBold) + "column"));
+}
+
+TEST_F(Terminal, IsLeftWithoutColourOnRequest) {
+  ASSERT_EQ(::setenv("NO_COLOR", "1", 1), 0);
+  const std::string written = run_on_terminal({"types", file_});
+  ::unsetenv("NO_COLOR");
+  EXPECT_THAT(written, Not(HasSubstr("\x1b")));
+}
+
+TEST_F(Terminal, IsTheOnlyPlaceForColourAndProgress) {
+  for (const char* command : {"types", "convert"}) {
+    SCOPED_TRACE(command);
+    const Outcome run = run_program({command, file_});
+    EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));
+    EXPECT_EQ(run.errors, "");
+  }
+}
+
+}  // namespace
+}  // namespace numera::testing
