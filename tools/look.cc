@@ -3,6 +3,7 @@
 #include <arrow/table.h>
 
 #include <algorithm>
+#include <limits>
 #include <ostream>
 #include <vector>
 
@@ -16,6 +17,9 @@ namespace numera::tools {
 namespace {
 
 namespace core = numera::io::arrow::core;
+
+/// Room for every row asked for, but not for a text of megabytes.
+constexpr size_t kWidestLine = 100'000;
 
 /// "Type" of a column of this type; "-" where the type is refused.
 std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
@@ -71,7 +75,10 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(taken.value));
   const auto listed = static_cast<size_t>(std::max<std::int64_t>(rows, table->num_columns()));
-  out << extras::print(host.get(), {.max_elements = std::max<size_t>(listed, 20)}) << '\n';
+  const extras::PrintOptions all{.max_elements = std::max<size_t>(listed, 20),
+                                 .max_width = kWidestLine,
+                                 .max_lines = std::numeric_limits<size_t>::max()};
+  out << extras::print(host.get(), all) << '\n';
   return ::arrow::Status::OK();
 }
 

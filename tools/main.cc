@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
 #include "numera/version.h"
 #include "tools/convert.h"
@@ -77,6 +78,17 @@ int report(const std::string& file, const std::string& reason) {
   return kFailure;
 }
 
+/// The detail of an error of the system is its reason; that of a table names the column, which the
+/// message does, too.
+std::string reason_of(const arrow::Status& status) {
+  using numera::io::arrow::core::util::TableErrorStatusDetail;
+  const auto& detail = status.detail();
+  if (detail == nullptr || dynamic_cast<const TableErrorStatusDetail*>(detail.get()) != nullptr) {
+    return status.message();
+  }
+  return status.message() + ": " + detail->ToString();
+}
+
 int run_and_report(const Commands& commands, const Arguments& arguments) {
   const std::string& file = arguments.convert.file;
   try {
@@ -85,9 +97,7 @@ int run_and_report(const Commands& commands, const Arguments& arguments) {
       status = arrow::Status::IOError("the result cannot be written");
     }
     if (status.ok()) return kSuccess;
-    std::string reason = status.message();
-    if (status.detail() != nullptr) reason += ": " + status.detail()->ToString();
-    return report(file, reason);
+    return report(file, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");
     return kSignal + end_signal;

@@ -32,6 +32,7 @@ constexpr std::int64_t kLookedAt = 64 * 1024;
 
 /// Text without NUL. What is looked at may end in the middle of a character.
 bool looks_like_csv(std::string_view start, bool whole) {
+  ::arrow::util::InitializeUTF8();  // until then everything is valid
   if (start.find('\0') != std::string_view::npos) return false;
   for (size_t cut = 0; cut < 4 && cut <= start.size(); ++cut) {
     const auto text = start.substr(0, start.size() - cut);

@@ -56,10 +56,14 @@ std::string renewed(const std::string& document) {
   return renewed;
 }
 
+/// With a file more that has types without host form.
 class CopyOfTheExamples {
  public:
   CopyOfTheExamples() : before_(fs::current_path()) {
     fs::copy(NUMERA_EXAMPLE_DATA, folder_.path("data"));
+    write_ipc(folder_.path("data/prices.arrow"),
+              *table_of({{"price", ::arrow::decimal128(9, 2), R"(["1.25", null])"},
+                         {"of", ::arrow::utf8_view(), R"(["tea", "milk"])"}}));
     fs::current_path(folder_.path("data"));
   }
   ~CopyOfTheExamples() { fs::current_path(before_); }

@@ -31,22 +31,22 @@ TEST_F(Show, PrintsTheFirstRowsAsAnEncodedTable) {
     (0):
       ArrowType: char 1x5 "array"
       Type: char 1x5 "int16"
+      Data: int16 3x1 [1 2 0]
       Valid: struct 1x1
         ArrowType: char 1x6 "buffer"
         Values: uint8 1x1 [251]
         Length: double 1x1 [3]
-      Data: int16 3x1 [1 2 0]
     (1):
       ArrowType: char 1x5 "array"
       Type: char 1x7 "logical"
-      Valid: struct 1x1
-        ArrowType: char 1x6 "buffer"
-        Values: uint8 0x1 []
-        Length: double 1x1 [3]
       Data: struct 1x1
         Values: uint8 1x1 [3]
         Length: double 1x1 [3]
         ArrowType: char 1x6 "buffer"
+      Valid: struct 1x1
+        ArrowType: char 1x6 "buffer"
+        Values: uint8 0x1 []
+        Length: double 1x1 [3]
   Names: cell 1x2
     {0}: char 1x1 "n"
     {1}: char 1x1 "b"

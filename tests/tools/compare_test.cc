@@ -1,0 +1,118 @@
+// What judges whether a column returned as it went: a difference is found, in its first row.
+
+#include "tools/compare.h"
+
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include "tests/tools/written_files.h"
+
+namespace numera::testing {
+namespace {
+
+using tools::first_differing_row;
+using Row = std::optional<std::int64_t>;
+
+struct Case {
+  std::shared_ptr<::arrow::DataType> from;
+  std::shared_ptr<::arrow::DataType> to;
+  std::string went;
+  std::string same;
+  std::string other;  ///< differs first in row 1
+};
+
+std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,
+                                          const std::string& json) {
+  return table_of({{"c", type, json}})->column(0)->chunk(0);
+}
+
+std::vector<Case> cases() {
+  using namespace ::arrow;  // NOLINT: names of types
+  const auto text = [](const auto& type) { return struct_({field("t", type)}); };
+  const auto entry = struct_({field("key", large_utf8()), field("value", int8())});
+  return {
+      {int8(), int8(), "[1, 2, null]", "[1, 2, null]", "[1, 3, null]"},
+      {int8(), int8(), "[1, 2, null]", "[1, 2, null]", "[1, null, 3]"},
+      {float64(), float64(), "[1, NaN, 0]", "[1, NaN, 0]", "[1, 2, 0]"},
+      {float64(), float64(), "[1, -0.0]", "[1, -0.0]", "[1, 0.0]"},
+      {utf8(), large_utf8(), R"(["a", "b", null])", R"(["a", "b", null])", R"(["a", "c", null])"},
+      {binary(), large_binary(), R"(["a", ""])", R"(["a", ""])", R"(["a", null])"},
+      {fixed_size_binary(2), large_binary(), R"(["ab", null])", R"(["ab", null])",
+       R"(["ab", "cd"])"},
+      {date32(), timestamp(TimeUnit::SECOND), "[1, 2]", "[86400, 172800]", "[86400, 172801]"},
+      {date64(), timestamp(TimeUnit::MILLI), "[86400000, 0]", "[86400000, 0]", "[86400000, 1]"},
+      {duration(TimeUnit::NANO), int64(), "[1, 2]", "[1, 2]", "[1, 3]"},
+      {list(utf8()), large_list(large_utf8()), R"([["a"], ["b"]])", R"([["a"], ["b"]])",
+       R"([["a"], ["b", "b"]])"},
+      {list(utf8()), large_list(large_utf8()), R"([["a"], ["b"]])", R"([["a"], ["b"]])",
+       R"([["a"], ["c"]])"},
+      {large_list(int8()), large_list(int8()), "[[1], []]", "[[1], []]", "[[1], null]"},
+      {map(utf8(), int8()), large_list(entry), R"([[["a", 1]], [["b", 2]]])",
+       R"([[{"key": "a", "value": 1}], [{"key": "b", "value": 2}]])",
+       R"([[{"key": "a", "value": 1}], [{"key": "b", "value": 3}]])"},
+      {text(utf8()), text(large_utf8()), R"([{"t": "a"}, {"t": "b"}])",
+       R"([{"t": "a"}, {"t": "b"}])", R"([{"t": "a"}, {"t": "c"}])"},
+  };
+}
+
+TEST(Compare, FindsNoRowWhereAllIsEqual) {
+  for (const Case& test : cases()) {
+    SCOPED_TRACE(test.from->ToString() + " " + test.same);
+    EXPECT_EQ(first_differing_row(*values_of(test.from, test.went), *values_of(test.to, test.same)),
+              std::nullopt);
+  }
+}
+
+TEST(Compare, FindsTheFirstRowThatDiffers) {
+  for (const Case& test : cases()) {
+    SCOPED_TRACE(test.from->ToString() + " " + test.other);
+    EXPECT_EQ(
+        first_differing_row(*values_of(test.from, test.went), *values_of(test.to, test.other)),
+        Row(1));
+  }
+}
+
+TEST(Compare, FindsTheEndOfTheShorter) {
+  EXPECT_EQ(first_differing_row(*values_of(::arrow::int8(), "[1, 2, 3]"),
+                                *values_of(::arrow::int8(), "[1, 2]")),
+            Row(2));
+}
+
+std::shared_ptr<::arrow::Array> structs(const std::string& field, const std::string& valid) {
+  const auto bits = values_of(::arrow::boolean(), valid)->data()->buffers[1];
+  return ::arrow::StructArray::Make({values_of(::arrow::int8(), field)},
+                                    {::arrow::field("x", ::arrow::int8())}, bits)
+      .ValueOrDie();
+}
+
+TEST(Compare, LeavesFieldsOfNullStructsAside) {
+  const auto went = structs("[1, 2, 3]", "[true, false, true]");
+  EXPECT_EQ(first_differing_row(*went, *structs("[1, 9, 3]", "[true, false, true]")), std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *structs("[1, 9, 4]", "[true, false, true]")), Row(2));
+  EXPECT_EQ(first_differing_row(*went, *structs("[1, 2, 3]", "[true, true, true]")), Row(1));
+}
+
+std::shared_ptr<::arrow::Array> categories(const std::string& codes, const std::string& texts,
+                                           const std::shared_ptr<::arrow::DataType>& type) {
+  return ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), codes),
+                                              values_of(type, texts))
+      .ValueOrDie();
+}
+
+TEST(Compare, ReadsCategoriesAsTheirTexts) {
+  const auto went = categories("[0, 1, null]", R"(["a", "b"])", ::arrow::utf8());
+  const auto same = categories("[1, 0, null]", R"(["b", "a"])", ::arrow::large_utf8());
+  const auto other = categories("[1, 1, null]", R"(["b", "a"])", ::arrow::large_utf8());
+  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
+}
+
+TEST(Compare, ExpectsNullsForNulls) {
+  const auto went = values_of(::arrow::null(), "[null, null]");
+  EXPECT_EQ(first_differing_row(*went, *values_of(::arrow::float64(), "[null, null]")),
+            std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *values_of(::arrow::float64(), "[null, 0]")), Row(0));
+}
+
+}  // namespace
+}  // namespace numera::testing
