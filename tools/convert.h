@@ -14,6 +14,7 @@ struct ConvertOptions {
   SourceOptions source;
   bool cast = false;    ///< cast what has no host form
   bool strict = false;  ///< a change of type is a failure
+  bool show = false;    ///< print the first rows as the host values that they become, too
   std::string output;   ///< where the way back is written; empty: nowhere
 };
 

@@ -3,10 +3,12 @@
 #include <arrow/array/array_dict.h>
 #include <arrow/chunked_array.h>
 #include <arrow/ipc/writer.h>
+#include <arrow/table.h>
 #include <arrow/util/byte_size.h>
 #include <parquet/arrow/writer.h>
 #include <parquet/exception.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -16,8 +18,9 @@ namespace {
 using Batch = std::shared_ptr<::arrow::RecordBatch>;
 using Output = std::shared_ptr<::arrow::io::OutputStream>;
 
-/// Row groups are held in memory until they are written; the file's footer, which is held to the
-/// end, grows with their number.
+/// A row group is gathered before it is written, column by column: encoders of all columns at once
+/// would need several times as much. Small ones are not worth it, since the footer of the file
+/// grows with their number and is held to the end.
 constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
 constexpr std::int64_t kGroupRows = 256 * 1024;  // few bytes of categories may stand for many
 
@@ -25,36 +28,43 @@ class ParquetWriter {
  public:
   explicit ParquetWriter(Output output) : output_(std::move(output)) {}
 
-  ::arrow::Status write(const Batch& batch) try {
-    if (writer_ == nullptr) {
-      const auto properties = parquet::ArrowWriterProperties::Builder().store_schema()->build();
-      const auto groups =
-          parquet::WriterProperties::Builder().max_row_group_length(kGroupRows)->build();
-      ARROW_ASSIGN_OR_RAISE(writer_, parquet::arrow::FileWriter::Open(
-                                         *batch->schema(), ::arrow::default_memory_pool(), output_,
-                                         groups, properties));
-    }
-    if (group_bytes_ >= kGroupBytes) {
-      ARROW_RETURN_NOT_OK(writer_->NewBufferedRowGroup());
-      group_bytes_ = 0;
-    }
+  ::arrow::Status write(const Batch& batch) {
     ARROW_ASSIGN_OR_RAISE(const std::int64_t bytes, ::arrow::util::ReferencedBufferSize(*batch));
-    group_bytes_ += bytes;
-    return writer_->WriteRecordBatch(*batch);
-  } catch (const parquet::ParquetException& error) {
-    return ::arrow::Status::IOError(error.what());
+    group_.push_back(batch);
+    bytes_ += bytes;
+    rows_ += batch->num_rows();
+    return bytes_ < kGroupBytes && rows_ < kGroupRows ? ::arrow::Status::OK() : write_group();
   }
 
   ::arrow::Status close() try {
+    if (!group_.empty()) ARROW_RETURN_NOT_OK(write_group());
     return writer_->Close();
   } catch (const parquet::ParquetException& error) {
     return ::arrow::Status::IOError(error.what());
   }
 
  private:
+  ::arrow::Status write_group() try {
+    ARROW_ASSIGN_OR_RAISE(const auto table, ::arrow::Table::FromRecordBatches(group_));
+    if (writer_ == nullptr) {
+      const auto properties = parquet::ArrowWriterProperties::Builder().store_schema()->build();
+      ARROW_ASSIGN_OR_RAISE(writer_, parquet::arrow::FileWriter::Open(
+                                         *table->schema(), ::arrow::default_memory_pool(), output_,
+                                         parquet::default_writer_properties(), properties));
+    }
+    ARROW_RETURN_NOT_OK(writer_->WriteTable(*table, std::max<std::int64_t>(rows_, 1)));
+    group_.clear();
+    bytes_ = rows_ = 0;
+    return ::arrow::Status::OK();
+  } catch (const parquet::ParquetException& error) {
+    return ::arrow::Status::IOError(error.what());
+  }
+
   Output output_;
   std::unique_ptr<parquet::arrow::FileWriter> writer_;
-  std::int64_t group_bytes_ = 0;
+  ::arrow::RecordBatchVector group_;
+  std::int64_t bytes_ = 0;
+  std::int64_t rows_ = 0;
 };
 
 /// Dictionaries only grow from batch to batch, since an IPC file cannot replace them.

@@ -11,8 +11,8 @@
 
 namespace numera::tools {
 
-/// What writes batches of one schema in one format. Parquet holds a row group of about 16 MiB, an
-/// Arrow IPC file the dictionaries.
+/// What writes batches of one schema in one format. Parquet gathers a row group of some
+/// 16 MiB; an Arrow IPC file keeps the dictionaries.
 struct Encoder {
   std::function<::arrow::Status(const std::shared_ptr<::arrow::RecordBatch>&)> write;
   /// Writes what stands behind the last batch. There has been one.
