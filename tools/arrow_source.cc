@@ -14,14 +14,15 @@ using Batch = std::shared_ptr<::arrow::RecordBatch>;
 using BatchResult = ::arrow::Result<Batch>;
 
 /// The columns asked for, of every batch that `pull` gives, counted.
+template <class Pull>
 ::arrow::Result<Source> select(const ::arrow::Schema& whole, const SourceOptions& options,
-                               std::function<BatchResult()> pull,
-                               std::optional<std::int64_t> rows = std::nullopt) {
+                               Pull pull, std::optional<std::int64_t> rows = std::nullopt) {
   ARROW_ASSIGN_OR_RAISE(auto columns, find_columns(whole, options.columns));
   ::arrow::FieldVector fields;
   for (const int column : columns) fields.push_back(whole.field(column));
   auto count = std::make_shared<std::int64_t>(0);
-  auto next = [pull = std::move(pull), columns = std::move(columns), count]() -> BatchResult {
+  auto next = [pull = std::move(pull), columns = std::move(columns),
+               count]() mutable -> BatchResult {
     ARROW_ASSIGN_OR_RAISE(const Batch batch, pull());
     if (batch == nullptr) return nullptr;
     ++*count;
@@ -32,8 +33,8 @@ using BatchResult = ::arrow::Result<Batch>;
 
 /// Batches of a reader that gives null behind the last one. The file stays open as long.
 template <class Reader>
-std::function<BatchResult()> batches_of(std::shared_ptr<Reader> reader) {
-  return [reader = std::move(reader)]() -> BatchResult {
+auto batches_of(const std::shared_ptr<Reader>& reader) {
+  return [reader]() -> BatchResult {
     Batch batch;
     ARROW_RETURN_NOT_OK(reader->ReadNext(&batch));
     return batch;
@@ -73,20 +74,18 @@ std::function<BatchResult()> batches_of(std::shared_ptr<Reader> reader) {
 }
 
 ::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(file));
-  const auto schema = reader->schema();
-  return select(*schema, options, batches_of(std::move(reader)));
+  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(file));
+  return select(*reader->schema(), options, batches_of(reader));
 }
 
 ::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options) {
   auto read = ::arrow::csv::ReadOptions::Defaults();
   read.use_threads = false;
-  ARROW_ASSIGN_OR_RAISE(
-      auto reader, ::arrow::csv::StreamingReader::Make(::arrow::io::default_io_context(), file,
-                                                       read, ::arrow::csv::ParseOptions::Defaults(),
-                                                       ::arrow::csv::ConvertOptions::Defaults()));
-  const auto schema = reader->schema();
-  return select(*schema, options, batches_of(std::move(reader)));
+  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::csv::StreamingReader::Make(
+                                               ::arrow::io::default_io_context(), file, read,
+                                               ::arrow::csv::ParseOptions::Defaults(),
+                                               ::arrow::csv::ConvertOptions::Defaults()));
+  return select(*reader->schema(), options, batches_of(reader));
 }
 
 }  // namespace numera::tools

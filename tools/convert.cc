@@ -73,6 +73,7 @@ class Conversion {
  private:
   ::arrow::Status add(const ::arrow::RecordBatch& batch) {
     std::vector<bool> refused;
+    refused.reserve(columns_.size());
     for (const WayBack& column : columns_) refused.push_back(!column.failure.empty());
     std::vector<Trip> trips = there_and_back(batch, options_.cast, refused, legs_);
     for (size_t i = 0; i < trips.size(); ++i) {

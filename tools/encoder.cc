@@ -22,7 +22,7 @@ using Output = std::shared_ptr<::arrow::io::OutputStream>;
 /// would need several times as much. Small ones are not worth it, since the footer of the file
 /// grows with their number and is held to the end.
 constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
-constexpr std::int64_t kGroupRows = 256 * 1024;  // few bytes of categories may stand for many
+constexpr std::int64_t kGroupRows = 262144;  // few bytes of categories may stand for many
 
 class ParquetWriter {
  public:

@@ -39,7 +39,6 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   while (true) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
     if (batch == nullptr) break;
-    ARROW_RETURN_NOT_OK(batch->Validate());
     for (size_t i = 0; i < nulls.size(); ++i) {
       nulls[i] += batch->column(static_cast<int>(i))->null_count();
     }
@@ -67,6 +66,7 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   for (std::int64_t wanted = rows; wanted > 0;) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
     if (batch == nullptr) break;
+    hxThrowIfInterruptPending();
     batches.push_back(batch->Slice(0, wanted));
     wanted -= batches.back()->num_rows();
   }

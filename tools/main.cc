@@ -147,6 +147,6 @@ int main(int argc, char** argv) {
     }
     return kUsage;
   }
-  heed_signals();
+  if (commands.convert->parsed()) heed_signals();
   return run_and_report(commands, arguments);
 }

@@ -28,7 +28,7 @@ struct Format {
 constexpr Format kFormats[] = {
     {"PAR1", open_parquet}, {"ARROW1", open_ipc_file}, {"\xFF\xFF\xFF\xFF", open_ipc_stream}};
 
-constexpr std::int64_t kLookedAt = 64 * 1024;
+constexpr std::int64_t kLookedAt = 65536;
 
 /// Text without NUL. What is looked at may end in the middle of a character.
 bool looks_like_csv(std::string_view start, bool whole) {
@@ -74,6 +74,7 @@ Source in_batches_of(Source source, std::int64_t rows) {
     if (rest == nullptr) {
       ARROW_ASSIGN_OR_RAISE(rest, pull());
       if (rest == nullptr) return nullptr;
+      ARROW_RETURN_NOT_OK(rest->Validate());
     }
     auto batch = rest->Slice(0, rows);
     rest = rest->num_rows() > rows ? rest->Slice(rows) : nullptr;

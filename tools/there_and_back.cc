@@ -57,13 +57,17 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
 }
 
 ::arrow::Status convert(const Group& group, std::vector<Trip>& trips, Legs& legs) {
+  double seconds_to_host = 0;  // counted where all of it succeeds
+  double seconds_to_arrow = 0;
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written,
-                        timed(legs.to_host.seconds, [&] { return core::to_numera(group.table); }));
-  ARROW_ASSIGN_OR_RAISE(
-      auto readable, timed(legs.to_arrow.seconds, [&] { return extras::encode(written.get()); }));
-  ARROW_ASSIGN_OR_RAISE(const TablePtr back, timed(legs.to_arrow.seconds, [&] {
+                        timed(seconds_to_host, [&] { return core::to_numera(group.table); }));
+  ARROW_ASSIGN_OR_RAISE(auto readable,
+                        timed(seconds_to_arrow, [&] { return extras::encode(written.get()); }));
+  ARROW_ASSIGN_OR_RAISE(const TablePtr back, timed(seconds_to_arrow, [&] {
                           return extras::own_to_arrow_table(std::move(readable));
                         }));
+  legs.to_host.seconds += seconds_to_host;
+  legs.to_arrow.seconds += seconds_to_arrow;
   legs.to_host.bytes += ::arrow::util::ReferencedBufferSize(*group.table).ValueOr(0);
   legs.to_arrow.bytes += ::arrow::util::ReferencedBufferSize(*back).ValueOr(0);
   const hxArray* encoded = hxGetField(written.get(), 0, "Columns");
