@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
@@ -185,8 +184,9 @@ void expect_answer_for_every_flip(const std::string& file, std::int64_t step) {
     SCOPED_TRACE(at);
     flip_byte(file, at);
     const Outcome run = run_program({"convert", file});
-    const auto lines = std::ranges::count(run.errors, '\n');
-    EXPECT_TRUE((run.exit_status == 0 && lines == 0) || (run.exit_status == 1 && lines == 1))
+    // A sanitizer has a word of its own to say about allocations that are too large.
+    const bool told = !line_that_starts(run.errors, "numera-arrow: " + file + ": ").empty();
+    EXPECT_TRUE((run.exit_status == 0 && run.errors.empty()) || (run.exit_status == 1 && told))
         << ::testing::PrintToString(run);
     flip_byte(file, at);
   }

@@ -9,7 +9,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -33,14 +32,6 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
-}
-
-/// A corrupt file may ask for more memory than there is. That is an error to the program, which a
-/// sanitizer is to leave to it.
-void let_allocations_fail() {
-  const char* options = std::getenv("ASAN_OPTIONS");
-  const std::string before = options == nullptr ? "" : std::string(options) + ":";
-  ::setenv("ASAN_OPTIONS", (before + "allocator_may_return_null=1").c_str(), 1);
 }
 
 /// Between fork and exec.
@@ -72,7 +63,6 @@ RunningProgram::RunningProgram(std::vector<std::string> arguments, const RunOpti
   open_as(STDOUT_FILENO, out_, kWrite);
   open_as(STDERR_FILENO, folder_.path("errors"), kWrite);
   apply(options);
-  let_allocations_fail();
   ::execv(pointers[0], pointers.data());
   ::_exit(127);
 }
