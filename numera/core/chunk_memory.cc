@@ -1,7 +1,6 @@
 #include "numera/core/chunk_memory.h"
 
 #include <arrow/array/array_base.h>
-#include <arrow/array/util.h>
 #include <arrow/type.h>
 #include <arrow/util/bit_util.h>
 
@@ -143,10 +142,13 @@ std::int64_t count_nulls(const ::arrow::ArrayData& array) {
 }
 
 std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array) {
-  if (arrow_would_read_past_bitmap(*array->data())) {
-    const auto counted = array->data()->Copy();
-    counted->null_count = count_nulls(*counted);
-    array = ::arrow::MakeArray(counted);
+  const ::arrow::ArrayData& data = *array->data();
+  if (arrow_would_read_past_bitmap(data)) {
+    // Arrow takes a count that is there. The array is given one for this moment only.
+    data.null_count = count_nulls(data);
+    auto chunks = std::make_shared<::arrow::ChunkedArray>(array);
+    data.null_count = ::arrow::kUnknownNullCount;
+    return chunks;
   }
   return std::make_shared<::arrow::ChunkedArray>(std::move(array));
 }

@@ -20,8 +20,9 @@ namespace {
 /// enough.
 ::arrow::Status check_bitmap(const ::arrow::ArrayData& column) {
   if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
+  if (column.length < 0) return messages::wrong_extent(column.offset, column.length);
   const std::int64_t size = column.buffers[0]->size();
-  if (column.length >= 0 && bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
+  if (bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
   return messages::short_buffer("Field 'Valid'", size, column.length);
 }
 

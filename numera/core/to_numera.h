@@ -42,7 +42,9 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// - nested chunks whose buffers or children are not those of their type: Invalid
 /// - what the converter of the type reports
 ///
-/// Cost: one host allocation a result array, one block copy a chunk; peak memory is the result.
+/// Cost: one host allocation a result array (bytes: one an element), one block copy a chunk (text:
+/// one pass). Peak memory is the result; the codes of several dictionary chunks, and the merged
+/// dictionary, lie beside it for a while.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::ChunkedArray> column);
 
 /// The buffer envelope of a buffer: a 1-by-1 struct with the fields "ArrowType" ("buffer"),

@@ -122,6 +122,7 @@ NUMERA_EXPORT std::string hxGetString(const hxArray* array);
 /// @}
 
 /// \name Fields and cells
+/// Only the checked access takes a null array.
 /// @{
 
 /// Number of the field, or -1 where the struct has none of this name.

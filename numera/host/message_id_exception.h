@@ -39,7 +39,8 @@ using hxMessageArgument = std::variant<std::uint64_t, std::string>;
 /// The exception of one message. `Tag` names it by `static constexpr` members `catalog` and `key`.
 ///
 /// `what()` is the identifier. `message()` is the identifier followed by the arguments in
-/// parentheses, since the wording belongs to the message catalogue of the host.
+/// parentheses, a text byte for byte, since the wording belongs to the message catalogue of the
+/// host.
 template <class Tag, class StandardBase = std::exception>
 class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdException {
  public:

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string_view>
 
 #include "numera/export.h"
@@ -34,7 +35,9 @@ class NUMERA_EXPORT hxStringArray {
   /// Returns the index in this array (first + k) of the first text that is not valid UTF-8, or
   /// none. After a failure the elements from `first` on are unspecified.
   ///
-  /// These bodies set one element after another; a host overrides them where it can do better.
+  /// These bodies set one element after another, and return the index of one that cannot be set
+  /// for another reason as well. A host overrides them where it can do better; an override may
+  /// throw where it cannot say which text failed.
   virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                             const std::uint8_t* bytes) {
     return assign_one_by_one(first, offsets, bytes);
@@ -58,7 +61,9 @@ class NUMERA_EXPORT hxStringArray {
               : std::string_view(reinterpret_cast<const char*>(bytes) + begin, end - begin);
       try {
         set(first + k, codec.convert(text));
-      } catch (const hxCodecError&) {
+      } catch (const std::logic_error&) {
+        throw;  // a range outside of the array is no fault of the text
+      } catch (...) {
         return first + k;
       }
     }

@@ -28,8 +28,9 @@ namespace numera::io::arrow::unicode {
 ///   after another, each before it is converted.
 /// - what the host throws, a failed allocation say, unchanged
 ///
-/// Cost: two passes over the texts. ASCII texts are narrowed in place; any other goes through the
-/// host's codec once.
+/// Cost: two passes over the texts. ASCII texts are narrowed straight into the result; any other
+/// goes through the host's codec once, and what that gives is kept until the result is made. The
+/// rows of a char matrix are gathered into a string array first.
 ///
 /// \code
 ///   hxArrayPtr outputs[2];

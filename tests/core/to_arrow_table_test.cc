@@ -221,8 +221,10 @@ TEST(ToArrowTable, RefusesAValidThatArrowWouldReadPast) {
             Status::Invalid("Field 'Valid': found 1 bytes, expected enough for 9 elements."));
   EXPECT_EQ(converted(with_data(Char("double"), Column<double>(std::vector<double>(8)))),
             Status::OK());
-  EXPECT_EQ(converted(with_data(Char("logical"), WrittenBitmap(-1, {1}))),
-            Status::Invalid("Field 'Valid': found 1 bytes, expected enough for -1 elements."));
+  EXPECT_EQ(
+      converted(with_data(Char("logical"), WrittenBitmap(-1, {1}))),
+      Status::Invalid("Array: found offset 0 and length -1, expected neither negative and their "
+                      "sum within 64 bits."));
 }
 
 /// Columns that hold their own index.

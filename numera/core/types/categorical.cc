@@ -4,7 +4,6 @@
 #include <arrow/array/array_dict.h>
 #include <arrow/array/util.h>
 #include <arrow/buffer.h>
-#include <arrow/builder.h>
 #include <arrow/memory_pool.h>
 #include <arrow/type.h>
 #include <arrow/util/checked_cast.h>
@@ -44,8 +43,11 @@ template <class ArrowArray>
     const ::arrow::Array& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {
   const auto& dictionary = chunk.data()->dictionary;
   if (dictionary == nullptr) return messages::wrong_dictionary("none", *value_type);
+  if (dictionary->type == nullptr) {
+    return messages::wrong_dictionary("an array without a type", *value_type);
+  }
   if (!dictionary->type->Equals(*value_type)) {
-    return messages::wrong_dictionary(dictionary->type->ToString(), *value_type);
+    return messages::wrong_dictionary(dictionary->type->name(), *value_type);
   }
   if (dictionary->buffers.size() != 3) {
     return messages::wrong_dictionary("an array without its buffers", *value_type);

@@ -55,11 +55,10 @@ namespace numera::extras {
 /// - TypeError: complex and sparse numbers; function handles and other classes; objects but string
 ///   arrays and encoded values; structs that are not encoded; cells of anything else, or of mixed
 ///   content; encoded values that lack a field or have one of a wrong class;
-/// - Invalid: a null pointer; texts that are not UTF-16; bitmaps, codes, offsets and lengths that
-/// do
-///   not fit; lists, structs and maps without chunks and structs without fields, whose type is not
-///   known; what Arrow's full validation refuses; nesting deeper than `kMaxNestingLevels`, a map
-///   taking two levels.
+/// - Invalid: a null pointer; texts that are not UTF-16; bitmaps, codes, offsets and
+///   lengths that do not fit; categories with a missing text; lists, structs and maps without
+///   chunks and structs without fields, whose type is not known; what Arrow's full validation
+///   refuses; nesting deeper than `kMaxNestingLevels`, a map taking two levels.
 ///
 /// A value that is returned converts without failure and passes `ValidateFull`. It owns itself:
 /// `value` is not needed any more. Before each column of a table `hxThrowIfInterruptPending` is
@@ -73,6 +72,8 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> encode(const hxArray* value);
 /// The type of what `to_arrow` gives for `encode` of a written value of `type`; none where such a
 /// value cannot be written or has no readable form. Field names of lists, nullability and metadata
 /// are those that the core gives.
+///
+/// `type` is one that a `std::shared_ptr` holds, as all types of Arrow's factories are.
 ///
 /// A dictionary column of several chunks is written with the index type that its merged dictionary
 /// needs, and unordered: `returns_as` allows for it.

@@ -2,10 +2,12 @@
 
 #include <arrow/array/util.h>
 
+#include <stdexcept>
 #include <utility>
 
 #include "numera/extras/intake/rules.h"
 #include "numera/extras/intake/soundness.h"
+#include "numera/extras/intake/type_text.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -22,8 +24,8 @@ namespace {
   }
   ARROW_RETURN_NOT_OK(check_soundness(chunk->data()));
   if (!chunk->type()->Equals(*type)) {
-    return ::arrow::Status::Invalid("Chunk: found type ", chunk->type()->ToString(), ", expected ",
-                                    type->ToString(), ".");
+    return ::arrow::Status::Invalid("Chunk: found type ", type_text(*chunk->type()), ", expected ",
+                                    type_text(*type), ".");
   }
   return chunk->ValidateFull();
 }
@@ -49,6 +51,24 @@ namespace {
   return taken;
 }
 
+/// With 64-bit offsets where 32 bits do not do. A few bytes can stand for more elements than there
+/// is room to count, in run-end encoded values for instance.
+::arrow::Result<TakenColumn> take_in_narrow_or_wide(const std::string& path,
+                                                    const std::shared_ptr<::arrow::DataType>& type,
+                                                    const ::arrow::ArrayVector& chunks,
+                                                    const Work& work) {
+  try {
+    Work narrow = work;
+    auto taken = take_in_valid(narrow, path, type, chunks);
+    if (taken.ok() || !narrow.needs_wide) return taken;
+    Work wide = work;
+    wide.wide = true;
+    return take_in_valid(wide, path, type, chunks);
+  } catch (const std::length_error&) {
+    return ::arrow::Status::CapacityError("Array: found more elements than memory can hold.");
+  }
+}
+
 }  // namespace
 
 ::arrow::Result<TakenColumn> take_in_column(const std::string& path,
@@ -56,12 +76,7 @@ namespace {
                                             const ::arrow::ArrayVector& chunks, const Work& work) {
   ARROW_RETURN_NOT_OK(check_type(path, *type, work.cast));
   for (const auto& chunk : chunks) ARROW_RETURN_NOT_OK(at(path, check_chunk(type, chunk)));
-  Work narrow = work;
-  auto taken = take_in_valid(narrow, path, type, chunks);
-  if (taken.ok() || !narrow.needs_wide) return taken.ok() ? taken : at(path, taken.status());
-  Work wide = work;
-  wide.wide = true;
-  taken = take_in_valid(wide, path, type, chunks);
+  auto taken = take_in_narrow_or_wide(path, type, chunks, work);
   return taken.ok() ? taken : at(path, taken.status());
 }
 

@@ -64,6 +64,11 @@ DataResult take_dictionary(Work& work, const std::string& path, const ::arrow::A
     work.note(path, array.type, out->type);
     return out;
   }
+  // The host's categories are all there: a null among them would become the empty text.
+  if (const std::int64_t nulls = values->GetNullCount(); nulls > 0) {
+    return ::arrow::Status::Invalid("Dictionary: found ", nulls, " nulls among its values, ",
+                                    "expected none.");
+  }
   if (values->type != type.value_type()) {
     out->type = ::arrow::dictionary(type.index_type(), values->type, type.ordered());
   }

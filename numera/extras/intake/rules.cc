@@ -6,6 +6,7 @@
 
 #include "numera/core/limits.h"
 #include "numera/extras/intake/takes.h"
+#include "numera/extras/intake/type_text.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -84,7 +85,7 @@ static_assert(rules_are_in_order_of_id(), "a rule is found by its id");
 
 ::arrow::Status refuse(const std::string& path, const ::arrow::DataType& type, const char* cure) {
   const std::string place = path.empty() ? "" : path + ": ";
-  return ::arrow::Status::TypeError(place, "found type ", type.ToString(),
+  return ::arrow::Status::TypeError(place, "found type ", type_text(type),
                                     ", expected one that has a host form", cure, ".");
 }
 

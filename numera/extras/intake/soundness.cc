@@ -1,6 +1,7 @@
 #include "numera/extras/intake/soundness.h"
 
 #include <arrow/buffer.h>
+#include <arrow/type.h>
 
 #include <limits>
 
@@ -28,6 +29,17 @@ Status check_buffer(const std::shared_ptr<::arrow::Buffer>& buffer) {
   return Status::OK();
 }
 
+/// Arrow's validation of these leaves the offset out.
+Status check_fixed_size_list(const ::arrow::ArrayData& array) {
+  if (array.type->id() != ::arrow::Type::FIXED_SIZE_LIST) return Status::OK();
+  if (array.child_data.size() != 1 || array.child_data[0] == nullptr) return Status::OK();
+  const std::int64_t size = static_cast<const ::arrow::FixedSizeListType&>(*array.type).list_size();
+  const std::int64_t elements = array.child_data[0]->length;
+  if (size <= 0 || array.offset + array.length <= elements / size) return Status::OK();
+  return Status::Invalid("Array: found ", elements, " elements, expected ", size, " for each of ",
+                         array.offset + array.length, " lists.");
+}
+
 Status check(const ::arrow::ArrayData* array, int levels) {
   if (array == nullptr || array->type == nullptr) {
     return Status::Invalid("Array: found a null pointer, expected an array with a type.");
@@ -41,6 +53,7 @@ Status check(const ::arrow::ArrayData* array, int levels) {
     return Status::Invalid("Array: found offset ", array->offset, " and length ", array->length,
                            ", expected 0 or more and a sum of 64 bits.");
   }
+  ARROW_RETURN_NOT_OK(check_fixed_size_list(*array));
   for (const auto& buffer : array->buffers) ARROW_RETURN_NOT_OK(check_buffer(buffer));
   for (const auto& child : array->child_data) ARROW_RETURN_NOT_OK(check(child.get(), levels - 1));
   return array->dictionary == nullptr ? Status::OK() : check(array->dictionary.get(), levels - 1);

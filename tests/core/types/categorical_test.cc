@@ -532,7 +532,7 @@ TEST(DictionaryToHost, RefusesADictionaryThatIsNotWhatItsTypeSays) {
       {ArrowArray(::arrow::int32(), "[1]")->data(),
        "Dictionary: found int32, expected an array of type string."},
       {ArrowArray(::arrow::large_utf8(), R"(["a"])")->data(),
-       "Dictionary: found large_string, expected an array of type string."},
+       "Dictionary: found large_utf8, expected an array of type string."},
       {without_buffers,
        "Dictionary: found an array without its buffers, expected an array of type string."},
       {falling, "Element 0: found offsets 2 and 1, expected a range that rises within 2 bytes."},

@@ -388,7 +388,7 @@ TEST(TextToHost, LeavesWhatIsThrownOutsideOfTheElementsToTheCaller) {
 }
 
 /// A host's string array that sets one element after another, and refuses one text.
-class PlainStrings final : public hxStringArray {
+class PlainStrings : public hxStringArray {
  public:
   explicit PlainStrings(size_t size) : dims_{size, 1}, texts_(size) {}
 
@@ -432,9 +432,26 @@ TEST(FillHostStrings, CountsTheRowOfAHostWithoutABulkOperationFromTheStartGiven)
             RowFailure(2));
 }
 
-TEST(FillHostStrings, NamesTheFirstRowWhereTheHostTellsNone) {
+TEST(FillHostStrings, NamesTheRowOfATextThatTheHostDoesNotTake) {
   const auto array = ArrowArray(::arrow::utf8(), R"(["a", "refused"])");
   PlainStrings strings(2);
+
+  EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 0),
+            RowFailure(1));
+}
+
+TEST(FillHostStrings, NamesTheFirstRowWhereABulkOperationTellsNone) {
+  class ThrowingStrings final : public PlainStrings {
+   public:
+    using PlainStrings::assign_utf8;
+    using PlainStrings::PlainStrings;
+    std::optional<size_t> assign_utf8(size_t, std::span<const std::int32_t>,
+                                      const std::uint8_t*) override {
+      throw std::bad_alloc();
+    }
+  };
+  const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b"])");
+  ThrowingStrings strings(2);
 
   EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 0),
             RowFailure(0));

@@ -214,6 +214,43 @@ TEST(IntakeRefusals, BeginWhereNestingExceedsItsLimit) {
   EXPECT_EQ(refusal(dictionaries, true).code(), StatusCode::Invalid);
 }
 
+TEST(IntakeRefusals, NameTheTypeThatNestsDeeplyWithoutPrintingAllOfIt) {
+  TypePtr type = int8();
+  for (int i = 0; i < 10'000; ++i) type = list(type);
+  EXPECT_EQ(refusal(::arrow::fixed_size_list(type, 1), false),
+            Status::TypeError("found type fixed_size_list, expected one that has a host form; "
+                              "casts were not asked for."));
+}
+
+TEST(IntakeRefusals, MeetListsOfFixedSizeThatLieBehindTheirElements) {
+  const auto lists = ArrowArray(::arrow::fixed_size_list(int32(), 2), "[[1, 2]]")->data()->Copy();
+  lists->offset = 5;
+  const Status expected =
+      Status::Invalid("Array: found 2 elements, expected 2 for each of 6 lists.");
+  EXPECT_EQ(take_in(::arrow::MakeArray(lists), {.cast = true}).status(), expected);
+
+  const auto fields = ArrayData::Make(::arrow::struct_({field("a", lists->type)}), 1, {nullptr});
+  fields->child_data = {lists};
+  EXPECT_EQ(take_in(::arrow::MakeArray(fields), {.cast = true}).status(), expected);
+}
+
+TEST(IntakeRefusals, MeetNullsAmongTheValuesOfADictionary) {
+  const auto type = ::arrow::dictionary(int8(), utf8());
+  const auto array = std::make_shared<::arrow::DictionaryArray>(
+      type, ArrowArray(int8(), "[0, 1]"), ArrowArray(utf8(), R"(["a", null])"));
+  EXPECT_EQ(take_in(std::shared_ptr<Array>(array)).status(),
+            Status::Invalid("Dictionary: found 1 nulls among its values, expected none."));
+}
+
+TEST(IntakeRefusals, MeetMoreElementsThanMemoryCanHold) {
+  const auto type = ::arrow::run_end_encoded(::arrow::int64(), int8());
+  const auto data = ArrayData::Make(type, std::int64_t{1} << 61, {nullptr}, 0);
+  data->child_data = {ArrowArray(::arrow::int64(), "[2305843009213693952]")->data(),
+                      ArrowArray(int8(), "[7]")->data()};
+  EXPECT_EQ(take_in(::arrow::MakeArray(data), {.cast = true}).status(),
+            Status::CapacityError("Array: found more elements than memory can hold."));
+}
+
 TEST(IntakeRefusals, SpareValuesNestedAsDeepAsTheLimit) {
   const auto array =
       ::arrow::MakeArrayOfNull(nested(kMaxNestingLevels, int8()), 3).ValueOrDie()->Slice(1);
