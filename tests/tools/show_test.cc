@@ -53,6 +53,13 @@ TEST_F(Show, PrintsTheFirstRowsAsAnEncodedTable) {
 )");
 }
 
+TEST_F(Show, IsWhatConvertPrintsLastWhereItIsAskedToShow) {
+  write_text(file_, "n,t\n1,a\n2,b\n");
+  const std::string tree = shown({});
+  EXPECT_THAT(tree, ::testing::HasSubstr("Data: string 2x1 [\"a\" \"b\"]\n"));
+  EXPECT_THAT(converted(file_, {"--show"}), ::testing::EndsWith(" s\n\n" + tree));
+}
+
 TEST_F(Show, PrintsTenRowsWhereNoneAreAskedFor) {
   write_text(file_, "n\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n");
   EXPECT_THAT(shown({}), ::testing::HasSubstr("Data: int64 10x1 [1 2 3 4 5 6 7 8 9 10]\n"));

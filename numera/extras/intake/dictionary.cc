@@ -10,12 +10,21 @@
 namespace numera::extras::intake {
 namespace {
 
+/// A dictionary that several fields share is taken in once, and its casts are noted for each.
 DataResult take_values(Work& work, const std::string& path, const Data& dictionary) {
-  Data& taken = work.dictionaries[dictionary.get()];
-  if (taken == nullptr) {
-    ARROW_ASSIGN_OR_RAISE(taken, take_in_data(work, path + "<dictionary>", *dictionary));
+  const std::string here = path + "<dictionary>";
+  TakenDictionary& taken = work.dictionaries[dictionary.get()];
+  if (taken.values != nullptr) {
+    for (const IntakeCast& cast : taken.casts) work.note(here + cast.path, cast.from, cast.to);
+    return taken.values;
   }
-  return taken;
+  const size_t noted = work.casts.size();
+  ARROW_ASSIGN_OR_RAISE(taken.values, take_in_data(work, here, *dictionary));
+  for (size_t i = noted; i < work.casts.size(); ++i) {
+    const IntakeCast& cast = work.casts[i];
+    taken.casts.push_back({cast.path.substr(here.size()), cast.from, cast.to});
+  }
+  return taken.values;
 }
 
 template <class Index>

@@ -23,6 +23,11 @@ namespace numera::extras::intake {
 using Data = std::shared_ptr<::arrow::ArrayData>;
 using DataResult = ::arrow::Result<Data>;
 
+struct TakenDictionary {
+  Data values;
+  std::vector<IntakeCast> casts;  ///< with paths from the dictionary on
+};
+
 struct Work {
   ::arrow::MemoryPool* pool = ::arrow::default_memory_pool();
   bool cast = false;
@@ -36,7 +41,7 @@ struct Work {
   bool records = true;
   std::vector<IntakeCast> casts;
   /// Dictionaries taken in so far, by the input: chunks that share one still do afterwards.
-  std::unordered_map<const ::arrow::ArrayData*, Data> dictionaries;
+  std::unordered_map<const ::arrow::ArrayData*, TakenDictionary> dictionaries;
 
   void note(const std::string& path, std::shared_ptr<::arrow::DataType> from,
             std::shared_ptr<::arrow::DataType> to) {

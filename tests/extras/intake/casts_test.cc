@@ -295,5 +295,16 @@ TEST(IntakeCasts, OfWholeValuesHaveAnEmptyPath) {
                                 "run_end_encoded<run_ends: int32, values: halffloat> to double"}));
 }
 
+TEST(IntakeCasts, AreReportedForEachFieldThatSharesADictionary) {
+  const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8_view());
+  const ArrayPtr codes = std::make_shared<::arrow::DictionaryArray>(
+      type, ArrowArray(::arrow::int8(), "[0]"), ArrowArray(::arrow::utf8_view(), R"(["a"])"));
+  const ArrayPtr fields =
+      ::arrow::StructArray::Make({codes, codes}, std::vector<std::string>{"a", "b"}).ValueOrDie();
+  EXPECT_EQ(cast(fields).casts,
+            (std::vector<std::string>{".a<dictionary>: string_view to string",
+                                      ".b<dictionary>: string_view to string"}));
+}
+
 }  // namespace
 }  // namespace numera::testing
