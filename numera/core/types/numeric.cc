@@ -122,6 +122,27 @@ template <class T>
   return column;
 }
 
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<double>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<float>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::int8_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::uint8_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::int16_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::uint16_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::int32_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::uint32_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::int64_t>, std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+                                                          std::span<std::uint64_t>, std::int64_t);
+
 template ::arrow::Result<hxArrayPtr> numeric_to_numera<double>(const ::arrow::ChunkedArray&);
 template ::arrow::Result<hxArrayPtr> numeric_to_numera<float>(const ::arrow::ChunkedArray&);
 template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int8_t>(const ::arrow::ChunkedArray&);
