@@ -1,3 +1,22 @@
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fcf-protection=full numera_has_cf_protection)
+check_cxx_compiler_flag(-mbranch-protection=standard numera_has_branch_protection)
+
+# What makes a fault harder to exploit, for what users run: checked copies of known size, guarded
+# stacks, guarded jumps where the processor knows them, and tables of addresses that are bound when
+# the program starts and read-only from then on.
+function(numera_harden target)
+  set(options -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong
+    -fstack-clash-protection)
+  if(numera_has_cf_protection)
+    list(APPEND options -fcf-protection=full)
+  elseif(numera_has_branch_protection)
+    list(APPEND options -mbranch-protection=standard)
+  endif()
+  target_compile_options(${target} PRIVATE "$<$<NOT:$<CONFIG:Debug>>:${options}>")
+  target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now,-z,noexecstack)
+endfunction()
+
 # numera_compile_options(TARGET): what every target of the project is compiled with.
 function(numera_compile_options target)
   if(NUMERA_DEVELOPER_WARNINGS)
@@ -16,6 +35,8 @@ function(numera_compile_options target)
     target_compile_options(${target} PRIVATE -fsanitize=${NUMERA_SANITIZE}
       -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${NUMERA_SANITIZE})
+  else()
+    numera_harden(${target})
   endif()
 endfunction()
 
