@@ -3,6 +3,7 @@
 /// \file
 /// Everything public of the host interface, the conversions and the text conversion.
 
+#include "numera/core/encoded_table.h"
 #include "numera/core/limits.h"
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_arrow_table.h"

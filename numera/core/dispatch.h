@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "numera/core/encoded_table.h"
 #include "numera/host/array.h"
 
 namespace numera::io::arrow::core {
@@ -34,6 +35,12 @@ ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_lev
 
 /// A plain "Valid" to a bitmap over its bytes; null where it has no bytes.
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid);
+
+/// The four fields of a column, after the checks that every column from outside goes through.
+::arrow::Result<EncodedColumn> encode_checked(const ::arrow::ChunkedArray* column);
+
+/// Moves the four fields of a column into element `index` of a struct array that has them.
+void put_fields(hxArray* envelopes, size_t index, EncodedColumn column);
 
 /// The whole envelope of a column whose nesting is known to be within the limit.
 ::arrow::Result<hxArrayPtr> column_to_numera(const ::arrow::ChunkedArray& column);

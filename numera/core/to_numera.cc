@@ -10,6 +10,26 @@
 #include "numera/core/validity.h"
 
 namespace numera::io::arrow::core {
+namespace {
+
+::arrow::Result<EncodedColumn> encode(const ::arrow::ChunkedArray& column) {
+  const ArrowTypeRow& row = arrow_type_row(column.type()->id());
+  const std::u16string_view kind = row.kind;
+  EncodedColumn encoded;
+  ARROW_ASSIGN_OR_RAISE(encoded.data, data_to_numera(column));
+  encoded.arrow_type = make_char_row(kind);
+  encoded.type = make_char_row(row.encoded_name);
+  encoded.valid = validity_to_numera(column, kind == u"array");
+  return encoded;
+}
+
+hxArrayPtr envelope_of(EncodedColumn column) {
+  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Type", "Valid", "Data"});
+  put_fields(envelope.get(), 0, std::move(column));
+  return envelope;
+}
+
+}  // namespace
 
 ::arrow::Result<hxArrayPtr> data_to_numera(const ::arrow::ChunkedArray& column) {
   const Writer writer = arrow_type_row(column.type()->id()).writer;
@@ -21,16 +41,25 @@ namespace numera::io::arrow::core {
   return writer(column);
 }
 
+void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
+  hxSetField(envelopes, index, "ArrowType", std::move(column.arrow_type));
+  hxSetField(envelopes, index, "Type", std::move(column.type));
+  hxSetField(envelopes, index, "Valid", std::move(column.valid));
+  hxSetField(envelopes, index, "Data", std::move(column.data));
+}
+
+::arrow::Result<EncodedColumn> encode_checked(const ::arrow::ChunkedArray* column) {
+  if (column == nullptr) {
+    return ::arrow::Status::Invalid("Received null pointer in arrow::Column conversion");
+  }
+  ARROW_RETURN_NOT_OK(check_nesting(*column->type()));
+  ARROW_RETURN_NOT_OK(check_layout(*column));
+  return encode(*column);
+}
+
 ::arrow::Result<hxArrayPtr> column_to_numera(const ::arrow::ChunkedArray& column) {
-  const ArrowTypeRow& row = arrow_type_row(column.type()->id());
-  const std::u16string_view kind = row.kind;
-  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Type", "Valid", "Data"});
-  hxSetField(envelope.get(), 0, "ArrowType", make_char_row(kind));
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, data_to_numera(column));
-  hxSetField(envelope.get(), 0, "Data", std::move(data));
-  hxSetField(envelope.get(), 0, "Valid", validity_to_numera(column, kind == u"array"));
-  hxSetField(envelope.get(), 0, "Type", make_char_row(row.encoded_name));
-  return envelope;
+  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, encode(column));
+  return envelope_of(std::move(encoded));
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Array> array) {
@@ -41,12 +70,8 @@ namespace numera::io::arrow::core {
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::ChunkedArray> column) {
-  if (column == nullptr) {
-    return ::arrow::Status::Invalid("Received null pointer in arrow::Column conversion");
-  }
-  ARROW_RETURN_NOT_OK(check_nesting(*column->type()));
-  ARROW_RETURN_NOT_OK(check_layout(*column));
-  return column_to_numera(*column);
+  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, encode_checked(column.get()));
+  return envelope_of(std::move(encoded));
 }
 
 }  // namespace numera::io::arrow::core
