@@ -25,24 +25,44 @@ void copy_aligned(const std::uint8_t* source, std::int64_t bits, std::uint8_t* t
   if (bits % 8 != 0) merge(target[whole], source[whole], low_bits(bits % 8));
 }
 
-/// Moves 64 bits at a time to a target that starts at bit `shift` (1 to 7) of its first byte.
+std::uint64_t load_word(const std::uint8_t* bytes, size_t count = 8) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, count);
+  return word;
+}
+
+void store_word(std::uint8_t* target, std::uint64_t word, size_t count = 8) {
+  std::memcpy(target, &word, count);
+}
+
+/// The last `bits` (1 to 63) bits of a copy to a target that starts at bit `shift`.
+void copy_shifted_end(const std::uint8_t* source, std::int64_t bits, std::uint8_t* target,
+                      int shift) {
+  const std::uint64_t word = load_word(source, static_cast<size_t>(bitmap_bytes(bits)));
+  const std::int64_t end = shift + bits;
+  const std::int64_t whole = end / 8;
+  const std::uint64_t moved = (target[0] & std::uint64_t{low_bits(shift)}) | word << shift;
+  store_word(target, moved, static_cast<size_t>(std::min<std::int64_t>(whole, 8)));
+  if (end % 8 == 0) return;
+  const std::uint64_t last = whole < 8 ? moved >> (8 * whole) : word >> (64 - shift);
+  merge(target[whole], static_cast<std::uint8_t>(last), low_bits(end % 8));
+}
+
+/// Moves 64 bits at a time to a target that starts at bit `shift` (1 to 7) of its first byte. Every
+/// word after the first is put together from the source alone: no word waits for the one before.
 void copy_shifted(const std::uint8_t* source, std::int64_t bits, std::uint8_t* target, int shift) {
-  const std::uint64_t kept = low_bits(shift);
-  for (; bits >= 64; bits -= 64, source += 8, target += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, source, 8);
-    const std::uint64_t first = (target[0] & kept) | (word << shift);
-    std::memcpy(target, &first, 8);
-    merge(target[8], static_cast<std::uint8_t>(word >> (64 - shift)), low_bits(shift));
-  }
-  for (; bits > 0; bits -= 8, ++source, ++target) {
-    const unsigned mask = unsigned{low_bits(std::min<std::int64_t>(bits, 8))} << shift;
-    const unsigned moved = unsigned{*source} << shift;
-    merge(target[0], static_cast<std::uint8_t>(moved), static_cast<std::uint8_t>(mask));
-    if ((mask >> 8) != 0) {
-      merge(target[1], static_cast<std::uint8_t>(moved >> 8), static_cast<std::uint8_t>(mask >> 8));
+  const std::int64_t words = bits / 64;
+  if (words > 0) {
+    store_word(target, (target[0] & std::uint64_t{low_bits(shift)}) | load_word(source) << shift);
+    for (std::int64_t i = 1; i < words; ++i) {
+      const std::uint64_t before = load_word(source + 8 * (i - 1));
+      store_word(target + 8 * i, before >> (64 - shift) | load_word(source + 8 * i) << shift);
     }
+    source += 8 * words;
+    target += 8 * words;
+    merge(*target, static_cast<std::uint8_t>(source[-1] >> (8 - shift)), low_bits(shift));
   }
+  if (bits % 64 != 0) copy_shifted_end(source, bits % 64, target, shift);
 }
 
 /// The unused bits behind the last one in use, where whole bytes of `source` reach them.
@@ -57,10 +77,26 @@ void carry_unused_bits(std::span<const std::uint8_t> source, std::int64_t length
         static_cast<std::uint8_t>(~low_bits(target.total % 8)));
 }
 
+/// Bits [begin, end), begin < end, become those of `fill`.
+void fill_bits(std::uint8_t* bytes, std::int64_t begin, std::int64_t end, std::uint8_t fill) {
+  std::int64_t first = begin / 8;
+  const std::int64_t last = end / 8;
+  const std::uint8_t kept = low_bits(begin % 8);
+  if (first == last) {
+    merge(bytes[first], fill, static_cast<std::uint8_t>(low_bits(end % 8) & ~kept));
+    return;
+  }
+  merge(bytes[first], fill, static_cast<std::uint8_t>(~kept));
+  ++first;
+  std::memset(bytes + first, fill, static_cast<size_t>(last - first));
+  if (end % 8 != 0) merge(bytes[last], fill, low_bits(end % 8));
+}
+
 }  // namespace
 
-void copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length, BitmapTarget target) {
-  if (source.empty() || target.bytes.empty()) return;
+std::int64_t copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length,
+                         BitmapTarget target) {
+  if (source.empty() || target.bytes.empty()) return 0;
   const auto available = static_cast<std::int64_t>(source.size());
   const std::int64_t bits = bitmap_bytes(length) <= available ? length : available * 8;
   std::uint8_t* const first = target.bytes.data() + target.position / 8;
@@ -71,6 +107,20 @@ void copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length, Bitm
     copy_aligned(source.data(), bits, first);
     carry_unused_bits(source, length, target);
   }
+  return bits;
+}
+
+BitmapWriter::BitmapWriter(std::span<std::uint8_t> bytes, std::int64_t total, std::uint8_t fill)
+    : bytes_(bytes), total_(total), fill_(fill) {
+  if (!bytes.empty()) bytes.back() = fill;
+}
+
+void BitmapWriter::append(std::span<const std::uint8_t> source, std::int64_t length) {
+  const std::int64_t copied = copy_bitmap(source, length, {bytes_, position_, total_});
+  if (copied < length && !bytes_.empty()) {
+    fill_bits(bytes_.data(), position_ + copied, position_ + length, fill_);
+  }
+  position_ += length;
 }
 
 }  // namespace numera::io::arrow::core

@@ -19,27 +19,28 @@ struct BitmapTarget {
 /// significant first. `target.position + length` is at most `target.total`, and `target.bytes`
 /// holds `target.total` bits.
 ///
-/// A source that is too short leaves the bits beyond its end as they are. A copy that starts on a
+/// Returns how many bits were copied: a source that is too short leaves the bits beyond its end as
+/// they are. A copy that starts on a
 /// byte moves whole bytes, as many as the source has (all but the last unless `length` is a
 /// multiple of 8): what these carry past `length` reaches the unused bits at the end of the target,
 /// and never a bit in use.
-void copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length, BitmapTarget target);
+std::int64_t copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length,
+                         BitmapTarget target);
 
-/// Copies the bits of one chunk after another, each with `copy_bitmap`. A chunk without bits (an
-/// empty source) leaves its bits as they are.
+/// Copies the bits of one chunk after another, each with `copy_bitmap`, and writes every byte on
+/// the way: what a chunk has no bits for, and what is unused at the end, takes the bits of a fill.
 class BitmapWriter {
  public:
-  /// `bytes` holds `total` bits, or is empty: then nothing is written.
-  BitmapWriter(std::span<std::uint8_t> bytes, std::int64_t total) : bytes_(bytes), total_(total) {}
+  /// `bytes` need not be initialized. They hold `total` bits, the sum of the lengths to come, or
+  /// are empty: then nothing is written. `fill` is 0 or 0xFF.
+  BitmapWriter(std::span<std::uint8_t> bytes, std::int64_t total, std::uint8_t fill);
 
-  void append(std::span<const std::uint8_t> source, std::int64_t length) {
-    copy_bitmap(source, length, {bytes_, position_, total_});
-    position_ += length;
-  }
+  void append(std::span<const std::uint8_t> source, std::int64_t length);
 
  private:
   std::span<std::uint8_t> bytes_;
   std::int64_t total_;
+  std::uint8_t fill_;
   std::int64_t position_ = 0;
 };
 

@@ -18,14 +18,12 @@ hxArrayPtr make_bitmap_envelopes(size_t count) {
 
 BitmapWriter store_bitmap(hxArray* envelopes, size_t index, std::int64_t length, BitFill fill) {
   const auto size = fill == BitFill::NoBits ? 0 : static_cast<size_t>(bitmap_bytes(length));
-  hxArrayPtr values = fill == BitFill::Ones ? make_column(hxClassID::UInt8, size)
-                                            : make_zero_column(hxClassID::UInt8, size);
+  hxArrayPtr values = make_column(hxClassID::UInt8, size);
   const std::span<std::uint8_t> bytes(elements<std::uint8_t>(values), size);
-  if (fill == BitFill::Ones && size > 0) std::memset(bytes.data(), 0xFF, size);
   hxSetField(envelopes, index, "Values", std::move(values));
   hxSetField(envelopes, index, "Length", make_double(static_cast<double>(length)));
   hxSetField(envelopes, index, "ArrowType", make_char_row(u"buffer"));
-  return {bytes, length};
+  return {bytes, length, static_cast<std::uint8_t>(fill == BitFill::Ones ? 0xFF : 0)};
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer) {

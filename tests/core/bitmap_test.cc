@@ -137,10 +137,10 @@ TEST_P(RandomBitmaps, OfManyChunksAreJoinedAsBitByBit) {
     std::vector<size_t> lengths(up_to(8));
     size_t total = 0;
     for (size_t& length : lengths) total += length = up_to(1) == 0 ? 8 * up_to(9) : up_to(150);
-    const Bytes start((total + 7) / 8, 0xFF);
-    Bytes expected = start;
-    ExactBlock target(start);
-    BitmapWriter writer(target.span(), static_cast<std::int64_t>(total));
+    const std::uint8_t fill = i % 2 == 0 ? 0xFF : 0x00;
+    Bytes expected((total + 7) / 8, fill);
+    ExactBlock target(bytes(expected.size()));
+    BitmapWriter writer(target.span(), static_cast<std::int64_t>(total), fill);
     size_t position = 0;
     for (const size_t length : lengths) {
       const Bytes source = up_to(3) == 0 ? Bytes() : bytes(source_size(length));
@@ -157,9 +157,37 @@ TEST_P(RandomBitmaps, OfManyChunksAreJoinedAsBitByBit) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomBitmaps, ::testing::Range(1U, 11U));
 
-TEST(BitmapWriter, LeavesTheBitsOfAChunkWithoutBits) {
-  ExactBlock target({0xFF, 0xFF});
-  BitmapWriter writer(target.span(), 12);
+TEST(CopyBitmap, MovesWordsFromAndToEveryPlace) {
+  for (size_t position = 0; position < 8; ++position) {
+    for (size_t length = 0; length < 3 * 64 + 8; ++length) {
+      SCOPED_TRACE(::testing::Message() << length << " bits to bit " << position);
+      const size_t total = position + length + 3;
+      const Bytes source((length + 7) / 8, 0xA7);
+      const Bytes target((total + 7) / 8, 0x5C);
+      ASSERT_EQ(copied(source, length, target, position, total),
+                CopyBitmapModel(source, length, target, position, total));
+    }
+  }
+}
+
+TEST(CopyBitmap, ReturnsHowManyBitsItCopied) {
+  struct Case {
+    size_t source;
+    size_t target;
+    std::int64_t length;
+    std::int64_t copied;
+  };
+  for (const Case& one : {Case{2, 2, 12, 12}, Case{1, 2, 12, 8}, Case{0, 2, 12, 0},
+                          Case{3, 2, 12, 12}, Case{2, 0, 12, 0}}) {
+    const Bytes source(one.source);
+    Bytes target(one.target);
+    EXPECT_EQ(copy_bitmap(source, one.length, {target, 0, 12}), one.copied);
+  }
+}
+
+TEST(BitmapWriter, FillsWhatAChunkHasNoBitsFor) {
+  ExactBlock target({0x55, 0xAA});
+  BitmapWriter writer(target.span(), 12, 0xFF);
   const Bytes none{0x00};
   writer.append({}, 3);
   writer.append(none, 5);
@@ -167,8 +195,22 @@ TEST(BitmapWriter, LeavesTheBitsOfAChunkWithoutBits) {
   EXPECT_EQ(target.bytes(), (Bytes{0x07, 0xFF}));
 }
 
+TEST(BitmapWriter, FillsBytesThatNobodyHasWritten) {
+  for (const std::uint8_t fill : Bytes{0x00, 0xFF}) {
+    ExactBlock target(Bytes{0x55, 0x55, 0x55, 0x55, 0x55});
+    BitmapWriter writer(target.span(), 35, fill);
+    const Bytes source{0x0C};
+    writer.append(source, 4);
+    writer.append({}, 27);
+    writer.append(source, 4);
+    const Bytes zeros{0x0C, 0x00, 0x00, 0x00, 0x06};
+    const Bytes ones{0xFC, 0xFF, 0xFF, 0x7F, 0xFE};
+    EXPECT_EQ(target.bytes(), fill == 0 ? zeros : ones);
+  }
+}
+
 TEST(BitmapWriter, WritesNothingToNoBytes) {
-  BitmapWriter writer({}, 12);
+  BitmapWriter writer({}, 12, 0xFF);
   const Bytes source{0x00, 0x00};
   writer.append(source, 12);
   writer.append(source, 4);
