@@ -1,0 +1,30 @@
+#include "numera/extras/parallel/parallel.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "numera/core/encoded_table.h"
+#include "numera/extras/parallel/in_order.h"
+
+namespace numera::extras {
+
+::arrow::Result<hxArrayPtr> parallel_to_numera(std::shared_ptr<::arrow::Table> table,
+                                               size_t threads) {
+  namespace core = io::arrow::core;
+  ARROW_ASSIGN_OR_RAISE(core::EncodedTable encoded, core::begin_encoded_table(table.get()));
+  std::vector<core::EncodedColumn> columns(static_cast<size_t>(table->num_columns()));
+  const auto check = [](size_t) { hxThrowIfInterruptPending(); };
+  const auto convert = [&](size_t i) -> ::arrow::Status {
+    return core::encode_column(*table, static_cast<int>(i)).Value(&columns[i]);
+  };
+  if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1U);
+  ARROW_RETURN_NOT_OK(parallel::in_order(columns.size(), threads, check, convert));
+  for (size_t i = 0; i < columns.size(); ++i) {
+    core::put_column(encoded, static_cast<int>(i), std::move(columns[i]));
+  }
+  return std::move(encoded.envelope);
+}
+
+}  // namespace numera::extras

@@ -1,0 +1,202 @@
+#include "numera/extras/parallel/parallel.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "numera/core/to_numera.h"
+#include "numera/core/util/table_error.h"
+#include "numera/host/memory.h"
+#include "numera/host/text_codec.h"
+#include "tests/extras/encode/columns.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/faults.h"
+#include "tests/support/host_matchers.h"
+#include "tests/support/recording_host.h"
+
+namespace numera::testing {
+namespace {
+
+using ::arrow::Status;
+using extras::parallel_to_numera;
+using host::memory::LiveArrays;
+using io::arrow::core::to_numera;
+using io::arrow::core::util::TableErrorStatusDetail;
+using TablePtr = std::shared_ptr<::arrow::Table>;
+using Columns = std::vector<std::shared_ptr<::arrow::ChunkedArray>>;
+
+constexpr size_t kThreadCounts[] = {0, 1, 2, 3, 7};
+
+TablePtr table_of(Columns columns) {
+  ::arrow::FieldVector fields;
+  for (const auto& column : columns) {
+    fields.push_back(::arrow::field("c" + std::to_string(fields.size()), column->type()));
+  }
+  const std::int64_t rows = columns.empty() ? 0 : columns[0]->length();
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(columns), rows);
+}
+
+std::shared_ptr<::arrow::ChunkedArray> good() { return ArrowChunks(::arrow::int32(), {"[1, 2]"}); }
+std::shared_ptr<::arrow::ChunkedArray> bad() { return ArrowChunks(::arrow::float16(), {}); }
+std::shared_ptr<::arrow::ChunkedArray> text() {
+  return ArrowChunks(::arrow::utf8(), {R"(["a", null])", R"(["Zürich"])"});
+}
+
+/// A column of every type, and each of them in every nesting; the same arrays in several columns.
+TablePtr everything() {
+  Columns columns;
+  for (const ColumnType& one : column_types()) {
+    const ::arrow::ArrayVector chunks = {ArrowArray(one.type, one.json),
+                                         ArrowArray(one.type, one.more_json)};
+    columns.push_back(std::make_shared<::arrow::ChunkedArray>(chunks));
+    for (const Nest& nest : nestings()) {
+      columns.push_back(std::make_shared<::arrow::ChunkedArray>(
+          ::arrow::ArrayVector{nest(chunks[0]), nest(chunks[1])}));
+    }
+  }
+  return table_of(std::move(columns));
+}
+
+class Parallel : public ::testing::Test {
+ protected:
+  ~Parallel() override {
+    host::memory::SetInterruptCheck({});
+    host::memory::ClearInterrupt();
+    Reset();
+    EXPECT_EQ(LiveArrays(), before_) << "host arrays left";
+  }
+
+ private:
+  size_t before_ = LiveArrays();
+};
+
+TEST_F(Parallel, MakesWhatTheSerialCallMakes) {
+  const struct {
+    const char* what;
+    TablePtr table;
+  } cases[] = {
+      {"no columns", table_of({})},
+      {"one column", table_of({text()})},
+      {"no rows", table_of({ArrowChunks(::arrow::utf8(), {}), ArrowChunks(::arrow::int8(), {})})},
+      {"one column ten times", table_of(Columns(10, text()))},
+      {"a thousand columns", table_of(Columns(1000, good()))},
+      {"every type, plain and nested", everything()},
+  };
+  for (const auto& [what, table] : cases) {
+    const hxArrayPtr serial = to_numera(table).ValueOrDie();
+    for (const size_t threads : kThreadCounts) {
+      SCOPED_TRACE(std::string(what) + " on " + std::to_string(threads) + " threads");
+      const hxArrayPtr parallel = parallel_to_numera(table, threads).ValueOrDie();
+      EXPECT_TRUE(SameHostValue(parallel.get(), serial.get()));
+    }
+  }
+}
+
+TEST_F(Parallel, RefusesWhatIsNoTableLikeTheSerialCall) {
+  const auto one_column = ::arrow::schema({::arrow::field("a", ::arrow::int8())});
+  const TablePtr cases[] = {
+      nullptr,
+      ::arrow::Table::Make(nullptr, Columns(), 0),
+      ::arrow::Table::Make(one_column, Columns(), 0),
+  };
+  for (const TablePtr& table : cases) {
+    const Status expected = to_numera(table).status();
+    EXPECT_FALSE(expected.ok());
+    for (const size_t threads : kThreadCounts) {
+      EXPECT_EQ(parallel_to_numera(table, threads).status(), expected);
+    }
+  }
+}
+
+TEST_F(Parallel, ReportsTheLowestOfTheColumnsThatFail) {
+  const auto short_column =
+      std::make_shared<::arrow::ChunkedArray>(std::make_shared<::arrow::Int8Array>(2, nullptr));
+  const TablePtr table = table_of({good(), good(), short_column, bad(), short_column, bad()});
+  for (const size_t threads : kThreadCounts) {
+    SCOPED_TRACE(threads);
+    const Status status = parallel_to_numera(table, threads).status();
+    EXPECT_EQ(status.code(), ::arrow::StatusCode::Invalid);
+    EXPECT_EQ(status.message(), "Values buffer: found 0 bytes, expected enough for 2 elements.");
+    const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
+    ASSERT_NE(detail, nullptr);
+    EXPECT_EQ(detail->column_index(), 2);
+    EXPECT_EQ(detail->column_name(), "c2");
+    EXPECT_STREQ(detail->type_id(), "Internal");
+  }
+}
+
+TEST_F(Parallel, PassesTheExceptionOfAColumnOn) {
+  const auto unnamed =
+      ArrowChunks(::arrow::struct_({::arrow::field("\xFF", ::arrow::int8())}), {"[null, null]"});
+  for (const size_t threads : kThreadCounts) {
+    EXPECT_THROW(static_cast<void>(parallel_to_numera(table_of({good(), unnamed, bad()}), threads)),
+                 hxCodecError);
+    EXPECT_FALSE(parallel_to_numera(table_of({good(), bad(), unnamed}), threads).ok());
+  }
+}
+
+TEST_F(Parallel, ChecksForInterruptsOnceAColumnOnTheCallingThread) {
+  for (const size_t threads : kThreadCounts) {
+    for (const size_t count : {0U, 1U, 5U}) {
+      SCOPED_TRACE(std::to_string(count) + " columns on " + std::to_string(threads) + " threads");
+      size_t checks = 0;  // the check belongs to this thread: calls on others do not count
+      host::memory::SetInterruptCheck([&checks] { ++checks; });
+      Reset();
+      ASSERT_TRUE(parallel_to_numera(table_of(Columns(count, text())), threads).ok());
+      EXPECT_EQ(checks, count);
+      EXPECT_EQ(Calls("hxThrowIfInterruptPending"), count);
+    }
+  }
+}
+
+TEST_F(Parallel, StopsBeforeEachColumnInTurn) {
+  const TablePtr table = table_of(Columns(4, text()));
+  for (const size_t threads : kThreadCounts) {
+    for (size_t stop = 0; stop < 4; ++stop) {
+      SCOPED_TRACE(std::to_string(threads) + " threads, before " + std::to_string(stop));
+      size_t checks = 0;
+      host::memory::SetInterruptCheck([&checks, stop] {
+        if (checks++ == stop) throw std::string("stopped");
+      });
+      EXPECT_THROW(static_cast<void>(parallel_to_numera(table, threads)), std::string);
+      EXPECT_EQ(checks, stop + 1);
+    }
+  }
+}
+
+TEST_F(Parallel, HeedsAnInterruptThatTheProgramRequests) {
+  host::memory::RequestInterrupt();
+  EXPECT_THROW(static_cast<void>(parallel_to_numera(table_of({good(), good()}), 2)),
+               host::memory::InterruptException);
+}
+
+TEST_F(Parallel, ReportsAFailureBeforeTheInterruptThatFollowsIt) {
+  for (const size_t threads : kThreadCounts) {
+    size_t checks = 0;
+    host::memory::SetInterruptCheck([&checks] {
+      if (++checks == 2) throw std::string("stopped");
+    });
+    EXPECT_EQ(parallel_to_numera(table_of({bad(), good()}), threads).status().code(),
+              ::arrow::StatusCode::TypeError);
+  }
+}
+
+// Every host allocation of the workers lies within a host call that may throw; those are counted on
+// all threads together, while allocations are counted on the calling thread alone.
+TEST_F(Parallel, LeavesNothingBehindWhereverItFails) {
+  const TablePtr table = table_of({text(), good(), text(), good()});
+  for (const size_t threads : {2U, 4U}) {
+    SCOPED_TRACE(threads);
+    const FaultSites sites =
+        FailEverywhere([&] { return parallel_to_numera(table, threads).status(); });
+    EXPECT_GE(sites.allocations, 8U);
+    EXPECT_GE(sites.calls, 80U);
+  }
+}
+
+}  // namespace
+}  // namespace numera::testing
