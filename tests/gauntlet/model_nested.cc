@@ -1,0 +1,84 @@
+#include "tests/gauntlet/model.h"
+#include "tests/support/host_builder.h"
+
+namespace numera::gauntlet {
+namespace {
+
+using ::arrow::ArrayData;
+using namespace numera::testing;
+using ArrayDataPtr = std::shared_ptr<ArrayData>;
+
+hxArrayPtr envelope_of(const ArrayDataPtr& child) { return model_envelope({child->type, {child}}); }
+
+/// The offsets of the chunk's own lists, as they are stored. Without lists there may be no buffer.
+template <class Offset>
+hxArrayPtr stored_offsets(const ArrayData& chunk) {
+  if (chunk.length == 0 && !has_bytes(chunk, 1)) return Scalar<Offset>(0);
+  std::vector<Offset> offsets;
+  for (std::int64_t i = 0; i <= chunk.length; ++i) {
+    offsets.push_back(element_at<Offset>(chunk, 1, chunk.offset + i));
+  }
+  return numera::testing::Column<Offset>(offsets);
+}
+
+hxArrayPtr start_offsets(const ArrayData& chunk) {
+  return has_wide_offsets(*chunk.type) ? stored_offsets<std::int64_t>(chunk)
+                                       : stored_offsets<std::int32_t>(chunk);
+}
+
+/// A struct with one element a chunk, each filled by `fill(data, c, chunk)`.
+template <class Fill>
+hxArrayPtr element_a_chunk(const Column& column, std::initializer_list<const char*> names,
+                           Fill fill) {
+  const std::vector<const char*> fields(names);
+  hxArrayPtr data = hxCreateStructArray(Dims{column.chunks.size(), 1}, fields);
+  for (size_t c = 0; c < column.chunks.size(); ++c) fill(data.get(), c, *column.chunks[c]);
+  return data;
+}
+
+/// The child of a struct, cut to the rows of the struct.
+ArrayDataPtr field_of(const ArrayData& chunk, size_t i) {
+  ArrayDataPtr child = chunk.child_data[i]->Copy();
+  if (child->length < chunk.offset + chunk.length) throw Refused();
+  child->offset += chunk.offset;
+  child->length = chunk.length;
+  child->null_count = ::arrow::kUnknownNullCount;
+  return child;
+}
+
+}  // namespace
+
+hxArrayPtr model_lists(const Column& column) {
+  return element_a_chunk(column, {"Values", "StartOffsets"},
+                         [](hxArray* data, size_t c, const ArrayData& chunk) {
+                           hxSetField(data, c, "Values", envelope_of(chunk.child_data[0]));
+                           hxSetField(data, c, "StartOffsets", start_offsets(chunk));
+                         });
+}
+
+hxArrayPtr model_maps(const Column& column) {
+  return element_a_chunk(column, {"Keys", "Values", "StartOffsets"},
+                         [](hxArray* data, size_t c, const ArrayData& chunk) {
+                           const ArrayData& entries = *chunk.child_data[0];
+                           hxSetField(data, c, "Keys", envelope_of(entries.child_data[0]));
+                           hxSetField(data, c, "Values", envelope_of(entries.child_data[1]));
+                           hxSetField(data, c, "StartOffsets", start_offsets(chunk));
+                         });
+}
+
+hxArrayPtr model_structs(const Column& column) {
+  return element_a_chunk(column, {"FieldName", "FieldData"},
+                         [](hxArray* data, size_t c, const ArrayData& chunk) {
+                           const auto& fields = chunk.type->fields();
+                           hxArrayPtr names = hxCreateCellArray(Dims{1, fields.size()});
+                           hxArrayPtr children = hxCreateCellArray(Dims{1, fields.size()});
+                           for (size_t i = 0; i < fields.size(); ++i) {
+                             hxSetCell(names.get(), i, Char(fields[i]->name()));
+                             hxSetCell(children.get(), i, envelope_of(field_of(chunk, i)));
+                           }
+                           hxSetField(data, c, "FieldName", std::move(names));
+                           hxSetField(data, c, "FieldData", std::move(children));
+                         });
+}
+
+}  // namespace numera::gauntlet

@@ -1,0 +1,124 @@
+/// \file
+/// Every type and shape of Arrow data to the host, as it stands and taken in first, against a model
+/// that uses nothing of the library.
+
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include "numera/core/to_numera.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/host/memory.h"
+#include "tests/gauntlet/cases.h"
+#include "tests/gauntlet/compact.h"
+#include "tests/gauntlet/model.h"
+#include "tests/support/host_matchers.h"
+
+namespace numera::gauntlet {
+namespace {
+
+using ::arrow::ChunkedArray;
+using io::arrow::core::to_numera;
+using testing::SameHostValue;
+
+/// The model's value, or null where the column must be refused.
+hxArrayPtr expected_of(const Column& column) {
+  try {
+    return model_envelope(column);
+  } catch (const Refused&) {
+    return nullptr;
+  }
+}
+
+/// Arrow counts nulls when it makes a chunked array, and trusts bitmaps to be long enough: where
+/// they are not, the count is given.
+std::shared_ptr<ChunkedArray> chunked(const Column& column) {
+  ::arrow::ArrayVector chunks;
+  for (const auto& chunk : column.chunks) {
+    const auto& bitmap = chunk->buffers[0];
+    if (bitmap != nullptr && bitmap->size() * 8 < chunk->offset + chunk->length) {
+      chunk->null_count = nulls_of(*chunk);
+    }
+    chunks.push_back(::arrow::MakeArray(chunk));
+  }
+  return std::make_shared<ChunkedArray>(std::move(chunks), column.type);
+}
+
+void expect_same(const ::arrow::Result<hxArrayPtr>& actual, const hxArrayPtr& expected,
+                 const Case& one, const char* way) {
+  if (expected == nullptr) {
+    if (!actual.status().IsInvalid()) {
+      ADD_FAILURE() << one.name() << ", " << way << ": expected Invalid, got " << actual.status();
+    }
+  } else if (!actual.ok()) {
+    ADD_FAILURE() << one.name() << ", " << way << ": " << actual.status();
+  } else if (const auto same = SameHostValue(actual->get(), expected.get()); !same) {
+    ADD_FAILURE() << one.name() << ", " << way << ": " << same.message();
+  }
+}
+
+void run_as_it_stands(const Case& one) {
+  const size_t live = host::memory::LiveArrays();
+  {
+    const Column column = one.column();
+    const hxArrayPtr expected = expected_of(column);
+    if (column.chunks.size() == 1) {
+      expect_same(to_numera(::arrow::MakeArray(column.chunks[0])), expected, one, "one array");
+    }
+    expect_same(to_numera(chunked(column)), expected, one, "chunked");
+  }
+  EXPECT_EQ(host::memory::LiveArrays(), live) << one.name();
+}
+
+bool is_valid(const ChunkedArray& column) { return column.ValidateFull().ok(); }
+
+void run_taken_in(const Case& one) {
+  const Column column = one.column();
+  const auto given = chunked(column);
+  const auto taken = extras::take_in(given);
+  if (!is_valid(*given)) {
+    EXPECT_FALSE(taken.ok()) << one.name() << ": took in what is not valid";
+    return;
+  }
+  ASSERT_TRUE(taken.ok()) << one.name() << ": " << taken.status();
+  Column compacted{column.type, {}};
+  try {
+    for (const auto& chunk : column.chunks) compacted.chunks.push_back(compact(*chunk));
+  } catch (const Refused&) {
+    FAIL() << one.name() << ": took in what ends early";
+  }
+  expect_same(to_numera(taken->value), expected_of(compacted), one, "taken in");
+}
+
+struct Family {
+  const char* name;
+  std::vector<Subject> (*subjects)();
+  std::uint64_t cases;  ///< that there are at least, as a whole
+};
+
+void PrintTo(const Family& family, std::ostream* out) { *out << family.name; }
+
+class ToHost : public ::testing::TestWithParam<Family> {
+ protected:
+  void run(const std::function<void(const Case&)>& each) {
+    const auto subjects = GetParam().subjects();
+    EXPECT_GE(for_each_case(subjects, each), GetParam().cases / stride());
+  }
+};
+
+TEST_P(ToHost, GivesWhatTheModelGives) { run(run_as_it_stands); }
+
+TEST_P(ToHost, GivesTheValueOfTheSliceOnceTakenIn) { run(run_taken_in); }
+
+INSTANTIATE_TEST_SUITE_P(
+    Gauntlet, ToHost,
+    ::testing::Values(Family{"plain", plain_subjects, 400'000},
+                      Family{"list", [] { return nested_subjects(Wrap::kList); }, 400'000},
+                      Family{"large_list", [] { return nested_subjects(Wrap::kLargeList); },
+                             400'000},
+                      Family{"struct", [] { return nested_subjects(Wrap::kStruct); }, 400'000},
+                      Family{"map", [] { return nested_subjects(Wrap::kMap); }, 400'000},
+                      Family{"deep", deep_subjects, 300'000}),
+    [](const auto& family) { return family.param.name; });
+
+}  // namespace
+}  // namespace numera::gauntlet
