@@ -123,9 +123,9 @@ std::vector<MadeExample> made_examples() {
 
 }  // namespace
 
-::arrow::Result<std::vector<EncodingExample>> encoding_trees(const std::string& data_folder) {
+::arrow::Result<std::vector<Shown>> encoding_trees(const std::string& data_folder) {
   std::map<std::string, std::shared_ptr<::arrow::Table>> tables;
-  std::vector<EncodingExample> trees;
+  std::vector<Shown> trees;
   const auto add = [&](const std::string& name, ::arrow::Result<std::string> text) {
     if (!text.ok()) return text.status().WithMessage(name, ": ", text.status().message());
     trees.push_back({name, "\n```text\n" + *text + "\n```\n\n"});

@@ -89,7 +89,7 @@ std::string read_back(const hxArray* written) {
 
 }  // namespace
 
-::arrow::Result<EncodingExample> encoding_types() {
+::arrow::Result<Shown> encoding_types() {
   std::string table =
       "| Arrow type | \"ArrowType\" | \"Type\" | \"Data\" | host class | read back as written |\n"
       "|---|---|---|---|---|---|\n";
@@ -97,5 +97,5 @@ std::string read_back(const hxArray* written) {
     ARROW_ASSIGN_OR_RAISE(const std::string row, row_of(example));
     table += row;
   }
-  return EncodingExample{"types", "\n" + table + "\n"};
+  return Shown{"types", "\n" + table + "\n"};
 }
