@@ -75,7 +75,8 @@ class Conversion {
     std::vector<bool> refused;
     refused.reserve(columns_.size());
     for (const WayBack& column : columns_) refused.push_back(!column.failure.empty());
-    std::vector<Trip> trips = there_and_back(batch, options_.cast, refused, legs_);
+    std::vector<Trip> trips =
+        there_and_back(batch, {.cast = options_.cast, .threads = options_.threads}, refused, legs_);
     for (size_t i = 0; i < trips.size(); ++i) {
       columns_[i].add(batch.column(static_cast<int>(i)), trips[i], rows_);
     }

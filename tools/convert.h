@@ -2,6 +2,7 @@
 
 #include <arrow/status.h>
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
@@ -13,6 +14,7 @@ struct ConvertOptions {
   std::string file;
   SourceOptions source;
   bool cast = false;    ///< cast what has no host form
+  size_t threads = 1;   ///< that convert to the host; 0: one a processor
   bool strict = false;  ///< a change of type is a failure
   bool show = false;    ///< print the first rows as the host values that they become, too
   std::string output;   ///< where the way back is written; empty: nowhere

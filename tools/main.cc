@@ -62,6 +62,10 @@ Commands add_commands(CLI::App& program, Arguments& arguments) {
       ->check(CLI::PositiveNumber);
   commands.convert->add_flag("--show", options.show, "Print the first rows, too, like show");
   commands.convert->add_flag("--strict", options.strict, "A change of type is a failure, too");
+  commands.convert
+      ->add_option("--threads", options.threads,
+                   "Convert columns to the host on so many threads (1); 0: all processors")
+      ->check(CLI::NonNegativeNumber);
   return commands;
 }
 

@@ -10,6 +10,7 @@
 
 #include "numera/extras/encode/encode.h"
 #include "numera/extras/own/own.h"
+#include "numera/extras/parallel/parallel.h"
 #include "numera/numera.h"
 
 namespace numera::tools {
@@ -56,11 +57,12 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
   return group;
 }
 
-::arrow::Status convert(const Group& group, std::vector<Trip>& trips, Legs& legs) {
+::arrow::Status convert(const Group& group, size_t threads, std::vector<Trip>& trips, Legs& legs) {
   double seconds_to_host = 0;  // counted where all of it succeeds
   double seconds_to_arrow = 0;
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written,
-                        timed(seconds_to_host, [&] { return core::to_numera(group.table); }));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, timed(seconds_to_host, [&] {
+                          return extras::parallel_to_numera(group.table, threads);
+                        }));
   ARROW_ASSIGN_OR_RAISE(auto readable,
                         timed(seconds_to_arrow, [&] { return extras::encode(written.get()); }));
   ARROW_ASSIGN_OR_RAISE(const TablePtr back, timed(seconds_to_arrow, [&] {
@@ -92,20 +94,20 @@ void take_in(const std::shared_ptr<::arrow::Array>& column, bool cast, Trip& tri
 
 }  // namespace
 
-std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, bool cast,
+std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOptions& options,
                                  const std::vector<bool>& refused, Legs& legs) {
   std::vector<Trip> trips(static_cast<size_t>(batch.num_columns()));
   std::vector<size_t> columns;
   for (size_t i = 0; i < trips.size(); ++i) {
     if (refused[i]) continue;
     columns.push_back(i);
-    take_in(batch.column(static_cast<int>(i)), cast, trips[i]);
+    take_in(batch.column(static_cast<int>(i)), options.cast, trips[i]);
   }
   Group all = group_of(batch, trips, columns);
-  if (convert(all, trips, legs).ok()) return trips;
+  if (convert(all, options.threads, trips, legs).ok()) return trips;
   // One of them is refused: which one, each tells for itself.
   for (const size_t i : all.columns) {
-    const ::arrow::Status status = convert(group_of(batch, trips, {i}), trips, legs);
+    const ::arrow::Status status = convert(group_of(batch, trips, {i}), 1, trips, legs);
     if (!status.ok()) trips[i].refusal = status.message();
   }
   return trips;

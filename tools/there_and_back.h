@@ -4,6 +4,7 @@
 #include <arrow/result.h>
 #include <arrow/table.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -33,10 +34,15 @@ struct Trip {
   std::string refusal;  ///< why it cannot go or return; empty where it did
 };
 
+struct TripOptions {
+  bool cast = false;   ///< cast what has no host form
+  size_t threads = 1;  ///< that convert to the host; 0: one a processor
+};
+
 /// Takes the columns of a batch to the host as one table and back, through intake and encode. A
 /// column that is refused, in whatever step, is left out of the table and says why; host interrupts
 /// pass through as exceptions. Columns marked in `refused` are not tried.
-std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, bool cast,
+std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOptions& options,
                                  const std::vector<bool>& refused, Legs& legs);
 
 }  // namespace numera::tools

@@ -53,6 +53,8 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyOnStandardError) {
       {{"show", "one", "--columns"}, "--columns"},
       {{"convert", "--batch-rows", "0", "one"}, "--batch-rows"},
       {{"convert", "--output"}, "--output"},
+      {{"convert", "--threads", "-1", "one"}, "--threads"},
+      {{"convert", "--threads", "many", "one"}, "--threads"},
   };
   for (const Case& wrong : cases) {
     SCOPED_TRACE(wrong.reason);

@@ -6,7 +6,9 @@ namespace numera::extras::parallel {
 
 bool Handout::wait_for_room() {
   std::unique_lock lock(mutex_);
-  room_.wait(lock, [this] { return failed_ != kNone || given_ - taken_ < most_waiting_; });
+  if (waiting() >= most_waiting_) {
+    room_.wait(lock, [this] { return failed_ != kNone || waiting() <= most_waiting_ / 2; });
+  }
   return failed_ == kNone;
 }
 
@@ -28,13 +30,15 @@ void Handout::close() noexcept {
 
 std::optional<size_t> Handout::take() {
   size_t piece = 0;
+  bool has_room = false;
   {
     std::unique_lock lock(mutex_);
     given_or_closed_.wait(lock, [this] { return closed_ || taken_ < given_ || failed_ <= taken_; });
     if (taken_ == given_ || failed_ <= taken_) return std::nullopt;
     piece = taken_++;
+    has_room = waiting() == most_waiting_ / 2;
   }
-  room_.notify_one();
+  if (has_room) room_.notify_one();
   return piece;
 }
 

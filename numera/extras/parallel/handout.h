@@ -24,7 +24,8 @@ struct Failure {
 /// may be called by all threads, but `give` by one.
 class Handout {
  public:
-  /// At most so many pieces wait to be taken.
+  /// At most so many pieces wait to be taken; half of them taken, there is room again, so that the
+  /// giving thread is not woken for each.
   explicit Handout(size_t most_waiting) : most_waiting_(most_waiting) {}
 
   /// Waits until another piece may be given. False where none is wanted, since one has failed.
@@ -44,6 +45,8 @@ class Handout {
   ::arrow::Status outcome();
 
  private:
+  size_t waiting() const { return given_ - taken_; }
+
   static constexpr size_t kNone = std::numeric_limits<size_t>::max();
 
   std::mutex mutex_;

@@ -80,10 +80,11 @@ void hand_out(size_t count, const Before& before, Handout& handout) {
 
 }  // namespace
 
-::arrow::Status in_order(size_t count, size_t threads, const Before& before, const Work& work) {
+::arrow::Status in_order(size_t count, size_t threads, size_t ahead, const Before& before,
+                         const Work& work) {
   threads = std::min(threads, count);
   if (threads <= 1) return alone(count, before, work);
-  Handout handout(threads);
+  Handout handout(ahead);
   {
     const Workers workers(threads, handout, work);
     if (workers.none()) return alone(count, before, work);

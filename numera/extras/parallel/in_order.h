@@ -11,11 +11,13 @@
 namespace numera::extras::parallel {
 
 /// `for (i = 0; i < count; ++i) { before(i); work(i); }`, where up to `threads` other threads do
-/// the work and the calling thread does what comes before. Work may begin before that of a lower
-/// index has ended. A failure, by status or by exception, ends the loop; the one of the lowest
-/// index comes out, when every thread has ended. With one thread, one piece, or no thread from the
-/// system, the calling thread does all.
-::arrow::Status in_order(size_t count, size_t threads, const std::function<void(size_t)>& before,
+/// the work and the calling thread does what comes before, for at most `ahead` pieces that no
+/// thread has taken yet. Work may begin before that of a lower index has ended. A failure, by
+/// status or by exception, ends the loop; the one of the lowest index comes out, when every thread
+/// has ended. With one thread, one piece, or no thread from the system, the calling thread does
+/// all.
+::arrow::Status in_order(size_t count, size_t threads, size_t ahead,
+                         const std::function<void(size_t)>& before,
                          const std::function<::arrow::Status(size_t)>& work);
 
 }  // namespace numera::extras::parallel

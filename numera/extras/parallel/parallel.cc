@@ -1,6 +1,7 @@
 #include "numera/extras/parallel/parallel.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -9,6 +10,17 @@
 #include "numera/extras/parallel/in_order.h"
 
 namespace numera::extras {
+namespace {
+
+/// Columns that wait for a thread. With one for each, no thread waits for the next; where columns
+/// are so short that waking a thread takes longer than a column, it is woken for many of them.
+size_t columns_ahead(const ::arrow::Table& table, size_t threads) {
+  constexpr std::int64_t kRowsAhead = 65536;
+  const std::int64_t rows = std::max<std::int64_t>(table.num_rows(), 1);
+  return threads * static_cast<size_t>(std::clamp<std::int64_t>(kRowsAhead / rows, 1, 256));
+}
+
+}  // namespace
 
 ::arrow::Result<hxArrayPtr> parallel_to_numera(std::shared_ptr<::arrow::Table> table,
                                                size_t threads) {
@@ -20,7 +32,8 @@ namespace numera::extras {
     return core::encode_column(*table, static_cast<int>(i)).Value(&columns[i]);
   };
   if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1U);
-  ARROW_RETURN_NOT_OK(parallel::in_order(columns.size(), threads, check, convert));
+  ARROW_RETURN_NOT_OK(
+      parallel::in_order(columns.size(), threads, columns_ahead(*table, threads), check, convert));
   for (size_t i = 0; i < columns.size(); ++i) {
     core::put_column(encoded, static_cast<int>(i), std::move(columns[i]));
   }

@@ -30,7 +30,7 @@ TEST(InOrder, DoesEveryPieceOnce) {
     for (const size_t count : {0U, 1U, 2U, 3U, 100U}) {
       SCOPED_TRACE(std::to_string(count) + " pieces on " + std::to_string(threads) + " threads");
       std::vector<int> done(count, 0);
-      EXPECT_TRUE(in_order(count, threads, nothing, [&done](size_t i) {
+      EXPECT_TRUE(in_order(count, threads, threads, nothing, [&done](size_t i) {
                     ++done[i];
                     return Status::OK();
                   }).ok());
@@ -44,7 +44,7 @@ TEST(InOrder, CallsWhatComesBeforeInOrderOnTheCallingThread) {
     std::vector<size_t> order;
     const auto caller = std::this_thread::get_id();
     ASSERT_TRUE(in_order(
-                    4, threads,
+                    4, threads, threads,
                     [&](size_t i) {
                       EXPECT_EQ(std::this_thread::get_id(), caller);
                       order.push_back(i);
@@ -60,7 +60,7 @@ TEST(InOrder, CallsWhatComesBeforeEarlierThanTheWork) {
     std::mutex mutex;
     std::set<size_t> begun;
     EXPECT_TRUE(in_order(
-                    50, threads,
+                    50, threads, threads,
                     [&](size_t i) {
                       const std::lock_guard lock(mutex);
                       begun.insert(i);
@@ -77,7 +77,7 @@ TEST(InOrder, CallsWhatComesBeforeEarlierThanTheWork) {
 std::set<std::thread::id> threads_of(size_t pieces, size_t threads) {
   std::mutex mutex;
   std::set<std::thread::id> workers;
-  EXPECT_TRUE(in_order(pieces, threads, nothing, [&](size_t) {
+  EXPECT_TRUE(in_order(pieces, threads, threads, nothing, [&](size_t) {
                 const std::lock_guard lock(mutex);
                 workers.insert(std::this_thread::get_id());
                 return Status::OK();
@@ -95,7 +95,7 @@ TEST(InOrder, WorksOnAsManyThreadsAtATimeAsWereAskedFor) {
   std::latch all_at_work(3);  // each waits for the others
   std::mutex mutex;
   std::set<std::thread::id> workers;
-  ASSERT_TRUE(in_order(6, 3, nothing, [&](size_t i) {
+  ASSERT_TRUE(in_order(6, 3, 3, nothing, [&](size_t i) {
                 if (i < 3) all_at_work.arrive_and_wait();
                 const std::lock_guard lock(mutex);
                 workers.insert(std::this_thread::get_id());
@@ -119,7 +119,7 @@ TEST(InOrder, NeedsNoThreadsFromTheSystem) {
 
 TEST(InOrder, ReportsTheLowestFailureThoughItComesLast) {
   std::latch later_failed(1);
-  const Status status = in_order(2, 2, nothing, [&later_failed](size_t i) {
+  const Status status = in_order(2, 2, 2, nothing, [&later_failed](size_t i) {
     if (i == 0) later_failed.wait();
     if (i == 1) later_failed.count_down();
     return Status::Invalid(std::to_string(i));
@@ -134,9 +134,9 @@ TEST(InOrder, ThrowsTheLowestFailureThoughItComesLast) {
     if (i == 1) later_failed.count_down();
     throw std::runtime_error(std::to_string(i));
   };
-  EXPECT_EQ(
-      MessageThrown<std::runtime_error>([&] { static_cast<void>(in_order(2, 2, nothing, work)); }),
-      "0");
+  EXPECT_EQ(MessageThrown<std::runtime_error>(
+                [&] { static_cast<void>(in_order(2, 2, 2, nothing, work)); }),
+            "0");
 }
 
 TEST(InOrder, PrefersAFailureOfWorkToALaterOneOfWhatComesBefore) {
@@ -146,7 +146,7 @@ TEST(InOrder, PrefersAFailureOfWorkToALaterOneOfWhatComesBefore) {
     refused.count_down();
     throw std::runtime_error("refused");
   };
-  const Status status = in_order(2, 2, before, [&refused](size_t) {
+  const Status status = in_order(2, 2, 2, before, [&refused](size_t) {
     refused.wait();
     return Status::Invalid("0");
   });
@@ -166,7 +166,7 @@ TEST(InOrder, ThrowsWhatComesBeforeThrowsAfterTheWorkThatWasHandedOut) {
         return Status::OK();
       };
       EXPECT_EQ(MessageThrown<std::runtime_error>(
-                    [&] { static_cast<void>(in_order(3, threads, before, work)); }),
+                    [&] { static_cast<void>(in_order(3, threads, threads, before, work)); }),
                 "stopped before " + std::to_string(stop));
       std::vector<int> expected(3, 0);
       std::fill_n(expected.begin(), stop, 1);
@@ -177,8 +177,9 @@ TEST(InOrder, ThrowsWhatComesBeforeThrowsAfterTheWorkThatWasHandedOut) {
 
 TEST(InOrder, CarriesExceptionsOfAnyKind) {
   for (const size_t threads : kThreadCounts) {
-    EXPECT_THROW(
-        static_cast<void>(in_order(3, threads, nothing, [](size_t) -> Status { throw 42; })), int);
+    EXPECT_THROW(static_cast<void>(
+                     in_order(3, threads, threads, nothing, [](size_t) -> Status { throw 42; })),
+                 int);
   }
 }
 
