@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "numera/host/memory/layout.h"
+#include "numera/host/memory/utf_measure.h"
 #include "numera/host/memory/utf_transcode.h"
 
 namespace numera::host::memory {
@@ -13,6 +14,21 @@ namespace {
 constexpr size_t kWordBits = 64;
 
 std::uint64_t bit_of(size_t i) { return std::uint64_t{1} << (i % kWordBits); }
+
+// The first of the texts of a chunk that is not valid; there is one. `units` has room for each.
+template <class Offset>
+size_t find_invalid_text(std::span<const Offset> offsets, std::string_view chunk,
+                         std::span<char16_t> units) {
+  size_t k = 0;
+  size_t begin = 0;
+  while (true) {
+    const auto end = static_cast<size_t>(offsets[k + 1] - offsets[0]);
+    const std::string_view text = chunk.substr(begin, end - begin);
+    if (utf8_to_utf16(text, units).fault != TextFault::None) return k;
+    begin = end;
+    ++k;
+  }
+}
 
 }  // namespace
 
@@ -80,38 +96,41 @@ std::optional<size_t> MemoryStringArray::assign_chunk(size_t first, std::span<co
 template <class Offset>
 std::optional<size_t> MemoryStringArray::append_texts(size_t first, std::span<const Offset> offsets,
                                                       std::string_view chunk) {
-  const size_t count = offsets.size() - 1;
-  const size_t base = arena_.size();
-  const Utf8Measure measure = measure_utf8(chunk);
-  // The last texts need no room for more behind them.
-  if (first + count == size_) arena_.reserve(base + measure.units);
-  char16_t* const units = arena_.extend(measure.units);
   fill_gap(first);
-  const auto chunk_position = [&offsets](size_t k) {
-    return static_cast<size_t>(offsets[k] - offsets[0]);
-  };
-  if (measure.ascii) {
+  const size_t count = offsets.size() - 1;
+  size_t* const begins = begins_.data() + first;
+  if (is_ascii(chunk)) {
+    char16_t* const units = extend_for(first + count, chunk.size());
     widen_ascii(chunk, units);
-    for (size_t k = 1; k <= count; ++k) begins_[first + k] = base + chunk_position(k);
-    filled_ = first + count;
-    return std::nullopt;
-  }
-  size_t written = 0;
-  for (size_t k = 0; k < count; ++k) {
-    const size_t begin = chunk_position(k);
-    const auto text = chunk.substr(begin, chunk_position(k + 1) - begin);
-    const Transcoded result = utf8_to_utf16(text, units + written);
-    if (result.fault != TextFault::None) {
-      arena_.truncate(base + written);
-      filled_ = first + k;
-      return first + k;
+    const size_t base = begins[0];
+    for (size_t k = 1; k <= count; ++k)
+      begins[k] = base + static_cast<size_t>(offsets[k] - offsets[0]);
+  } else {
+    const Borders borders = measure_texts(offsets, chunk, begins[0], begins);
+    const size_t length = begins[count] - begins[0];
+    const std::span units(extend_for(first + count, length), length);
+    if (utf8_to_utf16(chunk, units).fault != TextFault::None ||
+        borders == Borders::WithinCharacters) {
+      arena_.truncate(begins[0]);
+      return first + find_invalid_text(offsets, chunk, units);
     }
-    written += result.written;
-    begins_[first + k + 1] = base + written;
   }
-  arena_.truncate(base + written);
   filled_ = first + count;
   return std::nullopt;
+}
+
+// Adds `length` code units for texts up to `end`. Where the arena has to grow, and texts are still
+// to come, it does so by what those would take if they were as long as the texts before them.
+char16_t* MemoryStringArray::extend_for(size_t end, size_t length) {
+  const size_t needed = arena_.size() + length;
+  if (end == size_) {
+    arena_.fit(needed);
+  } else {
+    const double all = static_cast<double>(size_) / static_cast<double>(end);
+    const double expected = static_cast<double>(needed) * std::min(all, 2.0);
+    arena_.grow(needed, static_cast<size_t>(expected));
+  }
+  return arena_.extend(length);
 }
 
 void MemoryStringArray::check_index(size_t i) const {

@@ -36,7 +36,8 @@ class MemoryStringArray final : public hxStringArray {
   void set(size_t i, std::u16string_view text) override;
   void set_missing(size_t i) override;
 
-  /// One pass over the bytes straight into the arena, which grows once, by what the texts take.
+  /// All texts in one piece: one pass over the bytes measures them, another converts them straight
+  /// into the arena. Only where that fails are they looked at one by one, for the first to blame.
   /// The whole array at once replaces all of it; texts behind those set so far are added; any
   /// other range is set text by text.
   std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
@@ -51,6 +52,7 @@ class MemoryStringArray final : public hxStringArray {
   template <class Offset>
   std::optional<size_t> append_texts(size_t first, std::span<const Offset> offsets,
                                      std::string_view chunk);
+  char16_t* extend_for(size_t end, size_t length);
 
   void check_index(size_t i) const;
   bool scattered() const { return !lengths_.empty(); }

@@ -3,6 +3,7 @@
 /// \file
 /// Many texts in one block of UTF-16 code units.
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -21,6 +22,17 @@ class TextArena {
   /// `append` do; the arena is as before then.
   void reserve(size_t capacity) {
     if (capacity > capacity_) resize_block(capacity);
+  }
+
+  /// Makes room for `needed` code units where there is none: for `expected` in all, which is no
+  /// less, and for a little more than there was at least.
+  void grow(size_t needed, size_t expected) {
+    if (needed > capacity_) resize_block(std::max(expected, capacity_ + capacity_ / 32));
+  }
+
+  /// Room for `capacity` code units, no fewer than there are, and hardly any more.
+  void fit(size_t capacity) {
+    if (capacity > capacity_ || capacity_ - capacity > capacity / 32) resize_block(capacity);
   }
 
   /// Adds code units that the caller writes, and returns the first. Room grows by half at least,

@@ -6,6 +6,7 @@
 
 #include "numera/host/memory/blocks.h"
 #include "numera/host/memory/operations.h"
+#include "numera/host/memory/utf_measure.h"
 #include "numera/host/memory/utf_transcode.h"
 
 namespace numera::host::memory {
@@ -18,8 +19,8 @@ void check_encoding(const char* encoding) {
 
 std::u16string decode_utf8(std::string_view text) {
   count_allocation();
-  std::u16string units(measure_utf8(text).units, u'\0');
-  const Transcoded result = utf8_to_utf16(text, units.data());
+  std::u16string units(measure_utf8(text), u'\0');
+  const Transcoded result = utf8_to_utf16(text, units);
   if (result.fault != TextFault::None) throw hxCodecError(describe(result));
   return units;
 }
@@ -28,7 +29,7 @@ std::string encode_utf8(const char16_t* text, size_t length) {
   count_allocation();
   const std::u16string_view units(text, length);
   std::string bytes(measure_utf16(units), '\0');
-  const Transcoded result = utf16_to_utf8(units, bytes.data());
+  const Transcoded result = utf16_to_utf8(units, bytes);
   if (result.fault != TextFault::None) throw hxCodecError(describe(result));
   return bytes;
 }

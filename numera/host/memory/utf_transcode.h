@@ -4,6 +4,7 @@
 /// Strict conversion between UTF-8 and UTF-16, into memory of the caller. Nothing here allocates.
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,19 +27,13 @@ struct Transcoded {
   TextFault fault = TextFault::None;
 };
 
-struct Utf8Measure {
-  size_t units;  ///< UTF-16 code units of a valid text; of any other at least those of each valid
-                 ///< piece of it
-  bool ascii;
-};
-Utf8Measure measure_utf8(std::string_view text) noexcept;
-/// UTF-8 bytes of a valid text; of any other at least those of its valid beginning.
-size_t measure_utf16(std::u16string_view text) noexcept;
-
-/// Converts until the end or the first fault. `units` has room for `measure_utf8(text).units`.
-Transcoded utf8_to_utf16(std::string_view text, char16_t* units) noexcept;
-/// Converts until the end or the first fault. `bytes` has room for `measure_utf16(text)`.
-Transcoded utf16_to_utf8(std::u16string_view text, char* bytes) noexcept;
+/// Converts until the end or the first fault. `units` has room for `measure_utf8(text)` units;
+/// where it has more, units behind those written may change. Texts that fill several machine words
+/// are read a word at a time.
+Transcoded utf8_to_utf16(std::string_view text, std::span<char16_t> units) noexcept;
+/// Converts until the end or the first fault. `bytes` has room for `measure_utf16(text)` bytes;
+/// where it has more, bytes behind those written may change.
+Transcoded utf16_to_utf8(std::u16string_view text, std::span<char> bytes) noexcept;
 
 /// One code unit a byte. `text` is ASCII.
 void widen_ascii(std::string_view text, char16_t* units) noexcept;

@@ -1,0 +1,149 @@
+#include <cstdint>
+
+#include "numera/host/memory/utf_transcode.h"
+#include "numera/host/memory/utf_words.h"
+
+namespace numera::host::memory {
+namespace {
+
+// What is left to read and where to write. Steps move both on.
+struct Encoding {
+  const char16_t* next;
+  const char16_t* end;
+  char* out;
+  char* out_end;
+
+  size_t left() const { return static_cast<size_t>(end - next); }
+  size_t room() const { return static_cast<size_t>(out_end - out); }
+  void advance(size_t units, size_t bytes) {
+    next += units;
+    out += bytes;
+  }
+};
+
+bool is_surrogate(std::uint64_t unit) { return (unit & 0xF800) == 0xD800; }
+bool is_high(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+bool is_low(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+// One character, unit by unit. False where there is none.
+bool step(Encoding& text) {
+  const unsigned unit = text.next[0];
+  const auto put = [&text](size_t place, unsigned byte) {
+    text.out[place] = static_cast<char>(byte);
+  };
+  const auto put_tail = [&put](size_t place, unsigned bits) { put(place, 0x80u | (bits & 0x3Fu)); };
+  if (unit < 0x80) {
+    put(0, unit);
+    text.advance(1, 1);
+  } else if (unit < 0x800) {
+    put(0, 0xC0u | unit >> 6);
+    put_tail(1, unit);
+    text.advance(1, 2);
+  } else if (!is_surrogate(unit)) {
+    put(0, 0xE0u | unit >> 12);
+    put_tail(1, unit >> 6);
+    put_tail(2, unit);
+    text.advance(1, 3);
+  } else {
+    if (!is_high(text.next[0]) || text.left() == 1 || !is_low(text.next[1])) return false;
+    const unsigned value = 0x10000u + ((unit & 0x3FFu) << 10) + (text.next[1] & 0x3FFu);
+    put(0, 0xF0u | value >> 18);
+    put_tail(1, value >> 12);
+    put_tail(2, value >> 6);
+    put_tail(3, value);
+    text.advance(2, 4);
+  }
+  return true;
+}
+
+constexpr size_t kWordUnits = kWordBytes / sizeof(char16_t);
+constexpr std::uint64_t kNotAscii = in_each_quarter(0xFF80);
+
+void narrow(const char16_t* units, char* bytes, size_t count) {
+  for (size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(units[i]);
+}
+
+// Four units of two bytes each.
+bool step_by_four_pairs(Encoding& text, std::uint64_t word) {
+  if ((word & in_each_quarter(0xF800)) != 0 || !no_quarter_is_ascii(word)) return false;
+  store_word(text.out, in_each_quarter(0x80C0) | (word >> 6 & in_each_quarter(0x001F)) |
+                           (word & in_each_quarter(0x003F)) << 8);
+  text.advance(4, 8);
+  return true;
+}
+
+bool takes_three_bytes(std::uint64_t unit) { return unit >= 0x800 && !is_surrogate(unit); }
+
+std::uint64_t three_bytes(std::uint64_t unit) {
+  return 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16;
+}
+
+// Two units of three bytes each; the two bytes behind them are written again by later steps.
+bool step_by_two_triples(Encoding& text, std::uint64_t word) {
+  const std::uint64_t first = word & 0xFFFF;
+  const std::uint64_t second = word >> 16 & 0xFFFF;
+  if (!takes_three_bytes(first) || !takes_three_bytes(second)) return false;
+  store_word(text.out, three_bytes(first) | three_bytes(second) << 24);
+  text.advance(2, 6);
+  return true;
+}
+
+// One unit of two or three bytes; those behind them are written again by later steps.
+bool step_by_one_short(Encoding& text, std::uint64_t word) {
+  const std::uint64_t unit = word & 0xFFFF;
+  if (unit < 0x800) {
+    store_half_word(text.out, 0x80C0 | unit >> 6 | (unit & 0x3F) << 8);
+    text.advance(1, 2);
+    return true;
+  }
+  if (is_surrogate(unit)) return false;
+  store_half_word(text.out, three_bytes(unit));
+  text.advance(1, 3);
+  return true;
+}
+
+// As far as whole words can be read and written. False where there is no character.
+bool encode_words(Encoding& text) {
+  while (text.left() >= kWordUnits && text.room() >= kWordBytes) {
+    const std::uint64_t word = load_word(text.next);
+    const std::uint64_t wide = word & kNotAscii;
+    if (wide == 0) {
+      constexpr size_t kLongStep = 16;
+      narrow(text.next, text.out, kWordUnits);
+      text.advance(kWordUnits, kWordUnits);
+      while (text.left() >= kLongStep && text.room() >= kLongStep) {
+        std::uint64_t bits = 0;
+        for (size_t i = 0; i < kLongStep; i += kWordUnits) bits |= load_word(text.next + i);
+        if ((bits & kNotAscii) != 0) break;
+        narrow(text.next, text.out, kLongStep);
+        text.advance(kLongStep, kLongStep);
+      }
+    } else if ((word & 0xFF80) == 0) {
+      // Bytes behind the ASCII at the beginning of the word are written again by later steps.
+      const auto ascii = static_cast<size_t>(std::countr_zero(wide)) / 16;
+      narrow(text.next, text.out, kWordUnits);
+      text.advance(ascii, ascii);
+    } else if (!step_by_four_pairs(text, word) && !step_by_two_triples(text, word) &&
+               !step_by_one_short(text, word) && !step(text)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+Transcoded utf16_to_utf8(std::u16string_view text, std::span<char> bytes) noexcept {
+  Encoding encoding{text.data(), text.data() + text.size(), bytes.data(),
+                    bytes.data() + bytes.size()};
+  bool valid = true;
+  if constexpr (kReadsWords) valid = encode_words(encoding);
+  while (valid && encoding.next != encoding.end) valid = step(encoding);
+  const TextFault fault = valid                     ? TextFault::None
+                          : is_high(*encoding.next) ? TextFault::UnpairedHighSurrogate
+                                                    : TextFault::UnpairedLowSurrogate;
+  return {static_cast<size_t>(encoding.next - text.data()),
+          static_cast<size_t>(encoding.out - bytes.data()), fault};
+}
+
+}  // namespace numera::host::memory
