@@ -37,8 +37,8 @@ struct Case {
   Column column() const;
 };
 
-/// How many cases lie from one that is run to the next: 1 where the environment variable
-/// NUMERA_GAUNTLET is "whole", else so many that a test takes seconds.
+/// One case of so many is run: the number in the environment variable NUMERA_GAUNTLET, without
+/// which a test takes a second. A prime above 7 meets every value of every dimension.
 std::uint64_t stride();
 
 /// Calls `run` with every `stride()`-th case and returns how many there were. Ends early once a

@@ -1,0 +1,148 @@
+/// \file
+/// Every type and shape of encoded arrays towards Arrow, against a model that uses nothing of the
+/// library: types, lengths and buffers, which are the host's own memory, and their bits.
+
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_numera.h"
+#include "numera/host/memory.h"
+#include "tests/gauntlet/cases.h"
+#include "tests/gauntlet/host_values.h"
+#include "tests/gauntlet/model.h"
+#include "tests/gauntlet/model_to_arrow.h"
+#include "tests/support/host_matchers.h"
+
+namespace numera::gauntlet {
+namespace {
+
+using ::arrow::ArrayData;
+using io::arrow::core::to_arrow;
+
+constexpr size_t kLengths[] = {0, 1, 7, 8, 9, 63, 64, 65, 1000};
+constexpr Memory kHostMemories[] = {Memory::kExact, Memory::kLonger, Memory::kShortBitmap,
+                                    Memory::kShortBytes};
+constexpr Shape kShapes[] = {Shape::kColumn, Shape::kRow, Shape::kPages};
+
+std::string difference(const std::shared_ptr<::arrow::Buffer>& actual, const Region& expected) {
+  if (expected.size < 0) return actual == nullptr ? "" : "a buffer where there is none";
+  if (actual == nullptr) return "no buffer";
+  if (actual->size() != expected.size) return "a size of " + std::to_string(actual->size());
+  if (expected.size > 0 && actual->data() != expected.data) return "another address";
+  return "";
+}
+
+/// Where an array is not as the model says; empty where it is.
+std::string difference(const ArrayData& actual, const ArrowModel& expected) {
+  if (!actual.type->Equals(*expected.type)) return "type " + actual.type->ToString();
+  const std::string place = expected.type->ToString() + ": ";
+  if (actual.length != expected.length) return place + "length " + std::to_string(actual.length);
+  if (actual.offset != 0) return place + "offset " + std::to_string(actual.offset);
+  if (actual.null_count != ::arrow::kUnknownNullCount && expected.buffers[0].size >= 0) {
+    return place + "null count " + std::to_string(actual.null_count);
+  }
+  if (actual.buffers.size() != expected.buffers.size()) return place + "other buffers";
+  for (size_t i = 0; i < expected.buffers.size(); ++i) {
+    const std::string found = difference(actual.buffers[i], expected.buffers[i]);
+    if (!found.empty()) return place + found + " for buffer " + std::to_string(i);
+  }
+  if (actual.child_data.size() != expected.children.size()) return place + "other children";
+  for (size_t i = 0; i < expected.children.size(); ++i) {
+    std::string found = difference(*actual.child_data[i], expected.children[i]);
+    if (!found.empty()) return found;
+  }
+  if ((actual.dictionary != nullptr) != (expected.dictionary.size() == 1)) {
+    return place + "the dictionary";
+  }
+  if (actual.dictionary == nullptr) return "";
+  return difference(*actual.dictionary, expected.dictionary[0]);
+}
+
+struct HostCase {
+  const HostType* type;
+  size_t length;
+  HostMaking making;
+
+  std::string name() const {
+    static constexpr const char* kShapeNames[] = {"column", "row", "pages"};
+    return type->name + " / length " + std::to_string(length) + " / " + name_of(making.nulls) +
+           " / " + kShapeNames[static_cast<int>(making.shape)] + " / " + name_of(making.memory);
+  }
+};
+
+hxArrayPtr expected_back(const std::shared_ptr<ArrayData>& array) {
+  try {
+    return model_envelope({array->type, {array}});
+  } catch (const Refused&) {
+    return nullptr;
+  }
+}
+
+/// The array that came out is one that the way back takes, as far as its bytes go.
+void expect_way_back(const std::shared_ptr<::arrow::Array>& array, const std::string& name) {
+  const auto back = io::arrow::core::to_numera(array);
+  const hxArrayPtr expected = expected_back(array->data());
+  if (expected == nullptr) {
+    EXPECT_TRUE(back.status().IsInvalid()) << name << ": " << back.status();
+  } else if (!back.ok()) {
+    ADD_FAILURE() << name << ": " << back.status();
+  } else {
+    EXPECT_TRUE(testing::SameHostValue(back->get(), expected.get())) << name;
+  }
+}
+
+void expect_bits(const ::arrow::Array& array, const hxArray* envelope, const std::string& name) {
+  const hxArray* bits = hxGetField(hxGetField(envelope, 0, "Valid"), 0, "Values");
+  const auto* const bytes = static_cast<const std::uint8_t*>(hxGetData(bits));
+  std::int64_t nulls = 0;
+  for (std::int64_t i = 0; i < array.length(); ++i) {
+    const bool valid = hxIsEmpty(bits) || (bytes[i / 8] >> (i % 8) & 1) != 0;
+    nulls += valid ? 0 : 1;
+    if (array.IsValid(i) != valid) ADD_FAILURE() << name << ": validity of element " << i;
+  }
+  EXPECT_EQ(array.null_count(), nulls) << name;
+}
+
+void run(const HostCase& one) {
+  const hxArrayPtr envelope = make_host_value(*one.type, one.length, one.making);
+  const auto result = to_arrow<::arrow::Array>(envelope.get());
+  ASSERT_TRUE(result.ok()) << one.name() << ": " << result.status();
+  const std::string found = difference(*(*result)->data(), model_to_arrow(envelope.get()));
+  EXPECT_EQ(found, "") << one.name();
+  expect_way_back(*result, one.name());
+  if (is_short(one.making.memory)) return;
+  EXPECT_TRUE((*result)->ValidateFull().ok()) << one.name() << ": " << (*result)->ValidateFull();
+  expect_bits(**result, envelope.get(), one.name());
+}
+
+std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
+  std::vector<HostCase> cases;
+  for (const HostType& type : types) {
+    for (const size_t length : kLengths) {
+      for (const Nulls nulls : kNulls) {
+        for (const Shape shape : kShapes) {
+          for (const Memory memory : kHostMemories) {
+            cases.push_back({&type, length, {nulls, memory, shape, cases.size()}});
+          }
+        }
+      }
+    }
+  }
+  return cases;
+}
+
+TEST(ToArrow, GivesWhatTheModelGives) {
+  const auto types = host_types();
+  const auto cases = all_cases(types);
+  ASSERT_GE(cases.size(), 40'000U);
+  const size_t live = host::memory::LiveArrays();
+  const size_t step = stride() == 1 ? 1 : 17;
+  for (size_t i = 0; i < cases.size() && !HasFailure(); i += step) run(cases[i]);
+  EXPECT_EQ(host::memory::LiveArrays(), live);
+}
+
+}  // namespace
+}  // namespace numera::gauntlet
