@@ -1,0 +1,143 @@
+#include "python/bindings/buffer.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "python/bindings/host_value.h"
+
+namespace numera::python {
+namespace {
+
+struct Shape {
+  std::vector<Py_ssize_t> extents;
+  std::vector<Py_ssize_t> strides;
+};
+
+Shape column_major(std::span<const size_t> dims, size_t element_size) {
+  Shape shape;
+  auto stride = static_cast<Py_ssize_t>(element_size);
+  for (const size_t extent : dims) {
+    shape.extents.push_back(static_cast<Py_ssize_t>(extent));
+    shape.strides.push_back(stride);
+    stride *= static_cast<Py_ssize_t>(extent);
+  }
+  return shape;
+}
+
+bool wants(int flags, int all) { return (flags & all) == all; }
+
+/// Whether the elements lie as a reader expects who asks for row-major or plain memory.
+bool is_row_major_too(std::span<const size_t> dims) {
+  size_t longer = 0;
+  for (const size_t extent : dims) {
+    if (extent == 0) return true;
+    longer += static_cast<size_t>(extent > 1);
+  }
+  return longer <= 1;
+}
+
+const char* refusal(const HostValue& value, const char* format, int flags) {
+  if (format == nullptr) return "HostArray: its elements are no numbers, truth values or text.";
+  if (wants(flags, PyBUF_WRITABLE) && !value.writable)
+    return "HostArray: found a request to write, expected one to read.";
+  const bool row_major = wants(flags, PyBUF_C_CONTIGUOUS) || !wants(flags, PyBUF_STRIDES);
+  if (row_major && !is_row_major_too(hxGetDimensions(value.get()))) {
+    return "HostArray: found a request for row-major memory, expected one for column-major.";
+  }
+  return nullptr;
+}
+
+// Python gives null and zero for what a request leaves out.
+void fill(Py_buffer* view, const hxArray* array, const char* format, Shape* shape, int flags) {
+  static std::uint64_t no_elements[2] = {};
+  const void* data = hxGetData(array);
+  view->buf = data == nullptr ? no_elements : const_cast<void*>(data);
+  view->itemsize = static_cast<Py_ssize_t>(hxGetElementSize(array));
+  view->len = view->itemsize * static_cast<Py_ssize_t>(hxGetNumberOfElements(array));
+  view->ndim = static_cast<int>(shape->extents.size());
+  view->format = wants(flags, PyBUF_FORMAT) ? const_cast<char*>(format) : nullptr;
+  view->shape = wants(flags, PyBUF_ND) ? shape->extents.data() : nullptr;
+  view->strides = wants(flags, PyBUF_STRIDES) ? shape->strides.data() : nullptr;
+  view->suboffsets = nullptr;
+  view->internal = shape;
+}
+
+int get_buffer(PyObject* self, Py_buffer* view, int flags) {
+  const HostValue& value = *nanobind::inst_ptr<HostValue>(self);
+  const char* format = element_format(value.get());
+  view->obj = nullptr;
+  if (const char* reason = refusal(value, format, flags)) {
+    PyErr_SetString(PyExc_BufferError, reason);
+    return -1;
+  }
+  std::unique_ptr<Shape> shape;
+  try {
+    shape = std::make_unique<Shape>(
+        column_major(hxGetDimensions(value.get()), hxGetElementSize(value.get())));
+  } catch (const std::bad_alloc&) {
+    PyErr_NoMemory();
+    return -1;
+  }
+  fill(view, value.get(), format, shape.release(), flags);
+  view->readonly = value.writable ? 0 : 1;
+  view->obj = Py_NewRef(self);
+  return 0;
+}
+
+void release_buffer(PyObject*, Py_buffer* view) { delete static_cast<Shape*>(view->internal); }
+
+}  // namespace
+
+const char* element_format(const hxArray* array) {
+  if (hxIsSparse(array)) return nullptr;
+  const bool complex = hxIsComplex(array);
+  switch (hxGetClassID(array)) {
+    case hxClassID::Double:
+      return complex ? "Zd" : "d";
+    case hxClassID::Single:
+      return complex ? "Zf" : "f";
+    case hxClassID::Int8:
+      return complex ? nullptr : "b";
+    case hxClassID::UInt8:
+      return complex ? nullptr : "B";
+    case hxClassID::Int16:
+      return complex ? nullptr : "h";
+    case hxClassID::Char:
+    case hxClassID::UInt16:
+      return complex ? nullptr : "H";
+    case hxClassID::Int32:
+      return complex ? nullptr : "i";
+    case hxClassID::UInt32:
+      return complex ? nullptr : "I";
+    case hxClassID::Int64:
+      return complex ? nullptr : "q";
+    case hxClassID::UInt64:
+      return complex ? nullptr : "Q";
+    case hxClassID::Logical:
+      return "?";
+    case hxClassID::Unknown:
+    case hxClassID::Cell:
+    case hxClassID::Struct:
+    case hxClassID::Void:
+    case hxClassID::Function:
+    case hxClassID::Object:
+      return nullptr;
+  }
+  return nullptr;
+}
+
+const PyType_Slot* buffer_slots() {
+  static const std::array<PyType_Slot, 3> slots = {{
+      {Py_bf_getbuffer, reinterpret_cast<void*>(get_buffer)},
+      {Py_bf_releasebuffer, reinterpret_cast<void*>(release_buffer)},
+      {0, nullptr},
+  }};
+  return slots.data();
+}
+
+}  // namespace numera::python

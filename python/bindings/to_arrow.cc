@@ -1,0 +1,135 @@
+#include <arrow/buffer.h>
+#include <arrow/chunked_array.h>
+#include <arrow/python/pyarrow.h>
+#include <arrow/table.h>
+
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "numera/core/util/table_error.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/own/own.h"
+#include "numera/unicode/convert_utf16_to_utf8.h"
+#include "python/bindings/bindings.h"
+#include "python/bindings/conversion_docs.h"
+#include "python/bindings/errors.h"
+#include "python/bindings/host_value.h"
+#include "python/bindings/unlocked.h"
+
+namespace numera::python {
+namespace {
+
+namespace py = ::arrow::py;
+using io::arrow::core::util::TableErrorCode;
+using io::arrow::core::util::TableErrorStatusDetail;
+
+constexpr const char* kEncodeNote =
+    "numera.to_arrow reads encoded values; numera.encode(value) makes one of an ordinary value and "
+    "of what numera.to_host gave.";
+
+/// The text of the field "ArrowType" where it can be read.
+std::string kind_of(const hxArray* value) {
+  if (!has_fields(value)) return {};
+  const hxArray* kind = hxGetField(value, 0, "ArrowType");
+  if (kind == nullptr || hxGetClassID(kind) != hxClassID::Char) return {};
+  if (hxGetNumberOfElements(kind) > 16) return {};  // longer than any kind
+  std::string text;
+  const auto* units = static_cast<const char16_t*>(hxGetData(kind));
+  for (size_t i = 0; i < hxGetNumberOfElements(kind); ++i) {
+    text.push_back(units[i] < 0x80 ? static_cast<char>(units[i]) : '?');
+  }
+  return text;
+}
+
+::arrow::Status validate_column(const ::arrow::Table& table, int index) {
+  const ::arrow::ChunkedArray& column = *table.column(index);
+  ::arrow::Status status = column.ValidateFull();
+  if (status.ok() && column.length() != table.num_rows()) {
+    status = ::arrow::Status::Invalid("Column: found ", column.length(), " elements, expected ",
+                                      table.num_rows(), " like the first one.");
+  }
+  if (status.ok()) return status;
+  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
+  return status.WithDetail(
+      std::make_shared<TableErrorStatusDetail>(code, table.field(index)->name(), index));
+}
+
+::arrow::Status validate_full(const ::arrow::Array& array) { return array.ValidateFull(); }
+::arrow::Status validate_full(const ::arrow::Buffer&) { return ::arrow::Status::OK(); }
+::arrow::Status validate_full(const ::arrow::Table& table) {
+  for (int i = 0; i < table.num_columns(); ++i) {
+    hxThrowIfInterruptPending();
+    ARROW_RETURN_NOT_OK(validate_column(table, i));
+  }
+  return ::arrow::Status::OK();
+}
+
+/// What `convert` makes of a shared copy of the value, so that the `HostArray` and Arrow each own
+/// one.
+template <class Convert>
+auto converted(const HostValue& host, bool validate, Convert convert) {
+  auto validated = [&]() -> decltype(convert(nullptr)) {
+    const Unlocked unlocked;
+    ARROW_ASSIGN_OR_RAISE(auto value, convert(hxSharedCopy(host.get())));
+    if (validate) ARROW_RETURN_NOT_OK(validate_full(*value));
+    return value;
+  };
+  try {
+    return value_or_raise(validated(), kEncodeNote);
+  } catch (const std::invalid_argument& error) {
+    raise_with_note(PyExc_ValueError, error.what(), nb::str(kEncodeNote));
+  }
+}
+
+nb::object wrapped(PyObject* object) {
+  if (object == nullptr) throw nb::python_error();
+  return nb::steal(object);
+}
+
+nb::object to_arrow(const HostValue& host, bool validate) {
+  const std::string kind = kind_of(host.get());
+  if (kind == "table") {
+    return wrapped(py::wrap_table(converted(host, validate, extras::own_to_arrow_table)));
+  }
+  if (kind == "buffer") {
+    return wrapped(
+        py::wrap_buffer(converted(host, validate, extras::own_to_arrow<::arrow::Buffer>)));
+  }
+  return wrapped(py::wrap_array(converted(host, validate, extras::own_to_arrow<::arrow::Array>)));
+}
+
+HostValue encode(const HostValue& value) {
+  ::arrow::Result<hxArrayPtr> result = [&] {
+    const Unlocked unlocked;
+    return extras::encode(value.get());
+  }();
+  return adopt(value_or_raise(std::move(result)));
+}
+
+nb::tuple utf16_to_utf8(const HostValue& text) {
+  std::array<hxArrayPtr, 2> outputs;
+  {
+    const Unlocked unlocked;
+    const hxArray* input = text.get();
+    io::arrow::unicode::convertUTF16ToUTF8(2, outputs.data(), 1, &input);
+  }
+  return nb::make_tuple(adopt(std::move(outputs[0])), adopt(std::move(outputs[1])));
+}
+
+}  // namespace
+
+void bind_to_arrow(nb::module_& module) {
+  module.def("to_arrow", &to_arrow, nb::arg("host"), nb::arg("validate") = true,
+             nb::sig("def to_arrow(host: HostArray, validate: bool = True) -> pyarrow.Array | "
+                     "pyarrow.Table | pyarrow.Buffer"),
+             docs::kToArrow);
+  module.def("encode", &encode, nb::arg("value"), docs::kEncode);
+  module.def("utf16_to_utf8", &utf16_to_utf8, nb::arg("text"),
+             nb::sig("def utf16_to_utf8(text: HostArray) -> tuple[HostArray, HostArray]"),
+             docs::kUtf16ToUtf8);
+}
+
+}  // namespace numera::python

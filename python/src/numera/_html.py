@@ -1,0 +1,92 @@
+"""Host values as folding trees for notebooks."""
+
+from html import escape
+
+MAX_DEPTH = 20
+MAX_ELEMENTS = 20
+MAX_NODES = 1000
+OPEN_LEVELS = 2
+
+# Notebooks have themes of their own beside that of the system; text takes the notebook's colour.
+_DARK = "--numera-name:#79c0ff;--numera-class:#d2a8ff;--numera-rule:#6e7681"
+STYLE = f"""<style>
+.numera{{--numera-name:#0550ae;--numera-class:#8250df;--numera-rule:#afb8c1;
+font:13px/1.5 ui-monospace,SFMono-Regular,Menlo,Consolas,"DejaVu Sans Mono",monospace;
+color:inherit;text-align:left}}
+@media (prefers-color-scheme:dark){{.numera{{{_DARK}}}}}
+[data-jp-theme-light="false"] .numera,.vscode-dark .numera,[data-theme="dark"] .numera{{{_DARK}}}
+[data-jp-theme-light="true"] .numera,.vscode-light .numera,[data-theme="light"] .numera{{
+--numera-name:#0550ae;--numera-class:#8250df;--numera-rule:#afb8c1}}
+.numera ul{{list-style:none;margin:0 0 0 .45em;padding:0 0 0 1em;
+border-left:1px solid var(--numera-rule)}}
+.numera li{{margin:0;padding:0;overflow-wrap:anywhere}}
+.numera summary{{cursor:pointer}}
+.numera li.numera-leaf{{padding-left:1.1em}}
+.numera-name{{color:var(--numera-name)}}
+.numera-class{{color:var(--numera-class)}}
+.numera-size{{opacity:.7}}
+</style>"""
+
+
+def render(value):
+    return f'<div class="numera">{STYLE}{_Tree().node(None, value, 0)}</div>'
+
+
+class _Tree:
+    """Counts what is shown, so that a notebook stays light whatever the value."""
+
+    def __init__(self):
+        self.nodes = 0
+
+    def node(self, name, value, depth):
+        self.nodes += 1
+        if value is None:
+            return f'<div class="numera-leaf">{_label(name)}<span class="numera-size">&lt;empty&gt;</span></div>'
+        children = self.children(value, depth) if depth < MAX_DEPTH else ""
+        head = _label(name) + _head(value)
+        if not children:
+            return f'<div class="numera-leaf">{head}</div>'
+        state = " open" if depth < OPEN_LEVELS else ""
+        return f"<details{state}><summary>{head}</summary><ul>{children}</ul></details>"
+
+    def children(self, value, depth):
+        shown, rest = _parts(value)
+        items = []
+        for i, (name, part) in enumerate(shown):
+            if self.nodes >= MAX_NODES:
+                rest += len(shown) - i
+                break
+            items.append(f"<li>{self.node(name, part, depth + 1)}</li>")
+        if rest:
+            items.append(f'<li class="numera-leaf numera-size">... {rest} more</li>')
+        return "".join(items)
+
+
+def _parts(value):
+    """Names and values of the slots that are shown, and how many are left out."""
+    count = min(len(value), MAX_ELEMENTS)
+    if value.class_name == "cell":
+        return [(f"{{{i}}}", value[i]) for i in range(count)], len(value) - count
+    if not value.fields:
+        return [], 0
+    if len(value) == 1:
+        return [(name, value[name]) for name in value.fields], 0
+    return [(f"({i})", value[i]) for i in range(count)], len(value) - count
+
+
+def _label(name):
+    if name is None:
+        return ""
+    text = name.encode("utf-8", "backslashreplace").decode()
+    return f'<span class="numera-name">{escape(text)}</span>: '
+
+
+def _head(value):
+    """The line that is printed for the value: its class, its size, and its elements if it has any."""
+    line = value.tree(max_depth=0, max_elements=MAX_ELEMENTS, max_lines=1).splitlines()[0]
+    size = "x".join(map(str, value.shape))
+    kind, _, elements = line.partition(f" {size}")
+    return (
+        f'<span class="numera-class">{escape(kind)}</span> '
+        f'<span class="numera-size">{size}</span>{escape(elements)}'
+    )

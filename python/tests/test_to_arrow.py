@@ -1,0 +1,174 @@
+import gc
+
+import numera
+import pyarrow as pa
+import pytest
+from numera import host
+
+
+def encoded(kind, name, values, valid=None):
+    buffer = {"ArrowType": "buffer", "Values": [] if valid is None else valid, "Length": 1.0}
+    return {"ArrowType": kind, "Type": name, "Data": values, "Valid": host.struct(
+        {**buffer, "Values": host.numeric(memoryview(bytes(buffer["Values"])))})}
+
+
+def numbers(values):
+    return host.struct(encoded("array", "double", host.numeric(values)))
+
+
+def table(columns, names=None):
+    columns = list(columns)
+    return host.struct({
+        "ArrowType": "table",
+        "Columns": host.struct(columns),
+        "Names": host.cell(names or [f"c{i}" for i in range(len(columns))]),
+    })
+
+
+def test_numbers_are_read_where_they_lie():
+    value = numbers([1.5, 2.5])
+    result = numera.to_arrow(value)
+    assert result.equals(pa.array([1.5, 2.5]))
+    assert result.buffers()[1].address == value["Data"].numpy().ctypes.data
+
+
+def test_a_table_shares_the_memory_of_its_columns():
+    value = numera.to_host(pa.table({"a": [1, 2], "b": [True, None]}))
+    result = numera.to_arrow(numera.encode(value))
+    assert result.to_pydict() == {"a": [1, 2], "b": [True, None]}
+    assert result["a"].chunk(0).buffers()[1].address == value["Columns"][0]["Data"].numpy().ctypes.data
+
+
+def test_a_buffer_shares_its_bytes():
+    value = numera.to_host(b"abc")
+    result = numera.to_arrow(value)
+    assert isinstance(result, pa.Buffer)
+    assert result.to_pybytes() == b"abc"
+    assert result.address == value["Values"].numpy().ctypes.data
+
+
+def test_arrow_values_keep_the_host_value_alive_until_the_last_buffer_goes():
+    gc.collect()
+    before = host.live_arrays()
+    value = numera.encode(numera.to_host(pa.table({"t": ["one", None, "three"] * 1000})))
+    column = numera.to_arrow(value)["t"].chunk(0)
+    del value
+    buffer = column.slice(1, 2).buffers()[2]
+    del column
+    gc.collect()
+    assert host.live_arrays() > before
+    assert buffer.to_pybytes()[:8] == b"onethree"
+    del buffer
+    gc.collect()
+    assert host.live_arrays() == before
+
+
+@pytest.mark.parametrize(
+    "x",
+    [
+        pa.array(["a", None, "ж"]),
+        pa.array([b"a", None, b""]),
+        pa.array([[1], None, [2, 3]]),
+        pa.array([{"a": 1, "b": "x"}, None]),
+        pa.chunked_array([["a", "b"], ["a", None]]).dictionary_encode(),
+        pa.array([1, None], pa.timestamp("ms", "Europe/Paris")),
+    ],
+    ids=lambda x: str(x.type),
+)
+def test_written_values_return_through_encode(x):
+    result = numera.to_arrow(numera.encode(numera.to_host(x)))
+    assert result.to_pylist() == x.to_pylist()
+
+
+def test_ordinary_values_are_encoded():
+    assert numera.to_arrow(numera.encode(host.numeric([[1, 3], [2, 4]]))).to_pylist() == [1, 2, 3, 4]
+    assert numera.to_arrow(numera.encode(host.logical([True, False]))).to_pylist() == [True, False]
+    assert numera.to_arrow(numera.encode(host.char(["ab", "cd"]))).to_pylist() == ["ab", "cd"]
+
+
+def test_written_text_is_refused_with_the_way_out():
+    with pytest.raises(ValueError) as caught:
+        numera.to_arrow(numera.to_host(pa.array(["a"])))
+    assert str(caught.value) == "Wrong field name."
+    assert caught.value.__notes__ == [
+        "numera.to_arrow reads encoded values; numera.encode(value) makes one of an ordinary value "
+        "and of what numera.to_host gave."
+    ]
+
+
+def test_a_plain_value_is_no_encoded_one():
+    with pytest.raises(pa.ArrowTypeError) as caught:
+        numera.to_arrow(host.numeric([1.0]))
+    assert str(caught.value) == "Struct array required for input"
+
+
+def test_a_failing_column_is_named():
+    value = table([encoded("array", "double", host.numeric([1.0])),
+                   encoded("array", "nothing", "text")], ["good", "bad"])
+    with pytest.raises(pa.ArrowInvalid) as caught:
+        numera.to_arrow(value)
+    assert str(caught.value) == "Invalid type for NUMERA to Arrow conversion."
+    assert (caught.value.column_name, caught.value.column_index) == ("bad", 1)
+    assert caught.value.error_code is numera.TableErrorCode.Internal
+
+
+def test_a_type_error_of_a_column_has_its_code():
+    value = table([{**encoded("array", "double", host.numeric([1.0])), "Data": host.numeric([1j])}])
+    with pytest.raises(pa.ArrowTypeError) as caught:
+        numera.to_arrow(value)
+    assert (caught.value.column_name, caught.value.column_index) == ("c0", 0)
+    assert caught.value.error_code is numera.TableErrorCode.TypeError
+
+
+def test_a_column_without_name_is_counted():
+    value = host.struct({
+        "ArrowType": "table",
+        "Columns": host.struct([encoded("array", "double", host.numeric([1.0]))] * 2),
+        "Names": host.cell(["only"]),
+    })
+    with pytest.raises(pa.ArrowInvalid, match="^Cell index is out of range.") as caught:
+        numera.to_arrow(value)
+    assert (caught.value.column_name, caught.value.column_index) == ("", 1)
+
+
+def test_columns_of_different_lengths_are_refused_by_name():
+    value = table([encoded("array", "double", host.numeric([1.0])),
+                   encoded("array", "double", host.numeric([1.0, 2.0]))])
+    with pytest.raises(pa.ArrowInvalid, match="found 2 elements, expected 1") as caught:
+        numera.to_arrow(value)
+    assert (caught.value.column_name, caught.value.column_index) == ("c1", 1)
+    assert numera.to_arrow(value, validate=False).num_columns == 2
+
+
+def test_a_struct_without_the_fields_is_refused_in_the_words_of_the_host():
+    with pytest.raises(ValueError, match="^Wrong field name."):
+        numera.to_arrow(host.struct({"A": 1}))
+    with pytest.raises(IndexError, match="^Struct index is out of range.$"):
+        numera.to_arrow(host.struct([], fields=["ArrowType", "Type", "Valid", "Data"]))
+
+
+def test_encode_names_the_place():
+    with pytest.raises(pa.ArrowTypeError, match="^Value: found a complex 1-by-1 double array, expected"):
+        numera.encode(host.numeric([1j]))
+
+
+@pytest.mark.parametrize(
+    "text, bytes_, offsets",
+    [
+        (host.string(["a", None, "é"]), b"a\xc3\xa9\0", [0, 1, 1, 3]),
+        (host.cell(["ab", "c"]), b"abc\0", [0, 2, 3]),
+        (host.char(["ab", "cd"]), b"abcd\0", [0, 2, 4]),
+    ],
+    ids=["string", "cell", "char"],
+)
+def test_texts_become_utf8(text, bytes_, offsets):
+    packed, ends = numera.utf16_to_utf8(text)
+    assert packed.numpy().tobytes() == bytes_
+    assert (ends.class_name, ends.to_python()) == ("uint64", offsets)
+
+
+def test_text_that_is_no_utf16_is_refused_with_its_identifier():
+    with pytest.raises(ValueError) as caught:
+        numera.utf16_to_utf8(host.string(["a", "\ud800"]))
+    assert caught.value.identifier == "NUMERA:io:arrow:unicode:UnrecognizedUTF16Character"
+    assert str(caught.value).startswith("NUMERA:io:arrow:unicode:UnrecognizedUTF16Character (2, ")
