@@ -10,10 +10,10 @@
 namespace numera::extras::encoding {
 namespace {
 
-::arrow::Result<std::shared_ptr<::arrow::Array>> join(const Encoded& encoded,
-                                                      ChunkReader read_chunk, int level) {
+::arrow::Result<ReadableValue> join(const Encoded& encoded, ChunkReader read_chunk, int level) {
   const size_t chunks = hxGetNumberOfElements(encoded.data.value);
-  // The Arrow arrays borrow the memory of the envelopes until they are joined.
+  // The Arrow arrays borrow the memory of the envelopes, and what they are joined to may still do
+  // so: a dictionary that is the same in all of them is not copied.
   std::vector<Envelope> envelopes;
   ::arrow::ArrayVector arrays;
   for (size_t c = 0; c < chunks; ++c) {
@@ -23,9 +23,9 @@ namespace {
     ARROW_ASSIGN_OR_RAISE(auto array, read_back(envelopes.back().value.get(), 0, place));
     arrays.push_back(std::move(array));
   }
-  auto joined = ::arrow::Concatenate(arrays);
+  const auto joined = ::arrow::Concatenate(arrays);
   if (!joined.ok()) return at(encoded.data, joined.status());
-  return joined;
+  return write_readable(**joined);
 }
 
 ::arrow::Status check_chunks(const Encoded& encoded) {
@@ -46,8 +46,7 @@ namespace {
                                            int level) {
   ARROW_RETURN_NOT_OK(check_chunks(encoded));
   if (hxGetNumberOfElements(encoded.data.value) == 1) return read_chunk(encoded, 0, level);
-  ARROW_ASSIGN_OR_RAISE(const auto joined, join(encoded, read_chunk, level));
-  return write_readable(*joined);
+  return join(encoded, read_chunk, level);
 }
 
 }  // namespace numera::extras::encoding

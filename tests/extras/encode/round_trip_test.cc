@@ -92,6 +92,16 @@ TEST(EncodeRoundTrip, EveryTypeReturnsWithinEveryNestedType) {
   }
 }
 
+TEST(EncodeRoundTrip, DictionariesThatChunksShareReturnWithinEveryNestedType) {
+  const auto type = ::arrow::dictionary(::arrow::int16(), ::arrow::utf8());
+  const auto first = ArrowArray(type, R"(["b", null, "a"])");
+  const auto second = ArrowArray(type, R"(["b", "a", null])");
+  for (const auto& nest : nestings()) {
+    expect_round_trip(std::make_shared<::arrow::ChunkedArray>(
+        ::arrow::ArrayVector{nest(first), nest(second), nest(first)}));
+  }
+}
+
 TEST(EncodeRoundTrip, NestedTypesReturnFromNestedTypes) {
   for (const auto& outer : nestings()) {
     for (const auto& middle : nestings()) {
