@@ -1,0 +1,88 @@
+/// \file
+/// Literals: any text is refused by the one exception or gives a value that comes back, and any
+/// value comes back from its literal and from the tree that is printed of it.
+
+#include <limits>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "fuzz/byte_source.h"
+#include "fuzz/claims.h"
+#include "fuzz/fuzzer.h"
+#include "fuzz/host_tree.h"
+#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/inspect/literal.h"
+#include "numera/host/memory.h"
+
+namespace numera::fuzz {
+namespace {
+
+constexpr size_t kUnlimited = std::numeric_limits<size_t>::max();
+constexpr extras::PrintOptions kWhole = {.max_depth = kUnlimited,
+                                         .max_elements = kUnlimited,
+                                         .max_width = kUnlimited,
+                                         .max_lines = kUnlimited};
+
+/// What our own texts give; a refusal is a finding.
+hxArrayPtr parse_own(const std::string& text) {
+  try {
+    return extras::parse(text);
+  } catch (const std::invalid_argument& error) {
+    refute("what is written is read", error.what() + ("\n" + text));
+  }
+}
+
+void check_comes_back(const hxArray* value, const std::string& text) {
+  const hxArrayPtr back = parse_own(text);
+  const auto difference = extras::first_difference(back.get(), value);
+  claim(!difference, "a value comes back as it was", [&] { return *difference + "\n" + text; });
+}
+
+void check_value(const HostTree& tree) {
+  extras::print(tree.root.get(),
+                {.max_depth = 3, .max_elements = 2, .max_width = 30, .max_lines = 9});
+  const std::string printed = extras::print(tree.root.get(), kWhole);
+  if (tree.has_sparse) return;
+  const std::string literal = extras::literal(tree.root.get());
+  if (tree.has_odd_nan || tree.repeats_field) {
+    parse_own(literal);
+    parse_own(printed);
+    return;
+  }
+  check_comes_back(tree.root.get(), literal);
+  if (tree.root != nullptr) check_comes_back(tree.root.get(), printed);
+}
+
+bool repeats_field(const std::string& literal) {
+  return extras::literal(parse_own(literal).get()) != literal;
+}
+
+void check_text(std::string_view text) {
+  hxArrayPtr value;
+  try {
+    value = extras::parse(text);
+  } catch (const std::invalid_argument&) {
+    return;
+  }
+  const std::string literal = extras::literal(value.get());
+  if (!repeats_field(literal)) check_comes_back(value.get(), literal);
+}
+
+}  // namespace
+}  // namespace numera::fuzz
+
+/// An input that begins with a zero byte is a value, any other a text.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
+  using numera::host::memory::LiveArrays;
+  const size_t before = LiveArrays();
+  if (size > 0 && data[0] == 0) {
+    numera::fuzz::ByteSource source({data + 1, size - 1});
+    numera::fuzz::check_value(numera::fuzz::read_host_tree(source));
+  } else {
+    numera::fuzz::check_text({reinterpret_cast<const char*>(data), size});
+  }
+  numera::fuzz::claim(LiveArrays() == before, "no array is left over");
+  return 0;
+}

@@ -1,0 +1,144 @@
+#include "fuzz/round_trip.h"
+
+#include <arrow/array/array_base.h>
+#include <arrow/result.h>
+#include <arrow/status.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "fuzz/arrow_copies.h"
+#include "fuzz/claims.h"
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_arrow_table.h"
+#include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/inspect/inspect.h"
+#include "numera/host/text_codec.h"
+#include "tests/extras/encode/same_values.h"
+
+namespace numera::fuzz {
+namespace {
+
+using ::arrow::DataType;
+using ::arrow::Type;
+using io::arrow::core::to_numera;
+
+template <class Predicate>
+bool any_type(const DataType& type, const Predicate& predicate) {
+  return predicate(type) || std::ranges::any_of(type.fields(), [&](const auto& field) {
+           return any_type(*field->type(), predicate);
+         });
+}
+
+/// What may keep a value of a type that returns from returning.
+bool may_be_refused(const DataType& type) {
+  return any_type(type, [](const DataType& part) {
+    return part.id() == Type::DICTIONARY || part.id() == Type::TIMESTAMP;
+  });
+}
+
+bool is_utf8(const std::string& text) {
+  try {
+    hxUTF8ToUTF16("UTF-8").convert(text);
+    return true;
+  } catch (const hxCodecError&) {
+    return false;
+  }
+}
+
+/// Names of fields are text to the host.
+bool names_are_utf8(const DataType& type) {
+  return !any_type(type, [](const DataType& part) {
+    return std::ranges::any_of(part.fields(),
+                               [](const auto& field) { return !is_utf8(field->name()); });
+  });
+}
+
+/// Null where a name is no text, which is the one way to fail.
+template <class Value>
+hxArrayPtr to_host(const std::shared_ptr<Value>& value, bool names_are_text) {
+  try {
+    auto written = to_numera(value);
+    claim(written.ok(), "what is fit gets to the host",
+          [&] { return written.status().ToString() + "\n" + value->ToString(); });
+    return std::move(written).ValueUnsafe();
+  } catch (const hxCodecError& error) {
+    claim(!names_are_text, "names that are text get to the host", [&] { return error.what(); });
+    return nullptr;
+  }
+}
+
+void check_returned(const ::arrow::ChunkedArray& column, const ::arrow::Array& back) {
+  claim(extras::returns_as(*column.type(), *back.type()), "the type is one that returns",
+        [&] { return column.type()->ToString() + " returned as " + back.type()->ToString(); });
+  // The comparison reads elements as Arrow does, by their address.
+  const auto same = testing::SameValues(*exact_copy(column, 0), back);
+  claim(static_cast<bool>(same), "the values return", [&] {
+    return column.type()->ToString() + ": " + same.message() + "\n" + column.ToString() +
+           "\nreturned\n" + back.ToString();
+  });
+}
+
+/// A readable form of what was written, or null where it may be refused.
+hxArrayPtr readable_form(const hxArray* written, bool may_fail, const std::string& subject) {
+  auto readable = extras::encode(written);
+  if (!readable.ok()) {
+    claim(may_fail, "what is written has a readable form", [&] {
+      return readable.status().ToString() + "\n" + subject + "\n" + extras::print(written);
+    });
+    return nullptr;
+  }
+  return std::move(readable).ValueUnsafe();
+}
+
+bool has_readable_form(const ::arrow::ChunkedArray& column) {
+  return extras::returned_type(*column.type()) && !may_be_refused(*column.type()) &&
+         (column.num_chunks() > 0 || column.type()->num_fields() == 0);
+}
+
+}  // namespace
+
+std::shared_ptr<::arrow::Array> read_valid(const hxArray* readable) {
+  auto array = io::arrow::core::to_arrow<::arrow::Array>(readable);
+  claim(array.ok(), "what is readable is read",
+        [&] { return array.status().ToString() + "\n" + extras::print(readable); });
+  const ::arrow::Status valid = (*array)->ValidateFull();
+  claim(valid.ok(), "what is readable gives a valid array",
+        [&] { return valid.ToString() + "\n" + extras::print(readable); });
+  return *array;
+}
+
+void check_round_trip(const std::shared_ptr<::arrow::ChunkedArray>& column) {
+  const hxArrayPtr written = to_host(column, names_are_utf8(*column->type()));
+  if (written == nullptr) return;
+  const hxArrayPtr readable =
+      readable_form(written.get(), !has_readable_form(*column), column->type()->ToString());
+  if (readable == nullptr) return;
+  check_returned(*column, *read_valid(readable.get()));
+}
+
+void check_round_trip(const std::shared_ptr<::arrow::Table>& table) {
+  bool names_are_text = true;
+  bool may_fail = false;
+  for (int i = 0; i < table->num_columns(); ++i) {
+    names_are_text = names_are_text && is_utf8(table->field(i)->name()) &&
+                     names_are_utf8(*table->field(i)->type());
+    may_fail = may_fail || !has_readable_form(*table->column(i));
+  }
+  const hxArrayPtr written = to_host(table, names_are_text);
+  if (written == nullptr) return;
+  const hxArrayPtr readable = readable_form(written.get(), may_fail, table->schema()->ToString());
+  if (readable == nullptr) return;
+  const auto back = io::arrow::core::to_arrow_table(readable.get());
+  claim(back.ok(), "a readable table is read", [&] { return back.status().ToString(); });
+  claim((*back)->ColumnNames() == table->ColumnNames(), "the names of columns return");
+  for (int i = 0; i < table->num_columns(); ++i) {
+    const ::arrow::Array& column = *(*back)->column(i)->chunk(0);
+    claim(column.ValidateFull().ok(), "columns of a readable table are valid");
+    check_returned(*table->column(i), column);
+  }
+}
+
+}  // namespace numera::fuzz

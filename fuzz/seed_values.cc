@@ -1,0 +1,109 @@
+#include <arrow/table.h>
+
+#include <stdexcept>
+#include <string_view>
+
+#include "fuzz/host_tree.h"
+#include "fuzz/seeds.h"
+#include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/inspect/literal.h"
+
+namespace numera::fuzz {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Seeds beyond this size teach a fuzzer little and cost it much.
+constexpr size_t kLargest = 4096;
+
+Bytes bytes_of(std::string_view text) { return {text.begin(), text.end()}; }
+
+void keep_small(const KeepSeed& keep, const std::string& fuzzer, const Bytes& input) {
+  if (input.size() <= kLargest) keep(fuzzer, input);
+}
+
+void keep_value(const hxArray* value, const KeepSeed& keep) {
+  keep_small(keep, "literal", bytes_of(extras::literal(value)));
+  keep_small(keep, "literal", bytes_of(extras::print(value)));
+  Bytes tree;
+  try {
+    tree = write_host_tree(value);
+  } catch (const std::invalid_argument&) {
+    return;  // too large
+  }
+  keep_small(keep, "gateway", tree);
+  tree.insert(tree.begin(), 0);  // no failing allocation; no text
+  keep_small(keep, "literal", tree);
+  keep_small(keep, "to_arrow", tree);
+}
+
+constexpr std::string_view kLiterals[] = {
+    R"("char row")",
+    R"(char ["two" "row"])",
+    "char 0x0 \"\"",
+    R"(string 3x1 ["a" <missing> "grüße"])",
+    "string 0x1 []",
+    R"(string 2x2 ["a" "b"; "c" "d"])",
+    R"(cell 3x1 {"a"; "日本"; ""})",
+    R"(cell 2x1 {uint8 3x1 [1 2 3]; uint8 0x1 []})",
+    R"(cell 1x2 {double 1x1 [1], <empty>})",
+    "double 3x1 [1 2.5 NaN]",
+    "int64 2x2x2 [1 2 3 4 5 6 7 8]",
+    "logical 9x1 [true false true true false false true true true]",
+    "complex single 1x2 [1+2i 0-1i]",
+    R"(struct(ArrowType="buffer", Values=uint8 2x1 [1 2]))",
+    R"(object "Point" 1x2 {(X=double [1]), (X=<empty>)})",
+    R"(struct 2x1 {(Name="Ada", "two words"=<empty>), (Name="Jo", "two words"=cell {})})",
+};
+
+constexpr std::string_view kTexts[] = {
+    "",
+    "ascii only, and long enough for more than one block of any vector code there may be",
+    "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
+    "\xED\xA0\x80",
+    "\xC0\x80",
+    "\xF4\x90\x80\x80",
+    "mostly ascii \xE6\x97\xA5\xE6\x9C\xAC mostly ascii \xFF",
+};
+
+}  // namespace
+
+void keep_host_values(const TablePtr& table, const KeepSeed& keep) {
+  const auto written = io::arrow::core::to_numera(table);
+  if (!written.ok()) return;  // a type for the intake
+  keep_value(written->get(), keep);
+  const auto readable = extras::encode(written->get());
+  if (readable.ok()) keep_value(readable->get(), keep);
+  for (const auto& column : table->columns()) {
+    const auto part = io::arrow::core::to_numera(column);
+    if (!part.ok()) continue;
+    keep_value(part->get(), keep);
+    const auto readable_part = extras::encode(part->get());
+    if (readable_part.ok()) keep_value(readable_part->get(), keep);
+  }
+}
+
+void keep_plain_values(const KeepSeed& keep) {
+  for (const std::string_view literal : kLiterals) keep_value(extras::parse(literal).get(), keep);
+  for (const std::string_view text : kTexts) {
+    keep("text", bytes_of(text));
+    Bytes columns = {1, 5, 0, 3, 7, 0, 20, 99};
+    columns.insert(columns.end(), text.begin(), text.end());
+    keep("text", columns);
+    Bytes units;
+    for (const char unit : text) units.insert(units.end(), {static_cast<std::uint8_t>(unit), 0});
+    keep("text", units);
+  }
+  keep("text", Bytes{0x3D, 0xD8, 0x00, 0xDE, 0x3D, 0xD8});
+  for (const std::uint8_t position : Bytes{0, 1, 7, 8, 9, 63, 64, 65}) {
+    for (const std::uint8_t length : Bytes{0, 1, 7, 8, 9, 63, 64, 65, 130}) {
+      Bytes input = {length, 0, position, 0, 3, 40};
+      for (int i = 0; i < 100; ++i) input.push_back(static_cast<std::uint8_t>(i * 37));
+      keep("bitmap", input);
+    }
+  }
+}
+
+}  // namespace numera::fuzz

@@ -1,0 +1,130 @@
+/// \file
+/// Arrow IPC streams, sliced and cut into other chunks, through the intake to the host and back.
+///
+/// The input is 8 bytes that decide the slices, and a stream. Arrow's own reader stands at the door
+/// and is not what is tried here: it gets a bounded pool of memory, what it refuses is refused, and
+/// batches that do not pass the check that the program makes of a batch go no further. Every buffer
+/// is copied into a block of exactly its size, so that a read past its end is seen.
+
+#include <arrow/array/array_base.h>
+#include <arrow/compare.h>
+#include <arrow/io/memory.h>
+#include <arrow/ipc/reader.h>
+#include <arrow/memory_pool.h>
+#include <arrow/record_batch.h>
+#include <arrow/table.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fuzz/arrow_copies.h"
+#include "fuzz/byte_source.h"
+#include "fuzz/claims.h"
+#include "fuzz/fuzzer.h"
+#include "fuzz/round_trip.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/host/memory.h"
+
+namespace numera::fuzz {
+namespace {
+
+constexpr std::int64_t kMostBytes = 1 << 24;
+constexpr std::int64_t kMostRows = 1 << 11;
+constexpr int kMostBatches = 6;
+
+using Batches = std::vector<std::shared_ptr<::arrow::RecordBatch>>;
+using TablePtr = std::shared_ptr<::arrow::Table>;
+
+/// The batches up to the first one that Arrow refuses.
+::arrow::Result<TablePtr> read_stream(std::span<const std::uint8_t> bytes,
+                                      ::arrow::MemoryPool* pool) {
+  auto options = ::arrow::ipc::IpcReadOptions::Defaults();
+  options.memory_pool = pool;
+  options.use_threads = false;
+  const auto input = std::make_shared<::arrow::io::BufferReader>(
+      std::make_shared<::arrow::Buffer>(bytes.data(), static_cast<std::int64_t>(bytes.size())));
+  ARROW_ASSIGN_OR_RAISE(const auto reader,
+                        ::arrow::ipc::RecordBatchStreamReader::Open(input, options));
+  Batches batches;
+  while (batches.size() < kMostBatches) {
+    std::shared_ptr<::arrow::RecordBatch> batch;
+    if (!reader->ReadNext(&batch).ok() || batch == nullptr) break;
+    if (batch->num_rows() > kMostRows || !batch->Validate().ok()) break;
+    batches.push_back(std::move(batch));
+  }
+  return ::arrow::Table::FromRecordBatches(reader->schema(), batches);
+}
+
+TablePtr exact_table(const ::arrow::Table& table, size_t shift) {
+  ::arrow::ChunkedArrayVector columns;
+  for (const auto& column : table.columns()) columns.push_back(exact_copy(*column, shift));
+  return ::arrow::Table::Make(table.schema(), std::move(columns), table.num_rows());
+}
+
+/// Some rows of the table, and some again, as chunks.
+TablePtr sliced(const TablePtr& table, ByteSource& decisions) {
+  std::vector<TablePtr> pieces;
+  for (size_t count = decisions.below(4); count > 0; --count) {
+    const auto rows = static_cast<size_t>(table->num_rows());
+    const size_t start = rows == 0 ? 0 : decisions.below(std::min(rows, size_t{256}));
+    pieces.push_back(table->Slice(static_cast<std::int64_t>(start),
+                                  static_cast<std::int64_t>(decisions.below(80))));
+  }
+  if (pieces.empty()) return table;
+  auto joined = ::arrow::ConcatenateTables(pieces);
+  return joined.ok() ? *joined : table;
+}
+
+void check_no_offset(const ::arrow::ArrayData& array) {
+  claim(array.offset == 0, "what is taken in has no offset");
+  for (const auto& child : array.child_data) check_no_offset(*child);
+  if (array.dictionary != nullptr) check_no_offset(*array.dictionary);
+}
+
+void check_same(const ::arrow::Table& taken, const ::arrow::Table& given) {
+  claim(taken.schema()->Equals(*given.schema()), "without a cast the types stay");
+  const auto nans_equal = ::arrow::EqualOptions::Defaults().nans_equal(true);
+  for (int i = 0; i < given.num_columns(); ++i) {
+    claim(taken.column(i)->Equals(*given.column(i), nans_equal), "without a cast the values stay",
+          [&] {
+            return given.column(i)->ToString() + "\ntaken in as\n" + taken.column(i)->ToString();
+          });
+  }
+}
+
+void check_taken(const TablePtr& table, bool cast) {
+  const auto taken = extras::take_in(table, {.cast = cast});
+  if (!taken.ok()) return;
+  const ::arrow::Status valid = taken->value->ValidateFull();
+  claim(valid.ok(), "what is taken in is valid", [&] { return valid.ToString(); });
+  for (const auto& column : taken->value->columns()) {
+    for (const auto& chunk : column->chunks()) check_no_offset(*chunk->data());
+  }
+  if (taken->casts.empty()) check_same(*taken->value, *table);
+  check_round_trip(taken->value);
+  for (const auto& column : taken->value->columns()) check_round_trip(column);
+}
+
+void check(std::span<const std::uint8_t> input) {
+  ByteSource source(input);
+  ByteSource decisions(source.take(8));
+  ::arrow::CappedMemoryPool pool(::arrow::default_memory_pool(),
+                                 ::arrow::default_memory_pool()->bytes_allocated() + kMostBytes);
+  const auto table = read_stream(source.rest(), &pool);
+  if (!table.ok()) return;
+  const size_t shift = decisions.below(4);
+  check_taken(sliced(exact_table(**table, shift), decisions), shift % 2 == 0);
+}
+
+}  // namespace
+}  // namespace numera::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
+  const size_t before = numera::host::memory::LiveArrays();
+  numera::fuzz::check({data, size});
+  numera::fuzz::claim(numera::host::memory::LiveArrays() == before, "no array is left over");
+  return 0;
+}
