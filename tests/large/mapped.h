@@ -1,0 +1,40 @@
+#pragma once
+
+/// \file
+/// Gigabytes that take memory only where they are written.
+
+#include <arrow/buffer.h>
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace numera::testing {
+
+/// Zero bytes, all of which share one page until they are written.
+class MappedBuffer : public ::arrow::MutableBuffer {
+ public:
+  explicit MappedBuffer(std::int64_t size) : MutableBuffer(map(size), size) {}
+  ~MappedBuffer() override { ::munmap(mutable_data(), static_cast<size_t>(size())); }
+
+ private:
+  static std::uint8_t* map(std::int64_t size) {
+    void* const block = ::mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE,
+                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (block == MAP_FAILED) throw std::bad_alloc();
+    return static_cast<std::uint8_t*>(block);
+  }
+};
+
+/// Zero bytes but for the given ones: place and value.
+inline std::shared_ptr<::arrow::Buffer> Zeros(
+    std::int64_t size, std::initializer_list<std::pair<std::int64_t, std::uint8_t>> others = {}) {
+  auto buffer = std::make_shared<MappedBuffer>(size);
+  for (const auto& [place, value] : others) buffer->mutable_data()[place] = value;
+  return buffer;
+}
+
+}  // namespace numera::testing
