@@ -8,6 +8,7 @@
 #include <concepts>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -29,6 +30,7 @@ class Codes {
  public:
   explicit Codes(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
 
+  std::span<const std::uint8_t> bytes() const { return bytes_; }
   size_t size() const { return bytes_.size() / sizeof(Code); }
   Code operator[](size_t i) const {
     Code code;
@@ -40,17 +42,37 @@ class Codes {
   std::span<const std::uint8_t> bytes_;
 };
 
-/// Negative codes lie outside of every dictionary, as the large numbers that they are unsigned.
-template <class Code>
-auto unsigned_code(Code code) {
-  return static_cast<std::make_unsigned_t<Code>>(code);
+/// Whether all codes are below `limit`, a positive number. The top bit of either term is set where
+/// a code is not, if the limit is no greater than the first code with a top bit: of this, unlike of
+/// a comparison, every processor makes vector code.
+template <std::unsigned_integral Code>
+bool are_below(Codes<Code> codes, Code limit) {
+  constexpr Code kTopBit = Code{1} << (8 * sizeof(Code) - 1);
+  if (limit > kTopBit) {
+    Code largest = 0;
+    for (size_t i = 0; i < codes.size(); ++i) largest = std::max(largest, codes[i]);
+    return largest < limit;
+  }
+  const auto last = static_cast<Code>(limit - 1);
+  Code bits = 0;
+  for (size_t i = 0; i < codes.size(); ++i) {
+    bits = static_cast<Code>(bits | codes[i] | static_cast<Code>(last - codes[i]));
+  }
+  return bits < kTopBit;
 }
 
 template <class Code>
 bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
-  std::make_unsigned_t<Code> largest = 0;
-  for (size_t i = 0; i < codes.size(); ++i) largest = std::max(largest, unsigned_code(codes[i]));
-  return codes.size() == 0 || std::cmp_less(largest, dictionary_length);
+  using Unsigned = std::make_unsigned_t<Code>;
+  if (codes.size() == 0) return true;
+  if (dictionary_length <= 0) return false;
+  constexpr auto kMost = static_cast<Unsigned>(std::numeric_limits<Code>::max());
+  const Codes<Unsigned> unsigned_codes(codes.bytes());
+  if (std::cmp_less_equal(dictionary_length, kMost)) {
+    return are_below(unsigned_codes, static_cast<Unsigned>(dictionary_length));
+  }
+  // The dictionary is long enough for every code that is not negative.
+  return std::is_unsigned_v<Code> || are_below(unsigned_codes, static_cast<Unsigned>(kMost + 1U));
 }
 
 /// A copy without an offset: its codes within the dictionary, its bitmap as long as the codes.
@@ -72,7 +94,7 @@ ArrayDataResult rebuild(const ArrayData& chunk, Codes<Code> codes) {
   for (size_t i = 0; i < codes.size(); ++i) {
     Code code = codes[i];
     const bool valid = is_valid(i);
-    if (!std::cmp_less(unsigned_code(code), dictionary_length)) {
+    if (std::cmp_less(code, 0) || std::cmp_greater_equal(code, dictionary_length)) {
       if (valid) return messages::wrong_code(std::to_string(code), i, dictionary_length);
       code = 0;
     }

@@ -1,0 +1,88 @@
+#include "numera/core/types/dictionary_codes.h"
+
+#include <arrow/array/array_binary.h>
+#include <arrow/array/data.h>
+#include <arrow/type.h>
+#include <arrow/type_traits.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/arrow_values.h"
+#include "tests/support/encoded_texts.h"
+
+namespace numera::io::arrow::core {
+namespace {
+
+using namespace numera::testing;
+
+std::shared_ptr<::arrow::ArrayData> dictionary_of(std::int64_t length) {
+  std::string json = "[";
+  for (std::int64_t i = 0; i < length; ++i) json += (i == 0 ? "\"\"" : ", \"\"");
+  return ArrowArray(::arrow::utf8(), json + "]")->data();
+}
+
+template <class Code>
+std::shared_ptr<::arrow::DictionaryArray> array_of(
+    const std::vector<Code>& codes, const std::shared_ptr<::arrow::ArrayData>& dictionary) {
+  const auto index_type = ::arrow::CTypeTraits<Code>::type_singleton();
+  auto data = ::arrow::ArrayData::Make(::arrow::dictionary(index_type, ::arrow::utf8()),
+                                       static_cast<std::int64_t>(codes.size()),
+                                       {nullptr, ExactBuffer(codes)}, 0);
+  data->dictionary = dictionary;
+  return std::make_shared<::arrow::DictionaryArray>(data);
+}
+
+template <class Code>
+class CodesWithinDictionary : public ::testing::Test {};
+using CodeTypes = ::testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t,
+                                   std::int32_t, std::uint32_t, std::int64_t, std::uint64_t>;
+TYPED_TEST_SUITE(CodesWithinDictionary, CodeTypes);
+
+TYPED_TEST(CodesWithinDictionary, FindsOneStrayCodeInEveryPlace) {
+  using Code = TypeParam;
+  using Limits = std::numeric_limits<Code>;
+  constexpr size_t kCodes = 40;
+  for (const std::int64_t length : {1, 2, 100, 127, 128, 129, 255, 256, 257, 40'000}) {
+    const auto dictionary = dictionary_of(length);
+    const auto last = static_cast<Code>(
+        std::cmp_less(length - 1, Limits::max()) ? static_cast<Code>(length - 1) : Limits::max());
+    for (const Code code :
+         {Code{0}, last, static_cast<Code>(last + 1), Limits::min(), Limits::max(),
+          static_cast<Code>(Limits::max() / 2 + 1), static_cast<Code>(-1)}) {
+      const bool within = std::cmp_greater_equal(code, 0) && std::cmp_less(code, length);
+      for (size_t place = 0; place < kCodes; ++place) {
+        std::vector<Code> codes(kCodes, last);
+        codes[place] = code;
+        const auto array = array_of(codes, dictionary);
+        const auto result = codes_within_dictionary(*array);
+        ASSERT_EQ(result.ok(), within)
+            << "code " << +code << " at " << place << " of a dictionary of " << length;
+        if (within) {
+          ASSERT_EQ((*result)->data()->buffers[1], array->data()->buffers[1]);
+        }
+      }
+    }
+  }
+}
+
+TYPED_TEST(CodesWithinDictionary, TakesNoCodesOfAnyDictionary) {
+  const std::vector<TypeParam> none;
+  for (const std::int64_t length : {0, 1, 300}) {
+    EXPECT_TRUE(codes_within_dictionary(*array_of(none, dictionary_of(length))).ok());
+  }
+}
+
+TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfAnEmptyDictionary) {
+  const std::vector<TypeParam> zero{0};
+  EXPECT_EQ(codes_within_dictionary(*array_of(zero, dictionary_of(0))).status(),
+            ::arrow::Status::Invalid("Dictionary code: found 0 at slot 0, expected an index into a "
+                                     "dictionary of 0 values."));
+}
+
+}  // namespace
+}  // namespace numera::io::arrow::core
