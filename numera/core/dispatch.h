@@ -22,9 +22,17 @@ using ArrayResult = ::arrow::Result<std::shared_ptr<::arrow::Array>>;
 /// Every reader of a type name: the "Data" struct and the validity bitmap (null: no nulls).
 using Reader = ArrayResult (*)(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity);
 
-/// Every reader of a nested kind: element `index` of `envelope`, which lies `level` levels deep
-/// (the outermost is level 1).
-using NestedReader = ArrayResult (*)(const hxArray* envelope, size_t index, int level);
+/// The fields of one encoded array, borrowed. Null is an empty slot.
+struct EnvelopeFields {
+  const hxArray* arrow_type;
+  const hxArray* type;
+  const hxArray* data;
+  const hxArray* valid;
+};
+
+/// Every reader of a nested kind: an encoded array that lies `level` levels deep (the outermost is
+/// level 1).
+using NestedReader = ArrayResult (*)(const EnvelopeFields& envelope, int level);
 
 /// Every writer: all chunks of a column to its "Data".
 using Writer = ::arrow::Result<hxArrayPtr> (*)(const ::arrow::ChunkedArray& column);
@@ -32,6 +40,9 @@ using Writer = ::arrow::Result<hxArrayPtr> (*)(const ::arrow::ChunkedArray& colu
 /// Element `index` of a struct array of encoded arrays that lies within `outer_levels` nested
 /// values (0: the entry).
 ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels);
+
+/// The same for a struct array whose element 0 has passed the checks already.
+ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int outer_levels);
 
 /// A plain "Valid" to a bitmap over its bytes; null where it has no bytes.
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid);

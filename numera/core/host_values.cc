@@ -5,7 +5,6 @@
 
 #include "numera/core/messages.h"
 #include "numera/core/utf8_to_utf16.h"
-#include "numera/core/util/verify_struct.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -27,10 +26,28 @@ bool is_struct(const hxArray* value) {
   return class_id == hxClassID::Struct || class_id == hxClassID::Object;
 }
 
+::arrow::Status check_struct(const hxArray* value) {
+  if (is_struct(value)) return ::arrow::Status::OK();
+  return ::arrow::Status::TypeError("Struct array required for input");
+}
+
+::arrow::Status check_field(const hxArray* value, const char* field, hxClassID class_id) {
+  if (value == nullptr) {
+    return ::arrow::Status::TypeError("Missing field '", field, "' in input struct array");
+  }
+  if (class_id == hxClassID::Unknown || class_id == hxGetClassID(value)) {
+    return ::arrow::Status::OK();
+  }
+  return ::arrow::Status::TypeError("Incorrect type '", hxGetClassName(value),
+                                    "' for struct array field '", field, "'");
+}
+
 ::arrow::Result<const hxArray*> checked_field(const hxArray* s, const char* field,
                                               hxClassID class_id) {
-  ARROW_RETURN_NOT_OK(util::VerifyHxStructContains(s, field, class_id, false));
-  return hxGetFieldChecked(s, 0, field);
+  ARROW_RETURN_NOT_OK(check_struct(s));
+  const hxArray* value = hxGetFieldChecked(s, 0, field);
+  ARROW_RETURN_NOT_OK(check_field(value, field, class_id));
+  return value;
 }
 
 ::arrow::Status check_plain(const hxArray* value, std::string_view field) {

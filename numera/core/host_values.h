@@ -25,8 +25,15 @@ bool is_struct(const hxArray* value);
 /// \name Reading
 /// @{
 
-/// `VerifyHxStructContains`, then the value of the field in element 0 (which is null only where a
-/// struct without elements passed the check; reading it throws the host's exception).
+/// TypeError where the value is no struct.
+::arrow::Status check_struct(const hxArray* value);
+
+/// TypeError where the value of a field is missing or of another class; `hxClassID::Unknown` is
+/// any.
+::arrow::Status check_field(const hxArray* value, const char* field, hxClassID class_id);
+
+/// The value of the field in element 0, with the errors of `VerifyHxStructContains`. A struct
+/// without elements, which passes that check, throws the host's exception here.
 ::arrow::Result<const hxArray*> checked_field(const hxArray* s, const char* field,
                                               hxClassID class_id);
 

@@ -16,13 +16,11 @@
 #include "numera/core/types/struct.h"
 #include "numera/core/types/timestamp.h"
 #include "numera/core/util/text.h"
-#include "numera/core/util/verify_struct.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 using util::HxArrayToString;
-using util::VerifyHxStructContains;
 
 struct NamedReader {
   const char* type_name;
@@ -56,12 +54,10 @@ ArrayResult data_to_arrow(const hxArray* data, const std::string& type_name,
   return ::arrow::Status::Invalid("Invalid type for NUMERA to Arrow conversion.");
 }
 
-ArrayResult plain_to_arrow(const hxArray* envelope, size_t index, int /*level*/) {
-  const std::string type_name = HxArrayToString(hxGetFieldChecked(envelope, index, "Type"));
-  const hxArray* data = hxGetFieldChecked(envelope, index, "Data");
-  ARROW_ASSIGN_OR_RAISE(auto validity,
-                        validity_to_arrow(hxGetFieldChecked(envelope, index, "Valid")));
-  return data_to_arrow(data, type_name, std::move(validity));
+ArrayResult plain_to_arrow(const EnvelopeFields& envelope, int /*level*/) {
+  const std::string type_name = HxArrayToString(envelope.type);
+  ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
+  return data_to_arrow(envelope.data, type_name, std::move(validity));
 }
 
 /// The readers of envelopes by kind. "array" is not nested and takes no level of its own.
@@ -71,14 +67,19 @@ constexpr KindReader kKinds[] = {
     {"array", plain_to_arrow},
 };
 
-/// All four checks run, so that a field that the struct lacks is always reported by the host's
-/// exception; of several failures the first is returned.
-::arrow::Status check_envelope(const hxArray* encoded) {
-  ::arrow::Status first = VerifyHxStructContains(encoded, "Data", hxClassID::Unknown, true);
-  first &= VerifyHxStructContains(encoded, "ArrowType", hxClassID::Char, false);
-  first &= VerifyHxStructContains(encoded, "Type", hxClassID::Char, false);
-  first &= VerifyHxStructContains(encoded, "Valid", hxClassID::Struct, true);
-  return first;
+EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
+  return {.arrow_type = hxGetFieldChecked(encoded, index, "ArrowType"),
+          .type = hxGetFieldChecked(encoded, index, "Type"),
+          .data = hxGetFieldChecked(encoded, index, "Data"),
+          .valid = hxGetFieldChecked(encoded, index, "Valid")};
+}
+
+/// Of several failures the first is returned.
+::arrow::Status check_classes(const EnvelopeFields& fields) {
+  ARROW_RETURN_NOT_OK(check_field(fields.data, "Data", hxClassID::Unknown));
+  ARROW_RETURN_NOT_OK(check_field(fields.arrow_type, "ArrowType", hxClassID::Char));
+  ARROW_RETURN_NOT_OK(check_field(fields.type, "Type", hxClassID::Char));
+  return check_field(fields.valid, "Valid", hxClassID::Struct);
 }
 
 ::arrow::Status unexpected_kind(const char* expected, const std::string& kind) {
@@ -86,19 +87,34 @@ constexpr KindReader kKinds[] = {
                                     "' instead.");
 }
 
-}  // namespace
-
-ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels) {
-  ARROW_RETURN_NOT_OK(check_envelope(encoded));
-  const std::string kind = HxArrayToString(hxGetFieldChecked(encoded, index, "ArrowType"));
+ArrayResult fields_to_arrow(const EnvelopeFields& fields, int outer_levels) {
+  const std::string kind = HxArrayToString(fields.arrow_type);
   for (const KindReader& row : kKinds) {
     if (kind != row.kind) continue;
     if (row.reader != plain_to_arrow && outer_levels >= kMaxNestingLevels) {
       return messages::nested_too_deeply();
     }
-    return row.reader(encoded, index, outer_levels + 1);
+    return row.reader(fields, outer_levels + 1);
   }
   return unexpected_kind("array", kind);
+}
+
+}  // namespace
+
+ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels) {
+  ARROW_RETURN_NOT_OK(check_struct(encoded));
+  // A struct without elements passes the checks; taking its fields throws.
+  if (hxIsEmpty(encoded)) return later_element_to_arrow(encoded, index, outer_levels);
+  // All fields are taken before one is checked, so that a field that the struct lacks is always
+  // reported by the host's exception.
+  const EnvelopeFields first = fields_of(encoded, 0);
+  ARROW_RETURN_NOT_OK(check_classes(first));
+  if (index == 0) return fields_to_arrow(first, outer_levels);
+  return later_element_to_arrow(encoded, index, outer_levels);
+}
+
+ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int outer_levels) {
+  return fields_to_arrow(fields_of(encoded, index), outer_levels);
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid) {
@@ -119,11 +135,11 @@ template <>
 template <>
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> to_arrow<::arrow::Buffer>(
     const hxArray* encoded) {
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "ArrowType", hxClassID::Char, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Values", hxClassID::UInt8, false));
-  const std::string kind = HxArrayToString(hxGetFieldChecked(encoded, 0, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* arrow_type,
+                        checked_field(encoded, "ArrowType", hxClassID::Char));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(encoded, "Values", hxClassID::UInt8));
+  const std::string kind = HxArrayToString(arrow_type);
   if (kind != "buffer") return unexpected_kind("buffer", kind);
-  const hxArray* values = hxGetFieldChecked(encoded, 0, "Values");
   ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
   return borrow_elements(values);
 }

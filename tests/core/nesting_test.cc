@@ -221,7 +221,7 @@ TEST(Nesting, ReturnsToTheSameValues) {
 TEST(Nesting, LeavesNothingBehindWhereverItFails) {
   const hxArrayPtr encoded = NestedEncoded({kStruct, kLargeList}, 4);
   EXPECT_GE(FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); }).calls,
-            70U);
+            50U);
   const auto array = NestedArray({kList, kStruct, kMap, kLargeList}, 4);
   EXPECT_GE(FailEverywhere([&] { return to_numera(array).status(); }).allocations, 50U);
 }

@@ -44,14 +44,12 @@ template <class ListArray>
 
 }  // namespace
 
-ArrayResult ListToArrow(const hxArray* envelope, size_t index, int level) {
-  ARROW_ASSIGN_OR_RAISE(auto validity,
-                        validity_to_arrow(hxGetFieldChecked(envelope, index, "Valid")));
-  const hxArray* data = hxGetFieldChecked(envelope, index, "Data");
-  const hxArray* offsets = hxGetFieldChecked(data, 0, "StartOffsets");
+ArrayResult ListToArrow(const EnvelopeFields& envelope, int level) {
+  ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
+  const hxArray* offsets = hxGetFieldChecked(envelope.data, 0, "StartOffsets");
   ARROW_RETURN_NOT_OK(check_start_offsets(offsets));
   ARROW_ASSIGN_OR_RAISE(auto values,
-                        element_to_arrow(hxGetFieldChecked(data, 0, "Values"), 0, level));
+                        element_to_arrow(hxGetFieldChecked(envelope.data, 0, "Values"), 0, level));
   auto type = ::arrow::large_list(values->type());
   const auto length = static_cast<std::int64_t>(hxGetNumberOfElements(offsets)) - 1;
   return std::make_shared<::arrow::LargeListArray>(

@@ -39,12 +39,10 @@ hxArrayPtr write_field_names(const ::arrow::DataType& type) {
 
 }  // namespace
 
-ArrayResult StructToArrow(const hxArray* envelope, size_t index, int level) {
-  ARROW_ASSIGN_OR_RAISE(auto validity,
-                        validity_to_arrow(hxGetFieldChecked(envelope, index, "Valid")));
-  const hxArray* data = hxGetFieldChecked(envelope, index, "Data");
-  const hxArray* names = hxGetFieldChecked(data, 0, "FieldName");
-  const hxArray* children = hxGetFieldChecked(data, 0, "FieldData");
+ArrayResult StructToArrow(const EnvelopeFields& envelope, int level) {
+  ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
+  const hxArray* names = hxGetFieldChecked(envelope.data, 0, "FieldName");
+  const hxArray* children = hxGetFieldChecked(envelope.data, 0, "FieldData");
   const size_t count = count_cells(names);
   if (count != count_cells(children)) {
     return ::arrow::Status::Invalid(
