@@ -143,13 +143,9 @@ std::int64_t count_nulls(const ::arrow::ArrayData& array) {
 
 std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array) {
   const ::arrow::ArrayData& data = *array->data();
-  if (arrow_would_read_past_bitmap(data)) {
-    // Arrow takes a count that is there. The array is given one for this moment only.
-    data.null_count = count_nulls(data);
-    auto chunks = std::make_shared<::arrow::ChunkedArray>(array);
-    data.null_count = ::arrow::kUnknownNullCount;
-    return chunks;
-  }
+  // Arrow takes a count that is there. It stays, as Arrow's own count does: another thread may be
+  // about to make a chunk of the same array.
+  if (arrow_would_read_past_bitmap(data)) data.null_count = count_nulls(data);
   return std::make_shared<::arrow::ChunkedArray>(std::move(array));
 }
 
