@@ -45,6 +45,33 @@ class NUMERA_EXPORT InterruptException : public std::exception {
 /// Arrays created and not yet destroyed, on all threads; shared copies count.
 NUMERA_EXPORT size_t LiveArrays() noexcept;
 
+/// \name Memory in use
+/// What the arrays take is `LiveBytes`; what the host takes is `LiveBytes() + KeptBytes()` and the
+/// free blocks of slabs that small arrays are left in, some of them at hand for each thread.
+///
+/// The first write to fresh memory costs several times what a write to used memory does, so memory
+/// of destroyed arrays is kept for arrays to come: every block of more than 2 KiB, and chunks of
+/// 2 MiB of which no small array is left. When more than `kMaxKeptBytes` would be kept, the blocks
+/// kept longest go back to the system. All of it is off under an address sanitizer: there
+/// `KeptBytes` is 0.
+/// @{
+
+/// Room for the result of a conversion that is worth the care, three columns of 10^7 doubles, and
+/// little beside the memory of a machine that such results fit into.
+inline constexpr size_t kMaxKeptBytes = size_t{256} * 1024 * 1024;
+
+/// Bytes of the blocks that hold the headers and elements of arrays, on all threads, and of string
+/// arrays not yet made arrays: as they are taken, a little more than asked for. The dimensions and
+/// field names, which arrays share, do not count.
+NUMERA_EXPORT size_t LiveBytes() noexcept;
+/// Bytes of the blocks kept for reuse, which no array uses; never more than `kMaxKeptBytes`.
+NUMERA_EXPORT size_t KeptBytes() noexcept;
+/// Gives everything kept back to the system, first what the calling thread has at hand, and returns
+/// its bytes. Callable on any thread at any time; costs a system call a block. A single chunk of
+/// 2 MiB stays for small arrays to come.
+NUMERA_EXPORT size_t ReleaseUnused() noexcept;
+/// @}
+
 /// Lets the next `count` host allocations of this thread succeed and the one after them throw
 /// `std::bad_alloc`, once. A text made by a codec counts as an allocation.
 NUMERA_EXPORT void FailAllocationAfter(size_t count) noexcept;

@@ -1,14 +1,18 @@
 #include "numera/host/memory/blocks.h"
 
+#include <malloc.h>
 #include <stdlib.h>
-#include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 
 #include "numera/host/memory.h"
+#include "numera/host/memory/large_blocks.h"
+#include "numera/host/memory/slabs.h"
+#include "numera/host/memory/thread_cache.h"
 
 #ifdef NUMERA_HOST_CHECKED_MEMORY
 #include <sanitizer/asan_interface.h>
@@ -17,48 +21,63 @@
 namespace numera::host::memory {
 namespace {
 
-// From here on a zeroed block is mapped: the system hands out pages that are zero already.
-constexpr size_t kMappedBytes = size_t{256} * 1024;
-
 thread_local constinit std::optional<size_t> allocations_until_failure;
+
+// Room in front of a block of `allocate` for its size, as aligned as the block has to be.
+constexpr size_t kPrefix = alignof(std::max_align_t);
+static_assert(sizeof(size_t) <= kPrefix);
 
 void count_allocation_of(size_t bytes) {
   count_allocation();
-  if (bytes > static_cast<size_t>(PTRDIFF_MAX)) throw std::bad_alloc();
+  if (bytes > static_cast<size_t>(PTRDIFF_MAX) - kPrefix) throw std::bad_alloc();
 }
 
-// Blocks of several huge pages ask for them, since the first write to fresh memory costs a fault a
-// page. It is advice: a system without huge pages goes on with small ones. Ends that fill no huge
-// page keep small ones, so that no block takes more memory than it asked for.
-constexpr size_t kHugePage = size_t{2} * 1024 * 1024;
-constexpr size_t kHugeBytes = 2 * kHugePage;
+std::byte* whole(void* block) { return static_cast<std::byte*>(block) - kPrefix; }
 
-void advise_huge_pages(void* block, size_t bytes) {
-  if (bytes < kHugeBytes || kSeparateBlocks) return;
-  const size_t before = -reinterpret_cast<std::uintptr_t>(block) % kHugePage;
-  madvise(static_cast<std::byte*>(block) + before, (bytes - before) / kHugePage * kHugePage,
-          MADV_HUGEPAGE);
+size_t size_of_whole(void* block) {
+  size_t bytes = 0;
+  std::memcpy(&bytes, whole(block), sizeof bytes);
+  return bytes;
 }
 
-void* checked(void* block, size_t bytes) {
-  if (block == nullptr) throw std::bad_alloc();
-  advise_huge_pages(block, bytes);
-  return block;
-}
-
-ElementBlock map_zeroed(size_t bytes) {
-  void* const data =
-      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (data == MAP_FAILED) throw std::bad_alloc();
-  advise_huge_pages(data, bytes);
-  return {data, bytes};
+void* with_prefix(void* whole_block, size_t bytes) {
+  std::memcpy(whole_block, &bytes, sizeof bytes);
+  return static_cast<std::byte*>(whole_block) + kPrefix;
 }
 
 // An allocator rounds an empty block up to one byte; nobody may read that one either.
-void guard_empty_block([[maybe_unused]] void* data, [[maybe_unused]] size_t bytes) {
+void* checked_block(size_t bytes) {
+  void* block = nullptr;
+  const size_t at_least_one = std::max<size_t>(bytes, 1);
+  if (posix_memalign(&block, kElementAlignment, at_least_one) != 0) throw std::bad_alloc();
 #ifdef NUMERA_HOST_CHECKED_MEMORY
-  if (bytes == 0) ASAN_POISON_MEMORY_REGION(data, 1);
+  if (bytes == 0) ASAN_POISON_MEMORY_REGION(block, 1);
 #endif
+  return block;
+}
+
+// Under a memory checker the heap knows the sizes of blocks, and nothing lies in front of them.
+void* heap_resized(void* block, size_t bytes) {
+  const auto old_bytes = static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+  void* const resized = std::realloc(block, std::max<size_t>(bytes, 1));
+  if (resized == nullptr) throw std::bad_alloc();
+  count_live(0, static_cast<std::ptrdiff_t>(malloc_usable_size(resized)) - old_bytes);
+  return resized;
+}
+
+void heap_release(void* block) {
+  count_live(0, -static_cast<std::ptrdiff_t>(malloc_usable_size(block)));
+  std::free(block);
+}
+
+// Null where the block cannot be resized in its place or by moving pages.
+void* resized_large(void* block, size_t bytes) {
+  const size_t old_whole = size_of_whole(block);
+  const size_t new_whole = bytes + kPrefix;
+  if (std::min(old_whole, new_whole) <= kLargestSmallBlock) return nullptr;
+  void* const resized = resize_large_block(whole(block), old_whole, new_whole);
+  count_live(0, block_bytes(new_whole) - block_bytes(old_whole));
+  return with_prefix(resized, new_whole);
 }
 
 }  // namespace
@@ -75,38 +94,81 @@ void count_allocation() {
   --*allocations_until_failure;
 }
 
+void* take_block(size_t bytes) {
+  if (kSeparateBlocks) return checked_block(bytes);
+  return bytes <= kLargestSmallBlock ? take_small_block(bytes) : take_large_block(bytes).data;
+}
+
+void give_block(void* block, size_t bytes) noexcept {
+  if (kSeparateBlocks) {
+    std::free(block);
+  } else if (bytes <= kLargestSmallBlock) {
+    give_small_block(block, bytes);
+  } else {
+    give_large_block(block, bytes);
+  }
+}
+
+std::ptrdiff_t block_bytes(size_t bytes) noexcept {
+  const size_t taken = kSeparateBlocks              ? bytes
+                       : bytes > kLargestSmallBlock ? large_block_bytes(bytes)
+                                                    : block_size(block_size_index(bytes));
+  return static_cast<std::ptrdiff_t>(taken);
+}
+
 void* allocate(size_t bytes) {
   count_allocation_of(bytes);
-  return checked(std::malloc(bytes == 0 ? 1 : bytes), bytes);
+  if (kSeparateBlocks) return heap_resized(nullptr, bytes);
+  const size_t whole_bytes = bytes + kPrefix;
+  void* const block = with_prefix(take_block(whole_bytes), whole_bytes);
+  count_live(0, block_bytes(whole_bytes));
+  return block;
 }
 
 void* reallocate(void* block, size_t bytes) {
+  if (block == nullptr) return allocate(bytes);
   count_allocation_of(bytes);
-  return checked(std::realloc(block, bytes == 0 ? 1 : bytes), bytes);
+  if (kSeparateBlocks) return heap_resized(block, bytes);
+  if (void* const resized = resized_large(block, bytes)) return resized;
+  const size_t old_bytes = size_of_whole(block) - kPrefix;
+  const size_t new_whole = bytes + kPrefix;
+  void* const copy = with_prefix(take_block(new_whole), new_whole);
+  std::memcpy(copy, block, std::min(old_bytes, bytes));
+  count_live(0, block_bytes(new_whole));
+  release(block);
+  return copy;
 }
 
-void release(void* block) noexcept { std::free(block); }
+void release(void* block) noexcept {
+  if (block == nullptr) return;
+  if (kSeparateBlocks) return heap_release(block);
+  const size_t bytes = size_of_whole(block);
+  count_live(0, -block_bytes(bytes));
+  give_block(whole(block), bytes);
+}
 
 ElementBlock allocate_elements(size_t bytes, Fill fill) {
   count_allocation_of(bytes);
-  if (fill == Fill::Zero && bytes >= kMappedBytes && !kSeparateBlocks) return map_zeroed(bytes);
-  const bool huge = bytes >= kHugeBytes && !kSeparateBlocks;
-  const size_t alignment = huge ? kHugePage : kElementAlignment;
-  void* data = nullptr;
-  if (posix_memalign(&data, alignment, bytes == 0 ? 1 : bytes) != 0) throw std::bad_alloc();
-  advise_huge_pages(data, bytes);
-  if (fill == Fill::Zero) std::memset(data, 0, bytes);
-  guard_empty_block(data, bytes);
-  return {data, 0};
+  ElementBlock block{nullptr, bytes};
+  bool zeroed = false;
+  if (kSeparateBlocks || bytes <= kLargestSmallBlock) {
+    block.data = take_block(bytes);
+  } else {
+    const LargeBlock large = take_large_block(bytes);
+    block.data = large.data;
+    zeroed = large.zeroed;
+  }
+  if (fill == Fill::Zero && !zeroed) std::memset(block.data, 0, bytes);
+  count_live(0, block_bytes(bytes));
+  return block;
 }
 
 void release(ElementBlock block) noexcept {
-  if (block.mapped_bytes != 0) {
-    munmap(block.data, block.mapped_bytes);
-  } else {
-    std::free(block.data);
-  }
+  count_live(0, -block_bytes(block.bytes));
+  give_block(block.data, block.bytes);
 }
+
+size_t LiveBytes() noexcept { return static_cast<size_t>(live_counts().bytes); }
 
 size_t checked_product(size_t a, size_t b) {
   size_t product = 0;

@@ -37,17 +37,25 @@ void count_allocation();
 /// A block aligned for every scalar type. Throws `std::bad_alloc`.
 void* allocate(size_t bytes);
 /// Moves a block of `allocate`, or makes one of null; large blocks move without being copied.
+/// Throws `std::bad_alloc`; the block is as before then.
 void* reallocate(void* block, size_t bytes);
 void release(void* block) noexcept;
 
 /// A block of elements, aligned to `kElementAlignment`.
 struct ElementBlock {
   void* data = nullptr;
-  size_t mapped_bytes = 0;  ///< not zero: mapped from the system, not from the heap
+  size_t bytes = 0;  ///< as asked for
 };
 enum class Fill { None, Zero };
 ElementBlock allocate_elements(size_t bytes, Fill fill);
 void release(ElementBlock block) noexcept;
+
+/// The two below them all: a block aligned to `kElementAlignment` that is not counted as an
+/// allocation, and neither among the live bytes. Throws `std::bad_alloc`.
+void* take_block(size_t bytes);
+void give_block(void* block, size_t bytes) noexcept;
+/// What a block of `take_block` adds to the live bytes.
+std::ptrdiff_t block_bytes(size_t bytes) noexcept;
 
 /// `a * b`; throws `std::bad_alloc` where it is more than any block could hold.
 size_t checked_product(size_t a, size_t b);

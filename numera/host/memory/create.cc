@@ -5,9 +5,11 @@
 
 #include "numera/host/memory.h"
 #include "numera/host/memory/class_table.h"
+#include "numera/host/memory/large_blocks.h"
 #include "numera/host/memory/layout.h"
 #include "numera/host/memory/operations.h"
 #include "numera/host/memory/storage.h"
+#include "numera/host/memory/thread_cache.h"
 
 namespace numera::host::memory {
 namespace {
@@ -111,5 +113,11 @@ hxArrayPtr CreateSparseArray(std::span<const size_t> dims, hxClassID class_id) {
 }
 
 size_t LiveArrays() noexcept { return live_arrays(); }
+
+size_t ReleaseUnused() noexcept {
+  forget_layouts();
+  return_blocks_at_hand();
+  return release_kept_blocks();
+}
 
 }  // namespace numera::host::memory

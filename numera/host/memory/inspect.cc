@@ -16,7 +16,7 @@ bool is_complex(const hxArray* array) noexcept { return array->layout->complex; 
 bool is_sparse(const hxArray* array) noexcept { return array->layout->sparse; }
 
 bool is_data_shared(const hxArray* array) noexcept {
-  return array->elements->arrays.load(std::memory_order_acquire) > 1;
+  return array->elements->arrays() > 1;
 }
 
 size_t get_element_size(const hxArray* array) noexcept { return array->layout->element_bytes; }

@@ -55,7 +55,8 @@ size_t layout_size(const Description& description) {
          description.dims.size_bytes();
 }
 
-Layout* build_layout(void* place, const Description& description) {
+Layout* build_layout(void* place, const Description& description, size_t element_count,
+                     size_t holders) {
   auto* const names =
       reinterpret_cast<const char**>(static_cast<std::byte*>(place) + sizeof(Layout));
   const size_t name_count = description.field_names.size();
@@ -77,12 +78,14 @@ Layout* build_layout(void* place, const Description& description) {
       static_cast<std::byte*>(place) + layout_size(description) - description.dims.size_bytes());
   std::copy(description.dims.begin(), description.dims.end(), dims);
   return ::new (place) Layout{
+      .holders = holders,
+      .block_bytes = layout_size(description),
       .class_id = description.class_id,
       .content = description.content,
       .complex = description.complex,
       .sparse = description.sparse,
       .class_name = class_name,
-      .element_count = count_elements(description.dims),
+      .element_count = element_count,
       .element_bytes = description.element_bytes,
       .dims = {dims, description.dims.size()},
       .field_names = {names, name_count},

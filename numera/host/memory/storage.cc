@@ -1,11 +1,14 @@
 #include "numera/host/memory/storage.h"
 
+#include <cstddef>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "numera/host/memory/layout.h"
 #include "numera/host/memory/operations.h"
+#include "numera/host/memory/thread_cache.h"
 
 namespace numera::host::memory {
 namespace {
@@ -13,170 +16,240 @@ namespace {
 // Elements up to this size lie in the block of their array.
 constexpr size_t kInlineBytes = 1024;
 
-std::atomic<size_t> live_count{0};
+struct ArrayBlock {
+  Elements home;
+  hxArray header;
+};
+static_assert(sizeof(ArrayBlock) == 48);
 
-hxArray* new_header(void* place, Layout* layout, Elements* elements, bool own_block) noexcept {
-  live_count.fetch_add(1, std::memory_order_relaxed);
-  return ::new (place) hxArray{layout, elements, nullptr, own_block};
+Elements* home_of(hxArray* array) {
+  return reinterpret_cast<Elements*>(reinterpret_cast<std::byte*>(array) -
+                                     offsetof(ArrayBlock, header));
 }
 
-bool drop(std::atomic<size_t>& count) noexcept {
-  return count.fetch_sub(1, std::memory_order_acq_rel) == 1;
+size_t room_in_front(size_t inline_bytes) {
+  return (inline_bytes + alignof(ArrayBlock) - 1) / alignof(ArrayBlock) * alignof(ArrayBlock);
 }
 
-// Frees elements that no array refers to. The arrays in their slots join the list of doomed ones
-// instead of being destroyed on the spot: the depth of a nested array costs no stack.
-hxArray* free_elements(Content content, std::span<hxArray* const> slots, Elements* elements,
+// Frees the block of elements whose contents are gone.
+void free_block(Elements* elements) noexcept {
+  const size_t front = elements->own_data ? 0 : room_in_front(elements->bytes);
+  const size_t bytes = front + (elements->with_header ? sizeof(ArrayBlock) : sizeof(Elements));
+  count_live(0, -block_bytes(bytes));
+  give_block(reinterpret_cast<std::byte*>(elements) - front, bytes);
+}
+
+std::span<hxArray*> slots_of(const hxArray* array) {
+  return array->layout->content == Content::Slots ? array->slots() : std::span<hxArray*>();
+}
+
+hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept;
+
+// Frees what elements that no array refers to hold. Containers in their slots join the list of
+// doomed ones instead of being destroyed on the spot: the depth of a nested array costs no stack.
+hxArray* free_contents(Content content, std::span<hxArray* const> slots, Elements* elements,
                        hxArray* doomed) noexcept {
-  if (content == Content::Slots) {
-    for (hxArray* const child : slots) {
-      if (child == nullptr) continue;
-      child->next_doomed = doomed;
-      doomed = child;
+  for (hxArray* const child : slots) {
+    if (child == nullptr) continue;
+    if (child->layout->content == Content::Slots) {
+      child->next_doomed = std::exchange(doomed, child);
+    } else {
+      doomed = destroy_one(child, doomed);
     }
-  } else if (content == Content::Texts) {
-    delete static_cast<hxStringArray*>(elements->block.data);
   }
-  if (elements->own_data) release(elements->block);
-  if (elements->own_block) release(elements);
+  if (content == Content::Texts) delete static_cast<hxStringArray*>(elements->data);
+  if (elements->own_data) release(ElementBlock{elements->data, elements->bytes});
   return doomed;
 }
 
-void free_header(hxArray* array) noexcept {
+bool drop(Elements* elements, size_t holds) noexcept {
+  return elements->holders.load(std::memory_order_acquire) == holds ||
+         elements->holders.fetch_sub(holds, std::memory_order_acq_rel) == holds;
+}
+
+// Ends an array's use of elements. The last one that leaves frees what they hold, and only then
+// lets go of their block.
+hxArray* leave(const hxArray* array, Elements* elements, std::span<hxArray* const> slots,
+               hxArray* doomed) noexcept {
+  const size_t before = elements->holders.fetch_sub(1, std::memory_order_acq_rel);
+  if ((before & ~Elements::kHeader) != (Elements::kUsers | 1)) return doomed;
+  doomed = free_contents(array->layout->content, slots, elements, doomed);
+  if (drop(elements, Elements::kUsers)) free_block(elements);
+  return doomed;
+}
+
+hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept {
+  constexpr size_t kAlone = Elements::kHeader | Elements::kUsers | 1;
+  Elements* const elements = array->elements;
+  Elements* const home = home_of(array);
   Layout* const layout = array->layout;
-  if (array->own_block) release(array);
-  if (drop(layout->arrays)) release(layout);
-  live_count.fetch_sub(1, std::memory_order_relaxed);
+  if (elements == home && home->holders.load(std::memory_order_acquire) == kAlone) {
+    doomed = free_contents(layout->content, slots_of(array), elements, doomed);
+    free_block(home);
+  } else {
+    doomed = leave(array, elements, slots_of(array), doomed);
+    if (drop(home, Elements::kHeader)) free_block(home);
+  }
+  drop_layout(layout);
+  count_live(-1, 0);
+  return doomed;
 }
 
 void destroy_all(hxArray* doomed) noexcept {
   while (doomed != nullptr) {
     hxArray* const array = std::exchange(doomed, doomed->next_doomed);
-    if (drop(array->elements->arrays)) {
-      doomed = free_elements(
-          array->layout->content,
-          array->layout->content == Content::Slots ? array->slots() : std::span<hxArray*>(),
-          array->elements, doomed);
-    }
-    free_header(array);
+    doomed = destroy_one(array, doomed);
   }
 }
 
-// Elements outside of their array's block.
-Elements* new_elements(size_t bytes, Fill fill) {
-  OwnedBlock place(allocate(sizeof(Elements)));
-  const ElementBlock block = allocate_elements(bytes, fill);
-  return ::new (place.release()) Elements{.block = block, .own_data = true, .own_block = true};
+// A block with the header of a new array, whose own elements have the given holders and, in front
+// of them, the given room.
+hxArrayPtr new_header(HeldLayout layout, size_t inline_bytes, size_t holders) {
+  const size_t front = room_in_front(inline_bytes);
+  const size_t bytes = front + sizeof(ArrayBlock);
+  auto* const begin = static_cast<std::byte*>(take_block(bytes));
+  count_live(1, block_bytes(bytes));
+  auto* const block = ::new (begin + front) ArrayBlock{
+      .home = {.holders = holders,
+               .data = begin,
+               .bytes = inline_bytes & Elements::kMostBytes,
+               .own_data = 0,
+               .with_header = 1},
+      .header = {layout.release(), nullptr, nullptr},
+  };
+  block->header.elements = &block->home;
+  return hxArrayPtr(&block->header);
 }
 
-struct UnsharedElements {
-  std::span<hxArray*> slots;
-  Elements* elements;
-  ~UnsharedElements() {
-    if (elements != nullptr) {
-      destroy_all(free_elements(Content::Slots, slots, elements, nullptr));
-    }
+struct BlockOwner {
+  ElementBlock block;
+  ~BlockOwner() {
+    if (block.data != nullptr) release(block);
   }
 };
 
+void set_data(Elements* elements, BlockOwner& owner) {
+  const ElementBlock block = std::exchange(owner.block, {});
+  elements->data = block.data;
+  elements->bytes = block.bytes & Elements::kMostBytes;
+  elements->own_data = 1;
+}
+
+void drop_data(Elements* elements) {
+  release(ElementBlock{elements->data, elements->bytes});
+  elements->own_data = 0;
+}
+
+// Elements without a header, held by one array. They cost two allocations.
+Elements* new_elements(size_t bytes, Fill fill) {
+  count_allocation();
+  BlockOwner data{allocate_elements(bytes, fill)};
+  auto* const elements =
+      ::new (take_block(sizeof(Elements))) Elements{.holders = Elements::kUsers | 1,
+                                                    .data = nullptr,
+                                                    .bytes = 0,
+                                                    .own_data = 0,
+                                                    .with_header = 0};
+  count_live(0, block_bytes(sizeof(Elements)));
+  set_data(elements, data);
+  return elements;
+}
+
 Elements* copy_slots(const hxArray* array) {
   const std::span<hxArray*> source = array->slots();
-  UnsharedElements copy{{}, new_elements(source.size_bytes(), Fill::Zero)};
-  copy.slots = {static_cast<hxArray**>(copy.elements->block.data), source.size()};
-  for (size_t i = 0; i < source.size(); ++i) {
-    if (source[i] != nullptr) copy.slots[i] = shared_copy(source[i]).release();
+  Elements* const copy = new_elements(source.size_bytes(), Fill::Zero);
+  const std::span<hxArray*> slots(static_cast<hxArray**>(copy->data), source.size());
+  try {
+    for (size_t i = 0; i < source.size(); ++i) {
+      if (source[i] != nullptr) slots[i] = shared_copy(source[i]).release();
+    }
+  } catch (...) {
+    destroy_all(leave(array, copy, slots, nullptr));
+    throw;
   }
-  return std::exchange(copy.elements, nullptr);
+  return copy;
 }
 
 Elements* copy_numbers(const hxArray* array) {
   const size_t bytes = array->layout->element_count * array->layout->element_bytes;
   Elements* const copy = new_elements(bytes, Fill::None);
-  if (bytes != 0) std::memcpy(copy->block.data, array->data(), bytes);
+  if (bytes != 0) std::memcpy(copy->data, array->data(), bytes);
   return copy;
 }
 
-std::byte* aligned_up(std::byte* address, size_t alignment) {
-  const auto position = reinterpret_cast<std::uintptr_t>(address);
-  return address + (alignment - position % alignment) % alignment;
+// Large elements, which cost an allocation of their own.
+hxArrayPtr new_array_of_large(HeldLayout layout, size_t bytes, Fill fill) {
+  BlockOwner data{allocate_elements(bytes, fill)};
+  hxArrayPtr array = new_header(std::move(layout), 0, Elements::kHeader | Elements::kUsers | 1);
+  set_data(array->elements, data);
+  return array;
 }
 
-// Layout, header and elements in one block, but for elements that are large.
-hxArrayPtr new_joined_array(const Description& description, size_t bytes, Fill fill) {
-  const bool inline_data = bytes <= kInlineBytes;
-  const size_t head = layout_size(description);
-  const size_t room = inline_data ? bytes + kElementAlignment : 0;
-  OwnedBlock block(allocate(head + sizeof(hxArray) + sizeof(Elements) + room));
-  Layout* const layout = build_layout(block.get(), description);
-  auto* const header = static_cast<std::byte*>(block.get()) + head;
-  std::byte* const control = header + sizeof(hxArray);
-  ElementBlock data;
-  if (inline_data) {
-    data.data = aligned_up(control + sizeof(Elements), kElementAlignment);
-    if (fill == Fill::Zero) std::memset(data.data, 0, bytes);
-  } else {
-    data = allocate_elements(bytes, fill);
-  }
-  auto* const elements =
-      ::new (control) Elements{.block = data, .own_data = !inline_data, .own_block = false};
-  static_cast<void>(block.release());
-  return hxArrayPtr(new_header(header, layout, elements, false));
+hxArrayPtr new_array_of_small(HeldLayout layout, size_t bytes, Fill fill) {
+  hxArrayPtr array = new_header(std::move(layout), bytes, Elements::kHeader | Elements::kUsers | 1);
+  if (fill == Fill::Zero) std::memset(array->data(), 0, bytes);
+  return array;
 }
 
-// Every part in a block of its own.
-hxArrayPtr new_separate_array(const Description& description, size_t bytes, Fill fill) {
-  OwnedBlock layout_block(allocate(layout_size(description)));
-  Layout* const layout = build_layout(layout_block.get(), description);
-  OwnedBlock header(allocate(sizeof(hxArray)));
+// Every part in a block of its own, at the cost of an allocation each.
+hxArrayPtr new_array_of_parts(HeldLayout layout, size_t bytes, Fill fill) {
+  count_allocation();
   Elements* const elements = new_elements(bytes, fill);
-  static_cast<void>(layout_block.release());
-  return hxArrayPtr(new_header(header.release(), layout, elements, true));
+  try {
+    hxArrayPtr array = new_header(std::move(layout), 0, Elements::kHeader);
+    array->elements = elements;
+    return array;
+  } catch (...) {
+    // No slot is filled yet.
+    free_contents(Content::Numbers, {}, elements, nullptr);
+    free_block(elements);
+    throw;
+  }
 }
 
 }  // namespace
 
 hxArrayPtr new_array(const Description& description, Fill fill) {
   const size_t count = count_elements(description.dims);
-  if (description.content == Content::Texts) {
-    // The texts come with the string array that is stored into the new array.
-    hxArrayPtr array = kSeparateBlocks ? new_separate_array(description, 0, Fill::None)
-                                       : new_joined_array(description, 0, Fill::None);
-    if (array->elements->own_data) release(array->elements->block);
-    array->elements->block = {};
-    array->elements->own_data = false;
-    return array;
-  }
   const size_t bytes = checked_product(count, description.element_bytes);
   if (description.content == Content::Slots) fill = Fill::Zero;
-  return kSeparateBlocks ? new_separate_array(description, bytes, fill)
-                         : new_joined_array(description, bytes, fill);
+  HeldLayout layout(hold_layout(description, count));
+  count_allocation();
+  if (kSeparateBlocks) {
+    hxArrayPtr array = new_array_of_parts(std::move(layout), bytes, fill);
+    // The data of texts is what the caller supplies.
+    if (description.content == Content::Texts) drop_data(array->elements);
+    return array;
+  }
+  if (bytes > kInlineBytes) return new_array_of_large(std::move(layout), bytes, fill);
+  return new_array_of_small(std::move(layout), bytes, fill);
 }
 
 hxArrayPtr shared_copy(const hxArray* array) {
   if (array == nullptr) throw std::invalid_argument("Array to be copied is null.");
-  void* const place = allocate(sizeof(hxArray));
-  array->layout->arrays.fetch_add(1, std::memory_order_relaxed);
-  array->elements->arrays.fetch_add(1, std::memory_order_relaxed);
-  return hxArrayPtr(new_header(place, array->layout, array->elements, true));
+  count_allocation();
+  hxArrayPtr copy = new_header(hold_same_layout(array->layout), 0, Elements::kHeader);
+  array->elements->holders.fetch_add(1, std::memory_order_relaxed);
+  copy->elements = array->elements;
+  return copy;
 }
 
 void unshare(hxArray* array) {
-  if (array->elements->arrays.load(std::memory_order_acquire) == 1) return;
+  if (array->elements->arrays() == 1) return;
   const Content content = array->layout->content;
   if (content == Content::Texts) return;  // nothing writes them
-  const std::span<hxArray*> slots =
-      content == Content::Slots ? array->slots() : std::span<hxArray*>();
+  const std::span<hxArray*> slots = slots_of(array);
   Elements* const own = content == Content::Slots ? copy_slots(array) : copy_numbers(array);
   Elements* const shared = std::exchange(array->elements, own);
   // The other arrays may have gone while the copy was made.
-  if (drop(shared->arrays)) destroy_all(free_elements(content, slots, shared, nullptr));
+  destroy_all(leave(array, shared, slots, nullptr));
 }
 
 void destroy_array(hxArray* array) noexcept {
-  if (array != nullptr) array->next_doomed = nullptr;
-  destroy_all(array);
+  if (array == nullptr) return;
+  destroy_all(destroy_one(array, nullptr));
 }
 
-size_t live_arrays() noexcept { return live_count.load(std::memory_order_relaxed); }
+size_t live_arrays() noexcept { return static_cast<size_t>(live_counts().arrays); }
 
 }  // namespace numera::host::memory

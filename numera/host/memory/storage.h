@@ -4,12 +4,16 @@
 /// How an array lies in memory.
 ///
 /// An array is a header (`hxArray`) that refers to a layout, which never changes, and to elements,
-/// which do. Shared copies are further headers of the same layout and elements; both count the
-/// arrays that refer to them. An array that is written while its elements are shared takes
-/// elements of its own and keeps its layout, so dimensions and names handed out stay valid.
+/// which do. Shared copies are further headers of the same layout and elements; both count those
+/// who hold them. An array that is written while its elements are shared takes elements of its own
+/// and keeps its layout, so dimensions and names handed out stay valid.
 ///
-/// A small array is one block: layout, header and elements lie in it together, and the layout's
-/// count decides when it is freed. What lies elsewhere says so (`own_block`, `own_data`).
+/// A header and its first elements are one block, and small elements lie in front of them:
+///
+///     [ elements up to 1 KiB ] Elements hxArray
+///
+/// so that a column of 16 bytes takes 64 in all. Layouts are blocks of their own, which the arrays
+/// of one shape that a thread makes share (layout.h).
 
 #include <atomic>
 #include <cstddef>
@@ -25,7 +29,8 @@ namespace numera::host::memory {
 enum class Content : unsigned char { Numbers, Slots, Texts };
 
 struct Layout {
-  std::atomic<size_t> arrays{1};
+  std::atomic<size_t> holders;
+  size_t block_bytes;  ///< of the block that it begins
   hxClassID class_id;
   Content content;
   bool complex;
@@ -39,10 +44,19 @@ struct Layout {
 };
 
 struct Elements {
-  std::atomic<size_t> arrays{1};
-  ElementBlock block;  ///< numbers; or slots, `hxArray*` each; or the `hxStringArray`
-  bool own_data;
-  bool own_block;
+  /// The arrays that refer to these elements, and a bit each for what keeps their block: that there
+  /// are any such arrays, and the header that lies behind the elements.
+  std::atomic<size_t> holders;
+  void* data;  ///< numbers; or slots, `hxArray*` each; or the `hxStringArray`
+  size_t bytes : 62;
+  size_t own_data : 1;     ///< the data is a block of its own, and not in front of this
+  size_t with_header : 1;  ///< was made with a header behind it
+
+  static constexpr size_t kMostBytes = (size_t{1} << 62) - 1;
+  static constexpr size_t kHeader = size_t{1} << 63;
+  static constexpr size_t kUsers = size_t{1} << 62;
+
+  size_t arrays() const { return holders.load(std::memory_order_acquire) & ~(kHeader | kUsers); }
 };
 
 /// What an array is made from.
@@ -58,8 +72,9 @@ struct Description {
   bool sparse = false;
 };
 
-/// A new array. Slots are empty and texts null whatever `fill` says. Throws `std::invalid_argument`
-/// for fewer than two dimensions or a null field name, and `std::bad_alloc`.
+/// A new array. Slots are empty whatever `fill` says; the caller supplies the texts. Throws
+/// `std::invalid_argument` for fewer than two dimensions or a null field name, and
+/// `std::bad_alloc`.
 hxArrayPtr new_array(const Description& description, Fill fill);
 
 /// Gives the array elements of its own where it shares them. Throws `std::bad_alloc`.
@@ -75,9 +90,8 @@ class hxArray {
   numera::host::memory::Layout* layout;
   numera::host::memory::Elements* elements;
   hxArray* next_doomed;  ///< links the arrays that wait for destruction
-  bool own_block;
 
-  void* data() const { return elements->block.data; }
+  void* data() const { return elements->data; }
   std::span<hxArray*> slots() const {
     return {static_cast<hxArray**>(data()), layout->element_count * slots_per_element()};
   }

@@ -19,7 +19,7 @@ hxArrayPtr create_string_array_from(std::unique_ptr<hxStringArray> strings) {
                                 .element_bytes = 0,
                                 .class_name = "string"},
                                Fill::None);
-  array->elements->block.data = strings.release();
+  array->elements->data = strings.release();
   return array;
 }
 

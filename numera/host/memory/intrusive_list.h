@@ -1,0 +1,27 @@
+#pragma once
+
+/// \file
+/// A list of things that carry their own links, so that joining and leaving cost no allocation.
+
+namespace numera::host::memory {
+
+/// `T` has the members `previous` and `next`, of which the list alone takes care.
+template <class T>
+struct IntrusiveList {
+  T* first = nullptr;
+  T* last = nullptr;
+
+  void push_front(T* item) noexcept {
+    item->previous = nullptr;
+    item->next = first;
+    (first != nullptr ? first->previous : last) = item;
+    first = item;
+  }
+
+  void remove(T* item) noexcept {
+    (item->previous != nullptr ? item->previous->next : first) = item->next;
+    (item->next != nullptr ? item->next->previous : last) = item->previous;
+  }
+};
+
+}  // namespace numera::host::memory
