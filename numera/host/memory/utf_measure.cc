@@ -1,72 +1,69 @@
 #include "numera/host/memory/utf_measure.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace numera::host::memory {
 namespace {
 
-// Loops of this many steps over bytes become a few vector instructions each.
+// Sixteen bytes that are compared and counted together, whatever the processor calls that.
 constexpr size_t kLanes = 16;
-using Lanes = std::array<std::uint8_t, kLanes>;
+using Lanes [[gnu::vector_size(kLanes)]] = signed char;
 
-constexpr unsigned char kContinuation = 0x80;
+bool continues(unsigned char byte) { return (byte & 0xC0u) == 0x80u; }
 
-bool continues(unsigned char byte) { return (byte & 0xC0u) == kContinuation; }
-
-// Adds to each lane the code units that its byte begins: none, one, or two for a sequence of four.
-void count_units(const unsigned char* bytes, Lanes& units) {
-  for (size_t i = 0; i < kLanes; ++i) {
-    const auto begins = static_cast<std::uint8_t>(static_cast<signed char>(bytes[i]) >= -64);
-    const auto pair = static_cast<std::uint8_t>(bytes[i] >= 0xF0);
-    units[i] = static_cast<std::uint8_t>(units[i] + begins + pair);
-  }
+Lanes load(const unsigned char* bytes) {
+  Lanes lanes;
+  std::memcpy(&lanes, bytes, kLanes);
+  return lanes;
 }
 
-size_t sum(const Lanes& lanes) {
+// The code units that each byte begins, negative: none, one, or two for a sequence of four.
+Lanes minus_units(Lanes bytes) {
+  constexpr signed char kFirstLead = -64;        // 0xC0; below are the continuations
+  constexpr signed char kFirstLeadOfFour = -16;  // 0xF0; from 0 on, ASCII
+  return (bytes >= kFirstLead) + ((bytes >= kFirstLeadOfFour) & (bytes < 0));
+}
+
+// The first `length` bytes of a block, and bytes that begin nothing behind them. Bytes up to `end`
+// may be read.
+Lanes load_some(const unsigned char* bytes, size_t length, const unsigned char* end) {
+  constexpr Lanes kPlaces = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  constexpr signed char kContinuation = -128;
+  Lanes lanes = Lanes{} + kContinuation;
+  if (static_cast<size_t>(end - bytes) < kLanes) {
+    std::memcpy(&lanes, bytes, length);
+    return lanes;
+  }
+  return kPlaces < static_cast<signed char>(length) ? load(bytes) : lanes;
+}
+
+size_t sum(Lanes lanes) {
   constexpr std::uint64_t kEven = 0x00FF00FF00FF00FF;
   std::uint64_t words[2];
-  std::memcpy(words, lanes.data(), kLanes);
+  std::memcpy(words, &lanes, kLanes);
   std::uint64_t sums = 0;
   for (const std::uint64_t word : words) sums += (word & kEven) + (word >> 8 & kEven);
   return sums * 0x0001000100010001 >> 48;
 }
 
-// The first `length` bytes of a block, and bytes that count nothing behind them.
-Lanes padded(const unsigned char* bytes, size_t length, size_t readable) {
-  Lanes block;
-  if (readable < kLanes) {
-    block.fill(kContinuation);
-    std::memcpy(block.data(), bytes, length);
-    return block;
-  }
-  std::memcpy(block.data(), bytes, kLanes);
-  for (size_t i = 0; i < kLanes; ++i) {
-    block[i] = i < length ? block[i] : kContinuation;
-  }
-  return block;
+constexpr size_t kMostBytes = 120 * kLanes;  // of which a lane can count two a round
+
+// Of at most `kMostBytes`.
+inline size_t measure_piece(const unsigned char* bytes, size_t length, const unsigned char* end) {
+  Lanes counts{};
+  for (; length >= kLanes; length -= kLanes, bytes += kLanes) counts -= minus_units(load(bytes));
+  if (length > 0) counts -= minus_units(load_some(bytes, length, end));
+  return sum(counts);
 }
 
-// `readable` bytes, no fewer than `length`, lie at `bytes`.
-inline size_t measure(const unsigned char* bytes, size_t length, size_t readable) {
-  constexpr size_t kMostRounds = 120;  // a lane counts up to 2 a round
+// Code units of `length` bytes. Bytes up to `end` may be read.
+inline size_t measure(const unsigned char* bytes, size_t length, const unsigned char* end) {
   size_t units = 0;
-  while (length > 0) {
-    Lanes lanes{};
-    for (size_t left = kMostRounds; left > 0 && length >= kLanes; --left) {
-      count_units(bytes, lanes);
-      bytes += kLanes;
-      length -= kLanes;
-      readable -= kLanes;
-    }
-    if (length > 0 && length < kLanes) {
-      count_units(padded(bytes, length, readable).data(), lanes);
-      length = 0;
-    }
-    units += sum(lanes);
+  for (; length > kMostBytes; length -= kMostBytes, bytes += kMostBytes) {
+    units += measure_piece(bytes, kMostBytes, end);
   }
-  return units;
+  return units + measure_piece(bytes, length, end);
 }
 
 const unsigned char* bytes_of(std::string_view text) {
@@ -92,7 +89,7 @@ bool is_ascii(std::string_view text) noexcept {
 }
 
 size_t measure_utf8(std::string_view text) noexcept {
-  return measure(bytes_of(text), text.size(), text.size());
+  return measure(bytes_of(text), text.size(), bytes_of(text) + text.size());
 }
 
 size_t measure_utf16(std::u16string_view text) noexcept {
@@ -123,7 +120,7 @@ Borders measure_texts(std::span<const Offset> offsets, std::string_view chunk, s
     const auto end = static_cast<size_t>(offsets[k] - offsets[0]);
     if (begin < end) {
       within = within || continues(bytes[begin]);
-      base += measure(bytes + begin, end - begin, chunk.size() - begin);
+      base += measure(bytes + begin, end - begin, bytes + chunk.size());
       begin = end;
     }
     begins[k] = base;
