@@ -21,7 +21,7 @@ color:inherit;text-align:left}}
 border-left:1px solid var(--numera-rule)}}
 .numera li{{margin:0;padding:0;overflow-wrap:anywhere}}
 .numera summary{{cursor:pointer}}
-.numera li.numera-leaf{{padding-left:1.1em}}
+.numera li>.numera-leaf,.numera li.numera-leaf{{padding-left:1.08em}}
 .numera-name{{color:var(--numera-name)}}
 .numera-class{{color:var(--numera-class)}}
 .numera-size{{opacity:.7}}
@@ -41,11 +41,12 @@ class _Tree:
     def node(self, name, value, depth):
         self.nodes += 1
         if value is None:
-            return f'<div class="numera-leaf">{_label(name)}<span class="numera-size">&lt;empty&gt;</span></div>'
+            empty = '<span class="numera-size">&lt;empty&gt;</span>'
+            return f'<div class="numera-leaf">{_label(name)}{empty}</div>'
         children = self.children(value, depth) if depth < MAX_DEPTH else ""
         head = _label(name) + _head(value)
         if not children:
-            return f'<div class="numera-leaf">{head}</div>'
+            return f'<div class="numera-leaf">{head}{_elements(value)}</div>'
         state = " open" if depth < OPEN_LEVELS else ""
         return f"<details{state}><summary>{head}</summary><ul>{children}</ul></details>"
 
@@ -82,11 +83,19 @@ def _label(name):
 
 
 def _head(value):
-    """The line that is printed for the value: its class, its size, and its elements if it has any."""
+    kind, size, _ = _line(value)
+    return (
+        f'<span class="numera-class">{escape(kind)}</span> <span class="numera-size">{size}</span>'
+    )
+
+
+def _elements(value):
+    return escape(_line(value)[2])
+
+
+def _line(value):
+    """Class, size and elements, as they are printed on the line of the value."""
     line = value.tree(max_depth=0, max_elements=MAX_ELEMENTS, max_lines=1).splitlines()[0]
     size = "x".join(map(str, value.shape))
     kind, _, elements = line.partition(f" {size}")
-    return (
-        f'<span class="numera-class">{escape(kind)}</span> '
-        f'<span class="numera-size">{size}</span>{escape(elements)}'
-    )
+    return kind, size, elements
