@@ -1,46 +1,66 @@
 #pragma once
 
 /// \file
-/// The Arrow values that the benchmarks convert.
+/// The Arrow values that the benchmarks convert. peer_data.py makes the same ones in Python.
+///
+/// Every maker gives the elements `begin` up to `begin + length` of one endless column, so that a
+/// column can be made chunk by chunk and at any length.
 
-#include <arrow/array.h>
-#include <arrow/chunked_array.h>
 #include <arrow/status.h>
 
 #include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
+
+#include "benchmarks/sizes.h"
 
 namespace numera::benchmarks {
-
-using ArrayPtr = std::shared_ptr<::arrow::Array>;
-using ColumnPtr = std::shared_ptr<::arrow::ChunkedArray>;
 
 /// Ends the run where the data of a row cannot be made.
 void require(const ::arrow::Status& status);
 
-/// 0, 0.5, 1, 1.5, ...; with nulls, every tenth is one.
-std::shared_ptr<::arrow::DoubleArray> doubles(std::int64_t length, bool nulls = false);
+/// `Some`: every tenth element. A null lies over the value that would be there without it.
+enum class Nulls { None, Some, All };
 
-/// Bits without a pattern that a whole byte would show.
-std::shared_ptr<::arrow::BooleanArray> booleans(std::int64_t length);
+using MakeArray = ArrayPtr (*)(std::int64_t begin, std::int64_t length, Nulls nulls);
 
-/// The same text, time and again.
-std::shared_ptr<::arrow::StringArray> texts(std::int64_t length, const std::string& text);
-std::shared_ptr<::arrow::BinaryArray> byte_strings(std::int64_t length, const std::string& bytes);
+ArrayPtr doubles(std::int64_t begin, std::int64_t length, Nulls nulls);   ///< 0, 0.5, 1, 1.5, ...
+ArrayPtr integers(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< int64 0, 1, 2, ...
+ArrayPtr booleans(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< multiples of 3 and 7
+ArrayPtr dates(std::int64_t begin, std::int64_t length, Nulls nulls);     ///< date32
+ArrayPtr times(std::int64_t begin, std::int64_t length, Nulls nulls);     ///< time64[us]
+ArrayPtr timestamps(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< [us], UTC
+ArrayPtr durations(std::int64_t begin, std::int64_t length, Nulls nulls);   ///< [s]
 
-/// 12 bytes of ASCII; 29 bytes of Latin, Chinese and Greek.
-inline const std::string kAsciiText = "plain ASCII.";
-inline const std::string kMixedText = "Zürich, 東京, Αθήνα !";
+/// 12 bytes of ASCII, "item 0000042".
+ArrayPtr ascii_texts(std::int64_t begin, std::int64_t length, Nulls nulls);
+/// 29 bytes of Latin, Chinese and Greek, "Zürich 東京 Αθήνα 042".
+ArrayPtr mixed_texts(std::int64_t begin, std::int64_t length, Nulls nulls);
+/// 16 bytes, "bytes 0000000042".
+ArrayPtr byte_strings(std::int64_t begin, std::int64_t length, Nulls nulls);
 
-/// int32 codes into 100 categories, of which `first` comes first.
-std::shared_ptr<::arrow::DictionaryArray> categories(std::int64_t length, std::int64_t first = 0);
+/// int32 codes into the 100 categories "category 0" and so on. Those of an array begin with the
+/// category whose number is the place of its chunk: begin / length.
+ArrayPtr categories(std::int64_t begin, std::int64_t length, Nulls nulls);
 
-/// Lists of `width` doubles each.
-std::shared_ptr<::arrow::ListArray> lists(std::int64_t length, std::int32_t width);
+ArrayPtr lists(std::int64_t begin, std::int64_t length, Nulls nulls);    ///< of 8 doubles each
+ArrayPtr structs(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< of an int64 and a text
+ArrayPtr maps(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< 2 of text to int64 each
 
-/// The array as a column, cut into chunks of equal length.
-ColumnPtr column_of(const ArrayPtr& array, std::int64_t chunks = 1);
+/// Elements that are lists of one element each, or structs of one field, down to doubles.
+ArrayPtr nested_lists(std::int64_t length, int levels);
+ArrayPtr nested_structs(std::int64_t length, int levels);
+
+/// How a column of a given length differs from the one chunk of values that is measured first.
+struct Shape {
+  std::int64_t length;
+  Nulls nulls = Nulls::None;
+  std::int64_t chunks = 1;
+  bool sliced = false;  ///< elements 7 and following of a longer array
+};
+
+ColumnPtr make_column(MakeArray make, const Shape& shape);
+
+/// float64 columns "column 0" and so on, of 1,000 rows each.
+TablePtr make_table(std::int64_t columns);
+inline constexpr std::int64_t kTableRows = 1000;
 
 }  // namespace numera::benchmarks

@@ -3,70 +3,83 @@
 /// \file
 /// The rows of the benchmarks: each is a conversion, measured beside its limit, which is the least
 /// work that gives the same bytes to the same owner.
-///
-/// A row makes its result and destroys it. Repetitions of all rows and limits are shuffled, so that
-/// whatever else the machine does meets all of them alike.
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "benchmarks/sizes.h"
+
 namespace numera::benchmarks {
 
-/// Registers NAME, which runs `product`, and "limit/NAME". Both are given what `make_input`
-/// returns: it is called once, when the first of them runs, and outside the measured time.
-template <class MakeInput, class Product, class Limit>
-void add_row(const std::string& name, MakeInput make_input, Product product, Limit limit) {
-  using Input = decltype(make_input());
-  const auto shared_input = std::make_shared<std::optional<Input>>();
-  const auto add = [&](const std::string& full_name, auto run) {
-    benchmark::RegisterBenchmark(full_name.c_str(),
-                                 [shared_input, make_input, run](benchmark::State& state) {
-                                   if (!*shared_input) shared_input->emplace(make_input());
-                                   const Input& input = **shared_input;
-                                   for ([[maybe_unused]] auto iteration : state) {
-                                     auto result = run(input);
-                                     benchmark::DoNotOptimize(result);
-                                     benchmark::ClobberMemory();
-                                   }
-                                 });
+using Measured = std::function<void(benchmark::State&)>;
+
+/// A row whose input has been made. All of its functions share the input.
+struct ReadyRow {
+  std::int64_t elements;
+  std::int64_t bytes;  ///< of the values that are converted, as they lie in the input
+  Measured product;
+  Measured limit;                               ///< none where there is nothing to compare with
+  std::function<std::shared_ptr<void>()> make;  ///< one result, kept as long as the pointer
+};
+
+struct Row {
+  std::string name;
+  std::function<ReadyRow()> prepare;
+};
+
+/// Makes a result and destroys it, time and again.
+template <class Input, class Work>
+Measured repeat(std::shared_ptr<const Input> input, Work work) {
+  return [input = std::move(input), work](benchmark::State& state) {
+    for ([[maybe_unused]] auto iteration : state) {
+      auto result = work(*input);
+      benchmark::DoNotOptimize(result);
+      benchmark::ClobberMemory();
+    }
   };
-  add(name, product);
-  add("limit/" + name, limit);
 }
 
-void add_numeric_rows();
-void add_text_rows();
-void add_categorical_rows();
-void add_nested_rows();
-void add_table_rows();
-void add_gateway_rows();
-
-/// Keeps the fastest repetition of each row, the one that the machine disturbed least, and prints
-/// them at the end: a line a row with its limit and their ratio. Rows run on one thread, and theirs
-/// is the time of the processor, system calls included: others who share it do not count.
-class RatioReporter : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context& context) override;
-  void ReportRuns(const std::vector<Run>& runs) override;
-  void Finalize() override;
-
- private:
-  struct Row {
-    std::string name;
-    std::int64_t place;  ///< in the order in which the rows were added
-    std::optional<double> seconds;
-    std::optional<double> limit_seconds;
+/// A row of `product`, given what `make_input` returns, beside `limit`, given the same. Elements of
+/// a table are counted instead.
+template <class MakeInput, class Product, class Limit = std::nullptr_t>
+Row make_row(std::string name, std::int64_t elements, MakeInput make_input, Product product,
+             Limit limit = nullptr) {
+  const auto prepare = [=]() -> ReadyRow {
+    using Input = decltype(make_input());
+    using Result = decltype(product(std::declval<const Input&>()));
+    const auto input = std::make_shared<const Input>(make_input());
+    ReadyRow row;
+    row.elements = elements;
+    if constexpr (std::is_same_v<Input, TablePtr>) row.elements = elements_of(*input);
+    row.bytes = bytes_of(*input);
+    row.product = repeat(input, product);
+    if constexpr (!std::is_null_pointer_v<Limit>) row.limit = repeat(input, limit);
+    row.make = [=] { return std::make_shared<Result>(product(*input)); };
+    return row;
   };
+  return {std::move(name), prepare};
+}
 
-  Row& row_of(const Run& run, const std::string& name);
+/// \name Rows of one part of the library
+/// With `quick`, of few elements: the names stay.
+/// @{
+void add_to_host_rows(std::vector<Row>& rows, bool quick);
+void add_table_rows(std::vector<Row>& rows, bool quick);
+void add_file_rows(std::vector<Row>& rows);
+void add_to_arrow_rows(std::vector<Row>& rows, bool quick);
+void add_gateway_rows(std::vector<Row>& rows, bool quick);
+void add_encode_rows(std::vector<Row>& rows, bool quick);
+/// @}
 
-  std::vector<Row> rows_;
-};
+/// All rows, in the order in which they are shown.
+std::vector<Row> all_rows(bool quick);
 
 }  // namespace numera::benchmarks

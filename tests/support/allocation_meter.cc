@@ -57,7 +57,8 @@ void StartMeter() {
 
 HeapUse StopMeter() {
   running = false;
-  return {allocations, static_cast<size_t>(peak)};
+  return {allocations, static_cast<size_t>(peak),
+          static_cast<size_t>(std::max<std::ptrdiff_t>(held, 0))};
 }
 
 }  // namespace numera::testing

@@ -13,6 +13,7 @@ namespace numera::testing {
 struct HeapUse {
   size_t allocations = 0;
   size_t peak_bytes = 0;  ///< the most held at a time, beyond what was held at the start
+  size_t held_bytes = 0;  ///< what is held at the end, beyond the same
 };
 
 /// Begins to count. One piece of work is measured at a time, on one thread.

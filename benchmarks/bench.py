@@ -1,0 +1,113 @@
+"""Runs all benchmarks and writes summary.json; without --quick also docs/performance.md.
+
+`./dev bench` calls it in the environment that has the peers. With --quick everything runs once on
+little data, and only the form of the summary is checked.
+"""
+
+import argparse
+import importlib.metadata
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+import peer_work
+import peers
+import summary
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+PEERS = ("pyarrow", "pandas", "polars", "duckdb", "nanoarrow", "numpy")
+
+
+def run_alone(program, names, folder, quick):
+    """The rows without peers, all in one process; those named are left out."""
+    file = folder / "ours.json"
+    pattern = "(?!(?:" + "|".join(map(re.escape, names)) + ")$).*"
+    command = [program, f"--rows={pattern}", f"--json={file}", *(["--quick"] if quick else [])]
+    subprocess.run(command, check=True, stdout=subprocess.DEVNULL if quick else None)
+    return json.loads(file.read_text())
+
+
+def peak_over_result(program, entries):
+    """The most host memory held during a conversion, over what its result holds.
+
+    Not of small results: there the ratio says how blocks are rounded up, and no more.
+    """
+    peaks = {}
+    for entry in entries:
+        name = entry["name"]
+        run = subprocess.run([program, name], check=True, capture_output=True, text=True)
+        use = json.loads(run.stdout)
+        if entry["bytes"] >= 1_000_000 and use["result_bytes"] >= 1_000_000:
+            peaks[name] = summary.rounded(use["peak_bytes"] / use["result_bytes"])
+    return peaks
+
+
+def is_base(name):
+    return "=" not in name and not name.endswith("/sliced") and not name.startswith("parallel/")
+
+
+def in_order(entries, program):
+    """In the order of the program, whichever part measured them."""
+    listed = subprocess.run([program, "--list"], check=True, capture_output=True, text=True)
+    places = {name: place for place, name in enumerate(listed.stdout.split())}
+    return sorted(entries, key=lambda entry: places.get(entry["name"], len(places)))
+
+
+def packages():
+    versions = {}
+    for name in PEERS:
+        try:
+            versions[name] = importlib.metadata.version(name)
+        except importlib.metadata.PackageNotFoundError:
+            versions[name] = None
+    return versions
+
+
+def measure(arguments, folder):
+    program = arguments.programs / "numera_benchmarks"
+    with_peers = [row.name for row in peer_work.ROWS]
+    entries = run_alone(program, with_peers, folder, arguments.quick)
+    for row in peer_work.ROWS:
+        entries.append(
+            peers.measure_row(row, program, 1 if arguments.quick else 7, arguments.quick))
+        if not arguments.quick:
+            peers.show(entries[-1])
+    entries = in_order(entries, program)
+    bases = [entry for entry in entries if is_base(entry["name"])]
+    peaks = peak_over_result(arguments.programs / "numera_peak_memory",
+                             bases[:2] if arguments.quick else bases)
+    return entries, peaks
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--programs", type=pathlib.Path, required=True,
+                        help="the folder of the built benchmarks")
+    parser.add_argument("--folder", type=pathlib.Path, default=ROOT / "build" / "bench")
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--no-document", action="store_true", help="leave docs/performance.md")
+    arguments = parser.parse_args()
+    folder = arguments.folder / "quick" if arguments.quick else arguments.folder
+    folder.mkdir(parents=True, exist_ok=True)
+
+    entries, peaks = measure(arguments, folder)
+    whole = summary.summarize(entries, peaks, packages())
+    summary.write(folder / "details.json", entries)
+    summary.write(folder / "summary.json", whole)
+    if not arguments.quick:
+        for line in summary.wrong_limits(whole):
+            print(f"bench: a limit is beaten; {line}")
+        if not arguments.no_document:
+            import report  # needs matplotlib, which nothing else does
+            report.write(ROOT / "docs", whole, entries)
+    found = summary.faults(whole)
+    for fault in found:
+        print(f"bench: {fault}", file=sys.stderr)
+    print(f"bench: {len(whole['rows'])} rows in {folder / 'summary.json'}")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,41 @@
+"""Installs what requirements.txt pins, each package alone, for the case that not all can be had."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+REQUIREMENTS = pathlib.Path(__file__).with_name("requirements.txt")
+
+
+def requirements(text):
+    """Each with the lines of its hashes."""
+    blocks = []
+    for line in text.splitlines():
+        if line.startswith("#"):
+            continue
+        if line.startswith(" "):
+            blocks[-1] += "\n" + line
+        elif line:
+            blocks.append(line)
+    return blocks
+
+
+def install(requirement):
+    with tempfile.NamedTemporaryFile("w", suffix=".txt") as file:
+        file.write(requirement + "\n")
+        file.flush()
+        command = [sys.executable, "-m", "pip", "install", "--quiet", "--no-deps", "--no-input",
+                   "--disable-pip-version-check", "--require-hashes", "--only-binary", ":all:",
+                   "-r", file.name]
+        return subprocess.run(command, check=False).returncode == 0
+
+
+def main():
+    for requirement in requirements(REQUIREMENTS.read_text()):
+        if not install(requirement):
+            print(f"install_peers: went on without {requirement.split()[0]}", file=sys.stderr)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,134 @@
+"""Measures the peers of the benchmarks, interleaved with the C++ program.
+
+For every row, a round measures our own conversion and its limit (the C++ program, run for this row
+alone) and then each peer; there are at least 7 rounds. All times are processor time of the process,
+system calls and all threads included, in milliseconds.
+"""
+
+import argparse
+import gc
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import time
+
+import peer_work
+
+SHORTEST = 0.02  # seconds that the calls of one measurement take together
+
+
+def processor_milliseconds(work, calls, value):
+    begin = time.process_time_ns()
+    if work.fresh is None:
+        for _ in range(calls):
+            work.run()
+    else:
+        for _ in range(calls):
+            work.run(value)
+    return (time.process_time_ns() - begin) / 1e6 / calls
+
+
+def measure(work, calls):
+    value = work.fresh() if work.fresh else None
+    gc.collect()
+    gc.disable()
+    try:
+        return processor_milliseconds(work, calls, value)
+    finally:
+        gc.enable()
+
+
+class Measured:
+    """One peer at one row."""
+
+    def __init__(self, work):
+        self.work = work
+        self.times = []
+        self.failure = None
+        self.calls = 1
+        try:
+            first = measure(work, 1)  # what is loaded on first use is there from now on
+            if work.fresh is None and first < SHORTEST * 1e3:
+                self.calls = max(1, round(SHORTEST * 1e3 / max(measure(work, 1), 1e-3)))
+        except Exception as error:  # whatever a peer throws, the others go on
+            self.failure = f"{type(error).__name__}: {error}"
+
+    def run(self):
+        if self.failure is None:
+            self.times.append(measure(self.work, self.calls))
+
+    def result(self):
+        return {"peer": self.work.peer, "call": self.work.call, "note": self.work.note,
+                "times": self.times, "failure": self.failure}
+
+
+def run_ours(program, name, quick):
+    """The row's entry in the JSON of one repetition of the C++ program."""
+    with tempfile.TemporaryDirectory() as folder:
+        file = pathlib.Path(folder) / "row.json"
+        command = [program, f"--rows={re.escape(name)}", f"--json={file}",
+                   "--benchmark_repetitions=1"]
+        command += ["--quick"] if quick else ["--benchmark_min_time=0.05"]
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+        rows = json.loads(file.read_text())
+        return rows[0] if rows else None
+
+
+def measure_row(row, program, rounds, quick):
+    peers = [Measured(work) for work in row.make(quick)]
+    ours = None
+    for _ in range(rounds):
+        entry = run_ours(program, row.name, quick)
+        if entry is None:
+            raise SystemExit(f"peers: the program has no row {row.name}")
+        if ours is None:
+            ours = entry
+        else:
+            for key in ("ours", "limit", "warm_copy", "freeing"):
+                ours[key] += entry[key]
+        for peer in peers:
+            peer.run()
+    ours["named_peer"] = row.peer
+    ours["peers"] = [peer.result() for peer in peers]
+    return ours
+
+
+def median(times):
+    return sorted(times)[(len(times) - 1) // 2]
+
+
+def show(entry):
+    own = median(entry["ours"])
+    print(f"{entry['name']}: ours {own:.4f} ms, minimum {min(entry['ours']):.4f}")
+    for peer in entry["peers"]:
+        if peer["times"]:
+            time_ = median(peer["times"])
+            print(f"  {peer['peer']:24} {time_:12.4f} ms, minimum {min(peer['times']):12.4f}, "
+                  f"{time_ / own:8.2f} x ours; {peer['call']}; {peer['note']}")
+        else:
+            print(f"  {peer['peer']:24} failed: {peer['failure']}", file=sys.stderr)
+    sys.stdout.flush()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--json", type=pathlib.Path, required=True)
+    parser.add_argument("--rows", default=".*", help="a regular expression that names match whole")
+    parser.add_argument("--rounds", type=int, default=7)
+    parser.add_argument("--quick", action="store_true")
+    arguments = parser.parse_args()
+    rounds = 1 if arguments.quick else arguments.rounds
+    entries = []
+    for row in peer_work.ROWS:
+        if re.fullmatch(arguments.rows, row.name):
+            entries.append(measure_row(row, arguments.program, rounds, arguments.quick))
+            show(entries[-1])
+    arguments.json.write_text(json.dumps(entries, indent=1))
+
+
+if __name__ == "__main__":
+    main()

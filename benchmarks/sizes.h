@@ -1,0 +1,31 @@
+#pragma once
+
+/// \file
+/// How many bytes the values of an input take.
+
+#include <arrow/array.h>
+#include <arrow/chunked_array.h>
+#include <arrow/table.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "numera/host/array.h"
+
+namespace numera::benchmarks {
+
+using ArrayPtr = std::shared_ptr<::arrow::Array>;
+using ColumnPtr = std::shared_ptr<::arrow::ChunkedArray>;
+using TablePtr = std::shared_ptr<::arrow::Table>;
+
+std::int64_t bytes_of(const ArrayPtr& array);
+std::int64_t bytes_of(const ColumnPtr& column);
+std::int64_t bytes_of(const TablePtr& table);
+
+std::int64_t elements_of(const TablePtr& table);  ///< of all columns
+
+/// Elements of numbers, truth values and characters, and the code units of string arrays, at every
+/// depth.
+std::int64_t bytes_of(const hxArrayPtr& value);
+
+}  // namespace numera::benchmarks

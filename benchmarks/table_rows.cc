@@ -1,0 +1,82 @@
+// Tables of many columns both ways, and the tables of real files.
+
+#include <arrow/io/file.h>
+#include <arrow/ipc/reader.h>
+#include <arrow/table.h>
+#include <parquet/arrow/reader.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "benchmarks/arrow_data.h"
+#include "benchmarks/limits.h"
+#include "benchmarks/rows.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/numera.h"
+
+namespace numera::benchmarks {
+namespace {
+
+namespace core = numera::io::arrow::core;
+
+hxArrayPtr table_to_host(const TablePtr& table) { return core::to_numera(table).ValueOrDie(); }
+
+TablePtr table_to_arrow(const hxArrayPtr& encoded) {
+  return core::to_arrow_table(encoded.get()).ValueOrDie();
+}
+
+/// Every column by its own limit.
+std::vector<Blocks> leaves_of_columns(const TablePtr& table) {
+  std::vector<Blocks> columns;
+  for (const ColumnPtr& column : table->columns()) columns.push_back(leaves(column));
+  return columns;
+}
+
+/// The base has the name that the performance targets give it.
+std::string table_name(const std::string& direction, std::int64_t columns) {
+  return columns == 1000 ? direction + "/table_1000_columns"
+                         : direction + "/table/columns=" + std::to_string(columns);
+}
+
+TablePtr parquet_table(const std::shared_ptr<::arrow::io::RandomAccessFile>& file) {
+  auto reader = ::parquet::arrow::OpenFile(file, ::arrow::default_memory_pool()).ValueOrDie();
+  return reader->ReadTable().ValueOrDie();
+}
+
+TablePtr ipc_table(const std::shared_ptr<::arrow::io::RandomAccessFile>& file) {
+  const auto reader = ::arrow::ipc::RecordBatchFileReader::Open(file).ValueOrDie();
+  return reader->ToTable().ValueOrDie();
+}
+
+/// A table of examples/data as the program gives it to the core.
+TablePtr example_table(const std::string& name) {
+  const auto file = ::arrow::io::ReadableFile::Open(NUMERA_EXAMPLE_DATA "/" + name).ValueOrDie();
+  const TablePtr table = name.ends_with(".arrow") ? ipc_table(file) : parquet_table(file);
+  return numera::extras::take_in(table, {.cast = true}).ValueOrDie().value;
+}
+
+}  // namespace
+
+void add_table_rows(std::vector<Row>& rows, bool quick) {
+  for (const std::int64_t columns : {1000, 1, 20, 100, 10'000}) {
+    if (quick && columns > 1000) continue;
+    const auto make = [=] { return make_table(columns); };
+    const std::int64_t elements = columns * kTableRows;
+    rows.push_back(
+        make_row(table_name("to_host", columns), elements, make, table_to_host, leaves_of_columns));
+    rows.push_back(make_row(
+        table_name("to_arrow", columns), elements, [=] { return table_to_host(make()); },
+        table_to_arrow));
+  }
+}
+
+void add_file_rows(std::vector<Row>& rows) {
+  for (const std::string name :
+       {"penguins.parquet", "flights.parquet", "cities.parquet", "countries.arrow"}) {
+    rows.push_back(make_row(
+        "files/" + name, 0, [=] { return example_table(name); }, table_to_host, leaves_of_columns));
+  }
+}
+
+}  // namespace numera::benchmarks
