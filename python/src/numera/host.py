@@ -9,6 +9,7 @@ is copied, but for host values that are put into cells and structs: these share 
 double 2x3 [0 1 2; 3 4 5]
 """
 
+import operator
 from collections.abc import Iterable, Mapping, Sequence
 from typing import Any
 
@@ -214,7 +215,12 @@ def _units(text):
 
 
 def _given(shape, count):
-    return (count, 1) if shape is None else tuple(shape)
+    if shape is None:
+        return (count, 1)
+    extents = tuple(operator.index(extent) for extent in shape)
+    if len(extents) < 2 or not all(0 <= extent < 2**63 for extent in extents):
+        raise ValueError(f"shape: found {extents}, expected two extents or more, none negative.")
+    return extents
 
 
 def _value(value, place):
