@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 
 #include "numera/host/memory/layout.h"
@@ -15,7 +14,8 @@ struct Remembered {
   size_t stock;  ///< holds that are at hand
 };
 
-constexpr size_t kPlaces = 64;
+// Enough for byte strings of every short length at once.
+constexpr size_t kPlaces = 256;
 thread_local constinit std::array<Remembered, kPlaces> remembered{};
 thread_local constinit bool ended = false;
 
@@ -30,10 +30,19 @@ Remembered& place_of(hxClassID class_id, std::span<const size_t> dims) {
   return remembered[sum % kPlaces];
 }
 
+// Dimensions are few: a call to compare them costs more than they do.
+bool equal(std::span<const size_t> a, std::span<const size_t> b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
 bool describes(const Description& description, const Layout& layout) {
   return layout.class_id == description.class_id && layout.content == description.content &&
          layout.complex == description.complex && layout.sparse == description.sparse &&
-         std::ranges::equal(layout.dims, description.dims);
+         equal(layout.dims, description.dims);
 }
 
 void drop_holds(Layout* layout, size_t holds) noexcept {

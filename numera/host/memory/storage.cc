@@ -31,11 +31,11 @@ size_t room_in_front(size_t inline_bytes) {
   return (inline_bytes + alignof(ArrayBlock) - 1) / alignof(ArrayBlock) * alignof(ArrayBlock);
 }
 
-// Frees the block of elements whose contents are gone.
-void free_block(Elements* elements) noexcept {
+// Frees the block of elements whose contents are gone, and with it perhaps the header of an array.
+void free_block(Elements* elements, std::ptrdiff_t arrays = 0) noexcept {
   const size_t front = elements->own_data ? 0 : room_in_front(elements->bytes);
   const size_t bytes = front + (elements->with_header ? sizeof(ArrayBlock) : sizeof(Elements));
-  count_live(0, -block_bytes(bytes));
+  count_live(-arrays, -block_bytes(bytes));
   give_block(reinterpret_cast<std::byte*>(elements) - front, bytes);
 }
 
@@ -85,13 +85,13 @@ hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept {
   Layout* const layout = array->layout;
   if (elements == home && home->holders.load(std::memory_order_acquire) == kAlone) {
     doomed = free_contents(layout->content, slots_of(array), elements, doomed);
-    free_block(home);
+    free_block(home, 1);
   } else {
+    count_live(-1, 0);
     doomed = leave(array, elements, slots_of(array), doomed);
     if (drop(home, Elements::kHeader)) free_block(home);
   }
   drop_layout(layout);
-  count_live(-1, 0);
   return doomed;
 }
 
