@@ -1,0 +1,61 @@
+#pragma once
+
+// A second host, as small as one can be: every array of it is made of standard containers. It shows
+// what a host supplies, and passes the claims of tests/host_conformance.
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "numera/host/array.h"
+#include "numera/host/string_array.h"
+
+namespace own_host {
+
+// What never changes while an array lives, so that dimensions and names handed out stay valid.
+struct Shape {
+  hxClassID class_id = hxClassID::Unknown;
+  hxComplexity complexity = hxComplexity::Real;
+  std::vector<size_t> dims = {};
+  size_t elements = 0;
+  size_t element_size = 0;               // of numbers, truth values and chars
+  std::vector<std::string> fields = {};  // of structs
+};
+
+// What is shared by copies until one of them is written. By class, one of the three is filled.
+struct Content {
+  std::unique_ptr<std::byte[]> data = {};
+  std::vector<hxArrayPtr> slots = {};
+  std::unique_ptr<hxStringArray> strings = {};
+};
+
+enum class Fill { Zero, None };
+
+// Throws std::bad_alloc where the elements cannot all be counted in bytes.
+hxArrayPtr make_array(Shape shape, Fill fill);
+
+// Gives the array a content of its own where it shares one.
+void unshare(hxArray* array);
+
+// Arrays that exist now.
+size_t live_arrays();
+inline std::atomic<size_t> live = 0;
+
+}  // namespace own_host
+
+class hxArray {
+ public:
+  hxArray(std::shared_ptr<const own_host::Shape> of, std::shared_ptr<own_host::Content> with)
+      : shape(std::move(of)), content(std::move(with)) {
+    ++own_host::live;
+  }
+  ~hxArray() { --own_host::live; }
+  hxArray(const hxArray&) = delete;
+  hxArray& operator=(const hxArray&) = delete;
+
+  std::shared_ptr<const own_host::Shape> shape;
+  std::shared_ptr<own_host::Content> content;
+  hxArray* next_to_destroy = nullptr;
+};

@@ -1,0 +1,60 @@
+#include <thread>
+#include <utility>
+
+#include "numera/host/text_codec.h"
+#include "tests/host_conformance/claims.h"
+
+namespace numera::host_conformance {
+namespace {
+
+struct Threads : Claim {};
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 500;
+
+template <class Work>
+void run_on_threads(Work work) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) threads.emplace_back([=] { work(i); });
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST_F(Threads, WriteTheirOwnSharedCopiesOfOneArray) {
+  for (int round = 0; round < kRounds; ++round) {
+    std::vector<hxArrayPtr> copies;
+    copies.push_back(number(-1));
+    for (int i = 1; i < kThreads; ++i) copies.push_back(hxSharedCopy(copies[0].get()));
+    run_on_threads([&copies](int i) {
+      hxArrayPtr mine = std::move(copies[static_cast<size_t>(i)]);
+      EXPECT_EQ(number_in(mine.get()), -1);
+      *static_cast<double*>(hxGetData(mine.get())) = i;
+      EXPECT_EQ(number_in(mine.get()), i);
+    });
+  }
+}
+
+TEST_F(Threads, WriteTheirOwnSharedCopiesOfOneContainer) {
+  for (int round = 0; round < kRounds; ++round) {
+    std::vector<hxArrayPtr> copies;
+    copies.push_back(hxCreateCellArray(Dims{1, 2}));
+    hxSetCell(copies[0].get(), 0, number(-1));
+    hxSetCell(copies[0].get(), 1, number(-2));
+    for (int i = 1; i < kThreads; ++i) copies.push_back(hxSharedCopy(copies[0].get()));
+    run_on_threads([&copies](int i) {
+      hxArrayPtr mine = std::move(copies[static_cast<size_t>(i)]);
+      hxReplaceCell(mine.get(), 0, number(i));
+      EXPECT_EQ(number_in(hxGetCell(mine.get(), 0)), i);
+      EXPECT_EQ(number_in(hxGetCell(mine.get(), 1)), -2);
+    });
+  }
+}
+
+TEST_F(Threads, ShareOneCodec) {
+  const hxUTF8ToUTF16 codec("UTF-8");
+  run_on_threads([&codec](int) {
+    for (int i = 0; i < kRounds; ++i) EXPECT_EQ(codec.convert("z\xC3\xBC"), u"z\u00FC");
+  });
+}
+
+}  // namespace
+}  // namespace numera::host_conformance
