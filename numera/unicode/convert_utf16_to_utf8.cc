@@ -24,7 +24,7 @@ EncodedTexts encode_strings(const hxStringArray& strings) {
   const auto text = [&strings](size_t i) {
     return strings.element(i).value_or(std::u16string_view());
   };
-  return encode_texts(strings.size(), [](size_t) {}, text);
+  return encode_texts(strings.size(), text);
 }
 
 std::u16string_view char_units(const hxArray* chars) {
@@ -40,9 +40,12 @@ void require_char_row(const hxArray* value) {
 }
 
 EncodedTexts encode_cells(const hxArray* cell) {
-  return encode_texts(
-      hxGetNumberOfElements(cell), [cell](size_t i) { require_char_row(hxGetCell(cell, i)); },
-      [cell](size_t i) { return char_units(hxGetCell(cell, i)); });
+  const auto text = [cell](size_t i) {
+    const hxArray* const value = hxGetCell(cell, i);
+    require_char_row(value);
+    return char_units(value);
+  };
+  return encode_texts(hxGetNumberOfElements(cell), text);
 }
 
 /// The rows of a char matrix as the elements of a string array. Rows are gathered some at a time,

@@ -28,9 +28,11 @@ namespace numera::io::arrow::unicode {
 ///   after another, each before it is converted.
 /// - what the host throws, a failed allocation say, unchanged
 ///
-/// Cost: two passes over the texts. ASCII texts are narrowed straight into the result; any other
-/// goes through the host's codec once, and what that gives is kept until the result is made. The
-/// rows of a char matrix are gathered into a string array first.
+/// Cost: two passes over the texts, one to measure and one to convert them. Texts that lie back to
+/// back in the host's memory are converted in pieces of many texts: ASCII straight into the result,
+/// any other by the host's codec. Only where the codec refuses a piece are all texts converted one
+/// by one, for the first to blame. The rows of a char matrix are gathered into a string array
+/// first.
 ///
 /// \code
 ///   hxArrayPtr outputs[2];

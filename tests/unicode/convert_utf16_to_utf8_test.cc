@@ -139,14 +139,76 @@ TEST(TextToUtf8, SeesAWideUnitAtEveryPlaceOfAText) {
   }
 }
 
-TEST(TextToUtf8, ConvertsEachTextThatIsNotAsciiOnce) {
+TEST(TextToUtf8, ConvertsTextsThatLieBackToBackInOnePiece) {
   const hxArrayPtr text = Strings({u"plain", u"née", u"", std::nullopt, u"漢"});
   Reset();
 
   Convert(text);
 
   EXPECT_EQ(Calls("hxUTF16ToUTF8"), 1U);
+  EXPECT_EQ(Calls("hxUTF16ToUTF8::convert"), 1U);
+}
+
+TEST(TextToUtf8, ConvertsEachCellThatIsNotAsciiOnce) {
+  const hxArrayPtr text = Cell({Char("plain"), Char("née"), Char(""), Char("漢")});
+  Reset();
+
+  Convert(text);
+
+  EXPECT_EQ(Calls("hxUTF16ToUTF8"), 1U);
   EXPECT_EQ(Calls("hxUTF16ToUTF8::convert"), 2U);
+}
+
+TEST(TextToUtf8, TakesColumnsOfManyPieces) {
+  constexpr size_t kCount = 3000;
+  std::vector<std::optional<std::u16string>> texts;
+  std::string bytes;
+  std::vector<std::uint64_t> offsets = {0};
+  for (size_t i = 0; i < kCount; ++i) {
+    // Two thousand ASCII texts between others.
+    const bool ascii = i >= 500 && i < 2500;
+    texts.emplace_back(ascii ? u"twenty letters of it" : u"größer als 漢字 und 😀");
+    bytes += ascii ? "twenty letters of it" : "größer als 漢字 und 😀";
+    offsets.push_back(bytes.size());
+  }
+  ExpectUtf8(Strings({kCount, 1}, texts), bytes, offsets);
+
+  texts[kCount - 2] = u"ab" + std::u16string(1, char16_t{0xDBFF});
+  try {
+    Convert(Strings({kCount, 1}, texts));
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const hxTaggedException<UnrecognizedUTF16Character>& error) {
+    EXPECT_THAT(
+        error.arguments(),
+        ::testing::ElementsAre(hxMessageArgument(std::uint64_t{kCount - 1}),
+                               hxMessageArgument("Unpaired high surrogate at code unit 2."s)));
+  }
+}
+
+TEST(TextToUtf8, TakesTextsSetOutOfOrder) {
+  std::unique_ptr<hxStringArray> strings = hxMakeStringArray(Dims{3, 1});
+  strings->set(2, u"漢");
+  strings->set(0, u"née");
+  strings->set(1, u"plain");
+  ExpectUtf8(hxCreateStringArrayFrom(std::move(strings)), "néeplain漢", {0, 4, 9, 12});
+}
+
+TEST(TextToUtf8, PairsNoSurrogatesOfTwoTexts) {
+  const std::u16string high = u"a" + std::u16string(1, char16_t{0xD83D});
+  const std::u16string low = std::u16string(1, char16_t{0xDE00}) + u"b";
+  const hxArrayPtr cases[] = {Strings({u"é", high, low}), Strings({u"é", high, u"", low}),
+                              Cell({Char("é"), Char(high), Char(low)})};
+  for (const hxArrayPtr& text : cases) {
+    try {
+      Convert(text);
+      ADD_FAILURE() << "nothing was thrown";
+    } catch (const hxTaggedException<UnrecognizedUTF16Character>& error) {
+      EXPECT_THAT(
+          error.arguments(),
+          ::testing::ElementsAre(hxMessageArgument(std::uint64_t{2}),
+                                 hxMessageArgument("Unpaired high surrogate at code unit 1."s)));
+    }
+  }
 }
 
 TEST(TextToUtf8, MakesNoCodecForNoElements) {
@@ -265,11 +327,16 @@ TEST(TextToUtf8, RefusesEveryUnpairedSurrogate) {
 
 TEST(TextToUtf8, PassesOnWhatTheCodecThrowsBesides) {
   const hxArrayPtr text = Strings({u"a", u"é"});
-  Reset();
-  FailCall(4, std::make_exception_ptr(std::bad_alloc()));
-
-  EXPECT_THROW(Convert(text), std::bad_alloc);
-  EXPECT_EQ(Calls("hxUTF16ToUTF8::convert"), 1U);
+  // Every call of the host in turn, up to the one that converts.
+  size_t convert_calls = 0;
+  for (size_t call = 0; call < 100 && convert_calls == 0; ++call) {
+    SCOPED_TRACE(call);
+    Reset();
+    FailCall(call, std::make_exception_ptr(std::bad_alloc()));
+    EXPECT_THROW(Convert(text), std::bad_alloc);
+    convert_calls = Calls("hxUTF16ToUTF8::convert");
+  }
+  EXPECT_EQ(convert_calls, 1U);
 }
 
 TEST(TextToUtf8, TagsCarryNoArgumentsButOne) {
