@@ -41,5 +41,20 @@ TEST(StringArray, TakesTheExactRoomForTextsThatFillIt) {
   EXPECT_EQ(texts_of(*strings), Texts({u"abc", u"\u20AC"}));
 }
 
+TEST(StringArray, GrowsPastSeveralHugePagesChunkByChunk) {
+  constexpr size_t kTexts = 30;
+  constexpr size_t kBytes = 300'000;  // of each; together some 17 MiB of code units
+  const auto strings = hxMakeStringArray(Dims{kTexts, 1});
+  const std::string text(kBytes, 'x');
+  const std::array<std::int32_t, 2> offsets = {0, kBytes};
+  for (size_t i = 0; i < kTexts; ++i) {
+    SCOPED_TRACE(i);
+    const auto* const start = reinterpret_cast<const std::uint8_t*>(text.data());
+    ASSERT_EQ(strings->assign_utf8(i, offsets, start), std::nullopt);
+  }
+  EXPECT_EQ(strings->element(0), std::u16string(kBytes, u'x'));
+  EXPECT_EQ(strings->element(kTexts - 1), std::u16string(kBytes, u'x'));
+}
+
 }  // namespace
 }  // namespace numera::host::memory

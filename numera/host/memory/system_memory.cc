@@ -70,6 +70,11 @@ void* remap_block(void* block, size_t old_bytes, size_t bytes) noexcept {
 void advise_huge_pages(void* block, size_t bytes) noexcept {
   const size_t before = (kHugePage - beyond_huge_page(block)) % kHugePage;
   if (bytes < before + kHugePage) return;
+  if (before == 0) {
+    // All of it: advice to a part would split the mapping, and what is split cannot be remapped.
+    madvise(block, bytes, MADV_HUGEPAGE);
+    return;
+  }
   madvise(static_cast<std::byte*>(block) + before, (bytes - before) / kHugePage * kHugePage,
           MADV_HUGEPAGE);
 }
