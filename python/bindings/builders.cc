@@ -116,6 +116,7 @@ std::vector<std::string> host_names(const nb::list& names) {
 HostValue new_struct(const nb::list& names, const nb::list& values, const nb::tuple& shape) {
   const std::vector<std::string> spelled = host_names(names);
   std::vector<const char*> pointers;
+  pointers.reserve(spelled.size());
   for (const std::string& name : spelled) pointers.push_back(name.c_str());
   hxArrayPtr structs = hxCreateStructArray(dimensions(shape), pointers);
   check_count(values.size(), hxGetNumberOfElements(structs.get()) * pointers.size());

@@ -18,8 +18,10 @@ HostValue struct_element(const HostValue& value, size_t index) {
   const hxArray* array = value.get();
   if (index >= hxGetNumberOfElements(array))
     throw std::out_of_range("Struct index is out of range.");
+  const int count = hxGetNumberOfFields(array);
   std::vector<const char*> names;
-  for (int i = 0; i < hxGetNumberOfFields(array); ++i) names.push_back(hxGetFieldName(array, i));
+  names.reserve(static_cast<size_t>(count));
+  for (int i = 0; i < count; ++i) names.push_back(hxGetFieldName(array, i));
   hxArrayPtr element = hxCreateStructArray(std::array<size_t, 2>{1, 1}, names);
   for (const char* name : names) {
     const hxArray* field = hxGetField(array, index, name);

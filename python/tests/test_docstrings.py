@@ -11,6 +11,7 @@ import pytest
 from numera import host
 
 FUNCTIONS = ["to_host", "to_arrow", "encode", "datatype", "utf16_to_utf8"]
+FILES = ["read", "scan", "write"]
 BUILDERS = ["numeric", "logical", "char", "string", "cell", "struct"]
 # What Python itself documents.
 WITHOUT_EXAMPLE = {"__len__", "__iter__", "__contains__", "__getitem__", "__eq__", "__reduce__",
@@ -20,7 +21,7 @@ WITHOUT_EXAMPLE = {"__len__", "__iter__", "__contains__", "__getitem__", "__eq__
 def documented():
     yield "numera", numera.__doc__
     yield "numera.host", host.__doc__
-    for name in FUNCTIONS:
+    for name in FUNCTIONS + FILES:
         yield f"numera.{name}", getattr(numera, name).__doc__
     for name in host.__all__:
         yield f"numera.host.{name}", getattr(host, name).__doc__

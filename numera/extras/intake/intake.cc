@@ -4,6 +4,7 @@
 
 #include "numera/core/util/table_error.h"
 #include "numera/extras/intake/column.h"
+#include "numera/host/array.h"
 
 namespace numera::extras {
 namespace {
@@ -66,6 +67,7 @@ std::string to_string(const IntakeCast& cast) {
   ::arrow::FieldVector fields;
   ::arrow::ChunkedArrayVector columns;
   for (int i = 0; i < table->num_columns(); ++i) {
+    hxThrowIfInterruptPending();
     auto taken = take_in_column_of(*table, i, options);
     if (!taken.ok()) return in_column(taken.status(), *table->field(i), i);
     fields.push_back(table->field(i)->WithType(taken->type));

@@ -84,7 +84,8 @@ NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
 
-/// Column by column; names, nullability and metadata stay.
+/// Column by column; names, nullability and metadata stay. Before every column
+/// `hxThrowIfInterruptPending` is called; its exception passes through.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Table>> take_in(
     const std::shared_ptr<::arrow::Table>& table, const IntakeOptions& options = {});
 

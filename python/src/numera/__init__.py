@@ -23,6 +23,7 @@ from ._core import (
     to_host,
     utf16_to_utf8,
 )
+from .io import read, scan, write
 
 __all__ = [
     "HostArray",
@@ -31,7 +32,10 @@ __all__ = [
     "datatype",
     "encode",
     "host",
+    "read",
+    "scan",
     "to_arrow",
     "to_host",
     "utf16_to_utf8",
+    "write",
 ]

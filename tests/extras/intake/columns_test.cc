@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "numera/extras/intake/intake.h"
+#include "numera/host/memory.h"
 #include "tests/extras/intake/intake_checks.h"
 #include "tests/support/arrow_values.h"
 
@@ -139,6 +140,19 @@ TEST(IntakeTables, KeepNamesNullabilityMetadataAndRows) {
   EXPECT_EQ(taken.value->column(0)->chunk(0)->offset(), 0);
   ASSERT_EQ(taken.casts.size(), 1U);
   EXPECT_EQ(to_string(taken.casts[0]), "b: string_view to string");
+}
+
+TEST(IntakeTables, AreLeftBetweenColumnsByAnInterrupt) {
+  const auto column = ArrowArray(int8(), "[1]");
+  const auto table = ::arrow::Table::Make(::arrow::schema({field("a", int8()), field("b", int8())}),
+                                          {column, column});
+  int checks = 0;
+  host::memory::SetInterruptCheck([&] {
+    if (++checks == 2) throw host::memory::InterruptException();
+  });
+  EXPECT_THROW(static_cast<void>(take_in(table)), host::memory::InterruptException);
+  host::memory::SetInterruptCheck({});
+  EXPECT_EQ(checks, 2);
 }
 
 TEST(IntakeTables, MayHaveRowsAndNoColumns) {

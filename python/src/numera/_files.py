@@ -1,0 +1,130 @@
+"""Arrow tables in files, read and written by pyarrow.
+
+A source has the `names` of its columns, the number of `rows` where the file tells it (else None),
+and two ways to read the columns of the names that are asked for: `parts`, batches or tables as
+large as the file has them, and `batches`, which hold a bounded number of rows in memory. What is
+opened is closed with the last reference to it.
+"""
+
+import os
+from pathlib import Path
+
+import pyarrow as pa
+import pyarrow.csv
+import pyarrow.parquet
+
+_BUFFER_BYTES = 1 << 20
+_PARQUET_ROWS = 1 << 20
+_IPC_ROWS = 1 << 16
+_FILE_MAGIC = b"ARROW1"
+
+_FORMATS = {
+    ".parquet": "parquet",
+    ".arrow": "file",
+    ".ipc": "file",
+    ".feather": "file",
+    ".arrows": "stream",
+    ".csv": "csv",
+}
+
+
+class _Parquet:
+    def __init__(self, path):
+        self._file = pa.parquet.ParquetFile(path, buffer_size=_BUFFER_BYTES)
+        self.names = self._file.schema_arrow.names
+        self.rows = self._file.metadata.num_rows
+
+    def parts(self, names):
+        for i in range(self._file.num_row_groups):
+            yield self._file.read_row_group(i, names)
+
+    def batches(self, names, rows):
+        yield from self._file.iter_batches(rows, columns=names)
+
+    def empty(self):
+        return self._file.schema_arrow.empty_table()
+
+
+class _IpcFile:
+    def __init__(self, path):
+        self._reader = pa.ipc.open_file(pa.OSFile(os.fspath(path)))
+        self.names = self._reader.schema.names
+        self.rows = None
+
+    def parts(self, names):
+        for i in range(self._reader.num_record_batches):
+            yield _select(self._reader.get_batch(i), names)
+
+    def batches(self, names, rows):
+        return self.parts(names)
+
+    def empty(self):
+        return self._reader.schema.empty_table()
+
+
+class _IpcStream:
+    def __init__(self, path):
+        self._reader = pa.ipc.open_stream(pa.OSFile(os.fspath(path)))
+        self.names = self._reader.schema.names
+        self.rows = None
+
+    def parts(self, names):
+        for batch in self._reader:
+            yield _select(batch, names)
+
+    def batches(self, names, rows):
+        return self.parts(names)
+
+    def empty(self):
+        return self._reader.schema.empty_table()
+
+
+class _Csv:
+    def __init__(self, path):
+        self._path = path
+        self._reader = pa.csv.open_csv(path)
+        self.names = self._reader.schema.names
+        self.rows = None
+
+    def parts(self, names):
+        """All at once: the types are those that fit the whole file, not those of its first rows."""
+        options = pa.csv.ConvertOptions(include_columns=names)
+        yield pa.csv.read_csv(self._path, convert_options=options)
+
+    def batches(self, names, rows):
+        for batch in self._reader:
+            yield _select(batch, names)
+
+    def empty(self):
+        return self._reader.schema.empty_table()
+
+
+def open_source(path):
+    kind = _format(path)
+    if kind in ("file", "stream"):
+        # The name does not always tell the two forms apart; the first bytes do.
+        with open(path, "rb") as file:
+            kind = "file" if file.read(len(_FILE_MAGIC)) == _FILE_MAGIC else "stream"
+    return {"parquet": _Parquet, "file": _IpcFile, "stream": _IpcStream, "csv": _Csv}[kind](path)
+
+
+def open_sink(sink, path, schema):
+    """A writer of pyarrow to the open file `sink` in the form of `path`, and its rows at once."""
+    kind = _format(path)
+    if kind == "parquet":
+        return pa.parquet.ParquetWriter(sink, schema), _PARQUET_ROWS
+    if kind == "csv":
+        return pa.csv.CSVWriter(sink, schema), _IPC_ROWS
+    make = pa.ipc.new_file if kind == "file" else pa.ipc.new_stream
+    return make(sink, schema), _IPC_ROWS
+
+
+def _format(path):
+    suffix = Path(path).suffix.lower()
+    if suffix not in _FORMATS:
+        raise ValueError(f"path: found the suffix {suffix!r}, expected one of {', '.join(_FORMATS)}.")
+    return _FORMATS[suffix]
+
+
+def _select(batch, names):
+    return batch if names is None else batch.select(names)

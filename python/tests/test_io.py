@@ -1,0 +1,281 @@
+"""Files: read, scan and write."""
+
+import io
+import os
+import sys
+
+import numera
+import pyarrow as pa
+import pyarrow.csv
+import pyarrow.parquet as pq
+import pytest
+from numera import host
+
+ROWS = {"n": [1, None, 3], "text": ["a", "", "ж"], "flag": [True, None, False]}
+NESTED = {"list": [[1], None, []], "place": [{"x": 1.5}, None, {"x": None}]}
+SUFFIXES = [".parquet", ".arrow", ".ipc", ".feather", ".arrows", ".csv", ".PARQUET"]
+
+
+def columns(value):
+    return numera.to_arrow(numera.encode(value)).to_pydict()
+
+
+def file_of(tmp_path, table, suffix, rows=None):
+    """The file as pyarrow writes it, in groups or batches of so many rows."""
+    path = tmp_path / f"data{suffix}"
+    if suffix == ".parquet":
+        pq.write_table(table, path, row_group_size=rows)
+    elif suffix == ".csv":
+        pa.csv.write_csv(table, path)
+    else:
+        make = pa.ipc.new_stream if suffix == ".arrows" else pa.ipc.new_file
+        with make(path, table.schema) as writer:
+            writer.write_table(table, max_chunksize=rows)
+    return path
+
+
+@pytest.mark.parametrize("suffix", SUFFIXES)
+def test_what_is_written_is_read_again(tmp_path, suffix):
+    path = tmp_path / f"rows{suffix}"
+    rows = ROWS if suffix == ".csv" else ROWS | NESTED
+    numera.write(numera.to_host(pa.table(rows)), path)
+    assert columns(numera.read(path)) == rows
+    assert os.listdir(tmp_path) == [path.name]
+
+
+@pytest.mark.parametrize("suffix, reads", [(".parquet", pq.read_table), (".csv", pa.csv.read_csv),
+                                           (".arrow", lambda path: pa.ipc.open_file(path).read_all()),
+                                           (".arrows", lambda path: pa.ipc.open_stream(path).read_all())])
+def test_others_read_what_is_written(tmp_path, suffix, reads):
+    path = str(tmp_path / f"rows{suffix}")
+    numera.write(numera.to_host(pa.table(ROWS)), path)
+    assert reads(path).to_pydict() == ROWS
+
+
+def test_encoded_values_and_those_of_builders_are_written(tmp_path):
+    path = tmp_path / "rows.parquet"
+    numera.write(numera.encode(numera.to_host(pa.table(ROWS))), path)
+    assert pq.read_table(path).to_pydict() == ROWS
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_columns_come_in_the_order_that_is_asked_for(tmp_path, suffix):
+    path = file_of(tmp_path, pa.table(ROWS), suffix)
+    expected = {"text": ROWS["text"], "n": ROWS["n"]}
+    assert list(columns(numera.read(path, ["text", "n"])).items()) == list(expected.items())
+    [table] = numera.scan(path, columns=("text", "n"))
+    assert list(columns(table).items()) == list(expected.items())
+
+
+def test_the_parts_of_a_parquet_file_with_dots_in_names_are_told_apart(tmp_path):
+    path = file_of(tmp_path, pa.table({"a": [{"b": 1}], "a.b": [2]}), ".parquet")
+    assert columns(numera.read(path, ["a.b"])) == {"a.b": [2]}
+    assert columns(numera.read(path, ["a"])) == {"a": [{"b": 1}]}
+
+
+@pytest.mark.parametrize("function", [numera.read, lambda path, names: numera.scan(path, 1, names)])
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_unknown_columns_are_named(tmp_path, function, suffix):
+    path = file_of(tmp_path, pa.table(ROWS), suffix)
+    with pytest.raises(KeyError) as caught:
+        function(path, ["x", "n", "y"])
+    assert caught.value.args == (
+        f"columns: found no 'x', 'y' in {str(path)!r}, expected some of 'n', 'text', 'flag'.",
+    )
+
+
+def test_a_text_is_no_list_of_columns(tmp_path):
+    with pytest.raises(TypeError, match="^columns: found a text, expected a list of names.$"):
+        numera.read(file_of(tmp_path, pa.table(ROWS), ".csv"), "n")
+
+
+@pytest.mark.parametrize("name", ["rows", "rows.txt", "rows.csv.gz"])
+def test_other_suffixes_are_refused(tmp_path, name):
+    (tmp_path / name).touch()
+    for call in (numera.read, numera.scan, lambda path: numera.write(numera.to_host(pa.table(ROWS)), path)):
+        with pytest.raises(ValueError, match="^path: found the suffix '.*', expected one of .parquet, "):
+            call(tmp_path / name)
+    assert os.listdir(tmp_path) == [name] and (tmp_path / name).stat().st_size == 0
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_files_that_are_missing_or_no_such_files_are_errors(tmp_path, suffix):
+    for call in (numera.read, numera.scan):
+        with pytest.raises(FileNotFoundError):
+            call(tmp_path / f"missing{suffix}")
+        (tmp_path / f"empty{suffix}").touch()
+        with pytest.raises(pa.ArrowInvalid):
+            call(tmp_path / f"empty{suffix}")
+
+
+@pytest.mark.parametrize("suffix", [".arrow", ".arrows"])
+def test_forms_of_ipc_are_told_apart_by_what_they_hold(tmp_path, suffix):
+    path = file_of(tmp_path, pa.table(ROWS), suffix)
+    other = path.rename(tmp_path / ("data.arrows" if suffix == ".arrow" else "data.arrow"))
+    assert columns(numera.read(other)) == ROWS
+
+
+def test_the_chunks_of_a_file_stay_in_what_is_read(tmp_path):
+    path = file_of(tmp_path, pa.table(NESTED), ".arrow", rows=2)
+    assert len(numera.read(path)["Columns"][0]["Data"]) == 2
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_scans_have_tables_of_the_rows_that_are_asked_for(tmp_path, suffix):
+    path = file_of(tmp_path, pa.table({"n": list(range(10))}), suffix, rows=3)
+    tables = [columns(table)["n"] for table in numera.scan(path, batch_rows=4)]
+    assert tables == [[0, 1, 2, 3], [4, 5, 6, 7], [8, 9]]
+
+
+def test_every_column_of_a_scanned_table_is_one_chunk(tmp_path):
+    path = file_of(tmp_path, pa.table(NESTED), ".arrow", rows=1)
+    [table] = numera.scan(path)
+    assert len(table["Columns"][0]["Data"]) == 1
+    assert columns(table) == NESTED
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows"])
+def test_files_without_rows_have_columns_and_no_scanned_tables(tmp_path, suffix):
+    path = file_of(tmp_path, pa.table(ROWS).slice(0, 0), suffix)
+    assert columns(numera.read(path)) == {"n": [], "text": [], "flag": []}
+    assert list(numera.scan(path)) == []
+
+
+@pytest.mark.parametrize("rows", [0, -1])
+def test_scans_of_no_rows_are_refused_at_once(tmp_path, rows):
+    with pytest.raises(ValueError, match=f"^batch_rows: found {rows}, expected a positive number.$"):
+        numera.scan(file_of(tmp_path, pa.table(ROWS), ".parquet"), rows)
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_scans_take_the_memory_of_a_batch(tmp_path, suffix):
+    table = pa.table({"n": range(1_000_000), "x": pa.array(range(1_000_000), pa.float64())})
+    path = file_of(tmp_path, table, suffix, rows=50_000 if suffix != ".parquet" else None)
+    del table
+    arrow, hosts, rows = pa.total_allocated_bytes(), host.live_bytes(), 0
+    for part in numera.scan(path, batch_rows=10_000):
+        rows += len(part["Columns"][0]["Data"])
+        assert pa.total_allocated_bytes() - arrow < 8_000_000  # of 16 MB in all
+        assert host.live_bytes() - hosts < 400_000
+        del part
+    assert rows == 1_000_000
+
+
+def test_types_of_csv_come_from_the_whole_file_or_the_first_block(tmp_path):
+    path = tmp_path / "late.csv"
+    path.write_text("n\n" + "1\n" * 1_000_000 + "late\n")
+    assert numera.read(path)["Columns"][0]["Type"].text == "string"
+    with pytest.raises(pa.ArrowInvalid):
+        list(numera.scan(path))
+
+
+def test_values_without_host_form_are_cast_on_request(tmp_path):
+    path = file_of(tmp_path, pa.table({"d": pa.array([1], pa.decimal128(3, 1))}), ".parquet")
+    for call in (numera.read, lambda *a, **k: next(numera.scan(*a, **k))):
+        with pytest.raises(pa.ArrowTypeError) as caught:
+            call(path)
+        assert caught.value.column_name == "d"
+        assert columns(call(path, cast=True)) == {"d": [1.0]}
+
+
+OLD = b"what was there before"
+NO_CSV = {"list": [[1]]}
+
+
+def test_a_failed_write_leaves_the_old_file_and_nothing_else(tmp_path):
+    path = tmp_path / "rows.csv"
+    path.write_bytes(OLD)
+    with pytest.raises(pa.ArrowException):
+        numera.write(numera.to_host(pa.table(NO_CSV)), path)
+    assert path.read_bytes() == OLD and os.listdir(tmp_path) == ["rows.csv"]
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+@pytest.mark.parametrize("call, error", [("fsync", OSError(28, "No space left on device")),
+                                         ("replace", KeyboardInterrupt())])
+def test_what_fails_at_the_end_leaves_the_old_file_too(tmp_path, monkeypatch, suffix, call, error):
+    def fail(*_):
+        raise error
+
+    path = tmp_path / f"rows{suffix}"
+    path.write_bytes(OLD)
+    with monkeypatch.context() as patch:
+        patch.setattr(os, call, fail)
+        with pytest.raises(type(error)):
+            numera.write(numera.to_host(pa.table(ROWS)), path)
+    assert path.read_bytes() == OLD and os.listdir(tmp_path) == [path.name]
+
+
+def test_files_keep_their_permissions_and_new_ones_follow_the_mask(tmp_path):
+    value = numera.to_host(pa.table(ROWS))
+    path = tmp_path / "rows.csv"
+    before = os.umask(0o027)
+    try:
+        numera.write(value, path)
+        assert path.stat().st_mode & 0o777 == 0o640
+        path.chmod(0o604)
+        numera.write(value, path)
+        assert path.stat().st_mode & 0o777 == 0o604
+    finally:
+        os.umask(before)
+
+
+def test_links_stay_and_what_they_name_is_replaced(tmp_path):
+    (tmp_path / "link.csv").symlink_to("file.csv")
+    numera.write(numera.to_host(pa.table(ROWS)), tmp_path / "link.csv")
+    assert (tmp_path / "link.csv").is_symlink()
+    assert columns(numera.read(tmp_path / "file.csv")) == ROWS
+
+
+def test_what_is_no_regular_file_is_not_replaced(tmp_path):
+    (tmp_path / "folder.csv").mkdir()
+    os.mkfifo(tmp_path / "pipe.csv")
+    for name in ("folder.csv", "pipe.csv"):
+        with pytest.raises(ValueError, match="^path: found '.*', expected a regular file.$"):
+            numera.write(numera.to_host(pa.table(ROWS)), tmp_path / name)
+
+
+def test_a_folder_that_is_missing_is_an_error(tmp_path):
+    with pytest.raises(FileNotFoundError):
+        numera.write(numera.to_host(pa.table(ROWS)), tmp_path / "missing" / "rows.csv")
+
+
+@pytest.mark.parametrize("value, found", [
+    (numera.to_host(pa.array([1])), "struct 1x1"),
+    (host.numeric([1.5]), r"double 1x1 \[1.5\]"),
+    (numera.to_host(b"bytes"), "struct 1x1"),
+    (pa.table(ROWS), "Table"),
+])
+def test_only_tables_are_written(tmp_path, value, found):
+    with pytest.raises(TypeError, match=f"^host: found {found}, expected"):
+        numera.write(value, tmp_path / "rows.csv")
+    assert os.listdir(tmp_path) == []
+
+
+class Terminal(io.StringIO):
+    def isatty(self):
+        return True
+
+
+def test_long_work_shows_a_bar_on_a_terminal_alone(tmp_path, monkeypatch):
+    monkeypatch.setattr(numera.io, "_SECONDS_BEFORE_BAR", 0)
+    path = tmp_path / "rows.parquet"
+
+    def everything():
+        numera.write(numera.to_host(pa.table(ROWS)), path)
+        numera.read(path)
+        list(numera.scan(path))
+
+    monkeypatch.setattr(sys, "stderr", Terminal())
+    everything()
+    for doing in ("writing", "reading", "scanning"):
+        assert doing in sys.stderr.getvalue()
+    monkeypatch.setattr(sys, "stderr", io.StringIO())
+    everything()
+    assert sys.stderr.getvalue() == ""
+
+
+def test_short_work_shows_no_bar(tmp_path, monkeypatch):
+    monkeypatch.setattr(sys, "stderr", Terminal())
+    numera.read(file_of(tmp_path, pa.table(ROWS), ".parquet"))
+    assert sys.stderr.getvalue() == ""
