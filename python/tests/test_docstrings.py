@@ -4,6 +4,8 @@ import ast
 import doctest
 import importlib.resources
 import inspect
+import pathlib
+import re
 import types
 
 import numera
@@ -78,3 +80,11 @@ def test_only_public_names_are_listed():
         for name in module.__all__:
             assert not isinstance(getattr(module, name), types.ModuleType) or name == "host"
     assert [name for name in host.__all__ if inspect.getdoc(getattr(host, name)) is None] == []
+
+
+def test_the_readme_holds():
+    readme = pathlib.Path(__file__).parents[1].joinpath("README.md").read_text()
+    [code] = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)
+    names = {}
+    exec(code, names)
+    assert names["numera"].to_arrow(names["numera"].encode(names["host"])).num_rows == 2

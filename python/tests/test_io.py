@@ -9,7 +9,7 @@ import pyarrow as pa
 import pyarrow.csv
 import pyarrow.parquet as pq
 import pytest
-from numera import host
+from numera import _files, host
 
 ROWS = {"n": [1, None, 3], "text": ["a", "", "ж"], "flag": [True, None, False]}
 NESTED = {"list": [[1], None, []], "place": [{"x": 1.5}, None, {"x": None}]}
@@ -148,14 +148,15 @@ def test_scans_of_no_rows_are_refused_at_once(tmp_path, rows):
 
 
 @pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
-def test_scans_take_the_memory_of_a_batch(tmp_path, suffix):
+def test_scans_take_the_memory_of_a_batch(tmp_path, suffix, monkeypatch):
+    monkeypatch.setattr(_files, "_CSV_BLOCK_BYTES", 1 << 16)
     table = pa.table({"n": range(1_000_000), "x": pa.array(range(1_000_000), pa.float64())})
     path = file_of(tmp_path, table, suffix, rows=50_000 if suffix != ".parquet" else None)
     del table
     arrow, hosts, rows = pa.total_allocated_bytes(), host.live_bytes(), 0
     for part in numera.scan(path, batch_rows=10_000):
         rows += len(part["Columns"][0]["Data"])
-        assert pa.total_allocated_bytes() - arrow < 8_000_000  # of 16 MB in all
+        assert pa.total_allocated_bytes() - arrow < 7_000_000  # of 16 MB in all
         assert host.live_bytes() - hosts < 400_000
         del part
     assert rows == 1_000_000
@@ -241,9 +242,9 @@ def test_a_folder_that_is_missing_is_an_error(tmp_path):
 
 
 @pytest.mark.parametrize("value, found", [
-    (numera.to_host(pa.array([1])), "struct 1x1"),
-    (host.numeric([1.5]), r"double 1x1 \[1.5\]"),
-    (numera.to_host(b"bytes"), "struct 1x1"),
+    (numera.to_host(pa.array([1])), "a struct 1x1 that is no table"),
+    (host.numeric([1.5]), "a double 1x1 that is no table"),
+    (numera.to_host(b"bytes"), "a struct 1x1 that is no table"),
     (pa.table(ROWS), "Table"),
 ])
 def test_only_tables_are_written(tmp_path, value, found):

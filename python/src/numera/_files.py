@@ -14,6 +14,7 @@ import pyarrow.csv
 import pyarrow.parquet
 
 _BUFFER_BYTES = 1 << 20
+_CSV_BLOCK_BYTES = 1 << 20  # some forty of which are read ahead
 _PARQUET_ROWS = 1 << 20
 _IPC_ROWS = 1 << 16
 _FILE_MAGIC = b"ARROW1"
@@ -30,7 +31,7 @@ _FORMATS = {
 
 class _Parquet:
     def __init__(self, path):
-        self._file = pa.parquet.ParquetFile(path, buffer_size=_BUFFER_BYTES)
+        self._file = pa.parquet.ParquetFile(path, buffer_size=_BUFFER_BYTES, pre_buffer=False)
         self.names = self._file.schema_arrow.names
         self.rows = self._file.metadata.num_rows
 
@@ -82,7 +83,7 @@ class _IpcStream:
 class _Csv:
     def __init__(self, path):
         self._path = path
-        self._reader = pa.csv.open_csv(path)
+        self._reader = pa.csv.open_csv(path, pa.csv.ReadOptions(block_size=_CSV_BLOCK_BYTES))
         self.names = self._reader.schema.names
         self.rows = None
 

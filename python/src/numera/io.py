@@ -64,9 +64,9 @@ def scan(
 
     The last one is shorter where the rows do not divide, and there is none for a file without
     rows. No more of the file is in memory than one such table and what its format holds together:
-    pages of a Parquet file, a batch of an IPC file, a block of a CSV file. Every column of a table
-    is one chunk. The types of CSV columns are those of the first block of the file, and a later
-    value of another type is an error.
+    a few pages a column of a Parquet file, a batch of an IPC file, 40 MB of a CSV file. Every
+    column of a table is one chunk. The types of CSV columns are those of the first megabyte of the
+    file, and a later value of another type is an error.
 
     path, columns and cast are those of `read`, and so are the errors: those of the path, its
     columns and batch_rows (ValueError where it is not positive) come at once, others where they
@@ -164,8 +164,8 @@ def _table(host):
         raise TypeError(f"host: found {type(host).__name__}, expected a HostArray.")
     table = to_arrow(encode(host))
     if not isinstance(table, pa.Table):
-        kind = host.tree(max_depth=0, max_elements=1, max_lines=1)
-        raise TypeError(f"host: found {kind}, expected an encoded table.")
+        kind = f"{host.class_name} {'x'.join(map(str, host.shape))}"
+        raise TypeError(f"host: found a {kind} that is no table, expected an encoded table.")
     return table
 
 
