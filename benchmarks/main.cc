@@ -53,11 +53,13 @@ bool initialize(Options& options) {
   static char repetitions[] = "--benchmark_repetitions=7";
   static char one_repetition[] = "--benchmark_repetitions=1";
   static char interleaving[] = "--benchmark_enable_random_interleaving=true";
+  // At least one round whose memory is fresh and whose time does not count.
+  static char warmup[] = "--benchmark_min_warmup_time=0.001";
   static char min_time[] = "--benchmark_min_time=0.02";
   static char short_min_time[] = "--benchmark_min_time=0.0005";
   std::vector<char*> arguments = options.rest;
   arguments.insert(arguments.begin() + 1,
-                   {options.quick ? one_repetition : repetitions, interleaving,
+                   {options.quick ? one_repetition : repetitions, interleaving, warmup,
                     options.quick ? short_min_time : min_time});
   auto count = static_cast<int>(arguments.size());
   arguments.push_back(nullptr);

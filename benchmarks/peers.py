@@ -16,7 +16,9 @@ import tempfile
 import time
 
 import peer_work
+from summary import median
 
+TIMES = ("ours", "limit", "warm_copy", "freeing")
 SHORTEST = 0.02  # seconds that the calls of one measurement take together
 
 
@@ -66,7 +68,7 @@ class Measured:
 
 
 def run_ours(program, name, quick):
-    """The row's entry in the JSON of one repetition of the C++ program."""
+    """The row's entry in the JSON of the C++ program: one figure each, the median of three."""
     with tempfile.TemporaryDirectory() as folder:
         file = pathlib.Path(folder) / "row.json"
         command = [program, f"--rows={re.escape(name)}", f"--json={file}",
@@ -74,7 +76,11 @@ def run_ours(program, name, quick):
         command += ["--quick"] if quick else ["--benchmark_min_time=0.05"]
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
         rows = json.loads(file.read_text())
-        return rows[0] if rows else None
+    if not rows:
+        raise SystemExit(f"peers: the program has no row {name}")
+    for key in TIMES:
+        rows[0][key] = [median(rows[0][key])] if rows[0][key] else []
+    return rows[0]
 
 
 def measure_row(row, program, rounds, quick):
@@ -82,22 +88,16 @@ def measure_row(row, program, rounds, quick):
     ours = None
     for _ in range(rounds):
         entry = run_ours(program, row.name, quick)
-        if entry is None:
-            raise SystemExit(f"peers: the program has no row {row.name}")
         if ours is None:
             ours = entry
         else:
-            for key in ("ours", "limit", "warm_copy", "freeing"):
+            for key in TIMES:
                 ours[key] += entry[key]
         for peer in peers:
             peer.run()
     ours["named_peer"] = row.peer
     ours["peers"] = [peer.result() for peer in peers]
     return ours
-
-
-def median(times):
-    return sorted(times)[(len(times) - 1) // 2]
 
 
 def show(entry):

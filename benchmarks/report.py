@@ -1,0 +1,185 @@
+"""Writes docs/performance.md and its plots from what was measured."""
+
+import plots
+import summary
+
+TEXT = """# Performance
+
+How close every conversion comes to what the memory allows, and how it compares with the libraries
+that people use today. `./dev bench` measures all of it, on any machine in one run, and writes this
+page; the figures in this copy are of the machine below. Ratios travel, milliseconds do not.
+
+## How to read it
+
+- **Ours** is the conversion, from the call to the destruction of its result, which is what a loop
+  over many columns pays.
+- **Limit** is the least work that brings the same bytes into memory of the same host: one copy, one
+  pass that widens or transcodes, one copy a column. It looks at nothing it need not look at and
+  makes no value that a user could read. [limits.h](../benchmarks/limits.h) lists them; none takes
+  more than a few lines. The ratio is ours over the limit: 1.00 is the least, and a ratio clearly
+  below 1 would say that the limit is wrong; the run names those.
+- **Warm copy** is `memcpy` of the input's bytes between two blocks in use: what the memory gives.
+- **Peer** is the nearest that another library offers: Arrow data to values that a user can work on
+  without Arrow, or back. Copies are compared with copies; where a peer does not copy, the table
+  says so. The ratio is the peer over ours: above 1 we are faster.
+- **Peak** is the most memory of the host that is held during the call, over what the result holds.
+
+## How it is measured
+
+Medians of at least 7 repetitions in one run, and minimums beside them. Times are processor time of
+the process, system calls and all its threads included, so that whoever else uses the machine counts
+little; parallel conversions alone are measured by the clock. The repetitions of a row, its limit
+and the warm copy are shuffled. Rows with peers are measured in rounds: our own program, started
+anew for that row, then each peer in turn, then the next round. Every library runs on one thread, on
+data made by the same rule; texts and bytes differ from row to row, 12 bytes of ASCII, 29 bytes of
+Latin, Chinese and Greek, 16 bytes. Texts of Python are made anew for each measurement, since Python
+keeps their UTF-8 once it has made it.
+
+A name says direction, type, and the one thing that differs from the row without it:
+`to_host/text_ascii/length=1000`. Base rows have no nulls, one chunk, no offset.
+"""
+
+
+def number(value):
+    """Milliseconds, or a ratio, in three or more digits."""
+    if value is None:
+        return ""
+    if value >= 100:
+        return f"{value:,.0f}"
+    return f"{value:.1f}" if value >= 10 else f"{value:.2f}" if value >= 1 else f"{value:.3g}"
+
+
+def milliseconds(value):
+    if value is None:
+        return ""
+    if value >= 0.01:
+        return number(value) + " ms"
+    return f"{value * 1e3:.2f} µs" if value >= 1e-4 else f"{value * 1e6:.0f} ns"
+
+
+def ratio(value):
+    return "" if value is None else f"{value:.2f}" if value < 100 else f"{value:,.0f}"
+
+
+def table(head, rows):
+    align = ["---"] + ["---:"] * (len(head) - 1)
+    lines = ["| " + " | ".join(cells) + " |" for cells in [head, align, *rows]]
+    return "\n".join(lines) + "\n"
+
+
+def names_as_code(cells):
+    return [f"`{cells[0]}`", *cells[1:]]
+
+
+def machine_list(machine):
+    versions = ", ".join(f"{name} {version or '(not there)'}"
+                         for name, version in machine["packages"].items())
+    facts = [f"{machine['processor']}, {machine['processors']} processors, "
+             f"{machine['memory_gib']} GiB of memory, huge pages: {machine['huge_pages']}",
+             f"{machine['system']}; {machine['compiler']}; Python {machine['python']}", versions]
+    return "\n".join(f"- {fact}" for fact in facts) + "\n"
+
+
+def conversion_table(rows, entries):
+    head = ["row", "elements", "ours", "minimum", "limit", "ours / limit", "warm copy", "peer",
+            "peer / ours", "peak"]
+    by_name = {entry["name"]: entry for entry in entries}
+    lines = []
+    for row in rows:
+        entry = by_name.get(row["name"])
+        peer = f"{row['peer']}, {milliseconds(row['peer_ms'])}" if row["peer"] else ""
+        lines.append(names_as_code([
+            row["name"], f"{row['elements']:,}", milliseconds(row["ours_ms"]),
+            milliseconds(min(entry["ours"])) if entry else "", milliseconds(row["limit_ms"]),
+            ratio(row["ratio_to_limit"]),
+            milliseconds(summary.median(entry["warm_copy"])) if entry else "", peer,
+            ratio(row["ratio_to_peer"]), ratio(row["peak_over_result"])]))
+    return table(head, lines)
+
+
+def peer_table(entries):
+    head = ["row", "peer", "what it does", "copies?", "median", "minimum", "median / ours"]
+    lines = []
+    for entry in entries:
+        ours = summary.median(entry["ours"])
+        for peer in entry["peers"]:
+            cells = [entry["name"], peer["peer"], f"`{peer['call']}`", peer["note"]]
+            if peer["times"]:
+                median = summary.median(peer["times"])
+                cells += [milliseconds(median), milliseconds(min(peer["times"])),
+                          ratio(median / ours)]
+            else:
+                cells += ["fails", "", ""]
+            lines.append(names_as_code(cells))
+    return table(head, lines)
+
+
+def variant_table(rows):
+    head = ["row", "elements", "ours", "limit", "ours / limit"]
+    return table(head, [names_as_code([
+        row["name"], f"{row['elements']:,}", milliseconds(row["ours_ms"]),
+        milliseconds(row["limit_ms"]), ratio(row["ratio_to_limit"])]) for row in rows])
+
+
+def parallel_section(rows):
+    if not rows:
+        return ""
+    head = ["row", "elements", "threads", "serial", "parallel", "serial / parallel"]
+    lines = [names_as_code([row["name"], f"{row['elements']:,}", str(row["threads"]),
+                            milliseconds(row["serial_ms"]), milliseconds(row["parallel_ms"]),
+                            ratio(row["speedup"])]) for row in rows]
+    return ("## Columns spread over threads\n\nBy the clock; both ways give the same value.\n\n"
+            + table(head, lines) + "\n")
+
+
+def is_base(row):
+    return "=" not in row["name"] and not row["name"].endswith("/sliced")
+
+
+def document(whole, entries):
+    rows = whole["rows"]
+    base = [row for row in rows if is_base(row)]
+    variants = [row for row in rows if not is_base(row)]
+    with_peers = [entry for entry in entries if "peers" in entry]
+    slopes = table(["family", "slope"], [names_as_code([family, f"{slope:.2f}"])
+                                         for family, slope in whole["slopes"].items()])
+    return f"""{TEXT}
+## The machine
+
+{machine_list(whole["machine"])}
+## Beside the limit
+
+![Time of each conversion over its limit](performance/limits.svg)
+
+![Time of each peer over our own](performance/peers.svg)
+
+For `to_host/binary/freeing` the time is that of destroying the result, and what stands as its limit
+is the making of it. The limits of `files/...` are those of their columns.
+
+{conversion_table(base, entries)}
+## Beside the peers
+
+{peer_table(with_peers)}
+{parallel_section(whole["parallel"])}## Cost against size
+
+![Cost against the number of elements and of columns](performance/sizes.svg)
+
+The slope of log cost over log size between 100,000 and 10,000,000 elements, and between 100 and
+10,000 columns. 1 is in proportion; a conversion towards Arrow that wraps memory has none.
+
+{slopes}
+## Every axis
+
+{variant_table(variants)}"""
+
+
+def write(docs, whole, entries):
+    folder = docs / "performance"
+    folder.mkdir(exist_ok=True)
+    limited = [row for row in whole["rows"] if is_base(row) and row["ratio_to_limit"]
+               and not row["name"].endswith("/freeing")]
+    with_peers = [entry for entry in entries if "peers" in entry]
+    plots.draw_limits(limited, folder / "limits.svg")
+    plots.draw_peers(with_peers, folder / "peers.svg")
+    plots.draw_sizes(entries, folder / "sizes.svg")
+    (docs / "performance.md").write_text(document(whole, entries))
