@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <exception>
+#include <limits>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "numera/host/array.h"
 #include "numera/host/memory.h"
@@ -15,6 +18,7 @@ namespace numera::testing {
 namespace {
 
 using Convert = std::function<::arrow::Status()>;
+using Input = std::function<std::string()>;
 
 /// What a conversion must leave as it found it.
 struct Held {
@@ -28,30 +32,61 @@ std::ostream& operator<<(std::ostream& out, const Held& held) {
   return out << held.host_arrays << " host arrays, " << held.arrow_bytes << " bytes of Arrow";
 }
 
-/// Whether the conversion went through; the failure that was asked for is the only exception that
-/// it may end with.
-bool succeeds(const Convert& convert) {
+/// What a host call or a check for interrupts throws: nothing else throws it, and no handler of
+/// standard exceptions catches it.
+struct Fault {
+  size_t site;
+};
+
+/// The number of an allocation that failed: it throws what it always throws.
+constexpr size_t kAllocation = std::numeric_limits<size_t>::max();
+
+bool is_row_message(const ::arrow::Status& status) {
+  const std::string& text = status.message();
+  return status.IsInvalid() && text.starts_with("Could not convert string in row ") &&
+         text.ends_with(" to UTF-16 string.\n");
+}
+
+/// Whether the conversion went through, where nothing may stop it but the failure of `site`.
+bool succeeds(const Convert& convert, size_t site) {
   const Held before;
   bool succeeded = false;
   try {
-    succeeded = convert().ok();
+    const ::arrow::Status status = convert();
+    succeeded = status.ok();
+    EXPECT_TRUE(succeeded || is_row_message(status)) << status;
   } catch (const std::bad_alloc&) {
+    EXPECT_EQ(site, kAllocation) << "std::bad_alloc came out";
+  } catch (const Fault& fault) {
+    EXPECT_EQ(fault.site, site) << "another failure came out";
+  } catch (...) {
+    ADD_FAILURE() << "another exception came out";
   }
   EXPECT_EQ(Held(), before) << "left behind";
   return succeeded;
 }
 
-/// The number of failures until `convert` succeeds. `arm(k)` lets site k fail, `disarm` ends it and
-/// tells whether the failure had come.
-template <class Arm, class Disarm>
-size_t fail_each(const std::string& what, const Convert& convert, Arm arm, Disarm disarm) {
+/// A way to fail the places of a conversion one after another.
+struct Way {
+  std::string_view what;
+  std::function<void(size_t)> arm;  ///< lets one place fail
+  std::function<bool()> disarm;     ///< ends that, and tells whether the place has been reached
+  bool throws_faults = true;        ///< otherwise `std::bad_alloc`
+};
+
+/// The number of failures until `convert` succeeds.
+size_t fail_each(const Way& way, const Convert& convert, const Input& input) {
+  const std::string before = input();
   for (size_t site = 0;; ++site) {
-    SCOPED_TRACE(what + " " + std::to_string(site) + " fails");
-    arm(site);
-    const bool succeeded = succeeds(convert);
-    const bool failed = disarm();
+    SCOPED_TRACE(std::string(way.what) + " " + std::to_string(site) + " fails");
+    way.arm(site);
+    const bool succeeded = succeeds(convert, way.throws_faults ? site : kAllocation);
+    const bool failed = way.disarm();
     EXPECT_NE(succeeded, failed) << "the failure was " << (failed ? "swallowed" : "not reached");
-    if (succeeded || !failed || ::testing::Test::HasFatalFailure()) return site;
+    EXPECT_EQ(input(), before) << "the input was changed";
+    const bool goes_on = convert().ok();
+    EXPECT_TRUE(goes_on) << "the next conversion fails";
+    if (succeeded || !failed || !goes_on || ::testing::Test::HasFatalFailure()) return site;
   }
 }
 
@@ -67,26 +102,53 @@ bool allocation_failure_has_come() {
   return true;
 }
 
-bool call_failure_has_come() {
-  const bool failed = HasFailed();
-  Reset();
-  return failed;
+size_t fail_allocations(const Convert& convert, const Input& input) {
+  return fail_each({.what = "allocation",
+                    .arm = host::memory::FailAllocationAfter,
+                    .disarm = allocation_failure_has_come,
+                    .throws_faults = false},
+                   convert, input);
+}
+
+size_t fail_calls(const Convert& convert, const Input& input) {
+  const auto arm = [](size_t site) { FailCall(site, std::make_exception_ptr(Fault{site})); };
+  const auto disarm = [] {
+    const bool failed = HasFailed();
+    Reset();
+    return failed;
+  };
+  return fail_each({.what = "call", .arm = arm, .disarm = disarm}, convert, input);
+}
+
+size_t interrupt(const Convert& convert, const Input& input) {
+  size_t checks = 0;
+  size_t stop = 0;
+  const auto arm = [&](size_t site) {
+    checks = 0;
+    stop = site;
+    host::memory::SetInterruptCheck([&checks, &stop] {
+      if (checks++ == stop) throw Fault{stop};
+    });
+  };
+  const auto disarm = [&] {
+    host::memory::SetInterruptCheck({});
+    return checks > stop;
+  };
+  return fail_each({.what = "check for interrupts", .arm = arm, .disarm = disarm}, convert, input);
 }
 
 }  // namespace
 
-FaultSites FailEverywhere(const Convert& convert) {
+FaultSites FailEverywhere(const Convert& convert, const Input& input) {
   Reset();
   host::memory::ClearAllocationFailure();
   const ::arrow::Status undisturbed = convert();
   EXPECT_TRUE(undisturbed.ok()) << undisturbed;
   if (!undisturbed.ok()) return {};
   FaultSites sites;
-  sites.allocations = fail_each("allocation", convert, host::memory::FailAllocationAfter,
-                                allocation_failure_has_come);
-  sites.calls =
-      fail_each("call", convert, [](size_t site) { FailCall(site); }, call_failure_has_come);
-  EXPECT_TRUE(succeeds(convert)) << "after all failures";
+  sites.allocations = fail_allocations(convert, input);
+  sites.calls = fail_calls(convert, input);
+  sites.interrupts = interrupt(convert, input);
   return sites;
 }
 

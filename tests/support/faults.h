@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace numera::testing {
 
@@ -14,15 +15,23 @@ namespace numera::testing {
 struct FaultSites {
   size_t allocations = 0;
   size_t calls = 0;
+  size_t interrupts = 0;
 };
 
 /// Runs `convert` again and again: with the first host allocation failing, with the second, and so
-/// on until it succeeds; then the same with the host calls that may throw. Expects of every failed
-/// run that the exception or a status comes out and that neither host arrays nor Arrow memory stay
-/// behind, and of a run afterwards that it succeeds.
+/// on until it succeeds; the same with the host calls that may throw, and with the checks for
+/// interrupts of this thread, where each time an exception of another kind is thrown.
+///
+/// Expects of every failed run that
+/// - the very exception comes out, or the status of a text that could not be converted;
+/// - neither host arrays nor Arrow memory stay behind;
+/// - `input`, which tells all of the conversion's input as text, is what it was;
+/// - the next run, undisturbed, succeeds.
 ///
 /// `convert` makes nothing outside the conversion and does the same in every run. It runs on the
 /// recording host, whose counts are forgotten.
-FaultSites FailEverywhere(const std::function<::arrow::Status()>& convert);
+FaultSites FailEverywhere(
+    const std::function<::arrow::Status()>& convert,
+    const std::function<std::string()>& input = [] { return std::string(); });
 
 }  // namespace numera::testing

@@ -97,15 +97,15 @@ class RecordingStringArray final : public hxStringArray {
   explicit RecordingStringArray(std::unique_ptr<hxStringArray> inner) : inner_(std::move(inner)) {}
 
   std::span<const size_t> dimensions() const override {
-    note("hxStringArray::dimensions");
+    note_throwing("hxStringArray::dimensions");
     return inner_->dimensions();
   }
   size_t size() const override {
-    note("hxStringArray::size");
+    note_throwing("hxStringArray::size");
     return inner_->size();
   }
   std::optional<std::u16string_view> element(size_t i) const override {
-    note("hxStringArray::element");
+    note_throwing("hxStringArray::element");
     return inner_->element(i);
   }
   void set(size_t i, std::u16string_view text) override {

@@ -12,8 +12,8 @@
 #include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
 #include "numera/host/text_codec.h"
-#include "tests/extras/encode/columns.h"
 #include "tests/support/arrow_values.h"
+#include "tests/support/every_type.h"
 #include "tests/support/faults.h"
 #include "tests/support/host_matchers.h"
 #include "tests/support/recording_host.h"
@@ -27,39 +27,13 @@ using host::memory::LiveArrays;
 using io::arrow::core::to_numera;
 using io::arrow::core::util::TableErrorStatusDetail;
 using TablePtr = std::shared_ptr<::arrow::Table>;
-using Columns = std::vector<std::shared_ptr<::arrow::ChunkedArray>>;
+using Columns = std::vector<Chunks>;
 
 constexpr size_t kThreadCounts[] = {0, 1, 2, 3, 7};
 
-TablePtr table_of(Columns columns) {
-  ::arrow::FieldVector fields;
-  for (const auto& column : columns) {
-    fields.push_back(::arrow::field("c" + std::to_string(fields.size()), column->type()));
-  }
-  const std::int64_t rows = columns.empty() ? 0 : columns[0]->length();
-  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(columns), rows);
-}
-
-std::shared_ptr<::arrow::ChunkedArray> good() { return ArrowChunks(::arrow::int32(), {"[1, 2]"}); }
-std::shared_ptr<::arrow::ChunkedArray> bad() { return ArrowChunks(::arrow::float16(), {}); }
-std::shared_ptr<::arrow::ChunkedArray> text() {
-  return ArrowChunks(::arrow::utf8(), {R"(["a", null])", R"(["Zürich"])"});
-}
-
-/// A column of every type, and each of them in every nesting; the same arrays in several columns.
-TablePtr everything() {
-  Columns columns;
-  for (const ColumnType& one : column_types()) {
-    const ::arrow::ArrayVector chunks = {ArrowArray(one.type, one.json),
-                                         ArrowArray(one.type, one.more_json)};
-    columns.push_back(std::make_shared<::arrow::ChunkedArray>(chunks));
-    for (const Nest& nest : nestings()) {
-      columns.push_back(std::make_shared<::arrow::ChunkedArray>(
-          ::arrow::ArrayVector{nest(chunks[0]), nest(chunks[1])}));
-    }
-  }
-  return table_of(std::move(columns));
-}
+Chunks good() { return ArrowChunks(::arrow::int32(), {"[1, 2]"}); }
+Chunks bad() { return ArrowChunks(::arrow::float16(), {}); }
+Chunks text() { return ArrowChunks(::arrow::utf8(), {R"(["a", null])", R"(["Zürich"])"}); }
 
 class Parallel : public ::testing::Test {
  protected:
@@ -84,7 +58,7 @@ TEST_F(Parallel, MakesWhatTheSerialCallMakes) {
       {"no rows", table_of({ArrowChunks(::arrow::utf8(), {}), ArrowChunks(::arrow::int8(), {})})},
       {"one column ten times", table_of(Columns(10, text()))},
       {"a thousand columns", table_of(Columns(1000, good()))},
-      {"every type, plain and nested", everything()},
+      {"every type, plain and nested", table_of_every_type()},
   };
   for (const auto& [what, table] : cases) {
     const hxArrayPtr serial = to_numera(table).ValueOrDie();

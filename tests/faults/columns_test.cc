@@ -1,0 +1,146 @@
+// Every type, and one of each converter in every nesting: each host allocation and each host call
+// that may throw fails in turn on every way that a column can take.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/extras/own/own.h"
+#include "tests/faults/input.h"
+#include "tests/support/every_type.h"
+#include "tests/support/faults.h"
+
+namespace numera::testing {
+namespace {
+
+using ::arrow::Array;
+using ::arrow::Status;
+using io::arrow::core::to_arrow;
+using io::arrow::core::to_numera;
+
+/// The sites of all columns together, and the fewest that one of them has.
+struct Reached {
+  FaultSites total;
+  FaultSites least = {1'000'000, 1'000'000, 1'000'000};
+
+  void add(const FaultSites& sites) {
+    total.allocations += sites.allocations;
+    total.calls += sites.calls;
+    total.interrupts += sites.interrupts;
+    least.allocations = std::min(least.allocations, sites.allocations);
+    least.calls = std::min(least.calls, sites.calls);
+  }
+};
+
+/// Types whose converters differ.
+bool is_nested_too(const ::arrow::DataType& type) {
+  switch (type.id()) {
+    case ::arrow::Type::NA:
+    case ::arrow::Type::BOOL:
+    case ::arrow::Type::INT32:
+    case ::arrow::Type::STRING:
+    case ::arrow::Type::BINARY:
+    case ::arrow::Type::DATE32:
+    case ::arrow::Type::TIMESTAMP:
+    case ::arrow::Type::DICTIONARY:
+    case ::arrow::Type::STRUCT:
+      return true;
+    default:
+      return false;
+  }
+}
+
+template <class Visit>
+Reached for_every_column(const Visit& visit) {
+  Reached reached;
+  std::set<::arrow::Type::type> nested;
+  for (const ColumnType& one : column_types()) {
+    std::vector<Chunks> columns = {plain_column(one)};
+    if (is_nested_too(*one.type) && nested.insert(one.type->id()).second) {
+      for (Chunks& column : nested_columns(one)) columns.push_back(std::move(column));
+    }
+    for (const Chunks& column : columns) {
+      SCOPED_TRACE(column->type()->ToString());
+      reached.add(visit(column));
+    }
+  }
+  return reached;
+}
+
+template <class Visit>
+Reached for_every_readable_value(const Visit& visit) {
+  return for_every_column([&visit](const Chunks& column) {
+    const hxArrayPtr written = to_numera(column).ValueOrDie();
+    const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
+    return visit(readable.get());
+  });
+}
+
+TEST(ColumnFaults, ToTheHost) {
+  const Reached reached = for_every_column([](const Chunks& column) {
+    return FailEverywhere([&column] { return to_numera(column).status(); },
+                          [&column] { return text_of(*column); });
+  });
+  EXPECT_GE(reached.least.allocations, 7U);
+  EXPECT_GE(reached.least.calls, 15U);
+  EXPECT_GE(reached.total.allocations, 2000U);
+  EXPECT_GE(reached.total.calls, 4500U);
+  EXPECT_EQ(reached.total.interrupts, 0U);
+}
+
+TEST(ColumnFaults, ToArrow) {
+  const Reached reached = for_every_readable_value([](const hxArray* value) {
+    return FailEverywhere([value] { return to_arrow<Array>(value).status(); },
+                          [value] { return text_of(value); });
+  });
+  EXPECT_GE(reached.least.calls, 5U);
+  EXPECT_GE(reached.total.calls, 1500U);
+  EXPECT_EQ(reached.total.interrupts, 0U);
+}
+
+TEST(ColumnFaults, ToArrowWithOwnership) {
+  const Reached reached = for_every_readable_value([](const hxArray* value) {
+    return FailEverywhere(
+        [value] { return extras::own_to_arrow<Array>(hxSharedCopy(value)).status(); },
+        [value] { return text_of(value); });
+  });
+  EXPECT_GE(reached.least.allocations, 1U);
+  EXPECT_GE(reached.least.calls, 5U);
+  EXPECT_GE(reached.total.calls, 1600U);
+}
+
+TEST(ColumnFaults, ThroughEncode) {
+  const Reached reached = for_every_column([](const Chunks& column) {
+    const hxArrayPtr written = to_numera(column).ValueOrDie();
+    return FailEverywhere([&written] { return extras::encode(written.get()).status(); },
+                          [&written] { return text_of(written.get()); });
+  });
+  EXPECT_GE(reached.least.allocations, 5U);
+  EXPECT_GE(reached.least.calls, 8U);
+  EXPECT_GE(reached.total.allocations, 5000U);
+  EXPECT_GE(reached.total.calls, 12000U);
+}
+
+TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
+  const Reached reached = for_every_column([](const Chunks& whole) {
+    const Chunks column = whole->Slice(1);
+    const auto convert = [&column]() -> Status {
+      ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(column));
+      return to_numera(taken.value).status();
+    };
+    return FailEverywhere(convert, [&column] { return text_of(*column); });
+  });
+  EXPECT_GE(reached.least.allocations, 7U);
+  EXPECT_GE(reached.least.calls, 12U);
+}
+
+}  // namespace
+}  // namespace numera::testing

@@ -1,0 +1,42 @@
+#pragma once
+
+/// \file
+/// Inputs of conversions as text, down to the last bit.
+
+#include <arrow/api.h>
+
+#include <limits>
+#include <string>
+
+#include "numera/extras/inspect/inspect.h"
+#include "numera/host/array.h"
+
+namespace numera::testing {
+
+/// The bytes of an array with those of its children and its dictionary.
+inline std::string text_of(const ::arrow::ArrayData& array) {
+  std::string text = std::to_string(array.offset) + "+" + std::to_string(array.length);
+  for (const auto& buffer : array.buffers) text += buffer == nullptr ? "-" : buffer->ToString();
+  for (const auto& child : array.child_data) text += text_of(*child);
+  if (array.dictionary != nullptr) text += text_of(*array.dictionary);
+  return text;
+}
+
+inline std::string text_of(const ::arrow::ChunkedArray& column) {
+  std::string text;
+  for (const auto& chunk : column.chunks()) text += text_of(*chunk->data());
+  return text;
+}
+
+inline std::string text_of(const ::arrow::Table& table) {
+  std::string text = table.schema()->ToString();
+  for (const auto& column : table.columns()) text += text_of(*column);
+  return text;
+}
+
+inline std::string text_of(const hxArray* value) {
+  constexpr size_t kAll = std::numeric_limits<size_t>::max();
+  return extras::print(value, {.max_elements = kAll, .max_width = kAll, .max_lines = kAll});
+}
+
+}  // namespace numera::testing

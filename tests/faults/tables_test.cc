@@ -1,0 +1,187 @@
+// Tables, buffers and texts: each host allocation, each host call that may throw and each check for
+// interrupts fails in turn, on every way.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "numera/core/to_arrow.h"
+#include "numera/core/to_arrow_table.h"
+#include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/extras/own/own.h"
+#include "numera/extras/parallel/parallel.h"
+#include "numera/unicode/convert_utf16_to_utf8.h"
+#include "tests/faults/input.h"
+#include "tests/support/envelopes.h"
+#include "tests/support/every_type.h"
+#include "tests/support/faults.h"
+#include "tests/support/host_builder.h"
+
+namespace numera::testing {
+namespace {
+
+using ::arrow::Buffer;
+using ::arrow::Status;
+using io::arrow::core::to_arrow;
+using io::arrow::core::to_arrow_table;
+using io::arrow::core::to_numera;
+using TablePtr = std::shared_ptr<::arrow::Table>;
+
+/// Five columns of the kinds that differ most; some of several chunks.
+TablePtr table() {
+  return table_of({
+      ArrowChunks(::arrow::float64(), {"[1, null]", "[2]"}),
+      ArrowChunks(::arrow::utf8(), {R"(["a", "Zürich"])", "[null]"}),
+      ArrowChunks(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()),
+                  {R"(["a", "b"])", R"(["c"])"}),
+      ArrowChunks(::arrow::list(::arrow::binary()), {R"([["x", "y"], null])", "[[]]"}),
+      ArrowChunks(::arrow::struct_({::arrow::field("ñ", ::arrow::boolean())}),
+                  {R"([{"ñ": true}, null, {"ñ": false}])"}),
+  });
+}
+constexpr size_t kColumns = 5;
+
+hxArrayPtr readable_table() {
+  const hxArrayPtr written = to_numera(table()).ValueOrDie();
+  return extras::encode(written.get()).ValueOrDie();
+}
+
+FaultSites fail_reading(const hxArray* value, const std::function<Status()>& convert) {
+  return FailEverywhere(convert, [value] { return text_of(value); });
+}
+
+TEST(TableFaults, ToTheHost) {
+  const TablePtr input = table();
+  const FaultSites sites = FailEverywhere([&input] { return to_numera(input).status(); },
+                                          [&input] { return text_of(*input); });
+  EXPECT_GE(sites.allocations, 80U);
+  EXPECT_GE(sites.calls, 150U);
+  EXPECT_EQ(sites.interrupts, kColumns);
+}
+
+// The calls of all threads are counted together; allocations and interrupts are those of this one.
+TEST(TableFaults, ToTheHostOnThreads) {
+  const TablePtr input = table();
+  for (const size_t threads : {1U, 2U, 5U}) {
+    SCOPED_TRACE(threads);
+    const FaultSites sites =
+        FailEverywhere([&] { return extras::parallel_to_numera(input, threads).status(); },
+                       [&input] { return text_of(*input); });
+    EXPECT_GE(sites.allocations, 10U);
+    EXPECT_GE(sites.calls, 150U);
+    EXPECT_EQ(sites.interrupts, kColumns);
+  }
+}
+
+TEST(TableFaults, ToArrow) {
+  const hxArrayPtr value = readable_table();
+  const FaultSites sites =
+      fail_reading(value.get(), [&value] { return to_arrow_table(value.get()).status(); });
+  EXPECT_GE(sites.calls, 60U);
+  EXPECT_EQ(sites.interrupts, kColumns);
+}
+
+TEST(TableFaults, ToArrowWithOwnership) {
+  const hxArrayPtr value = readable_table();
+  const FaultSites sites = fail_reading(value.get(), [&value] {
+    return extras::own_to_arrow_table(hxSharedCopy(value.get())).status();
+  });
+  EXPECT_GE(sites.allocations, 1U);
+  EXPECT_GE(sites.calls, 60U);
+  EXPECT_EQ(sites.interrupts, kColumns);
+}
+
+TEST(TableFaults, ThroughEncode) {
+  const hxArrayPtr value = to_numera(table()).ValueOrDie();
+  const FaultSites sites =
+      fail_reading(value.get(), [&value] { return extras::encode(value.get()).status(); });
+  EXPECT_GE(sites.allocations, 100U);
+  EXPECT_GE(sites.calls, 200U);
+  EXPECT_GE(sites.interrupts, kColumns);
+}
+
+TEST(TableFaults, ThroughTheIntake) {
+  const TablePtr input = table()->Slice(1);
+  const FaultSites sites = FailEverywhere([&input] { return extras::take_in(input).status(); },
+                                          [&input] { return text_of(*input); });
+  EXPECT_EQ(sites.allocations, 0U);
+  EXPECT_EQ(sites.calls, kColumns) << "nothing is asked of the host but to check for interrupts";
+  EXPECT_EQ(sites.interrupts, kColumns);
+}
+
+TEST(BufferFaults, ToTheHost) {
+  const auto buffer = ArrowBuffer({1, 2, 3});
+  const FaultSites sites = FailEverywhere([&buffer] { return to_numera(buffer).status(); },
+                                          [&buffer] { return buffer->ToString(); });
+  EXPECT_GE(sites.allocations, 3U);
+  EXPECT_GE(sites.calls, 5U);
+}
+
+TEST(BufferFaults, ToArrow) {
+  const hxArrayPtr value = BufferEnvelope({1, 2, 3});
+  const FaultSites borrowed =
+      fail_reading(value.get(), [&value] { return to_arrow<Buffer>(value.get()).status(); });
+  EXPECT_GE(borrowed.calls, 1U);
+  const FaultSites owned = fail_reading(value.get(), [&value] {
+    return extras::own_to_arrow<Buffer>(hxSharedCopy(value.get())).status();
+  });
+  EXPECT_GE(owned.allocations, 1U);
+  EXPECT_GE(owned.calls, 2U);
+}
+
+TEST(GatewayFaults, LeaveTheOutputsAsTheyWere) {
+  const struct {
+    const char* what;
+    hxArrayPtr value;
+  } cases[] = {
+      {"string array", Strings({u"a", std::nullopt, u"Z\u00FCrich"})},
+      {"cells", Cell({Char("a"), Char(u"Z\u00FCrich")})},
+      {"char matrix", CharMatrix({2, 2}, u"a\u00FCbc")},
+  };
+  for (const auto& [what, value] : cases) {
+    SCOPED_TRACE(what);
+    std::array<hxArrayPtr, 2> before = {Scalar<double>(1), Scalar<double>(2)};
+    const auto convert = [&before, input = value.get()] {
+      std::array<hxArrayPtr, 2> outputs = {std::move(before[0]), std::move(before[1])};
+      const std::array<const hxArray*, 2> addresses = {outputs[0].get(), outputs[1].get()};
+      const hxArray* inputs = input;
+      try {
+        io::arrow::unicode::convertUTF16ToUTF8(2, outputs.data(), 1, &inputs);
+      } catch (...) {
+        EXPECT_EQ(outputs[0].get(), addresses[0]);
+        EXPECT_EQ(outputs[1].get(), addresses[1]);
+        before = std::move(outputs);
+        throw;
+      }
+      before = {hxArrayPtr(), hxArrayPtr()};
+      return Status::OK();
+    };
+    const FaultSites sites = fail_reading(value.get(), convert);
+    EXPECT_GE(sites.allocations, 3U);
+    EXPECT_GE(sites.calls, 4U);
+  }
+}
+
+TEST(InspectFaults, OfPrintingAndComparing) {
+  const hxArrayPtr value = to_numera(table()).ValueOrDie();
+  const hxArrayPtr equal = to_numera(table()).ValueOrDie();
+  const FaultSites printing = fail_reading(value.get(), [&value] {
+    static_cast<void>(extras::print(value.get()));
+    return Status::OK();
+  });
+  EXPECT_GE(printing.calls, 1U);
+  const FaultSites comparing = fail_reading(value.get(), [&value, &equal] {
+    const auto difference = extras::first_difference(value.get(), equal.get());
+    return difference ? Status::Invalid(*difference) : Status::OK();
+  });
+  EXPECT_GE(comparing.calls, 1U);
+}
+
+}  // namespace
+}  // namespace numera::testing

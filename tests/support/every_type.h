@@ -1,0 +1,64 @@
+#pragma once
+
+/// \file
+/// Tables of every type that reaches the host, plain and nested. A test that uses it compiles
+/// tests/extras/encode/columns.cc.
+
+#include <arrow/api.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/extras/encode/columns.h"
+#include "tests/support/arrow_values.h"
+
+namespace numera::testing {
+
+using Chunks = std::shared_ptr<::arrow::ChunkedArray>;
+
+/// Columns named "c0", "c1" and so on.
+inline std::shared_ptr<::arrow::Table> table_of(std::vector<Chunks> columns) {
+  ::arrow::FieldVector fields;
+  for (const Chunks& column : columns) {
+    fields.push_back(::arrow::field("c" + std::to_string(fields.size()), column->type()));
+  }
+  const std::int64_t rows = columns.empty() ? 0 : columns[0]->length();
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(columns), rows);
+}
+
+/// Two chunks of a type.
+inline Chunks plain_column(const ColumnType& one) {
+  return ArrowChunks(one.type, {one.json, one.more_json});
+}
+
+/// The same in each nesting.
+inline std::vector<Chunks> nested_columns(const ColumnType& one) {
+  const Chunks plain = plain_column(one);
+  std::vector<Chunks> columns;
+  for (const Nest& nest : nestings()) {
+    columns.push_back(std::make_shared<::arrow::ChunkedArray>(
+        ::arrow::ArrayVector{nest(plain->chunk(0)), nest(plain->chunk(1))}));
+  }
+  return columns;
+}
+
+/// A column of every type, and each of them in every nesting. Columns share arrays, and are not of
+/// one length.
+inline std::shared_ptr<::arrow::Table> table_of_every_type() {
+  std::vector<Chunks> columns;
+  for (const ColumnType& one : column_types()) {
+    columns.push_back(plain_column(one));
+    for (Chunks& nested : nested_columns(one)) columns.push_back(std::move(nested));
+  }
+  return table_of(std::move(columns));
+}
+
+inline bool columns_are_valid(const ::arrow::Table& table) {
+  return std::ranges::all_of(table.columns(),
+                             [](const Chunks& column) { return column->ValidateFull().ok(); });
+}
+
+}  // namespace numera::testing
