@@ -7,6 +7,9 @@
 /// become Arrow buffers over the host arrays' own memory. The result borrows: keep `encoded` alive
 /// and unchanged for as long as the Arrow value, or any buffer of it, is used.
 ///
+/// Threads: any number of threads may convert at a time, the same host value too, as long as none
+/// writes it. The result may be used and released on any thread.
+///
 /// \code
 ///   auto column = numera::io::arrow::core::to_arrow<arrow::Array>(envelope.get());
 ///   if (!column.ok()) return column.status();

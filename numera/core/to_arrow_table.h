@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Encoded host tables to Arrow tables.
+/// Encoded host tables to Arrow tables. Threads as in to_arrow.h.
 
 #include <arrow/result.h>
 #include <arrow/table.h>

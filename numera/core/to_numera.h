@@ -5,6 +5,9 @@
 ///
 /// Everything is copied into new host arrays, which the caller owns; the input is only read. On
 /// failure, by status or by exception, every host array made so far is destroyed.
+///
+/// Threads: any number of threads may convert at a time, the same input too. A call works on the
+/// calling thread alone; numera/extras/parallel/ spreads the columns of a table over several.
 
 #include <arrow/array/array_base.h>
 #include <arrow/buffer.h>

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// String arrays: arrays whose elements are UTF-16 texts or missing. A host derives its own.
+/// String arrays: arrays whose elements are UTF-16 texts or missing. A host derives its own. Any
+/// number of threads may read one at a time, through the `const` members, while none writes it.
 
 #include <cstddef>
 #include <cstdint>

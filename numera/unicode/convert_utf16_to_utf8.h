@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Host text to UTF-8 bytes and offsets, the form in which texts go to Arrow.
+/// Host text to UTF-8 bytes and offsets, the form in which texts go to Arrow. Any number of threads
+/// may convert at a time, the same texts too, each into outputs of its own.
 
 #include "numera/export.h"
 #include "numera/host/array.h"

@@ -13,6 +13,8 @@
 ///   ARROW_ASSIGN_OR_RAISE(auto back, core::to_arrow<arrow::Array>(readable.get()));
 ///   // back is valid, equals column up to returned_type(*column->type()), and lives on readable.
 /// \endcode
+///
+/// Any number of threads may encode at a time, the same value too, as long as none writes it.
 
 #include <arrow/result.h>
 #include <arrow/type_fwd.h>

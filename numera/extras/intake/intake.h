@@ -13,6 +13,8 @@
 ///   for (const auto& cast : taken.casts) std::cerr << numera::extras::to_string(cast) << "\n";
 ///   return numera::io::arrow::core::to_numera(taken.value);
 /// \endcode
+///
+/// Any number of threads may take in at a time, the same data too.
 
 #include <arrow/array/array_base.h>
 #include <arrow/chunked_array.h>
