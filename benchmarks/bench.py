@@ -14,6 +14,7 @@ import sys
 
 import peer_work
 import peers
+import python_rows
 import summary
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -45,7 +46,7 @@ def peak_over_result(program, entries):
 
 
 def is_base(name):
-    return "=" not in name and not name.endswith("/sliced") and not name.startswith("parallel/")
+    return "=" not in name and not name.endswith("/sliced") and not name.startswith(("parallel/", "python/"))
 
 
 def in_order(entries, program):
@@ -69,7 +70,7 @@ def measure(arguments, folder):
     program = arguments.programs / "numera_benchmarks"
     with_peers = [row.name for row in peer_work.ROWS]
     entries = run_alone(program, with_peers, folder, arguments.quick)
-    for row in peer_work.ROWS:
+    for row in peer_work.ROWS + python_rows.ROWS:
         entries.append(
             peers.measure_row(row, program, 1 if arguments.quick else 7, arguments.quick))
         if not arguments.quick:

@@ -15,15 +15,17 @@ constexpr const char* kFreeing = "freeing";
 /// Collects the repetitions of the four measurements of a row.
 class Collector : public benchmark::BenchmarkReporter {
  public:
-  explicit Collector(Measurement& measurement) : measurement_(measurement) {}
+  Collector(Measurement& measurement, bool by_clock)
+      : measurement_(measurement), by_clock_(by_clock) {}
 
   bool ReportContext(const Context&) override { return true; }
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.run_type != Run::RT_Iteration) continue;
-      const double seconds = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-      times_of(run.run_name.function_name).push_back(seconds * 1e3);
+      const double seconds = by_clock_ ? run.real_accumulated_time : run.cpu_accumulated_time;
+      times_of(run.run_name.function_name)
+          .push_back(seconds / static_cast<double>(run.iterations) * 1e3);
     }
   }
 
@@ -35,6 +37,7 @@ class Collector : public benchmark::BenchmarkReporter {
   }
 
   Measurement& measurement_;
+  bool by_clock_;
 };
 
 Measured raw_copy(std::int64_t bytes) {
@@ -73,7 +76,7 @@ Measurement measure(const Row& row, bool with_freeing) {
   add(kWarmCopy, raw_copy(ready.bytes));
   if (with_freeing) add(kFreeing, freeing(ready));
   Measurement measurement{row.name, ready.elements, ready.bytes, {}, {}, {}, {}};
-  Collector collector(measurement);
+  Collector collector(measurement, row.by_clock);
   benchmark::RunSpecifiedBenchmarks(&collector);
   benchmark::ClearRegisteredBenchmarks();
   return measurement;

@@ -12,7 +12,8 @@
 
 namespace numera::benchmarks {
 
-/// Milliseconds of processor time, system calls and all threads included, one entry a repetition.
+/// Milliseconds of processor time, system calls and all threads included, or by the clock where the
+/// row says so; one entry a repetition.
 using Times = std::vector<double>;
 
 struct Measurement {

@@ -58,6 +58,8 @@ class Row:
     name: str
     peer: str  # the one that the targets name
     make: Callable[[bool], list[Work]]  # with `quick`, of a hundredth of the elements
+    # Elements, bytes and work of our own where that is done in Python, not by the C++ program.
+    own: Callable[[bool], tuple[int, int, Work]] | None = None
 
 
 def _available(works):

@@ -16,6 +16,7 @@ import tempfile
 import time
 
 import peer_work
+import python_rows
 from summary import median
 
 TIMES = ("ours", "limit", "warm_copy", "freeing")
@@ -83,21 +84,35 @@ def run_ours(program, name, quick):
     return rows[0]
 
 
+def own_rounds(row, program, quick):
+    """An entry without times, and a function that adds those of a round to it."""
+    if row.own is None:
+        entry = run_ours(program, row.name, quick)
+        return entry, lambda: run_ours(program, row.name, quick)
+    elements, size, work = row.own(quick)
+    measured = Measured(work)
+
+    def run():
+        measured.times.clear()
+        measured.run()
+        return {"ours": measured.times[:]}
+
+    return {"name": row.name, "elements": elements, "bytes": size}, run
+
+
 def measure_row(row, program, rounds, quick):
     peers = [Measured(work) for work in row.make(quick)]
-    ours = None
+    entry, run = own_rounds(row, program, quick)
+    entry |= {key: [] for key in TIMES}
     for _ in range(rounds):
-        entry = run_ours(program, row.name, quick)
-        if ours is None:
-            ours = entry
-        else:
-            for key in TIMES:
-                ours[key] += entry[key]
+        for key, times in run().items():
+            if key in TIMES:
+                entry[key] += times
         for peer in peers:
             peer.run()
-    ours["named_peer"] = row.peer
-    ours["peers"] = [peer.result() for peer in peers]
-    return ours
+    entry["named_peer"] = row.peer
+    entry["peers"] = [peer.result() for peer in peers]
+    return entry
 
 
 def show(entry):
@@ -123,7 +138,7 @@ def main():
     arguments = parser.parse_args()
     rounds = 1 if arguments.quick else arguments.rounds
     entries = []
-    for row in peer_work.ROWS:
+    for row in peer_work.ROWS + python_rows.ROWS:
         if re.fullmatch(arguments.rows, row.name):
             entries.append(measure_row(row, arguments.program, rounds, arguments.quick))
             show(entries[-1])

@@ -10,6 +10,7 @@ std::vector<Row> all_rows(bool quick) {
   add_to_arrow_rows(rows, quick);
   add_gateway_rows(rows, quick);
   add_encode_rows(rows, quick);
+  add_parallel_rows(rows, quick);
   return rows;
 }
 

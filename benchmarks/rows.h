@@ -32,6 +32,7 @@ struct ReadyRow {
 
 struct Row {
   std::string name;
+  bool by_clock = false;  ///< for work of several threads, whose processor time says nothing
   std::function<ReadyRow()> prepare;
 };
 
@@ -65,7 +66,7 @@ Row make_row(std::string name, std::int64_t elements, MakeInput make_input, Prod
     row.make = [=] { return std::make_shared<Result>(product(*input)); };
     return row;
   };
-  return {std::move(name), prepare};
+  return {std::move(name), false, prepare};
 }
 
 /// \name Rows of one part of the library
@@ -74,6 +75,8 @@ Row make_row(std::string name, std::int64_t elements, MakeInput make_input, Prod
 void add_to_host_rows(std::vector<Row>& rows, bool quick);
 void add_table_rows(std::vector<Row>& rows, bool quick);
 void add_file_rows(std::vector<Row>& rows);
+/// Columns spread over two threads; the limit is the serial call.
+void add_parallel_rows(std::vector<Row>& rows, bool quick);
 void add_to_arrow_rows(std::vector<Row>& rows, bool quick);
 void add_gateway_rows(std::vector<Row>& rows, bool quick);
 void add_encode_rows(std::vector<Row>& rows, bool quick);

@@ -80,31 +80,32 @@ def column_counts(times, direction):
     return counts
 
 
-def family_lengths(entries):
+def family_lengths(entries, key="ours"):
     """The cost by length of every family that was measured at several lengths."""
     base_lengths = {entry["name"]: entry["elements"] for entry in entries}
     lengths = {}
     for entry in entries:
         family, _, variant = entry["name"].partition("/length=")
         if variant:
-            lengths.setdefault(family, {})[int(variant)] = median(entry["ours"])
+            lengths.setdefault(family, {})[int(variant)] = median(entry[key])
     for entry in entries:
         if entry["name"] in lengths:
-            lengths[entry["name"]][base_lengths[entry["name"]]] = median(entry["ours"])
+            lengths[entry["name"]][base_lengths[entry["name"]]] = median(entry[key])
     return lengths
 
 
-def slopes(entries):
+def slopes(entries, key="ours"):
+    """Of every family, where it was measured; with "limit", what the memory itself makes of size."""
     result = {}
     small, large = SMALLEST_AND_LARGEST
-    for family, costs in family_lengths(entries).items():
-        if small in costs and large in costs:
+    for family, costs in family_lengths(entries, key).items():
+        if costs.get(small) and costs.get(large):
             result[family] = slope((small, costs[small]), (large, costs[large]))
     few, many = FEWEST_AND_MOST_COLUMNS
-    times = {entry["name"]: median(entry["ours"]) for entry in entries}
+    times = {entry["name"]: median(entry[key]) for entry in entries}
     for direction in ("to_host", "to_arrow"):
         counts = column_counts(times, direction)
-        if few in counts and many in counts:
+        if counts.get(few) and counts.get(many):
             result[f"{direction}/table/columns"] = slope((few, counts[few]), (many, counts[many]))
     return result
 
@@ -151,6 +152,7 @@ def summarize(entries, peaks, packages):
         "machine": machine(packages),
         "rows": rows,
         "slopes": slopes(serial),
+        "slopes_of_limits": slopes(serial, "limit"),
         "parallel": [parallel_row(entry) for entry in entries if entry not in serial],
     }
 

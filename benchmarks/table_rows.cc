@@ -7,12 +7,14 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "benchmarks/arrow_data.h"
 #include "benchmarks/limits.h"
 #include "benchmarks/rows.h"
 #include "numera/extras/intake/intake.h"
+#include "numera/extras/parallel/parallel.h"
 #include "numera/numera.h"
 
 namespace numera::benchmarks {
@@ -37,6 +39,17 @@ std::vector<Blocks> leaves_of_columns(const TablePtr& table) {
 std::string table_name(const std::string& direction, std::int64_t columns) {
   return columns == 1000 ? direction + "/table_1000_columns"
                          : direction + "/table/columns=" + std::to_string(columns);
+}
+
+TablePtr table_of_text(std::int64_t length) {
+  constexpr int kColumns = 20;
+  ::arrow::FieldVector fields;
+  ::arrow::ArrayVector columns;
+  for (int i = 0; i < kColumns; ++i) {
+    fields.push_back(::arrow::field("column " + std::to_string(i), ::arrow::utf8()));
+    columns.push_back((i % 2 == 0 ? ascii_texts : mixed_texts)(0, length, Nulls::None));
+  }
+  return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(columns));
 }
 
 TablePtr parquet_table(const std::shared_ptr<::arrow::io::RandomAccessFile>& file) {
@@ -69,6 +82,18 @@ void add_table_rows(std::vector<Row>& rows, bool quick) {
         table_name("to_arrow", columns), elements, [=] { return table_to_host(make()); },
         table_to_arrow));
   }
+}
+
+void add_parallel_rows(std::vector<Row>& rows, bool quick) {
+  constexpr size_t kThreads = 2;
+  const std::int64_t length = quick ? 2'500 : 250'000;
+  rows.push_back(make_row(
+      "parallel/table_of_text", 0, [=] { return table_of_text(length); },
+      [](const TablePtr& table) {
+        return numera::extras::parallel_to_numera(table, kThreads).ValueOrDie();
+      },
+      table_to_host));
+  rows.back().by_clock = true;
 }
 
 void add_file_rows(std::vector<Row>& rows) {
