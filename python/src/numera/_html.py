@@ -8,6 +8,7 @@ MAX_NODES = 1000
 OPEN_LEVELS = 2
 
 # Notebooks have themes of their own beside that of the system; text takes the notebook's colour.
+# Their rules for lists in lists are narrower than ours and would draw bullets.
 _DARK = "--numera-name:#79c0ff;--numera-class:#d2a8ff;--numera-rule:#6e7681"
 STYLE = f"""<style>
 .numera{{--numera-name:#0550ae;--numera-class:#8250df;--numera-rule:#afb8c1;
@@ -17,7 +18,7 @@ color:inherit;text-align:left}}
 [data-jp-theme-light="false"] .numera,.vscode-dark .numera,[data-theme="dark"] .numera{{{_DARK}}}
 [data-jp-theme-light="true"] .numera,.vscode-light .numera,[data-theme="light"] .numera{{
 --numera-name:#0550ae;--numera-class:#8250df;--numera-rule:#afb8c1}}
-.numera ul{{list-style:none;margin:0 0 0 .45em;padding:0 0 0 1em;
+.numera ul{{list-style:none!important;margin:0 0 0 .45em!important;padding:0 0 0 1em!important;
 border-left:1px solid var(--numera-rule)}}
 .numera li{{margin:0;padding:0;overflow-wrap:anywhere}}
 .numera summary{{cursor:pointer}}
