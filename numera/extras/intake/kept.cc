@@ -1,8 +1,11 @@
 #include <arrow/type.h>
+#include <arrow/util/utf8.h>
 
+#include <string_view>
 #include <utility>
 
 #include "numera/extras/intake/memory.h"
+#include "numera/extras/intake/plain_text.h"
 #include "numera/extras/intake/rules.h"
 #include "numera/extras/intake/takes.h"
 
@@ -34,6 +37,35 @@ BufferResult rebase_offsets(Work& work, std::shared_ptr<::arrow::Buffer> offsets
     store<Offset>(*rebased, i, static_cast<Offset>(load<Offset>(*offsets, i) - first));
   }
   return rebased;
+}
+
+/// Whether a null slot holds a text that is no UTF-8. Arrow's validation passes such slots over,
+/// and the host converts what they hold.
+template <class Offset>
+bool hides_bad_text(const ::arrow::ArrayData& texts) {
+  ::arrow::util::InitializeUTF8();  // until then everything is valid
+  for (std::int64_t i = 0; i < texts.length; ++i) {
+    if (!is_null(texts, i)) continue;
+    const auto begin = load<Offset>(*texts.buffers[1], i);
+    const std::int64_t size = load<Offset>(*texts.buffers[1], i + 1) - begin;
+    if (size > 0 && !::arrow::util::ValidateUTF8(texts.buffers[2]->data() + begin, size)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// The same texts, those at null slots empty.
+template <class Offset>
+DataResult without_hidden_texts(Work& work, const ::arrow::ArrayData& texts) {
+  const auto text_of = [&](std::int64_t i) {
+    const auto begin = load<Offset>(*texts.buffers[1], i);
+    const auto end = load<Offset>(*texts.buffers[1], i + 1);
+    if (begin == end) return std::string_view();
+    return std::string_view(reinterpret_cast<const char*>(texts.buffers[2]->data()) + begin,
+                            static_cast<size_t>(end - begin));
+  };
+  return make_text_of<Offset>(work, texts.type, texts, text_of);
 }
 
 Data cut_child(const Data& child, std::int64_t offset, std::int64_t length) {
@@ -78,6 +110,10 @@ template <class Offset>
 DataResult take_text(Work& work, const std::string&, const ::arrow::ArrayData& array) {
   ARROW_ASSIGN_OR_RAISE(Data out, without_offset(work, array));
   ARROW_ASSIGN_OR_RAISE(out->buffers[1], cut_offsets<Offset>(work, array));
+  const bool is_text = ::arrow::is_string(array.type->id());
+  if (is_text && out->buffers[0] != nullptr && hides_bad_text<Offset>(*out)) {
+    return without_hidden_texts<Offset>(work, *out);
+  }
   return out;
 }
 
@@ -88,8 +124,9 @@ template <class Offset>
 DataResult take_list(Work& work, const std::string& path, const ::arrow::ArrayData& array) {
   ARROW_ASSIGN_OR_RAISE(Data out, without_offset(work, array));
   ARROW_ASSIGN_OR_RAISE(auto offsets, cut_offsets<Offset>(work, array));
-  const std::int64_t first = load<Offset>(*offsets, 0);
-  const std::int64_t last = load<Offset>(*offsets, array.length);
+  // Arrow's validation does not look at the one offset of an array without elements.
+  const std::int64_t first = array.length == 0 ? 0 : load<Offset>(*offsets, 0);
+  const std::int64_t last = array.length == 0 ? 0 : load<Offset>(*offsets, array.length);
   ARROW_ASSIGN_OR_RAISE(out->buffers[1],
                         rebase_offsets<Offset>(work, std::move(offsets), array.length));
   const Data cut = cut_child(array.child_data[0], first, last - first);

@@ -14,7 +14,7 @@
 namespace numera::extras::intake {
 
 template <class Offset, class TextOf>
-BufferResult text_offsets(Work& work, const ::arrow::ArrayData& slots, TextOf& text_of) {
+BufferResult text_offsets(Work& work, const ::arrow::ArrayData& slots, const TextOf& text_of) {
   ARROW_ASSIGN_OR_RAISE(auto offsets, allocate(work, slots.length + 1, sizeof(Offset)));
   std::int64_t size = 0;
   store<Offset>(*offsets, 0, 0);
@@ -28,7 +28,7 @@ BufferResult text_offsets(Work& work, const ::arrow::ArrayData& slots, TextOf& t
 
 template <class Offset, class TextOf>
 DataResult make_text_of(Work& work, std::shared_ptr<::arrow::DataType> type,
-                        const ::arrow::ArrayData& slots, TextOf& text_of) {
+                        const ::arrow::ArrayData& slots, const TextOf& text_of) {
   ARROW_ASSIGN_OR_RAISE(auto offsets, (text_offsets<Offset>(work, slots, text_of)));
   ARROW_ASSIGN_OR_RAISE(auto bytes, allocate(work, load<Offset>(*offsets, slots.length), 1));
   std::uint8_t* to = bytes->mutable_data();

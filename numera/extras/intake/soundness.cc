@@ -3,6 +3,8 @@
 #include <arrow/buffer.h>
 #include <arrow/type.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <limits>
 
 #include "numera/core/limits.h"
@@ -40,6 +42,18 @@ Status check_fixed_size_list(const ::arrow::ArrayData& array) {
                          array.offset + array.length, " lists.");
 }
 
+/// Arrow's validation of these reads their buffers without asking whether there are any.
+Status check_views(const ::arrow::ArrayData& array) {
+  const auto id = array.type->id();
+  if (id != ::arrow::Type::STRING_VIEW && id != ::arrow::Type::BINARY_VIEW) return Status::OK();
+  const size_t buffers = array.buffers.size();
+  for (size_t i = 1; i < std::max<size_t>(buffers, 2); ++i) {
+    if (i < buffers && array.buffers[i] != nullptr) continue;
+    return Status::Invalid("Array: found no buffer ", i, ", expected one for views.");
+  }
+  return Status::OK();
+}
+
 Status check(const ::arrow::ArrayData* array, int levels) {
   if (array == nullptr || array->type == nullptr) {
     return Status::Invalid("Array: found a null pointer, expected an array with a type.");
@@ -54,6 +68,7 @@ Status check(const ::arrow::ArrayData* array, int levels) {
                            ", expected 0 or more and a sum of 64 bits.");
   }
   ARROW_RETURN_NOT_OK(check_fixed_size_list(*array));
+  ARROW_RETURN_NOT_OK(check_views(*array));
   for (const auto& buffer : array->buffers) ARROW_RETURN_NOT_OK(check_buffer(buffer));
   for (const auto& child : array->child_data) ARROW_RETURN_NOT_OK(check(child.get(), levels - 1));
   return array->dictionary == nullptr ? Status::OK() : check(array->dictionary.get(), levels - 1);
