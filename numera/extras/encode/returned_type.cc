@@ -1,7 +1,10 @@
 #include <arrow/type.h>
 
+#include <string>
+
 #include "numera/core/limits.h"
 #include "numera/extras/encode/encode.h"
+#include "numera/host/text_codec.h"
 
 namespace numera::extras {
 namespace {
@@ -48,6 +51,25 @@ std::optional<TypePtr> returned_map(const ::arrow::MapType& type, int levels) {
   return ::arrow::large_list(*entry);
 }
 
+bool is_utf8(const std::string& text) {
+  try {
+    hxUTF8ToUTF16("UTF-8").convert(text);
+    return true;
+  } catch (const hxCodecError&) {
+    return false;
+  }
+}
+
+/// A time zone is written one character a byte, and stays that where the bytes are no UTF-8.
+TypePtr returned_timestamp(const ::arrow::TimestampType& type) {
+  const std::string& bytes = type.timezone();
+  if (is_utf8(bytes)) return ::arrow::timestamp(type.unit(), bytes);
+  std::u16string characters;
+  for (const char byte : bytes) characters += static_cast<unsigned char>(byte);
+  return ::arrow::timestamp(type.unit(),
+                            hxUTF16ToUTF8("UTF-8").convert(characters.data(), characters.size()));
+}
+
 /// What returns as it is, or as one other type whatever its parameters.
 std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
   switch (type.id()) {
@@ -62,10 +84,11 @@ std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
     case Type::INT64:
     case Type::FLOAT:
     case Type::DOUBLE:
-    case Type::TIMESTAMP:
     case Type::TIME32:
     case Type::TIME64:
       return type.GetSharedPtr();
+    case Type::TIMESTAMP:
+      return returned_timestamp(static_cast<const ::arrow::TimestampType&>(type));
     case Type::NA:
       return ::arrow::float64();
     case Type::STRING:

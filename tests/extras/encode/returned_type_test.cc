@@ -50,6 +50,12 @@ std::vector<Row> rows() {
   };
 }
 
+TEST(ReturnedType, ATimeZoneThatIsNoUtf8HasACharacterAByte) {
+  const TypePtr text = timestamp(TimeUnit::MILLI, "São");
+  EXPECT_TRUE((*returned_type(*text))->Equals(*text));
+  EXPECT_TRUE((*returned_type(*timestamp(TimeUnit::MILLI, "S\xE3o")))->Equals(*text));
+}
+
 TEST(ReturnedType, IsThatOfTheTable) {
   for (const Row& row : rows()) {
     SCOPED_TRACE(row.from->ToString());

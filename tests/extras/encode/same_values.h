@@ -97,6 +97,7 @@ inline bool same_element(const ::arrow::Array& a, std::int64_t i, const ::arrow:
       return number_of(a, i) * 86400 == number_of(b, j);
     case Type::DATE64:
     case Type::DURATION:
+    case Type::TIMESTAMP:  // its time zone may be spelled in another way
       return number_of(a, i) == number_of(b, j);
     case Type::LIST:
       return same_list(static_cast<const ::arrow::ListArray&>(a), i,
