@@ -18,7 +18,7 @@ TABLE = [
     ("schema", "no metadata, no fields that are never null", "fields that may be null"),
     ("chunks", "joined; one element each for lists, structs and maps", "one chunk"),
     ("decimal, cast", "the nearest double", "double"),
-    ("half float, cast", "single and double hold its value", "double"),
+    ("half float, cast", "its exact value as double", "double"),
     ("month_day_nano_interval, cast", "text in ISO 8601", "large string"),
     ("views, fixed-size lists, runs, cast", "the plain type of the same elements",
      "as that type"),
