@@ -6,5 +6,5 @@ from hypothesis import HealthCheck, settings
 
 COMMON = {"deadline": None, "database": None, "suppress_health_check": list(HealthCheck)}
 settings.register_profile("quick", max_examples=60, derandomize=True, **COMMON)
-settings.register_profile("thorough", max_examples=1500, print_blob=True, **COMMON)
+settings.register_profile("thorough", max_examples=400, print_blob=True, **COMMON)
 settings.load_profile(os.environ.get("NUMERA_EXAMPLES", "quick"))
