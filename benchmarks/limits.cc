@@ -34,7 +34,8 @@ void add_bits(Blocks& blocks, const ColumnPtr& column, size_t buffer) {
     const ::arrow::ArrayData& data = *chunk->data();
     if (data.buffers[buffer] == nullptr) continue;
     const std::uint8_t* const bits = data.buffers[buffer]->data() + data.offset / 8;
-    const std::int64_t shift = (begin - data.offset) & 7;
+    // A single chunk is copied from the first bit of its buffer, whatever its offset, as is stated.
+    const std::int64_t shift = column->num_chunks() == 1 ? 0 : (begin - data.offset) & 7;
     if (shift == 0) {
       const auto bytes = static_cast<size_t>((data.length + begin % 8) / 8);
       std::memcpy(target + begin / 8, bits, bytes);
