@@ -32,13 +32,6 @@ bool any_type(const DataType& type, const Predicate& predicate) {
          });
 }
 
-/// What may keep a value of a type that returns from returning.
-bool may_be_refused(const DataType& type) {
-  return any_type(type, [](const DataType& part) {
-    return part.id() == Type::DICTIONARY || part.id() == Type::TIMESTAMP;
-  });
-}
-
 bool is_utf8(const std::string& text) {
   try {
     hxUTF8ToUTF16("UTF-8").convert(text);
@@ -94,7 +87,7 @@ hxArrayPtr readable_form(const hxArray* written, bool may_fail, const std::strin
 }
 
 bool has_readable_form(const ::arrow::ChunkedArray& column) {
-  return extras::returned_type(*column.type()) && !may_be_refused(*column.type()) &&
+  return extras::returned_type(*column.type()) &&
          (column.num_chunks() > 0 || column.type()->num_fields() == 0);
 }
 

@@ -15,9 +15,8 @@
 
 namespace numera::fuzz {
 
-/// A column that is fit for `to_numera`: it gets there, and where its type is one that returns and
-/// nothing in it keeps it from returning, it returns with its values. Dictionaries may hold a
-/// missing text, which has no readable form.
+/// A column that the intake took: it gets to the host, and where its type is one that returns it
+/// returns with its values.
 void check_round_trip(const std::shared_ptr<::arrow::ChunkedArray>& column);
 
 /// The same for the columns of a table together, and their names.

@@ -1,5 +1,6 @@
 #include <arrow/table.h>
 
+#include <random>
 #include <stdexcept>
 #include <string_view>
 
@@ -14,6 +15,14 @@ namespace numera::fuzz {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
+
+/// Bytes without a plan, the same in every run.
+Bytes random_bytes(unsigned seed, size_t size) {
+  std::minstd_rand random(seed);
+  Bytes bytes(size);
+  for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random() >> 8);
+  return bytes;
+}
 
 /// Seeds beyond this size teach a fuzzer little and cost it much.
 constexpr size_t kLargest = 4096;
@@ -97,6 +106,7 @@ void keep_plain_values(const KeepSeed& keep) {
     keep("text", units);
   }
   keep("text", Bytes{0x3D, 0xD8, 0x00, 0xDE, 0x3D, 0xD8});
+  for (unsigned seed = 1; seed <= 300; ++seed) keep("to_host", random_bytes(seed, seed));
   for (const std::uint8_t position : Bytes{0, 1, 7, 8, 9, 63, 64, 65}) {
     for (const std::uint8_t length : Bytes{0, 1, 7, 8, 9, 63, 64, 65, 130}) {
       Bytes input = {length, 0, position, 0, 3, 40};
