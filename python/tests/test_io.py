@@ -236,6 +236,12 @@ def test_what_is_no_regular_file_is_not_replaced(tmp_path):
             numera.write(numera.to_host(pa.table(ROWS)), tmp_path / name)
 
 
+def test_names_may_be_as_long_as_the_file_system_allows(tmp_path):
+    path = tmp_path / ("ж" * 125 + ".csv")
+    numera.write(numera.to_host(pa.table(ROWS)), path)
+    assert columns(numera.read(path)) == ROWS
+
+
 def test_a_folder_that_is_missing_is_an_error(tmp_path):
     with pytest.raises(FileNotFoundError):
         numera.write(numera.to_host(pa.table(ROWS)), tmp_path / "missing" / "rows.csv")

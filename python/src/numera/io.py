@@ -176,7 +176,7 @@ def _replacing(path):
     with suppress(FileNotFoundError):
         if not stat.S_ISREG(target.stat().st_mode):
             raise ValueError(f"path: found {os.fspath(path)!r}, expected a regular file.")
-    new = target.with_name(f".{target.name[:100]}.{secrets.token_hex(8)}.tmp")
+    new = target.with_name(f".numera-{secrets.token_hex(8)}.tmp")
     try:
         with open(new, "xb") as sink:
             yield sink
