@@ -1,6 +1,7 @@
 #include "numera/host/memory/utf_measure.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace numera::host::memory {
@@ -9,6 +10,7 @@ namespace {
 // Sixteen bytes that are compared and counted together, whatever the processor calls that.
 constexpr size_t kLanes = 16;
 using Lanes [[gnu::vector_size(kLanes)]] = signed char;
+using Counts [[gnu::vector_size(kLanes)]] = unsigned char;
 
 bool continues(unsigned char byte) { return (byte & 0xC0u) == 0x80u; }
 
@@ -38,10 +40,10 @@ Lanes load_some(const unsigned char* bytes, size_t length, const unsigned char* 
   return kPlaces < static_cast<signed char>(length) ? load(bytes) : lanes;
 }
 
-size_t sum(Lanes lanes) {
+size_t sum(Counts counts) {
   constexpr std::uint64_t kEven = 0x00FF00FF00FF00FF;
   std::uint64_t words[2];
-  std::memcpy(words, &lanes, kLanes);
+  std::memcpy(words, &counts, kLanes);
   std::uint64_t sums = 0;
   for (const std::uint64_t word : words) sums += (word & kEven) + (word >> 8 & kEven);
   return sums * 0x0001000100010001 >> 48;
@@ -51,9 +53,12 @@ constexpr size_t kMostBytes = 120 * kLanes;  // of which a lane can count two a 
 
 // Of at most `kMostBytes`.
 inline size_t measure_piece(const unsigned char* bytes, size_t length, const unsigned char* end) {
-  Lanes counts{};
-  for (; length >= kLanes; length -= kLanes, bytes += kLanes) counts -= minus_units(load(bytes));
-  if (length > 0) counts -= minus_units(load_some(bytes, length, end));
+  Counts counts{};
+  const auto count = [&counts](Lanes lanes) {
+    counts -= std::bit_cast<Counts>(minus_units(lanes));
+  };
+  for (; length >= kLanes; length -= kLanes, bytes += kLanes) count(load(bytes));
+  if (length > 0) count(load_some(bytes, length, end));
   return sum(counts);
 }
 
