@@ -7,14 +7,16 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace numera::tools {
 namespace {
 
-::arrow::Status last_error() { return ::arrow::Status::IOError(std::strerror(errno)); }
+::arrow::Status last_error() {
+  return ::arrow::Status::IOError(std::generic_category().message(errno));
+}
 
 /// The permissions of the file that is replaced, or those of any new one.
 mode_t mode_for(const std::string& path) {

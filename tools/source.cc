@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "tools/formats.h"
@@ -58,10 +58,12 @@ bool looks_like_csv(std::string_view start, bool whole) {
 /// Opening a pipe would wait for its writer.
 ::arrow::Status check_is_file(const std::string& path) {
   struct stat found = {};
-  if (::stat(path.c_str(), &found) != 0) return ::arrow::Status::IOError(std::strerror(errno));
+  if (::stat(path.c_str(), &found) != 0)
+    return ::arrow::Status::IOError(std::generic_category().message(errno));
   if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("it is a directory");
   if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
-  if (::access(path.c_str(), R_OK) != 0) return ::arrow::Status::IOError(std::strerror(errno));
+  if (::access(path.c_str(), R_OK) != 0)
+    return ::arrow::Status::IOError(std::generic_category().message(errno));
   return ::arrow::Status::OK();
 }
 

@@ -10,6 +10,7 @@
 namespace numera::tools {
 
 bool output_has_colour() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
   return ::isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
 
