@@ -1,46 +1,46 @@
-"""Checks what the installed libraries export and need.
+"""Checks what the installed libraries export and need, and that they are hardened.
 
-usage: check_libraries.py LIBRARY_FOLDER
+usage: check_libraries.py [--write] LIBRARY_FOLDER
+
+The exported names stand in exported_names.txt beside this file: a name that appears or goes is a
+change of what users link against, so it is made on purpose. --write writes that file anew.
 """
 
 import pathlib
+import platform
 import re
 import subprocess
 import sys
 
-# A name of the namespaces numera and NUMERA, or of the host interface; before it the return type
-# of a template.
-PUBLIC_NAME = re.compile(
-    r"(typeinfo (name )?for |vtable for |VTT for )?"
-    r"(numera::|NUMERA::|hx[A-Z]|MessageIdException)"
-    r"|arrow::Result<.*> numera::"
-    r"|NR(Initialize|Terminate)_ArrowCoreModule$"
-)
+LIST = pathlib.Path(__file__).with_name("exported_names.txt")
+PARTS = ("arrow", "host", "extras")
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
 def names(library, *options):
-    output = subprocess.run(
-        ["nm", "-D", "-C", *options, library], check=True, capture_output=True, text=True
-    ).stdout
-    return [re.sub(r"^[0-9a-f ]*\s\w ", "", line) for line in output.splitlines()]
+    lines = output_of("nm", "-D", "-C", *options, library).splitlines()
+    return [re.sub(r"^[0-9a-f ]*\s\w ", "", line) for line in lines]
 
 
-def needed(library):
-    output = subprocess.run(
-        ["readelf", "-d", library], check=True, capture_output=True, text=True
-    ).stdout
-    return re.findall(r"\(NEEDED\).*\[(.*)\]", output)
+def exported(folder):
+    return {
+        f"{part}: {name}"
+        for part in PARTS
+        for name in names(folder / f"libnumera_{part}.so", "--defined-only")
+    }
 
 
-def faults(folder):
-    for part in ("arrow", "host", "extras"):
-        library = folder / f"libnumera_{part}.so"
-        exported = names(library, "--defined-only")
-        if not exported:
-            yield f"{library.name} exports nothing"
-        for name in exported:
-            if not PUBLIC_NAME.match(name):
-                yield f"{library.name} exports {name}"
+def faults_of_names(folder):
+    listed = set(LIST.read_text().splitlines())
+    found = exported(folder)
+    yield from (f"exported, but not listed: {name}" for name in sorted(found - listed))
+    yield from (f"listed, but not exported: {name}" for name in sorted(listed - found))
+
+
+def faults_of_host_names(folder):
     for part in ("arrow", "extras"):
         library = folder / f"libnumera_{part}.so"
         undefined = names(library, "--undefined-only")
@@ -52,11 +52,40 @@ def faults(folder):
         for name in names(library, "--defined-only"):
             if re.match(r"hx(Create|Get|Set|Is|Make|Destroy|Error|Throw)\w*\(", name):
                 yield f"{library.name} defines the host's {name}"
-        if any("numera_host" in name for name in needed(library)):
+        if re.search(r"\(NEEDED\).*numera_host", output_of("readelf", "-d", library)):
             yield f"{library.name} needs a host library"
 
 
+def faults_of_hardening(binary):
+    dynamic = output_of("readelf", "-d", binary)
+    segments = output_of("readelf", "-lW", binary)
+    if not re.search(r"BIND_NOW|\bNOW\b", dynamic):
+        yield f"{binary.name} binds names late"
+    if "GNU_RELRO" not in segments:
+        yield f"{binary.name} has no tables that become read-only"
+    if re.search(r"GNU_STACK.*RWE", segments):
+        yield f"{binary.name} has an executable stack"
+    undefined = " ".join(names(binary, "--undefined-only"))
+    if "__stack_chk_fail" not in undefined:
+        yield f"{binary.name} does not guard its stack"
+    if platform.machine() == "x86_64":
+        # A mark of the whole file would need marked start files, which Debian's C library lacks.
+        if "endbr64" not in output_of("objdump", "-d", "--no-show-raw-insn", binary):
+            yield f"{binary.name} does not guard its jumps"
+
+
+def faults(folder):
+    yield from faults_of_names(folder)
+    yield from faults_of_host_names(folder)
+    for part in PARTS:
+        yield from faults_of_hardening(folder / f"libnumera_{part}.so")
+    yield from faults_of_hardening(folder.parent / "bin" / "numera-arrow")
+
+
 if __name__ == "__main__":
-    found = list(faults(pathlib.Path(sys.argv[1])))
+    folder = pathlib.Path(sys.argv[-1])
+    if "--write" in sys.argv:
+        LIST.write_text("".join(f"{name}\n" for name in sorted(exported(folder))))
+    found = list(faults(folder))
     print(*found, sep="\n", end="\n" if found else "")
     sys.exit(1 if found else 0)
