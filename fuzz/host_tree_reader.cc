@@ -16,7 +16,7 @@
 namespace numera::fuzz {
 namespace {
 
-constexpr size_t kMostArrays = 4000;
+constexpr size_t kMostArrays = 8000;  // slots of containers count too
 constexpr int kMostLevels = 500;
 
 using Dims = std::vector<size_t>;
@@ -220,6 +220,7 @@ class Reader {
   }
 
   void fill_slots(hxArray* array, size_t slots, int level) {
+    arrays_ += slots;  // an empty slot costs as much as one that holds something
     for (size_t i = 0; i < slots && !source_.rest().empty(); ++i) {
       hxSetCell(array, i, read_value(level + 1));
     }

@@ -73,6 +73,14 @@ Data cut_child(const Data& child, std::int64_t offset, std::int64_t length) {
   return child->Slice(offset, length);
 }
 
+/// Keys that a dictionary or runs stand for may turn out to be null. Arrow ends the process of whom
+/// makes a map of them.
+::arrow::Status check_keys(const ::arrow::ArrayData& entries) {
+  const std::int64_t nulls = entries.GetNullCount() + entries.child_data[0]->GetNullCount();
+  if (nulls == 0) return ::arrow::Status::OK();
+  return ::arrow::Status::Invalid("Map: found ", nulls, " null keys, expected none.");
+}
+
 /// The entries of a map are no level of their own: keys and items have paths.
 DataResult take_entries(Work& work, const std::string& path, const ::arrow::ArrayData& entries) {
   static constexpr const char* kPlaces[] = {"{key}", "{item}"};
@@ -81,6 +89,7 @@ DataResult take_entries(Work& work, const std::string& path, const ::arrow::Arra
     const Data cut = cut_child(entries.child_data[i], entries.offset, entries.length);
     ARROW_ASSIGN_OR_RAISE(out->child_data[i], take_in_data(work, path + kPlaces[i], *cut));
   }
+  ARROW_RETURN_NOT_OK(check_keys(*out));
   out->type = with_child_types(entries.type, *out);
   return out;
 }

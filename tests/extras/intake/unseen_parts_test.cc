@@ -13,6 +13,7 @@
 #include "numera/extras/intake/intake.h"
 #include "tests/extras/intake/intake_checks.h"
 #include "tests/support/arrow_values.h"
+#include "tests/support/dictionaries.h"
 #include "tests/support/encoded_texts.h"
 
 namespace numera::testing {
@@ -79,6 +80,16 @@ TEST(IntakeUnseenParts, ListsWithoutElementsMayBeginBeyondTheirValues) {
   expect_taken_in(::arrow::MakeArray(narrow), ArrowArray(::arrow::list(::arrow::int8()), "[]"));
   expect_taken_in(::arrow::MakeArray(large),
                   ArrowArray(::arrow::large_list(::arrow::int8()), "[]"));
+}
+
+TEST(IntakeUnseenParts, KeysThatACastShowsToBeNullAreRefused) {
+  const auto keys =
+      Dictionary(::arrow::dictionary(::arrow::int8(), ::arrow::int32()), "[0, 1]", "[7, null]");
+  const auto map = ::arrow::MapArray::FromArrays(ArrowArray(::arrow::int32(), "[0, 2]"), keys,
+                                                 ArrowArray(::arrow::int8(), "[1, 2]"))
+                       .ValueOrDie();
+  EXPECT_EQ(extras::take_in(ArrayPtr(map), {.cast = true}).status(),
+            ::arrow::Status::Invalid("Map: found 1 null keys, expected none."));
 }
 
 TEST(IntakeUnseenParts, ViewsWithoutTheirBuffersAreRefused) {
