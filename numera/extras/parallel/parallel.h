@@ -35,7 +35,7 @@ namespace numera::extras {
 /// out. Whatever comes out, every thread has ended by then and what was made is destroyed.
 ///
 /// Cost: that of `to_numera`, divided by the threads as far as the columns are of even size, and
-/// some 50 microseconds to start a thread. Tables of many short columns gain nothing.
+/// the start of the threads. Tables of many short columns gain little.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> parallel_to_numera(std::shared_ptr<::arrow::Table> table,
                                                              size_t threads);
 
