@@ -13,12 +13,12 @@
 #include "fuzz/claims.h"
 #include "fuzz/fuzzer.h"
 #include "fuzz/host_tree.h"
-#include "fuzz/icu.h"
 #include "numera/extras/inspect/inspect.h"
 #include "numera/host/memory.h"
 #include "numera/host/message_id_exception.h"
 #include "numera/host/string_array.h"
 #include "numera/unicode/convert_utf16_to_utf8.h"
+#include "tests/support/icu.h"
 
 namespace numera::fuzz {
 namespace {
@@ -74,7 +74,7 @@ Outcome encode(const Texts& texts) {
   Outcome outcome;
   outcome.offsets.push_back(0);
   for (const std::u16string& text : texts) {
-    const auto bytes = icu_to_utf8(text);
+    const auto bytes = testing::IcuToUtf8(text);
     if (!bytes) {
       Outcome refused = throws("UnrecognizedUTF16Character");
       refused.blamed = outcome.offsets.size();

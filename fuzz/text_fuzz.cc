@@ -12,9 +12,9 @@
 #include "fuzz/byte_source.h"
 #include "fuzz/claims.h"
 #include "fuzz/fuzzer.h"
-#include "fuzz/icu.h"
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
+#include "tests/support/icu.h"
 
 namespace numera::fuzz {
 namespace {
@@ -28,13 +28,13 @@ void check_utf8(Bytes bytes) {
     converted = hxUTF8ToUTF16("UTF-8").convert(text);
   } catch (const hxCodecError&) {
   }
-  claim(converted == icu_to_utf16(text), "UTF-8 is converted and refused as by ICU");
+  claim(converted == testing::IcuToUtf16(text), "UTF-8 is converted and refused as by ICU");
 }
 
 void check_utf16(Bytes bytes) {
   std::vector<char16_t> units(bytes.size() / sizeof(char16_t));
   if (!units.empty()) std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
-  const auto expected = icu_to_utf8({units.data(), units.size()});
+  const auto expected = testing::IcuToUtf8({units.data(), units.size()});
   std::optional<std::string> converted;
   std::optional<std::string> read;
   try {
@@ -86,7 +86,7 @@ void check_assigned(const Texts& texts, size_t first, const Assign& assign) {
   const std::optional<size_t> refused = assign(*strings);
   std::optional<size_t> expected;
   for (size_t i = 0; i < count && !expected; ++i) {
-    if (!icu_to_utf16(text_at(texts, i))) expected = first + i;
+    if (!testing::IcuToUtf16(text_at(texts, i))) expected = first + i;
   }
   claim(refused == expected, "the first text that is not UTF-8 is blamed");
   for (size_t i = 0; i < first; ++i) {
@@ -95,7 +95,7 @@ void check_assigned(const Texts& texts, size_t first, const Assign& assign) {
   claim(strings->element(first + count) == u"before", "elements behind the last stay");
   if (refused) return;
   for (size_t i = 0; i < count; ++i) {
-    claim(strings->element(first + i) == icu_to_utf16(text_at(texts, i)),
+    claim(strings->element(first + i) == testing::IcuToUtf16(text_at(texts, i)),
           "each text is converted as by ICU");
   }
 }

@@ -4,7 +4,6 @@
 
 #include <arrow/array/array_binary.h>
 #include <gtest/gtest.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +14,7 @@
 #include "numera/host/message_id_exception.h"
 #include "numera/unicode/convert_utf16_to_utf8.h"
 #include "tests/support/encoded_texts.h"
+#include "tests/support/icu.h"
 
 namespace numera::io::arrow {
 namespace {
@@ -24,28 +24,6 @@ using core::FillHostStrings;
 
 using MaybeUtf16 = std::optional<std::u16string>;
 using MaybeUtf8 = std::optional<std::string>;
-
-MaybeUtf16 IcuToUtf16(std::string_view text) {
-  std::u16string units(text.size(), u'\0');
-  std::int32_t length = 0;
-  UErrorCode error = U_ZERO_ERROR;
-  u_strFromUTF8(units.data(), static_cast<std::int32_t>(units.size()), &length, text.data(),
-                static_cast<std::int32_t>(text.size()), &error);
-  if (U_FAILURE(error)) return std::nullopt;
-  units.resize(static_cast<size_t>(length));
-  return units;
-}
-
-MaybeUtf8 IcuToUtf8(std::u16string_view text) {
-  std::string bytes(text.size() * 3, '\0');
-  std::int32_t length = 0;
-  UErrorCode error = U_ZERO_ERROR;
-  u_strToUTF8(bytes.data(), static_cast<std::int32_t>(bytes.size()), &length, text.data(),
-              static_cast<std::int32_t>(text.size()), &error);
-  if (U_FAILURE(error)) return std::nullopt;
-  bytes.resize(static_cast<size_t>(length));
-  return bytes;
-}
 
 /// Encoded as if it were a code point even where it is none, a surrogate say.
 std::string EncodeUtf8(char32_t value) {

@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-namespace numera::fuzz {
+namespace numera::testing {
 
-inline std::optional<std::u16string> icu_to_utf16(std::string_view text) {
+inline std::optional<std::u16string> IcuToUtf16(std::string_view text) {
   std::u16string units(text.size(), u'\0');
   std::int32_t length = 0;
   UErrorCode error = U_ZERO_ERROR;
@@ -23,7 +23,7 @@ inline std::optional<std::u16string> icu_to_utf16(std::string_view text) {
   return units;
 }
 
-inline std::optional<std::string> icu_to_utf8(std::u16string_view text) {
+inline std::optional<std::string> IcuToUtf8(std::u16string_view text) {
   std::string bytes(text.size() * 3, '\0');
   std::int32_t length = 0;
   UErrorCode error = U_ZERO_ERROR;
@@ -34,4 +34,4 @@ inline std::optional<std::string> icu_to_utf8(std::u16string_view text) {
   return bytes;
 }
 
-}  // namespace numera::fuzz
+}  // namespace numera::testing
