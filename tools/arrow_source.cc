@@ -1,8 +1,10 @@
+#include <arrow/buffer.h>
 #include <arrow/csv/api.h>
 #include <arrow/io/file.h>
 #include <arrow/ipc/reader.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "tools/formats.h"
@@ -41,6 +43,17 @@ auto batches_of(const std::shared_ptr<Reader>& reader) {
   };
 }
 
+/// A stream that was cut between two messages looks like one that was closed without the marker of
+/// its end, which every writer of files puts there.
+::arrow::Status check_end_of_stream(::arrow::io::RandomAccessFile& file) {
+  constexpr std::string_view kMarker("\xFF\xFF\xFF\xFF\0\0\0\0", 8);
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t end, file.Tell());
+  const auto size = static_cast<std::int64_t>(kMarker.size());
+  ARROW_ASSIGN_OR_RAISE(const auto last, file.ReadAt(std::max<std::int64_t>(end - size, 0), size));
+  if (std::string_view(*last) == kMarker) return ::arrow::Status::OK();
+  return ::arrow::Status::Invalid("the stream is truncated: the marker of its end is missing");
+}
+
 }  // namespace
 
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
@@ -75,7 +88,12 @@ auto batches_of(const std::shared_ptr<Reader>& reader) {
 
 ::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options) {
   ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(file));
-  return select(*reader->schema(), options, batches_of(reader));
+  auto next = [file, pull = batches_of(reader)]() -> BatchResult {
+    ARROW_ASSIGN_OR_RAISE(Batch batch, pull());
+    if (batch == nullptr) ARROW_RETURN_NOT_OK(check_end_of_stream(*file));
+    return batch;
+  };
+  return select(*reader->schema(), options, std::move(next));
 }
 
 ::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options) {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -27,7 +28,21 @@ mode_t mode_for(const std::string& path) {
   return 0666U & ~mask;
 }
 
+/// Where links lead to, be there a file or not. As many as the system follows.
+std::string behind_links(const std::string& path) {
+  std::filesystem::path target = path;
+  std::error_code error;
+  for (int i = 0; i < 40 && std::filesystem::is_symlink(target, error); ++i) {
+    const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+    if (error) break;
+    target = target.parent_path() / next;
+  }
+  return target;
+}
+
 }  // namespace
+
+Sink::Sink(std::string path) : path_(std::move(path)), target_(behind_links(path_)) {}
 
 ::arrow::Result<std::unique_ptr<Sink>> Sink::open(const std::string& path,
                                                   const std::string& input) {
@@ -56,7 +71,9 @@ Sink::~Sink() {
 
 ::arrow::Status Sink::check_target(const std::string& input) const {
   struct stat target = {};
-  if (::stat(path_.c_str(), &target) != 0) return ::arrow::Status::OK();  // it is new
+  if (::stat(path_.c_str(), &target) != 0) {
+    return errno == ENOENT ? ::arrow::Status::OK() : last_error();  // it is new
+  }
   struct stat source = {};
   if (::stat(input.c_str(), &source) == 0 && source.st_dev == target.st_dev &&
       source.st_ino == target.st_ino) {
@@ -69,7 +86,7 @@ Sink::~Sink() {
 /// Beside the target, so that it can be renamed; under a name that nobody has.
 ::arrow::Status Sink::create_part() {
   constexpr std::string_view kSuffix = ".part";
-  std::string name = path_ + ".XXXXXX" + std::string(kSuffix);
+  std::string name = target_ + ".XXXXXX" + std::string(kSuffix);
   const int file = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
   if (file < 0) return last_error();
   part_ = std::move(name);
@@ -86,7 +103,7 @@ Sink::~Sink() {
   ARROW_RETURN_NOT_OK(encoder_.close());
   if (::fsync(output_->file_descriptor()) != 0) return last_error();
   ARROW_RETURN_NOT_OK(output_->Close());
-  if (std::rename(part_.c_str(), path_.c_str()) != 0) return last_error();
+  if (std::rename(part_.c_str(), target_.c_str()) != 0) return last_error();
   part_.clear();
   return ::arrow::Status::OK();
 }

@@ -13,7 +13,8 @@
 namespace numera::tools {
 
 /// A file that appears only when it is complete: it is written beside its target and renamed at the
-/// end. Until then, and after any failure, an existing target stays as it is.
+/// end. Until then, and after any failure, an existing target stays as it is. A link stays a link:
+/// what it leads to is the target.
 class Sink {
  public:
   /// The end of `path` says which format is written. `input` is the file that is read: writing over
@@ -32,7 +33,7 @@ class Sink {
   ::arrow::Status finish();
 
  private:
-  explicit Sink(std::string path) : path_(std::move(path)) {}
+  explicit Sink(std::string path);
 
   ::arrow::Status check_target(const std::string& input) const;
   ::arrow::Status create_part();
@@ -40,7 +41,8 @@ class Sink {
   ::arrow::Status name_target(const ::arrow::Status& status) const;
 
   std::string path_;
-  std::string part_;  ///< empty while there is none
+  std::string target_;  ///< the file behind the links that `path_` may be
+  std::string part_;    ///< empty while there is none
   std::shared_ptr<::arrow::io::FileOutputStream> output_;
   Encoder encoder_;
 };

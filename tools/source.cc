@@ -67,6 +67,37 @@ bool looks_like_csv(std::string_view start, bool whole) {
   return ::arrow::Status::OK();
 }
 
+struct Version {
+  off_t size;
+  std::int64_t seconds;
+  std::int64_t nanoseconds;
+
+  bool operator==(const Version&) const = default;
+};
+
+::arrow::Result<Version> version_of(const ::arrow::io::ReadableFile& file) {
+  struct stat found = {};
+  if (::fstat(file.file_descriptor(), &found) != 0)
+    return ::arrow::Status::IOError(std::generic_category().message(errno));
+  return Version{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
+}
+
+/// Refuses, behind the last batch, what has become another file since `opened`: a CSV that lost
+/// lines is one, too.
+Source unless_changed(Source source, std::shared_ptr<::arrow::io::ReadableFile> file,
+                      const Version& opened) {
+  auto pull = std::move(source.next);
+  source.next = [pull = std::move(pull), file = std::move(file),
+                 opened]() -> ::arrow::Result<std::shared_ptr<::arrow::RecordBatch>> {
+    ARROW_ASSIGN_OR_RAISE(auto batch, pull());
+    if (batch != nullptr) return batch;
+    ARROW_ASSIGN_OR_RAISE(const Version read, version_of(*file));
+    if (read != opened) return ::arrow::Status::IOError("it changed while it was read");
+    return nullptr;
+  };
+  return source;
+}
+
 /// Cuts batches that are larger than asked for.
 Source in_batches_of(Source source, std::int64_t rows) {
   auto pull = std::move(source.next);
@@ -90,9 +121,11 @@ Source in_batches_of(Source source, std::int64_t rows) {
 ::arrow::Result<Source> open_source(const std::string& path, const SourceOptions& options) {
   ARROW_RETURN_NOT_OK(check_is_file(path));
   ARROW_ASSIGN_OR_RAISE(const auto file, ::arrow::io::ReadableFile::Open(path));
+  ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
   ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
   ARROW_RETURN_NOT_OK(file->Seek(0));  // what reads from front to end has looked at nothing yet
   ARROW_ASSIGN_OR_RAISE(Source source, open(file, options));
+  source = unless_changed(std::move(source), file, opened);
   return in_batches_of(std::move(source), options.batch_rows);
 }
 

@@ -1,7 +1,10 @@
 #include "tools/text_table.h"
 
+#include <arrow/util/utf8.h>
+
 #include <algorithm>
 #include <ostream>
+#include <string_view>
 #include <utility>
 
 namespace numera::tools {
@@ -13,12 +16,24 @@ size_t width_of(const std::string& text) {
       text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
-bool is_control(char byte) { return static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F; }
+unsigned to_number(char byte) { return static_cast<unsigned char>(byte); }
+
+/// The bytes of the first character, where it is one that a terminal shows and does not obey; 0 of
+/// a control character, of C1 too, and of what is no UTF-8.
+size_t length_of_shown(std::string_view text) {
+  const unsigned first = to_number(text.front());
+  if (first < 0x80U) return first < 0x20U || first == 0x7FU ? 0 : 1;
+  const size_t length = first < 0xE0U ? 2 : first < 0xF0U ? 3 : 4;
+  const std::string_view character = text.substr(0, length);
+  if (character.size() < length || !::arrow::util::ValidateUTF8(character)) return 0;
+  const bool is_c1 = first == 0xC2U && to_number(character[1]) < 0xA0U;
+  return is_c1 ? 0 : length;
+}
 
 }  // namespace
 
 void TextTable::add(std::vector<std::string> cells) {
-  for (std::string& cell : cells) cell = one_line(std::move(cell));
+  for (std::string& cell : cells) cell = one_line(cell);
   rows_.push_back(std::move(cells));
 }
 
@@ -38,9 +53,19 @@ void TextTable::print(std::ostream& out, bool colour) const {
   }
 }
 
-std::string one_line(std::string text) {
-  std::ranges::replace_if(text, is_control, '?');
-  return text;
+std::string one_line(std::string_view text) {
+  ::arrow::util::InitializeUTF8();  // until then everything is valid
+  std::string line;
+  while (!text.empty()) {
+    const size_t length = length_of_shown(text);
+    if (length == 0) {
+      line += '?';
+    } else {
+      line += text.substr(0, length);
+    }
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return line;
 }
 
 std::string grouped(long long number) {

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,8 +23,9 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-/// The text with "?" for every control character, which would break a line.
-std::string one_line(std::string text);
+/// The text with "?" for every byte of a control character, which would break a line or command a
+/// terminal, and of what is no UTF-8.
+std::string one_line(std::string_view text);
 
 /// 1234567 as "1,234,567".
 std::string grouped(long long number);

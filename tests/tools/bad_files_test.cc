@@ -82,8 +82,29 @@ TEST_F(BadFiles, AFileThatMayNotBeReadIsNamed) {
 TEST_F(BadFiles, ANameThatIsNotPrintableStaysOnOneLine) {
   const std::string file = folder_.path("a\nb\x1b[1m\xFF");
   const Outcome expected{
-      1, "", "numera-arrow: " + folder_.path("a?b?[1m\xFF") + ": No such file or directory\n"};
+      1, "", "numera-arrow: " + folder_.path("a?b?[1m?") + ": No such file or directory\n"};
   EXPECT_EQ(run_program({"convert", file}), expected);
+}
+
+TEST_F(BadFiles, ANameNeverCommandsATerminal) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"c1 \xC2\x9B 31m", "c1 ?? 31m"},  // the one-character form of ESC [
+      {"\xC2\xA0 \xC3\xA4", "\xC2\xA0 \xC3\xA4"},
+      {"lone \x9B", "lone ?"},
+      {"surrogate \xED\xA0\x80", "surrogate ???"},
+      {"cut \xF0\x9F\x98", "cut ???"},
+      {"face \xF0\x9F\x98\x80", "face \xF0\x9F\x98\x80"}};
+  for (const auto& [name, shown] : cases) {
+    const Outcome expected{
+        1, "", "numera-arrow: " + folder_.path(shown) + ": No such file or directory\n"};
+    EXPECT_EQ(run_program({"convert", folder_.path(name)}), expected);
+  }
+}
+
+TEST_F(BadFiles, ANameThatOpensWithADashIsReadBehindTwo) {
+  EXPECT_EQ(run_program({"convert", "-x"}).exit_status, 2);
+  const Outcome expected{1, "", "numera-arrow: -x: No such file or directory\n"};
+  EXPECT_EQ(run_program({"convert", "--", "-x"}), expected);
 }
 
 TEST_F(BadFiles, ANameOfAnyBytesIsRead) {
@@ -161,6 +182,13 @@ TEST_F(BadFiles, ATruncatedIpcStreamIsRefused) {
     std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
     expect_refusal(file, reason);
   }
+}
+
+TEST_F(BadFiles, AnIpcStreamThatIsCutBetweenTwoMessagesIsRefused) {
+  const std::string file = folder_.path("numbers.stream");
+  write_ipc_stream(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
+  std::filesystem::resize_file(file, std::filesystem::file_size(file) - 8);
+  expect_refusal(file, "the stream is truncated: the marker of its end is missing");
 }
 
 TEST_F(BadFiles, RowsOfACsvThatHaveOtherColumnsAreNamed) {

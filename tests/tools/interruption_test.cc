@@ -6,9 +6,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <thread>
 
+#include "tests/tools/damage.h"
 #include "tests/tools/program.h"
 
 namespace numera::testing {
@@ -37,13 +39,13 @@ class Interruption : public ::testing::Test {
     return "";
   }
 
-  /// Until some batches have been written beside the output.
-  void wait_for_part() const {
+  /// Until so many bytes have been written beside the output.
+  void wait_for_part(std::uintmax_t bytes = 100000) const {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (part().empty() || fs::file_size(folder_.path(part())) < 100000) {
+    while (part().empty() || fs::file_size(folder_.path(part())) < bytes) {
       if (std::chrono::steady_clock::now() > deadline)
         throw std::runtime_error("no part is written");
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
   }
 
@@ -72,7 +74,7 @@ TEST_F(Interruption, EndsWhereEveryColumnIsRefused) {
   std::vector<std::shared_ptr<::arrow::Table>> tables(50000, half);
   write_ipc(file, *::arrow::ConcatenateTables(tables).ValueOrDie());
   RunningProgram program({"convert", file, "--output", output_});
-  while (part().empty()) std::this_thread::yield();
+  wait_for_part(0);
   program.send(SIGINT);
   const Outcome expected{130, "", "numera-arrow: " + file + ": interrupted\n"};
   EXPECT_EQ(program.wait(), expected);
@@ -85,6 +87,42 @@ TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
   EXPECT_EQ(program.wait().exit_status, -1);
   EXPECT_EQ(read_text(output_), "older");
   EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
+}
+
+TEST_F(Interruption, ByATruncationOfTheInputLeavesTheOutputIntact) {
+  RunningProgram program(convert());
+  wait_for_part();
+  fs::resize_file(file_, fs::file_size(file_) - 8 * 100000);  // whole lines
+  const Outcome expected{1, "", "numera-arrow: " + file_ + ": it changed while it was read\n"};
+  EXPECT_EQ(program.wait(), expected);
+  EXPECT_EQ(read_text(output_), "older");
+  EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
+}
+
+/// At any moment, between the start of the program and behind its end: what stands under the name
+/// is all of the old or all of the new.
+TEST_F(Interruption, ByForceAtAnyMomentLeavesOneOfTwoWholeOutputs) {
+  const std::string file = folder_.path("few.csv");
+  write_text(file, "a,b\n1,2\n3,4\n");
+  const auto expected =
+      table_of({{"a", ::arrow::int64(), "[1, 3]"}, {"b", ::arrow::int64(), "[2, 4]"}});
+  const std::vector<std::string> arguments = {"convert", file, "--output", output_};
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(run_program(arguments).exit_status, 0);
+  const auto whole = std::chrono::steady_clock::now() - start;
+  std::mt19937 dice(1);
+  const std::uint64_t kills = rounds(15, 300);
+  for (std::uint64_t round = 0; round < kills; ++round) {
+    SCOPED_TRACE(round);
+    write_text(output_, "older");
+    RunningProgram program(arguments);
+    std::this_thread::sleep_for(whole * static_cast<int>(dice() % 110) / 100);
+    program.send(SIGKILL);
+    program.wait();
+    if (read_text(output_) != "older") {
+      EXPECT_TRUE(read_ipc(output_)->Equals(*expected));
+    }
+  }
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+
 #include "tests/tools/program.h"
 
 namespace numera::testing {
@@ -59,6 +61,28 @@ TEST_F(Output, IsParquetWhichHasNoSeconds) {
   convert("back.parquet", {"--batch-rows", "2"});
   expect_equal(*read_parquet(folder_.path("back.parquet")),
                *what_comes(::arrow::TimeUnit::MILLI, "000"));
+}
+
+TEST_F(Output, IsWrittenToWhatALinkLeadsTo) {
+  write_ipc(file_, *what_goes());
+  std::filesystem::create_directory(folder_.path("there"));
+  std::filesystem::create_symlink("there/old.arrow", folder_.path("old.arrow"));
+  std::filesystem::create_symlink("there/new.arrow", folder_.path("new.arrow"));
+  write_text(folder_.path("there/old.arrow"), "older");
+  for (const char* name : {"old.arrow", "new.arrow"}) {
+    SCOPED_TRACE(name);
+    convert(name);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_.path(name)));
+    expect_equal(*read_ipc(folder_.path(std::string("there/") + name)),
+                 *what_comes(::arrow::TimeUnit::SECOND, ""));
+  }
+}
+
+TEST_F(Output, HasANameOfAnyBytes) {
+  write_ipc(file_, *what_goes());
+  const std::string name = "a\nb \x1b[1m\xFF'\".arrow";
+  convert(name);
+  EXPECT_EQ(folder_.names(), (std::vector<std::string>{name, "a_file"}));
 }
 
 TEST_F(Output, HoldsTheColumnsAskedForInTheirOrder) {

@@ -34,12 +34,16 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   return pointers;
 }
 
+void limit(int resource, const std::optional<std::uint64_t>& most) {
+  if (!most) return;
+  const rlimit both{*most, *most};
+  if (::setrlimit(resource, &both) != 0) ::_exit(126);
+}
+
 /// Between fork and exec.
 void apply(const RunOptions& options) {
-  if (options.file_size) {
-    const rlimit limit{*options.file_size, *options.file_size};
-    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(126);
-  }
+  limit(RLIMIT_FSIZE, options.file_size);
+  limit(RLIMIT_CPU, options.cpu_seconds);
   if (options.unprivileged && ::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(126);
 }
 

@@ -28,8 +28,9 @@ void PrintTo(const Outcome& run, std::ostream* stream);
 
 struct RunOptions {
   std::string out = {};  ///< a file for standard output, which is not read then
-  std::optional<std::uint64_t> file_size = {};  ///< most bytes of a file that it writes
-  bool unprivileged = false;                    ///< as nobody, where the tests run as root
+  std::optional<std::uint64_t> file_size = {};    ///< most bytes of a file that it writes
+  std::optional<std::uint64_t> cpu_seconds = {};  ///< a signal ends what takes longer
+  bool unprivileged = false;                      ///< as nobody, where the tests run as root
 };
 
 /// The program while it runs. Ends it where nobody has waited for it.

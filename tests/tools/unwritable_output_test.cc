@@ -68,6 +68,11 @@ TEST_F(UnwritableOutput, ItIsALinkToTheInput) {
   expect_refusal(folder_.path("hard.arrow"), "it is the file that is read");
 }
 
+TEST_F(UnwritableOutput, ItIsALinkThatLeadsToItself) {
+  std::filesystem::create_symlink("loop.arrow", folder_.path("loop.arrow"));
+  expect_refusal(folder_.path("loop.arrow"), "Too many levels of symbolic links");
+}
+
 TEST_F(UnwritableOutput, ItIsADirectory) {
   std::filesystem::create_directory(folder_.path("folder.arrow"));
   expect_refusal(folder_.path("folder.arrow"), "it is not a regular file");

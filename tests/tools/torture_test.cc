@@ -1,0 +1,120 @@
+// Files that are damaged at random: each is converted, or refused by one line, and never ends the
+// program by a signal.
+
+#include <arrow/io/file.h>
+#include <arrow/ipc/writer.h>
+#include <arrow/util/compression.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <parquet/arrow/writer.h>
+
+#include "tests/tools/damage.h"
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+using ::testing::AnyOf;
+using ::testing::StartsWith;
+
+/// A damaged number may ask for more work than there is time: then the program is ended by a
+/// signal, which fails the test.
+constexpr std::uint64_t kMostSeconds = 60;
+
+/// A column of every layout, some in two chunks.
+std::shared_ptr<::arrow::Table> many_layouts() {
+  const auto table = table_of(
+      {{"i", ::arrow::int64(), "[1, null, 3]"},
+       {"b", ::arrow::boolean(), "[true, null, false]"},
+       {"t", ::arrow::utf8(), R"(["text", null, "täxt"])"},
+       {"y", ::arrow::large_binary(), R"(["bytes", null, ""])"},
+       {"x", ::arrow::fixed_size_binary(2), R"(["ab", null, "cd"])"},
+       {"s", ::arrow::timestamp(::arrow::TimeUnit::MILLI, "UTC"), "[1, null, 3]"},
+       {"d", ::arrow::dictionary(::arrow::int32(), ::arrow::utf8()), R"(["a", null, "b"])"},
+       {"l", ::arrow::list(::arrow::int8()), "[[1, 2], null, [3]]"},
+       {"m", ::arrow::map(::arrow::utf8(), ::arrow::int32()), R"([[["k", 1]], null, []])"},
+       {"r", ::arrow::struct_({::arrow::field("f", ::arrow::float32())}),
+        R"([{"f": 1.5}, null, {"f": null}])"},
+       {"n", ::arrow::null(), "[null, null, null]"}});
+  return ::arrow::ConcatenateTables({table, table}).ValueOrDie();
+}
+
+/// Without checksums: what is damaged is found by nothing but the reading of it.
+void write_plain_parquet(const std::string& path, const ::arrow::Table& table) {
+  const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
+  const auto properties =
+      parquet::WriterProperties::Builder().compression(::arrow::Compression::SNAPPY)->build();
+  ASSERT_TRUE(
+      parquet::arrow::WriteTable(table, ::arrow::default_memory_pool(), file, 3, properties).ok());
+  ASSERT_TRUE(file->Close().ok());
+}
+
+void write_checked_parquet(const std::string& path, const ::arrow::Table& table) {
+  write_parquet(path, table, 3);
+}
+
+void write_compressed_ipc(const std::string& path, const ::arrow::Table& table) {
+  const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
+  auto options = ::arrow::ipc::IpcWriteOptions::Defaults();
+  options.codec = ::arrow::util::Codec::Create(::arrow::Compression::ZSTD).ValueOrDie();
+  const auto writer = ::arrow::ipc::MakeFileWriter(file, table.schema(), options).ValueOrDie();
+  ASSERT_TRUE(writer->WriteTable(table).ok());
+  ASSERT_TRUE(writer->Close().ok());
+  ASSERT_TRUE(file->Close().ok());
+}
+
+struct Kind {
+  const char* name;
+  void (*write)(const std::string&, const ::arrow::Table&);
+};
+
+void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
+
+class DamagedFile : public ::testing::TestWithParam<Kind> {
+ protected:
+  /// Status 0 and a new output, or status 1, one line, and the output as it was.
+  void expect_answer() {
+    write_text(output_, "older");
+    const auto before = folder_.names();
+    const Outcome run = run_program({"convert", file_, "--cast", "--output", output_},
+                                    {.cpu_seconds = kMostSeconds});
+    ASSERT_THAT(run.exit_status, AnyOf(0, 1)) << ::testing::PrintToString(run);
+    if (run.exit_status == 0) {
+      EXPECT_EQ(run.errors, "");
+      EXPECT_THAT(read_text(output_), StartsWith("ARROW1"));
+    } else {
+      // A sanitizer has lines of its own about allocations that are too large.
+      const std::string line = line_that_starts(run.errors, "numera-arrow: " + file_ + ": ");
+      EXPECT_NE(line, "") << ::testing::PrintToString(run);
+      EXPECT_TRUE(run.errors == line + "\n" || run.errors.starts_with("==")) << run.errors;
+      EXPECT_EQ(read_text(output_), "older");
+    }
+    EXPECT_EQ(folder_.names(), before);
+  }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.path("damaged");
+  std::string output_ = folder_.path("back.arrow");
+};
+
+TEST_P(DamagedFile, IsConvertedOrRefusedByOneLine) {
+  GetParam().write(file_, *many_layouts());
+  const std::string whole = read_text(file_);
+  const std::uint64_t damages = rounds(20, 1000);
+  for (std::uint64_t seed = 0; seed < damages; ++seed) {
+    SCOPED_TRACE(seed);
+    write_text(file_, damaged(whole, seed));
+    expect_answer();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, DamagedFile,
+                         ::testing::Values(Kind{"IpcFile", write_ipc},
+                                           Kind{"CompressedIpcFile", write_compressed_ipc},
+                                           Kind{"IpcStream", write_ipc_stream},
+                                           Kind{"Parquet", write_checked_parquet},
+                                           Kind{"ParquetWithoutChecksums", write_plain_parquet}),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+}  // namespace
+}  // namespace numera::testing
