@@ -86,6 +86,27 @@ TEST_F(Reuse, LeavesNoValueInTheSlotsOfANewContainer) {
   for (size_t i = 0; i < 8000; ++i) ASSERT_EQ(hxGetCell(cell.get(), i), nullptr);
 }
 
+TEST_F(Reuse, GivesEachStructTheNamesItWasMadeWith) {
+  const Dims dims{1, 1};
+  const hxArrayPtr first = hxCreateStructArray(dims, Names{"type", "data"});
+  const hxArrayPtr same_count = hxCreateStructArray(dims, Names{"type", "date"});
+  const hxArrayPtr swapped = hxCreateStructArray(dims, Names{"data", "type"});
+  const hxArrayPtr again = hxCreateStructArray(dims, Names{"type", "data"});
+  for (const hxArray* const array : {first.get(), again.get()}) {
+    EXPECT_STREQ(hxGetFieldName(array, 0), "type");
+    EXPECT_STREQ(hxGetFieldName(array, 1), "data");
+  }
+  EXPECT_STREQ(hxGetFieldName(same_count.get(), 1), "date");
+  EXPECT_STREQ(hxGetFieldName(swapped.get(), 0), "data");
+}
+
+TEST_F(Reuse, RefusesANullNameAfterAStructOfTheSameShape) {
+  const hxArrayPtr named = hxCreateStructArray(Dims{1, 1}, Names{"type", "data"});
+  EXPECT_EQ(thrown<std::invalid_argument>(
+                [] { hxCreateStructArray(Dims{1, 1}, Names{"type", nullptr}); }),
+            "Field name is null.");
+}
+
 TEST_F(Reuse, NeverKeepsMoreThanTheBound) {
   std::vector<hxArrayPtr> arrays;
   for (size_t taken = 0; taken <= kMaxKeptBytes + 100 * kMiB; taken += 20 * kMiB) {

@@ -21,7 +21,9 @@
 namespace numera::host::memory {
 namespace {
 
-thread_local constinit std::optional<size_t> allocations_until_failure;
+// Asked at every allocation, therefore reached without a call (thread_cache.cc).
+[[gnu::tls_model(
+    "initial-exec")]] thread_local constinit std::optional<size_t> allocations_until_failure;
 
 // Room in front of a block of `allocate` for its size, as aligned as the block has to be.
 constexpr size_t kPrefix = alignof(std::max_align_t);

@@ -1,4 +1,7 @@
 #include <array>
+#include <cstring>
+#include <new>
+#include <utility>
 
 #include "numera/host/memory/layout.h"
 
@@ -16,18 +19,29 @@ struct Remembered {
 
 // Enough for byte strings of every short length at once.
 constexpr size_t kPlaces = 256;
-thread_local constinit std::array<Remembered, kPlaces> remembered{};
+using Places = std::array<Remembered, kPlaces>;
+// Null before this thread's first use and after its end. As in thread_cache.cc, the pointer is
+// reached without a call.
+[[gnu::tls_model("initial-exec")]] thread_local constinit Places* remembered = nullptr;
 thread_local constinit bool ended = false;
 
-// Names are not compared: only what has none is remembered.
+// Structs that stand for columns have a few names. More of them would take longer to compare, and
+// more memory to remember.
+constexpr size_t kMostNames = 8;
+
 bool is_remembered(const Description& description) {
-  return !kSeparateBlocks && description.field_names.empty() && description.class_name != nullptr;
+  return !kSeparateBlocks && description.field_names.size() <= kMostNames &&
+         description.class_name != nullptr;
 }
 
-Remembered& place_of(hxClassID class_id, std::span<const size_t> dims) {
-  size_t sum = static_cast<size_t>(class_id);
+Remembered& place_of(hxClassID class_id, std::span<const size_t> dims, size_t name_count) {
+  size_t sum = static_cast<size_t>(class_id) + 16 * name_count;
   for (const size_t dim : dims) sum += dim;
-  return remembered[sum % kPlaces];
+  return (*remembered)[sum % kPlaces];
+}
+
+Remembered& place_of(const Layout& layout) {
+  return place_of(layout.class_id, layout.dims, layout.field_names.size());
 }
 
 // Dimensions are few: a call to compare them costs more than they do.
@@ -39,10 +53,19 @@ bool equal(std::span<const size_t> a, std::span<const size_t> b) {
   return true;
 }
 
+// A name may be null, which a layout never has.
+bool equal(std::span<const char* const> names, std::span<const char* const> wanted) {
+  if (names.size() != wanted.size()) return false;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (wanted[i] == nullptr || std::strcmp(names[i], wanted[i]) != 0) return false;
+  }
+  return true;
+}
+
 bool describes(const Description& description, const Layout& layout) {
   return layout.class_id == description.class_id && layout.content == description.content &&
          layout.complex == description.complex && layout.sparse == description.sparse &&
-         equal(layout.dims, description.dims);
+         equal(layout.dims, description.dims) && equal(layout.field_names, description.field_names);
 }
 
 void drop_holds(Layout* layout, size_t holds) noexcept {
@@ -60,6 +83,7 @@ void forget(Remembered& place) noexcept {
 struct EndOfThread {
   ~EndOfThread() {
     forget_layouts();
+    delete std::exchange(remembered, nullptr);
     ended = true;
   }
 };
@@ -68,9 +92,18 @@ Layout* make_layout(const Description& description, size_t element_count, size_t
   return build_layout(take_block(layout_size(description)), description, element_count, holders);
 }
 
-void remember(Remembered& place, const Description& description, size_t element_count) {
+// Whether this thread remembers layouts from now on: not after its end, and not without memory.
+[[gnu::noinline]] bool begin_to_remember() noexcept {
+  if (ended) return false;
+  auto* const places = new (std::nothrow) Places{};
+  if (places == nullptr) return false;
   thread_local const EndOfThread end;
   static_cast<void>(&end);
+  remembered = places;
+  return true;
+}
+
+void remember(Remembered& place, const Description& description, size_t element_count) {
   Layout* const layout = make_layout(description, element_count, kHoldsInStock);
   forget(place);
   place = {layout, kHoldsInStock};
@@ -89,10 +122,11 @@ HeldLayout hold_from_stock(Remembered& place) noexcept {
 }  // namespace
 
 HeldLayout hold_layout(const Description& description, size_t element_count) {
-  if (!is_remembered(description) || ended) {
+  if (!is_remembered(description) || (remembered == nullptr && !begin_to_remember())) {
     return HeldLayout(make_layout(description, element_count, 1));
   }
-  Remembered& place = place_of(description.class_id, description.dims);
+  Remembered& place =
+      place_of(description.class_id, description.dims, description.field_names.size());
   if (place.layout == nullptr || !describes(description, *place.layout)) {
     remember(place, description, element_count);
   }
@@ -100,23 +134,28 @@ HeldLayout hold_layout(const Description& description, size_t element_count) {
 }
 
 HeldLayout hold_same_layout(Layout* layout) noexcept {
-  Remembered& place = place_of(layout->class_id, layout->dims);
-  if (place.layout == layout) return hold_from_stock(place);
+  if (remembered != nullptr) {
+    Remembered& place = place_of(*layout);
+    if (place.layout == layout) return hold_from_stock(place);
+  }
   layout->holders.fetch_add(1, std::memory_order_relaxed);
   return HeldLayout(layout);
 }
 
 void drop_layout(Layout* layout) noexcept {
-  Remembered& place = place_of(layout->class_id, layout->dims);
-  if (place.layout == layout) {
-    ++place.stock;
-  } else {
-    drop_holds(layout, 1);
+  if (remembered != nullptr) {
+    Remembered& place = place_of(*layout);
+    if (place.layout == layout) {
+      ++place.stock;
+      return;
+    }
   }
+  drop_holds(layout, 1);
 }
 
 void forget_layouts() noexcept {
-  for (Remembered& place : remembered) forget(place);
+  if (remembered == nullptr) return;
+  for (Remembered& place : *remembered) forget(place);
 }
 
 }  // namespace numera::host::memory

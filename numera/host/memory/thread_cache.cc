@@ -4,7 +4,9 @@
 #include <array>
 #include <atomic>
 #include <mutex>
+#include <new>
 #include <span>
+#include <utility>
 
 #include "numera/host/memory/intrusive_list.h"
 #include "numera/host/memory/slabs.h"
@@ -31,8 +33,6 @@ void add(ThreadCount& count, std::ptrdiff_t step) {
 struct ThreadCache {
   ThreadCache* previous;
   ThreadCache* next;
-  bool active;  ///< known to the others; not so before the first use and after the end
-  bool ended;
   ThreadCount arrays;
   ThreadCount bytes;
   std::array<Shelf, kBlockSizes> shelves;
@@ -43,7 +43,11 @@ constinit IntrusiveList<ThreadCache> active_caches;
 constinit ThreadCount arrays_of_ended{0};
 constinit ThreadCount bytes_of_ended{0};
 
-thread_local constinit ThreadCache cache{};
+// Null before this thread's first use and after its end. A variable of this model is reached
+// without a call. In return, a program that loads the library late has little room for its
+// thread-local variables, all of them together: what is large stands behind a pointer.
+[[gnu::tls_model("initial-exec")]] thread_local constinit ThreadCache* cache = nullptr;
+thread_local constinit bool ended = false;
 
 void return_last(Shelf& shelf, size_t count) {
   shelf.count -= count;
@@ -54,33 +58,36 @@ struct EndOfThread {
   ~EndOfThread() {
     return_blocks_at_hand();
     const std::lock_guard lock(mutex);
-    cache.active = false;
-    cache.ended = true;
-    active_caches.remove(&cache);
-    arrays_of_ended.fetch_add(cache.arrays.load());
-    bytes_of_ended.fetch_add(cache.bytes.load());
+    ended = true;
+    active_caches.remove(cache);
+    arrays_of_ended.fetch_add(cache->arrays.load());
+    bytes_of_ended.fetch_add(cache->bytes.load());
+    delete std::exchange(cache, nullptr);
   }
 };
 
-// Whether this thread has a cache from now on.
-bool activate() {
-  if (cache.ended) return false;
-  if (!cache.active) {
-    thread_local const EndOfThread end;
-    static_cast<void>(&end);
-    const std::lock_guard lock(mutex);
-    active_caches.push_front(&cache);
-    cache.active = true;
-  }
-  return true;
+// Gives this thread a cache, unless the thread has come to its end or there is no memory.
+[[gnu::noinline]] ThreadCache* new_cache() noexcept {
+  if (ended) return nullptr;
+  auto* const made = new (std::nothrow) ThreadCache{};
+  if (made == nullptr) return nullptr;
+  thread_local const EndOfThread end;
+  static_cast<void>(&end);
+  const std::lock_guard lock(mutex);
+  active_caches.push_front(made);
+  return cache = made;
+}
+
+// Null where this thread does without.
+ThreadCache* own_cache() noexcept { return cache != nullptr ? cache : new_cache(); }
+
+void* take_one_from_slabs(size_t size_index) {
+  void* block = nullptr;
+  take_small_blocks(size_index, {&block, 1});
+  return block;
 }
 
 void* take_from_slabs(Shelf& shelf, size_t size_index) {
-  if (!activate()) {
-    void* block = nullptr;
-    take_small_blocks(size_index, {&block, 1});
-    return block;
-  }
   shelf.count = take_small_blocks(size_index, std::span(shelf.blocks).first(kAtHand / 2));
   return shelf.blocks[--shelf.count];
 }
@@ -89,14 +96,17 @@ void* take_from_slabs(Shelf& shelf, size_t size_index) {
 
 void* take_small_block(size_t bytes) {
   const size_t size_index = block_size_index(bytes);
-  Shelf& shelf = cache.shelves[size_index];
+  ThreadCache* const own = own_cache();
+  if (own == nullptr) return take_one_from_slabs(size_index);
+  Shelf& shelf = own->shelves[size_index];
   if (shelf.count == 0) return take_from_slabs(shelf, size_index);
   return shelf.blocks[--shelf.count];
 }
 
 void give_small_block(void* block, size_t bytes) noexcept {
-  if (!cache.active && !activate()) return return_small_blocks({&block, 1});
-  Shelf& shelf = cache.shelves[block_size_index(bytes)];
+  ThreadCache* const own = own_cache();
+  if (own == nullptr) return return_small_blocks({&block, 1});
+  Shelf& shelf = own->shelves[block_size_index(bytes)];
   if (shelf.count == kAtHand) {
     // The half given longest ago.
     return_small_blocks(std::span(shelf.blocks).first(kAtHand / 2));
@@ -107,19 +117,21 @@ void give_small_block(void* block, size_t bytes) noexcept {
 }
 
 void return_blocks_at_hand() noexcept {
-  for (Shelf& shelf : cache.shelves) {
+  if (cache == nullptr) return;
+  for (Shelf& shelf : cache->shelves) {
     if (shelf.count > 0) return_last(shelf, shelf.count);
   }
 }
 
 void count_live(std::ptrdiff_t arrays, std::ptrdiff_t bytes) noexcept {
-  if (!cache.active && !activate()) {
+  ThreadCache* const own = own_cache();
+  if (own == nullptr) {
     arrays_of_ended.fetch_add(arrays, std::memory_order_relaxed);
     bytes_of_ended.fetch_add(bytes, std::memory_order_relaxed);
     return;
   }
-  add(cache.arrays, arrays);
-  add(cache.bytes, bytes);
+  add(own->arrays, arrays);
+  add(own->bytes, bytes);
 }
 
 LiveCounts live_counts() noexcept {
