@@ -15,10 +15,9 @@
 namespace numera::fuzz {
 
 struct HostTree {
-  hxArrayPtr root;             ///< may be null
-  bool has_sparse = false;     ///< `first_difference` finds no two sparse arrays equal
-  bool has_odd_nan = false;    ///< a NaN whose bits a literal does not keep
-  bool repeats_field = false;  ///< a struct with two fields of one name
+  hxArrayPtr root;           ///< may be null
+  bool has_sparse = false;   ///< `first_difference` finds no two sparse arrays equal
+  bool has_odd_nan = false;  ///< a NaN whose bits a literal does not keep
 };
 
 /// A value of at most a few thousand arrays, each of at most a few thousand elements, shared copies

@@ -5,7 +5,6 @@
 #include <limits>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <utility>
 
 #include "fuzz/host_tree.h"
@@ -241,8 +240,6 @@ class Reader {
       const auto bytes = source_.take(source_.below(32));
       name.assign(bytes.begin(), std::ranges::find(bytes, std::uint8_t{0}));
     }
-    const std::unordered_set<std::string> different(names.begin(), names.end());
-    tree_.repeats_field = tree_.repeats_field || different.size() < names.size();
     std::vector<const char*> pointers;
     for (const std::string& name : names) pointers.push_back(name.c_str());
     hxArrayPtr array = class_name ? host::memory::CreateObjectArray(*class_name, dims, pointers)

@@ -95,7 +95,9 @@ const hxArray* slot_value(const hxArray* container, size_t slot) {
   if (content_of(container) == Content::kCells) return hxGetCell(container, slot);
   const size_t fields = field_count(container);
   if (fields == 0) return nullptr;
-  const char* const name = hxGetFieldName(container, static_cast<int>(slot % fields));
+  const auto field = static_cast<int>(slot % fields);
+  const char* const name = hxGetFieldName(container, field);
+  if (hxGetFieldNumber(container, name) != field) return nullptr;
   return hxGetField(container, slot / fields, name);
 }
 

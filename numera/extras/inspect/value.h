@@ -37,7 +37,8 @@ std::string index_text(std::span<const size_t> dims, size_t element);
 std::u16string_view code_units(const hxArray* array);
 
 /// The value in a slot, borrowed; null where it is empty. Slots of a struct or an object lie
-/// element by element.
+/// element by element. Fields are read by their names: null for a second one of a name, since what
+/// the first one holds would be visited twice on every level, and so 2^n times in n of them.
 const hxArray* slot_value(const hxArray* container, size_t slot);
 size_t slot_count(const hxArray* container);
 size_t field_count(const hxArray* array);

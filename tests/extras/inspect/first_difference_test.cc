@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "numera/extras/inspect/inspect.h"
+#include "numera/extras/inspect/literal.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
 
@@ -260,6 +261,21 @@ TEST(SameHostValue, PrintsTheDifferenceAndBothTrees) {
                "expected:\n"
                "struct 1x1\n"
                "  A: double 1x1 [2]");
+}
+
+/// A struct in a struct in a struct, each with two fields of one name.
+hxArrayPtr namesakes(int levels) {
+  hxArrayPtr value = Scalar(1.0);
+  for (int level = 0; level < levels; ++level) {
+    value = StructArray({1, 1}, {"a", "a"}, {{std::move(value), Scalar(2.0)}});
+  }
+  return value;
+}
+
+TEST(FirstDifference, SecondFieldsOfOneNameAreNotRead) {
+  EXPECT_EQ(first_difference(namesakes(64).get(), namesakes(64).get()), std::nullopt);
+  EXPECT_EQ(extras::print(namesakes(1).get()), "struct 1x1\n  a: double 1x1 [1]\n  a: <empty>");
+  EXPECT_EQ(extras::literal(namesakes(1).get()), "struct(a=double 1x1 [1], a=<empty>)");
 }
 
 }  // namespace
