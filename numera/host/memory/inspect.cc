@@ -15,9 +15,7 @@ bool is_numeric(const hxArray* array) noexcept {
 bool is_complex(const hxArray* array) noexcept { return array->layout->complex; }
 bool is_sparse(const hxArray* array) noexcept { return array->layout->sparse; }
 
-bool is_data_shared(const hxArray* array) noexcept {
-  return array->elements->arrays() > 1;
-}
+bool is_data_shared(const hxArray* array) noexcept { return array->elements->arrays() > 1; }
 
 size_t get_element_size(const hxArray* array) noexcept { return array->layout->element_bytes; }
 size_t get_number_of_elements(const hxArray* array) noexcept {
