@@ -54,6 +54,35 @@ auto batches_of(const std::shared_ptr<Reader>& reader) {
   return ::arrow::Status::Invalid("the stream is truncated: the marker of its end is missing");
 }
 
+using CsvReader = std::shared_ptr<::arrow::csv::StreamingReader>;
+
+::arrow::Result<CsvReader> open_csv_reader(const File& file, int skipped_lines,
+                                           bool ignore_empty_lines) {
+  auto read = ::arrow::csv::ReadOptions::Defaults();
+  read.use_threads = false;
+  read.skip_rows = skipped_lines;
+  auto parse = ::arrow::csv::ParseOptions::Defaults();
+  parse.newlines_in_values = true;
+  parse.ignore_empty_lines = ignore_empty_lines;
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
+  ARROW_ASSIGN_OR_RAISE(auto whole, ::arrow::io::RandomAccessFile::GetStream(file, 0, size));
+  return ::arrow::csv::StreamingReader::Make(::arrow::io::default_io_context(), std::move(whole),
+                                             read, parse, ::arrow::csv::ConvertOptions::Defaults());
+}
+
+/// In a CSV of one column an empty line is a null, but none before the heading.
+::arrow::Result<int> empty_lines_before_heading(::arrow::io::RandomAccessFile& file) {
+  constexpr std::int64_t kMostBytes = 1 << 16;
+  ARROW_ASSIGN_OR_RAISE(const auto start, file.ReadAt(0, kMostBytes));
+  const std::string_view text(*start);
+  int lines = 0;
+  for (std::size_t i = 0; i < text.size() && (text[i] == '\n' || text[i] == '\r'); ++i) {
+    const bool is_pair = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+    if (!is_pair) ++lines;
+  }
+  return lines;
+}
+
 }  // namespace
 
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
@@ -97,12 +126,11 @@ auto batches_of(const std::shared_ptr<Reader>& reader) {
 }
 
 ::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options) {
-  auto read = ::arrow::csv::ReadOptions::Defaults();
-  read.use_threads = false;
-  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::csv::StreamingReader::Make(
-                                               ::arrow::io::default_io_context(), file, read,
-                                               ::arrow::csv::ParseOptions::Defaults(),
-                                               ::arrow::csv::ConvertOptions::Defaults()));
+  ARROW_ASSIGN_OR_RAISE(auto reader, open_csv_reader(file, 0, true));
+  if (reader->schema()->num_fields() == 1) {
+    ARROW_ASSIGN_OR_RAISE(const int skipped, empty_lines_before_heading(*file));
+    ARROW_ASSIGN_OR_RAISE(reader, open_csv_reader(file, skipped, false));
+  }
   return select(*reader->schema(), options, batches_of(reader));
 }
 

@@ -20,8 +20,9 @@ x is one of
 
 Everything is validated once and copied; x is only read. With cast=True values that have no host
 form (decimals, half floats, intervals, views, list views, fixed-size lists, run-end encoded and
-extension values) are cast where there is a rule for it. The data frames of polars hold text as
-views: convert them with cast=True.
+extension values) are cast where there is a rule for it. Views and list views of other libraries
+than pyarrow, which polars holds text as, become plain text, bytes and lists without being asked:
+nothing is lost by that.
 
 Raises pyarrow.ArrowTypeError for a type without host form, pyarrow.ArrowInvalid for data that is
 not valid, OSError for a stream that fails, TypeError for any other x, MemoryError. Where a column

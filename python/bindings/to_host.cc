@@ -32,19 +32,28 @@ namespace py = ::arrow::py;
 constexpr const char* kCastNote =
     "numera.to_host(x, cast=True) casts what has no host form, as far as there is a rule for it.";
 
+/// Objects of pyarrow have views where a user asked for them; other libraries have no plain text.
+extras::IntakeOptions from_outside(bool cast) { return {.cast = cast, .views = true}; }
+
 template <class T>
-::arrow::Result<hxArrayPtr> take_in_and_convert(const std::shared_ptr<T>& value, bool cast) {
-  ARROW_ASSIGN_OR_RAISE(auto taken, extras::take_in(value, {cast}));
+::arrow::Result<hxArrayPtr> take_in_and_convert(const std::shared_ptr<T>& value,
+                                                const extras::IntakeOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto taken, extras::take_in(value, options));
   return core::to_numera(std::move(taken.value));
 }
 
+HostValue adopt_result(::arrow::Result<hxArrayPtr> result, bool cast) {
+  const bool casts_help = !cast && result.status().IsTypeError();
+  return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : nullptr));
+}
+
 template <class T>
-HostValue convert(const std::shared_ptr<T>& value, bool cast) {
+HostValue convert(const std::shared_ptr<T>& value, const extras::IntakeOptions& options) {
   ::arrow::Result<hxArrayPtr> result = [&] {
     const Unlocked unlocked;
-    return take_in_and_convert(value, cast);
+    return take_in_and_convert(value, options);
   }();
-  return adopt(value_or_raise(std::move(result), cast ? nullptr : kCastNote));
+  return adopt_result(std::move(result), options.cast);
 }
 
 /// A column for each field of the rows; rows that are null are null in all of them.
@@ -69,9 +78,10 @@ HostValue convert(const std::shared_ptr<T>& value, bool cast) {
 ::arrow::Result<hxArrayPtr> convert_stream(ArrowArrayStream* stream, bool cast) {
   ARROW_ASSIGN_OR_RAISE(const std::shared_ptr<::arrow::ChunkedArray> chunks,
                         ::arrow::ImportChunkedArray(stream));
-  if (chunks->type()->id() != ::arrow::Type::STRUCT) return take_in_and_convert(chunks, cast);
+  if (chunks->type()->id() != ::arrow::Type::STRUCT)
+    return take_in_and_convert(chunks, from_outside(cast));
   ARROW_ASSIGN_OR_RAISE(const std::shared_ptr<::arrow::Table> table, table_of(*chunks));
-  return take_in_and_convert(table, cast);
+  return take_in_and_convert(table, from_outside(cast));
 }
 
 template <class T>
@@ -87,7 +97,7 @@ HostValue from_stream(nb::handle capsule, bool cast) {
     const Unlocked unlocked;
     return convert_stream(stream, cast);
   }();
-  return adopt(value_or_raise(std::move(result), cast ? nullptr : kCastNote));
+  return adopt_result(std::move(result), cast);
 }
 
 HostValue from_array(const nb::object& capsules, bool cast) {
@@ -96,7 +106,7 @@ HostValue from_array(const nb::object& capsules, bool cast) {
   }
   auto* schema = content<ArrowSchema>(nb::object(capsules[0]), "arrow_schema");
   auto* array = content<ArrowArray>(nb::object(capsules[1]), "arrow_array");
-  return convert(value_or_raise(::arrow::ImportArray(array, schema)), cast);
+  return convert(value_or_raise(::arrow::ImportArray(array, schema)), from_outside(cast));
 }
 
 /// Memory of Python, borrowed.
@@ -123,13 +133,13 @@ HostValue from_bytes(nb::handle object) {
 /// Objects of pyarrow itself, without a way through capsules.
 std::optional<HostValue> from_pyarrow(nb::handle x, bool cast) {
   PyObject* object = x.ptr();
-  if (py::is_array(object)) return convert(value_or_raise(py::unwrap_array(object)), cast);
+  if (py::is_array(object)) return convert(value_or_raise(py::unwrap_array(object)), {cast});
   if (py::is_chunked_array(object))
-    return convert(value_or_raise(py::unwrap_chunked_array(object)), cast);
-  if (py::is_table(object)) return convert(value_or_raise(py::unwrap_table(object)), cast);
+    return convert(value_or_raise(py::unwrap_chunked_array(object)), {cast});
+  if (py::is_table(object)) return convert(value_or_raise(py::unwrap_table(object)), {cast});
   if (py::is_batch(object)) {
     const auto batch = value_or_raise(py::unwrap_batch(object));
-    return convert(value_or_raise(::arrow::Table::FromRecordBatches({batch})), cast);
+    return convert(value_or_raise(::arrow::Table::FromRecordBatches({batch})), {cast});
   }
   // A reader tells the exceptions of a Python source itself; its stream only their text.
   if (nb::isinstance(x, nb::module_::import_("pyarrow.lib").attr("RecordBatchReader"))) {

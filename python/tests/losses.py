@@ -16,6 +16,7 @@ TABLE = [
     ("map", "keys, values and offsets", "large list of structs of key and value"),
     ("null", "the number of elements", "double, all null"),
     ("schema", "no metadata, no fields that are never null", "fields that may be null"),
+    ("stream of structs", "a table; a null row is null in every column", "a table"),
     ("chunks", "joined; one element each for lists, structs and maps", "one chunk"),
     ("decimal, cast", "the nearest double", "double"),
     ("half float, cast", "its exact value as double", "double"),

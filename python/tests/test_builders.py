@@ -75,6 +75,13 @@ def test_logical_values_are_truth_values():
     assert host.logical(np.array([[True, False]])).to_python() == [True, False]
 
 
+@pytest.mark.parametrize("make", [host.logical, host.numeric])
+def test_truth_values_are_ones_whatever_bytes_numpy_sees(make):
+    bytes_of = np.array([0, 1, 2, 255], "u1")
+    for array in (bytes_of.view("?"), np.repeat(bytes_of, 2).view("?")[::2]):
+        assert make(array).numpy().view("u1").ravel().tolist() == [0, 1, 1, 1]
+
+
 def test_texts_are_code_units():
     assert host.char("a\U0001f600").shape == (1, 3)
     assert host.char([]).shape == (0, 0)
@@ -157,6 +164,20 @@ def test_structs_keep_the_order_of_their_fields():
 def test_elements_without_the_same_fields_are_refused(elements, error):
     with pytest.raises(error):
         host.struct(elements)
+
+
+@pytest.mark.parametrize("make, value, message", [
+    (host.char, b"a", "char: found bytes, expected a text or texts."),
+    (host.char, 5, "char: found int, expected a text or texts."),
+    (host.string, 5, "string: found int, expected a text, None or an iterable of them."),
+    (host.cell, 5, "cell: found int, expected values."),
+    (host.struct, 5, "struct: found int, expected a mapping or mappings."),
+    (host.struct, [{"a": 1}, 5], "struct: found int at 1, expected a mapping or mappings."),
+])
+def test_what_is_no_value_of_a_builder_is_refused_by_its_type(make, value, message):
+    with pytest.raises(TypeError) as caught:
+        make(value)
+    assert str(caught.value) == message
 
 
 def test_more_elements_than_memory_holds_are_a_memory_error():

@@ -46,11 +46,47 @@ def test_columns_of_others_are_read(make):
     assert numera.to_arrow(host).to_pylist() == [1, None, 3]
 
 
-def test_text_of_polars_is_cast_from_views():
+LONG = "too long to stand within a view"
+
+
+@pytest.mark.parametrize("values, dtype", [
+    (["a", None, LONG], pl.String),
+    ([b"a", None, LONG.encode()], pl.Binary),
+    ([["a", LONG], None, []], pl.List(pl.String)),
+    ([{"t": "a", "n": 1}, {"t": LONG, "n": None}], pl.Struct({"t": pl.String, "n": pl.Int64})),
+    (["a", None, "a"], pl.Categorical),
+    (["a", None, "a"], pl.Enum(["b", "a"])),
+], ids=["text", "bytes", "lists", "structs", "categories", "enumeration"])
+def test_views_of_polars_need_no_cast(values, dtype):
+    frame = pl.DataFrame({"c": pl.Series(values, dtype=dtype)})
+    for rows in (frame, frame[1:]):
+        assert columns(numera.to_host(rows)) == {"c": rows["c"].to_list()}
+
+
+class Views:
+    """A library that has lists as views."""
+
+    def __init__(self, array):
+        self.__arrow_c_array__ = array.__arrow_c_array__
+
+
+@pytest.mark.parametrize("type", [pa.list_view(pa.int64()), pa.large_list_view(pa.int64()),
+                                  pa.list_view(pa.string_view()), pa.list_(pa.binary_view())])
+def test_views_of_others_need_no_cast_and_those_of_pyarrow_do(type):
+    element = {"int64": 1, "string_view": "a", "binary_view": b"a"}[str(type.value_type)]
+    array = pa.array([[element], None, [element, None]], type)
+    back = numera.to_arrow(numera.encode(numera.to_host(Views(array))))
+    assert back.to_pylist() == array.to_pylist()
     with pytest.raises(pa.ArrowTypeError):
-        numera.to_host(pl.Series(["a"]))
-    host = numera.to_host(pl.Series(["a", None]), cast=True)
-    assert numera.to_arrow(numera.encode(host)).to_pylist() == ["a", None]
+        numera.to_host(array)
+
+
+def test_other_values_of_others_are_cast_on_request_alone():
+    frame = pl.DataFrame({"t": ["a"], "d": pl.Series([1], dtype=pl.Decimal(3, 1))})
+    with pytest.raises(pa.ArrowTypeError) as caught:
+        numera.to_host(frame)
+    assert caught.value.column_name == "d"
+    assert columns(numera.to_host(frame, cast=True)) == {"t": ["a"], "d": [1.0]}
 
 
 def test_results_go_on_to_others():

@@ -141,10 +141,91 @@ def test_files_without_rows_have_columns_and_no_scanned_tables(tmp_path, suffix)
     assert list(numera.scan(path)) == []
 
 
-@pytest.mark.parametrize("rows", [0, -1])
+@pytest.mark.parametrize("rows", [0, -1, 2**63])
 def test_scans_of_no_rows_are_refused_at_once(tmp_path, rows):
-    with pytest.raises(ValueError, match=f"^batch_rows: found {rows}, expected a positive number.$"):
+    with pytest.raises(ValueError, match=f"^batch_rows: found {rows}, expected a positive "):
         numera.scan(file_of(tmp_path, pa.table(ROWS), ".parquet"), rows)
+
+
+@pytest.mark.parametrize("rows", [1.5, "2", None])
+def test_numbers_of_rows_are_integers(tmp_path, rows):
+    with pytest.raises(TypeError):
+        numera.scan(file_of(tmp_path, pa.table(ROWS), ".parquet"), rows)
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_scans_may_ask_for_more_rows_than_there_are(tmp_path, suffix):
+    [table] = numera.scan(file_of(tmp_path, pa.table(ROWS), suffix), 2**63 - 1)
+    assert columns(table) == ROWS
+
+
+@pytest.mark.parametrize("function", [numera.read, lambda path, names: numera.scan(path, 1, names)])
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_columns_are_asked_for_once_and_by_names_of_one_column(tmp_path, function, suffix):
+    table = pa.table([[1], [2], [3]], names=["n", "n", "x"])
+    path = file_of(tmp_path, table, suffix)
+    with pytest.raises(ValueError, match="^columns: found 'x' twice or more, expected it once.$"):
+        function(path, ["x", "x"])
+    with pytest.raises(ValueError, match="^columns: found 2 columns 'n' in '.*', expected one.$"):
+        function(path, ["x", "n"])
+
+
+@pytest.mark.parametrize("values, expected", [
+    ([1, None, 3], [1, None, 3]),
+    ([None, 1, None, None], [None, 1, None, None]),
+    ([None, None], [None, None]),
+    (["x", None, "", "y"], ["x", "", "", "y"]),  # a null text reads back as an empty one
+    (["", None], [None, None]),  # nothing says that these were texts
+])
+def test_a_csv_of_one_column_has_every_row(tmp_path, values, expected):
+    path = tmp_path / "one.csv"
+    numera.write(numera.to_host(pa.table({"n": values})), path)
+    expected = {"n": expected}
+    assert columns(numera.read(path)) == expected
+    assert columns(numera.read(path, ["n"])) == expected
+    [table] = numera.scan(path)
+    assert columns(table) == expected
+
+
+@pytest.mark.parametrize("text, expected", [
+    ("\n\nn\n1\n\n3", {"n": [1, None, 3]}),
+    ("\r\nn\r\n1\r\n\r\n3\r\n", {"n": [1, None, 3]}),
+    ("\ufeffn\n1\n", {"n": [1]}),
+    ('"n\nm"\n1\n', {"n\nm": [1]}),
+    ("\n\na,b\n1,2\n\n3,4\n", {"a": [1, 3], "b": [2, 4]}),
+])
+def test_empty_lines_of_a_csv_are_rows_within_one_column_alone(tmp_path, text, expected):
+    path = tmp_path / "lines.csv"
+    path.write_text(text, encoding="utf-8", newline="")
+    assert columns(numera.read(path)) == expected
+    [table] = numera.scan(path)
+    assert columns(table) == expected
+
+
+def test_texts_of_a_csv_may_have_newlines_wherever_a_block_ends(tmp_path):
+    path = tmp_path / "lines.csv"
+    rows = {"n": list(range(100_000)), "text": ["a\nlong, \"line\"\n"] * 100_000}
+    numera.write(numera.to_host(pa.table(rows)), path)
+    assert path.stat().st_size > 2 << 20
+    assert columns(numera.read(path)) == rows
+    assert sum(len(table["Columns"][0]["Data"]) for table in numera.scan(path)) == 100_000
+
+
+def test_rows_of_a_csv_may_be_longer_than_a_megabyte(tmp_path):
+    path = tmp_path / "long.csv"
+    rows = {"n": [1, 2], "text": ["x" * 3_000_000, "y"]}
+    numera.write(numera.to_host(pa.table(rows)), path)
+    assert columns(numera.read(path)) == rows
+
+
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
+def test_paths_may_be_bytes_that_are_no_utf8(tmp_path, suffix):
+    path = os.fsencode(tmp_path) + b"/\xff" + suffix.encode()
+    numera.write(numera.to_host(pa.table(ROWS)), path)
+    for name in (path, os.fsdecode(path)):
+        assert columns(numera.read(name)) == ROWS
+        [table] = numera.scan(name)
+        assert columns(table) == ROWS
 
 
 @pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".csv"])
@@ -243,14 +324,32 @@ def test_names_may_be_as_long_as_the_file_system_allows(tmp_path):
 
 
 def test_a_folder_that_is_missing_is_an_error(tmp_path):
-    with pytest.raises(FileNotFoundError):
-        numera.write(numera.to_host(pa.table(ROWS)), tmp_path / "missing" / "rows.csv")
+    path = tmp_path / "missing" / "rows.csv"
+    with pytest.raises(FileNotFoundError) as caught:
+        numera.write(numera.to_host(pa.table(ROWS)), path)
+    assert caught.value.filename == str(path)
+
+
+def test_a_file_that_cannot_be_replaced_is_named_without_the_hidden_one(tmp_path, monkeypatch):
+    def fail(new, target):
+        raise PermissionError(1, "Operation not permitted", new, None, target)
+
+    monkeypatch.setattr(os, "replace", fail)
+    path = tmp_path / "rows.csv"
+    with pytest.raises(PermissionError) as caught:
+        numera.write(numera.to_host(pa.table(ROWS)), path)
+    assert str(caught.value) == f"[Errno 1] Operation not permitted: {str(path)!r}"
+
+
+def test_the_suffix_is_looked_at_first(tmp_path):
+    with pytest.raises(ValueError, match="^path: found the suffix '.txt', expected"):
+        numera.write(None, tmp_path / "missing" / "rows.txt")
 
 
 @pytest.mark.parametrize("value, found", [
-    (numera.to_host(pa.array([1])), "a struct 1x1 that is no table"),
-    (host.numeric([1.5]), "a double 1x1 that is no table"),
-    (numera.to_host(b"bytes"), "a struct 1x1 that is no table"),
+    (numera.to_host(pa.array([1])), "struct 1x1"),
+    (host.numeric([1.5]), "double 1x1"),
+    (numera.to_host(b"bytes"), "struct 1x1"),
     (pa.table(ROWS), "Table"),
 ])
 def test_only_tables_are_written(tmp_path, value, found):

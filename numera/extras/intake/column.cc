@@ -74,7 +74,7 @@ namespace {
 ::arrow::Result<TakenColumn> take_in_column(const std::string& path,
                                             const std::shared_ptr<::arrow::DataType>& type,
                                             const ::arrow::ArrayVector& chunks, const Work& work) {
-  ARROW_RETURN_NOT_OK(check_type(path, *type, work.cast));
+  ARROW_RETURN_NOT_OK(check_type(path, *type, {work.cast, work.views}));
   for (const auto& chunk : chunks) ARROW_RETURN_NOT_OK(at(path, check_chunk(type, chunk)));
   auto taken = take_in_narrow_or_wide(path, type, chunks, work);
   return taken.ok() ? taken : at(path, taken.status());

@@ -19,6 +19,7 @@ using io::arrow::core::util::TableErrorStatusDetail;
 intake::Work work_of(const IntakeOptions& options) {
   intake::Work work;
   work.cast = options.cast;
+  work.views = options.views || options.cast;
   return work;
 }
 

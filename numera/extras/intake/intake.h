@@ -34,6 +34,9 @@ namespace numera::extras {
 struct IntakeOptions {
   /// Casts what `to_numera` refuses, as far as there is a rule for it.
   bool cast = false;
+  /// Casts views, of text, bytes and lists, to their plain types even where `cast` is false.
+  /// Nothing is lost by that: only the memory is laid out in another way.
+  bool views = false;
 };
 
 /// One value, at whatever depth, that was cast.

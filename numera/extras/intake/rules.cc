@@ -91,25 +91,34 @@ static_assert(rules_are_in_order_of_id(), "a rule is found by its id");
 
 constexpr const char* kAskForCasts = "; casts were not asked for";
 
-bool is_text(const ::arrow::DataType& type) {
-  return type.id() == Type::STRING || type.id() == Type::LARGE_STRING;
+/// The text that a dictionary is kept of; views become plain text within it.
+bool is_text(const ::arrow::DataType& type, Leave leave) {
+  return type.id() == Type::STRING || type.id() == Type::LARGE_STRING ||
+         (type.id() == Type::STRING_VIEW && leave.views);
 }
+
+bool is_view(Type::type id) {
+  return id == Type::STRING_VIEW || id == Type::BINARY_VIEW || id == Type::LIST_VIEW ||
+         id == Type::LARGE_LIST_VIEW;
+}
+
+bool may_cast(Type::type id, Leave leave) { return leave.all || (leave.views && is_view(id)); }
 
 bool holds_types(const ::arrow::DataType& type) {
   return type.num_fields() > 0 || type.id() == Type::STRUCT || type.id() == Type::DICTIONARY ||
          type.id() == Type::EXTENSION;
 }
 
-::arrow::Status check(const std::string& path, const ::arrow::DataType& type, bool cast,
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
                       int levels);
 
-::arrow::Status check_fields(const std::string& path, const ::arrow::DataType& type, bool cast,
+::arrow::Status check_fields(const std::string& path, const ::arrow::DataType& type, Leave leave,
                              int levels) {
   for (const auto& field : type.fields()) {
     ARROW_RETURN_NOT_OK(check(type.id() == Type::STRUCT            ? field_path(path, field->name())
                               : type.id() == Type::RUN_END_ENCODED ? path + "<values>"
                                                                    : path + "[]",
-                              *field->type(), cast, levels));
+                              *field->type(), leave, levels));
   }
   return ::arrow::Status::OK();
 }
@@ -126,11 +135,12 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 }
 
 /// `levels` more types may hold others. A type that stands for a plain one is no level.
-::arrow::Status check(const std::string& path, const ::arrow::DataType& type, bool cast,
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
                       int levels) {
   const auto id = static_cast<size_t>(type.id());
   if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
-  if (kRules[id].fate == Fate::kCast && !cast) return refuse(path, type, kAskForCasts);
+  if (kRules[id].fate == Fate::kCast && !may_cast(type.id(), leave))
+    return refuse(path, type, kAskForCasts);
   if (!holds_types(type)) return ::arrow::Status::OK();
   const ::arrow::DataType* represented = represented_type(type);
   const bool is_level = represented == nullptr || holds_types(*represented);
@@ -140,13 +150,15 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   }
   if (represented != nullptr) {
     const bool is_dictionary = type.id() == Type::DICTIONARY;
-    if (is_dictionary && !cast && !is_text(*represented)) return refuse(path, type, kAskForCasts);
-    return check(path + (is_dictionary ? "<dictionary>" : "<storage>"), *represented, cast, levels);
+    if (is_dictionary && !leave.all && !is_text(*represented, leave))
+      return refuse(path, type, kAskForCasts);
+    return check(path + (is_dictionary ? "<dictionary>" : "<storage>"), *represented, leave,
+                 levels);
   }
-  if (type.id() != Type::MAP) return check_fields(path, type, cast, levels);
+  if (type.id() != Type::MAP) return check_fields(path, type, leave, levels);
   const auto& map = static_cast<const ::arrow::MapType&>(type);
-  ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), cast, levels));
-  return check(path + "{item}", *map.item_type(), cast, levels);
+  ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), leave, levels));
+  return check(path + "{item}", *map.item_type(), leave, levels);
 }
 
 }  // namespace
@@ -157,8 +169,8 @@ std::string field_path(const std::string& path, const std::string& name) {
   return path + "." + name;
 }
 
-::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, bool cast) {
-  return check(path, type, cast, io::arrow::core::kMaxNestingLevels);
+::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, Leave leave) {
+  return check(path, type, leave, io::arrow::core::kMaxNestingLevels);
 }
 
 DataResult take_in_data(Work& work, const std::string& path, const ::arrow::ArrayData& array) {

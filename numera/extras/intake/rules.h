@@ -32,11 +32,17 @@ struct Rule {
 /// A row for every type, in the order of their ids.
 std::span<const Rule> rules();
 
+/// What may be cast.
+struct Leave {
+  bool all = false;
+  bool views = false;
+};
+
 /// The path of a field of a struct.
 std::string field_path(const std::string& path, const std::string& name);
 
 /// TypeError that names the first type, at any depth, for which there is no rule or no leave to
 /// cast; Invalid where types are nested too deeply.
-::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, bool cast);
+::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, Leave leave);
 
 }  // namespace numera::extras::intake

@@ -31,6 +31,7 @@ struct TakenDictionary {
 struct Work {
   ::arrow::MemoryPool* pool = ::arrow::default_memory_pool();
   bool cast = false;
+  bool views = false;
   /// What 32-bit offsets can reach; smaller in tests.
   std::int64_t narrow_limit = std::numeric_limits<std::int32_t>::max();
   /// Casts give 64-bit offsets: 32 bits were not enough for a chunk of the column.

@@ -6,6 +6,7 @@ large as the file has them, and `batches`, which hold a bounded number of rows i
 opened is closed with the last reference to it.
 """
 
+import csv
 import os
 from pathlib import Path
 
@@ -15,6 +16,7 @@ import pyarrow.parquet
 
 _BUFFER_BYTES = 1 << 20
 _CSV_BLOCK_BYTES = 1 << 20  # some forty of which are read ahead
+_CSV_WHOLE_BLOCK_BYTES = 1 << 25  # where all is held anyway; no row may be longer than a block
 _PARQUET_ROWS = 1 << 20
 _IPC_ROWS = 1 << 16
 _FILE_MAGIC = b"ARROW1"
@@ -31,7 +33,8 @@ _FORMATS = {
 
 class _Parquet:
     def __init__(self, path):
-        self._file = pa.parquet.ParquetFile(path, buffer_size=_BUFFER_BYTES, pre_buffer=False)
+        self._file = pa.parquet.ParquetFile(_open(path), buffer_size=_BUFFER_BYTES,
+                                            pre_buffer=False)
         self.names = self._file.schema_arrow.names
         self.rows = self._file.metadata.num_rows
 
@@ -40,7 +43,7 @@ class _Parquet:
             yield self._file.read_row_group(i, names)
 
     def batches(self, names, rows):
-        yield from self._file.iter_batches(rows, columns=names)
+        yield from self._file.iter_batches(min(rows, max(self.rows, 1)), columns=names)
 
     def empty(self):
         return self._file.schema_arrow.empty_table()
@@ -48,7 +51,7 @@ class _Parquet:
 
 class _IpcFile:
     def __init__(self, path):
-        self._reader = pa.ipc.open_file(pa.OSFile(os.fspath(path)))
+        self._reader = pa.ipc.open_file(_open(path))
         self.names = self._reader.schema.names
         self.rows = None
 
@@ -65,7 +68,7 @@ class _IpcFile:
 
 class _IpcStream:
     def __init__(self, path):
-        self._reader = pa.ipc.open_stream(pa.OSFile(os.fspath(path)))
+        self._reader = pa.ipc.open_stream(_open(path))
         self.names = self._reader.schema.names
         self.rows = None
 
@@ -83,25 +86,47 @@ class _IpcStream:
 class _Csv:
     def __init__(self, path):
         self._path = path
-        self._reader = pa.csv.open_csv(path, pa.csv.ReadOptions(block_size=_CSV_BLOCK_BYTES))
-        self.names = self._reader.schema.names
+        self.names, self._lines_before = _csv_heading(path)
         self.rows = None
 
     def parts(self, names):
         """All at once: the types are those that fit the whole file, not those of its first rows."""
-        options = pa.csv.ConvertOptions(include_columns=names)
-        yield pa.csv.read_csv(self._path, convert_options=options)
+        yield pa.csv.read_csv(_open(self._path), *self._options(_CSV_WHOLE_BLOCK_BYTES, names))
 
     def batches(self, names, rows):
-        for batch in self._reader:
-            yield _select(batch, names)
+        yield from pa.csv.open_csv(_open(self._path), *self._options(_CSV_BLOCK_BYTES, names))
 
-    def empty(self):
-        return self._reader.schema.empty_table()
+    def _options(self, block_bytes, names):
+        # Of one column, an empty line is a null.
+        is_one = len(self.names) == 1
+        return (
+            pa.csv.ReadOptions(block_size=block_bytes,
+                               skip_rows=self._lines_before if is_one else 0),
+            pa.csv.ParseOptions(newlines_in_values=True, ignore_empty_lines=not is_one),
+            pa.csv.ConvertOptions(include_columns=names),
+        )
+
+
+def _csv_heading(path):
+    """The names of the columns, and how many empty lines stand before them."""
+    with open(path, encoding="utf-8-sig", errors="surrogateescape", newline="") as file:
+        lines = iter(lambda: file.readline(_CSV_WHOLE_BLOCK_BYTES), "")
+        try:
+            for lines_before, names in enumerate(csv.reader(lines)):
+                if names:
+                    return names, lines_before
+        except csv.Error as error:
+            raise pa.ArrowInvalid(f"CSV parse error: {error}") from None
+    raise pa.ArrowInvalid("Empty CSV file")
+
+
+def _open(path):
+    # Names of files need not be UTF-8.
+    return pa.OSFile(os.fsencode(path))
 
 
 def open_source(path):
-    kind = _format(path)
+    kind = format_of(path)
     if kind in ("file", "stream"):
         # The name does not always tell the two forms apart; the first bytes do.
         with open(path, "rb") as file:
@@ -111,7 +136,7 @@ def open_source(path):
 
 def open_sink(sink, path, schema):
     """A writer of pyarrow to the open file `sink` in the form of `path`, and its rows at once."""
-    kind = _format(path)
+    kind = format_of(path)
     if kind == "parquet":
         return pa.parquet.ParquetWriter(sink, schema), _PARQUET_ROWS
     if kind == "csv":
@@ -120,7 +145,7 @@ def open_sink(sink, path, schema):
     return make(sink, schema), _IPC_ROWS
 
 
-def _format(path):
+def format_of(path):
     suffix = Path(path).suffix.lower()
     if suffix not in _FORMATS:
         raise ValueError(f"path: found the suffix {suffix!r}, expected one of {', '.join(_FORMATS)}.")

@@ -92,7 +92,8 @@ def char(text: str | Sequence[str]) -> HostArray:
     if isinstance(text, str):
         units = _units(text)
         return _core._new_char(units, (1, len(units) // 2))
-    rows = [_units(_text(row, i, "char")) for i, row in enumerate(text)]
+    texts = _iterated(text, "char", "a text or texts")
+    rows = [_units(_text(row, i, "char")) for i, row in enumerate(texts)]
     lengths = {len(row) // 2 for row in rows}
     if len(lengths) > 1:
         raise ValueError(f"char: found rows of {min(lengths)} and {max(lengths)} code units, "
@@ -117,7 +118,7 @@ def string(texts: Any) -> HostArray:
     if isinstance(texts, numpy.ndarray):
         elements, shape = texts.reshape(-1, order="F").tolist(), _shape(texts)
     else:
-        elements = list(texts)
+        elements = list(_iterated(texts, "string", "a text, None or an iterable of them"))
         shape = (len(elements), 1)
     checked = [None if text is None else _text(text, i, "string") for i, text in enumerate(elements)]
     return _core._new_string(checked, shape)
@@ -133,7 +134,7 @@ def cell(values: Iterable[Any], shape: Sequence[int] | None = None) -> HostArray
     >>> host.cell(["a", 1.5, None]).shape, host.cell(["a", "b"], shape=(1, 2)).shape
     ((3, 1), (1, 2))
     """
-    slots = [_value(value, i) for i, value in enumerate(values)]
+    slots = [_value(value, i) for i, value in enumerate(_iterated(values, "cell", "values"))]
     return _core._new_cell(slots, _given(shape, len(slots)))
 
 
@@ -158,7 +159,13 @@ def struct(
     >>> host.struct([{"A": 1}, {"A": 2}])[1]["A"]
     int64 1x1 [2]
     """
-    rows = [elements] if isinstance(elements, Mapping) else list(elements)
+    expected = "a mapping or mappings"
+    rows = [elements]
+    if not isinstance(elements, Mapping):
+        rows = list(_iterated(elements, "struct", expected))
+    for i, row in enumerate(rows):
+        if not isinstance(row, Mapping):
+            raise TypeError(f"struct: found {type(row).__name__} at {i}, expected {expected}.")
     names = list(fields) if fields is not None else list(rows[0]) if rows else []
     slots = []
     for i, row in enumerate(rows):
@@ -186,6 +193,8 @@ def _shape(array):
 
 
 def _from_numpy(array, expected):
+    if array.dtype == numpy.bool_:
+        array = array.view("u1") != 0  # views of other memory hold bytes beyond 0 and 1
     dtype = array.dtype.newbyteorder("=")
     if dtype.name not in _CLASSES:
         raise TypeError(
@@ -208,6 +217,12 @@ def _text(text, i, function):
     if not isinstance(text, str):
         raise TypeError(f"{function}: found {type(text).__name__} at {i}, expected a text.")
     return text
+
+
+def _iterated(values, function, expected):
+    if isinstance(values, Iterable) and not isinstance(values, bytes | bytearray | memoryview):
+        return values
+    raise TypeError(f"{function}: found {type(values).__name__}, expected {expected}.")
 
 
 def _units(text):

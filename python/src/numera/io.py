@@ -1,5 +1,6 @@
 """Host tables from files and into files: Parquet, Arrow IPC and CSV."""
 
+import operator
 import os
 import secrets
 import shutil
@@ -13,28 +14,32 @@ import pyarrow as pa
 from tqdm import tqdm
 
 from ._core import HostArray, encode, to_arrow, to_host
-from ._files import open_sink, open_source
+from ._files import format_of, open_sink, open_source
 
 __all__ = ["read", "scan", "write"]
 
 # No bar flashes up for what is done in a moment.
 _SECONDS_BEFORE_BAR = 1.0
 
+_Path = str | bytes | os.PathLike[str] | os.PathLike[bytes]
+
 
 def read(
-    path: str | os.PathLike[str], columns: Sequence[str] | None = None, cast: bool = False
+    path: _Path, columns: Sequence[str] | None = None, cast: bool = False
 ) -> HostArray:
     """The encoded table of a file, as `to_host` gives it.
 
     The suffix of path says what it is: ".parquet"; ".arrow", ".ipc", ".feather" and ".arrows" for
     Arrow IPC files and streams, which are told apart by their first bytes; ".csv". Types of CSV
-    columns are inferred from the whole file, by the rules of pyarrow.csv.
+    columns are inferred from the whole file, by the rules of pyarrow.csv; in a file of one column
+    an empty line is a null. A row of CSV has 32 MB at most.
 
     columns names the columns to read, in the order of the result; None reads all. cast is that of
     `to_host`. A bar shows the progress where reading is long and stderr is a terminal.
 
-    Raises KeyError with the names of columns that the file does not have, OSError for a file that
-    cannot be read, ValueError for any other suffix (pyarrow.ArrowInvalid, which is one too, for
+    Raises KeyError with the names of columns that the file does not have, ValueError for a name
+    that is asked for twice or that several columns of the file have, OSError for a file that cannot
+    be read, ValueError for any other suffix (pyarrow.ArrowInvalid, which is one too, for
     contents that are not valid), and what `to_host` raises.
 
     >>> import numera, tempfile, pathlib
@@ -43,6 +48,7 @@ def read(
     >>> numera.read(path, columns=["text"])["Columns"][0]["Data"]
     string 2x1 ["one" "two"]
     """
+    path = os.fsdecode(path)
     source = open_source(path)
     names = _checked(columns, source.names, path)
     with _bar("reading", source.rows) as bar:
@@ -55,7 +61,7 @@ def read(
 
 
 def scan(
-    path: str | os.PathLike[str],
+    path: _Path,
     batch_rows: int = 65_536,
     columns: Sequence[str] | None = None,
     cast: bool = False,
@@ -66,11 +72,11 @@ def scan(
     rows. No more of the file is in memory than one such table and what its format holds together:
     a few pages a column of a Parquet file, a batch of an IPC file, 40 MB of a CSV file. Every
     column of a table is one chunk. The types of CSV columns are those of the first megabyte of the
-    file, and a later value of another type is an error.
+    file, and a later value of another type is an error, as is a row longer than that.
 
     path, columns and cast are those of `read`, and so are the errors: those of the path, its
-    columns and batch_rows (ValueError where it is not positive) come at once, others where they
-    are met.
+    columns and batch_rows (TypeError where it is no integer, ValueError where it is not positive or
+    exceeds 64 bits) come at once, others where they are met.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
@@ -78,14 +84,16 @@ def scan(
     >>> [table["Columns"][0]["Data"] for table in numera.scan(path, batch_rows=2)]
     [int64 2x1 [1 2], int64 1x1 [3]]
     """
-    if batch_rows < 1:
-        raise ValueError(f"batch_rows: found {batch_rows}, expected a positive number.")
+    batch_rows = operator.index(batch_rows)
+    if not 0 < batch_rows < 2**63:
+        raise ValueError(f"batch_rows: found {batch_rows}, expected a positive number of 64 bits.")
+    path = os.fsdecode(path)
     source = open_source(path)
     names = _checked(columns, source.names, path)
     return _scanned(source, names, batch_rows, cast)
 
 
-def write(host: HostArray, path: str | os.PathLike[str]) -> None:
+def write(host: HostArray, path: _Path) -> None:
     """Writes an encoded table to a file: one that `to_host` or `read` gave, or `encode`.
 
     The suffix of path says how: ".parquet"; ".arrow", ".ipc" and ".feather" for Arrow IPC files,
@@ -94,12 +102,12 @@ def write(host: HostArray, path: str | os.PathLike[str]) -> None:
     where anything fails the old one stays. A bar shows the progress where writing is long and
     stderr is a terminal.
 
-    Columns have the types of `to_arrow(encode(host))`. CSV has no nested columns, and a null text
-    is read back from it as an empty one.
+    Columns have the types of `to_arrow(encode(host))`. CSV has no nested columns and no types: a
+    null text is read back from it as an empty one, and a column of nulls alone as one of type null.
 
-    Raises TypeError for any other value, ValueError for any other suffix and for a path that is no
-    regular file, OSError for a file that cannot be written, and what `encode`, `to_arrow` and the
-    writers of pyarrow raise.
+    Raises ValueError for any other suffix, before anything else, and for a path that is no regular
+    file, TypeError for any other value, OSError with the path for a file that cannot be written,
+    and what `encode`, `to_arrow` and the writers of pyarrow raise.
 
     >>> import numera, pyarrow, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.parquet")
@@ -107,6 +115,8 @@ def write(host: HostArray, path: str | os.PathLike[str]) -> None:
     >>> numera.to_arrow(numera.read(path)).to_pydict()
     {'n': [1, None]}
     """
+    path = os.fsdecode(path)
+    format_of(path)
     table = _table(host)
     with _replacing(path) as sink:
         writer, rows = open_sink(sink, path, table.schema)
@@ -125,8 +135,14 @@ def _checked(columns, names, path):
     columns = list(columns)
     missing = [name for name in columns if name not in names]
     if missing:
-        raise KeyError(f"columns: found no {_listed(missing)} in {os.fspath(path)!r}, "
+        raise KeyError(f"columns: found no {_listed(missing)} in {path!r}, "
                        f"expected some of {_listed(names)}.")
+    for name in columns:
+        if columns.count(name) > 1:
+            raise ValueError(f"columns: found {name!r} twice or more, expected it once.")
+        if names.count(name) > 1:
+            raise ValueError(f"columns: found {names.count(name)} columns {name!r} in {path!r}, "
+                             "expected one.")
     return columns
 
 
@@ -165,7 +181,7 @@ def _table(host):
     table = to_arrow(encode(host))
     if not isinstance(table, pa.Table):
         kind = f"{host.class_name} {'x'.join(map(str, host.shape))}"
-        raise TypeError(f"host: found a {kind} that is no table, expected an encoded table.")
+        raise TypeError(f"host: found {kind}, expected an encoded table.")
     return table
 
 
@@ -175,7 +191,7 @@ def _replacing(path):
     target = Path(os.path.realpath(path))
     with suppress(FileNotFoundError):
         if not stat.S_ISREG(target.stat().st_mode):
-            raise ValueError(f"path: found {os.fspath(path)!r}, expected a regular file.")
+            raise ValueError(f"path: found {path!r}, expected a regular file.")
     new = target.with_name(f".numera-{secrets.token_hex(8)}.tmp")
     try:
         with open(new, "xb") as sink:
@@ -185,8 +201,11 @@ def _replacing(path):
         with suppress(FileNotFoundError):
             shutil.copymode(target, new)
         os.replace(new, target)
-    except BaseException:
-        new.unlink(missing_ok=True)
+    except BaseException as error:
+        with suppress(OSError):
+            new.unlink()
+        if isinstance(error, OSError) and error.filename is not None:
+            raise OSError(error.errno, error.strerror, path) from None  # not the hidden file's name
         raise
 
 
