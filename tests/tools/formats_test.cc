@@ -65,6 +65,22 @@ TEST_F(Formats, ACsvOfItsHeadingAloneHasNoRows) {
             "t | null | null | double | 0 | 0 | 0 | equal as double\n");
 }
 
+TEST_F(Formats, AnEmptyLineOfACsvOfOneColumnIsARow) {
+  write_text(file_, "n\n1\n\n3\n");
+  EXPECT_EQ(types_of(file_), "n | int64 | int64 | int64 | 3 | 1 | 1\n");
+  write_text(file_, "\n\r\nt\nx\n\n\"\"\n");
+  EXPECT_EQ(types_of(file_), "t | string | string | string | 3 | 1 | 0\n");
+}
+
+TEST_F(Formats, TextsOfACsvHaveNewlinesWhereverABlockEnds) {
+  std::string text = "n,t\n";
+  while (text.size() < (std::size_t{1} << 20)) text += "1,\"a\nline\n\"\n";
+  write_text(file_, text + "2,b\n");
+  EXPECT_EQ(types_of(file_),
+            "n | int64 | int64 | int64 | 87,382 | 2 | 0\n"
+            "t | string | string | string | 87,382 | 2 | 0\n");
+}
+
 TEST_F(Formats, ACharacterOfACsvMayBeCutWhereTheProgramStopsLooking) {
   for (const size_t ahead : {0U, 1U, 2U, 3U}) {  // bytes of 𝜆 within the first 64 KiB
     SCOPED_TRACE(ahead);

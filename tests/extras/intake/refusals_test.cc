@@ -37,6 +37,26 @@ Status refusal(const TypePtr& type, bool cast) {
   return take_in(empty, {.cast = cast}).status();
 }
 
+TEST(IntakeRefusals, LeaveViewsOutWhereThoseAreAskedFor) {
+  const auto refusal_but_of_views = [](const TypePtr& type) {
+    const auto empty = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{}, type);
+    return take_in(empty, {.views = true}).status();
+  };
+  const TypePtr views[] = {::arrow::utf8_view(),
+                           ::arrow::binary_view(),
+                           ::arrow::list_view(int8()),
+                           ::arrow::large_list_view(::arrow::utf8_view()),
+                           ::arrow::struct_({field("v", ::arrow::utf8_view())}),
+                           ::arrow::dictionary(int8(), ::arrow::utf8_view())};
+  for (const TypePtr& type : views) EXPECT_EQ(refusal_but_of_views(type), Status::OK());
+  EXPECT_EQ(refusal_but_of_views(list(::arrow::float16())),
+            Status::TypeError("[]: found type halffloat, expected one that has a host form; casts "
+                              "were not asked for."));
+  EXPECT_EQ(refusal_but_of_views(::arrow::dictionary(int8(), ::arrow::binary_view())),
+            Status::TypeError("found type dictionary<values=binary_view, indices=int8, ordered=0>, "
+                              "expected one that has a host form; casts were not asked for."));
+}
+
 TEST(IntakeRefusals, NameTheTypeThatWouldNeedACast) {
   const TypePtr types[] = {::arrow::float16(),
                            ::arrow::month_interval(),
