@@ -15,13 +15,14 @@ import ray.data
 
 @contextlib.contextmanager
 def local_cluster(workers: int):
-    """A cluster of so many cores on this machine, gone when the block is left."""
+    """A cluster for so many workers on this machine, gone when the block is left."""
     # The workers import the modules beside this one.
     here = str(pathlib.Path(__file__).resolve().parent)
     before = os.environ.get("PYTHONPATH")
     os.environ["PYTHONPATH"] = os.pathsep.join(filter(None, [here, before]))
     try:
-        ray.init(num_cpus=workers, include_dashboard=False,
+        # Reading takes logical cores of its own, which workers would keep from it.
+        ray.init(num_cpus=workers + 2, include_dashboard=False,
                  object_store_memory=256 * 2**20, logging_level=logging.ERROR,
                  log_to_driver=False)
         context = ray.data.DataContext.get_current()

@@ -1,4 +1,4 @@
-"""Partitioned flights, and a host function over them."""
+"""Partitioned flights, and host functions over them."""
 
 import pathlib
 
@@ -43,6 +43,30 @@ def ground_speed(table: numera.HostArray) -> numera.HostArray:
         speed = miles * 3600.0 / seconds
     return table_of({"row": columns["row"],
                      "miles_an_hour": _numbers(speed, columns["air_time"]["Valid"])})
+
+
+class CarrierDelay:
+    """How many minutes later than the mean of its carrier a flight arrived.
+
+    The means are the state: they are computed once in each worker from the whole file.
+    """
+
+    def __init__(self):
+        flights = pyarrow.parquet.read_table(DATA, columns=["carrier", "arrival_delay"])
+        text = flights["carrier"].cast(pyarrow.string())
+        means = flights.set_column(0, "carrier", text).group_by("carrier").aggregate(
+            [("arrival_delay", "mean")])
+        self._means = dict(zip(means["carrier"].to_pylist(),
+                               means["arrival_delay_mean"].to_pylist()))
+
+    def __call__(self, table: numera.HostArray) -> numera.HostArray:
+        columns = columns_of(table)
+        carriers = columns["carrier"]["Data"]
+        means = numpy.array([self._means[name] for name in carriers["Categories"].to_python()])
+        delay = columns["arrival_delay"]
+        later = delay["Data"].numpy() - means[carriers["Values"].numpy()]
+        return table_of({"row": columns["row"],
+                         "minutes_later": _numbers(later, delay["Valid"])})
 
 
 def _numbers(values, valid):

@@ -1,19 +1,16 @@
 """Host functions over the batches of Ray Data: host table in, host table out."""
 
+import pathlib
 from collections.abc import Callable
 
 import pyarrow
+import pyarrow.parquet
 import ray.data
 
 import numera
 from numera import host
 
 HostFunction = Callable[[numera.HostArray], numera.HostArray]
-
-# A reader and a worker share a core, so that reading never waits for a core that no worker gives up.
-READER_CORES = 0.25
-WORKER_CORES = 0.75
-
 
 def call_on_host(function: HostFunction, batch: pyarrow.Table) -> pyarrow.Table:
     """The Arrow table of what function makes of the host table of batch.
@@ -22,6 +19,16 @@ def call_on_host(function: HostFunction, batch: pyarrow.Table) -> pyarrow.Table:
     """
     result = function(numera.to_host(batch.combine_chunks()))
     return numera.to_arrow(numera.encode(result))
+
+
+class HostActor:
+    """Makes a host function once in each worker; what it holds lives as long as the worker."""
+
+    def __init__(self, make_function: Callable[[], HostFunction]):
+        self._function = make_function()
+
+    def __call__(self, batch: pyarrow.Table) -> pyarrow.Table:
+        return call_on_host(self._function, batch)
 
 
 def columns_of(table: numera.HostArray) -> dict[str, numera.HostArray]:
@@ -42,10 +49,21 @@ def _fields(column):
     return {name: column[name] for name in ("ArrowType", "Type", "Data", "Valid")}
 
 
-def read(folder: str, columns: list[str], blocks: int) -> ray.data.Dataset:
-    """The columns of the Parquet files of a folder, in so many blocks: what workers share out."""
-    return ray.data.read_parquet(folder, override_num_blocks=blocks,
-                                 num_cpus=READER_CORES).select_columns(columns)
+def read(folder: str, columns: list[str]) -> ray.data.Dataset:
+    """The columns of the Parquet files of a folder, a block a file: what workers share out.
+
+    Ray's own reader joins small files to one block, which one
+    worker would take.
+    """
+    def read_file(paths: pyarrow.Table) -> pyarrow.Table:
+        return pyarrow.parquet.ParquetFile(paths["path"][0].as_py()).read(columns)
+
+    paths = sorted(map(str, pathlib.Path(folder).rglob("*.parquet")))
+    files = ray.data.from_items([{"path": path} for path in paths],
+                                override_num_blocks=len(paths))
+    # Other cores than the host function's keep Ray from fusing the two, where it would give one task
+    # as many paths as a batch has rows.
+    return files.map_batches(read_file, batch_format="pyarrow", batch_size=1, num_cpus=0.5)
 
 
 def map_tasks(dataset: ray.data.Dataset, function: HostFunction, batch_rows: int,
@@ -53,5 +71,15 @@ def map_tasks(dataset: ray.data.Dataset, function: HostFunction, batch_rows: int
     """function, which keeps nothing between batches, in tasks of any worker process."""
     return dataset.map_batches(lambda batch: call_on_host(function, batch),
                                batch_format="pyarrow", batch_size=batch_rows,
-                               num_cpus=WORKER_CORES,
+                               num_cpus=1,
                                compute=ray.data.TaskPoolStrategy(size=workers))
+
+
+def map_actors(dataset: ray.data.Dataset, make_function: Callable[[], HostFunction],
+               batch_rows: int, workers: int) -> ray.data.Dataset:
+    """What make_function makes once in each of so many workers, again in one that is restarted."""
+    return dataset.map_batches(HostActor, fn_constructor_args=(make_function,),
+                               batch_format="pyarrow", batch_size=batch_rows,
+                               num_cpus=1,
+                               compute=ray.data.ActorPoolStrategy(size=workers),
+                               max_restarts=-1, max_task_retries=-1)

@@ -1,5 +1,10 @@
 """What two workers make of partitioned data is what one process makes of it."""
 
+import os
+import pathlib
+import signal
+import time
+
 import cluster
 import flights
 import host_batches
@@ -8,6 +13,47 @@ import pytest
 
 BATCH_ROWS = 10_000
 WORKERS = 2
+
+
+class Noted:
+    """A host function that notes the processes it runs in as files of a folder.
+
+    The first one waits for another: else it might be done before that has started.
+    """
+
+    def __init__(self, make_function, folder):
+        self._function = make_function()
+        self._folder = pathlib.Path(folder)
+
+    def __call__(self, table):
+        (self._folder / str(os.getpid())).touch()
+        end = time.monotonic() + 30
+        while len(list(self._folder.iterdir())) < 2 and time.monotonic() < end:
+            time.sleep(0.05)
+        return self._function(table)
+
+
+class Killed:
+    """A host function whose process is killed at its second batch, the first time of all."""
+
+    def __init__(self, make_function, marker):
+        self._function = make_function()
+        self._marker = marker
+        self._batches = 0
+
+    def __call__(self, table):
+        self._batches += 1
+        if self._batches == 2:
+            kill_once(self._marker)
+        return self._function(table)
+
+
+def kill_once(marker):
+    try:
+        os.close(os.open(marker, os.O_CREAT | os.O_EXCL))
+    except FileExistsError:
+        return
+    os.kill(os.getpid(), signal.SIGKILL)
 
 
 @pytest.fixture(scope="module")
@@ -20,7 +66,7 @@ def folder(tmp_path_factory):
 @pytest.fixture(scope="module")
 def dataset(folder):
     with cluster.local_cluster(WORKERS):
-        yield host_batches.read(folder, flights.COLUMNS, blocks=12)
+        yield host_batches.read(folder, flights.COLUMNS)
 
 
 def in_one_process(folder, function):
@@ -41,9 +87,41 @@ def assert_equal(actual, expected):
     assert actual.equals(expected)
 
 
-def test_tasks_give_what_one_process_gives(folder, dataset):
-    result = collected(
-        host_batches.map_tasks(dataset, flights.ground_speed, BATCH_ROWS, WORKERS))
+def carrier_delay():
+    return flights.CarrierDelay()
+
+
+def speed():
+    return flights.ground_speed
+
+
+def test_tasks_of_two_processes_give_what_one_process_gives(folder, dataset, tmp_path):
+    result = collected(host_batches.map_tasks(
+        dataset, Noted(speed, tmp_path), BATCH_ROWS, WORKERS))
     assert result["miles_an_hour"].null_count == 9430
     assert result["miles_an_hour"][0].as_py() == 1400 * 60 / 227
+    assert len(list(tmp_path.iterdir())) >= 2
     assert_equal(result, in_one_process(folder, flights.ground_speed))
+
+
+def test_two_actors_with_state_give_what_one_process_gives(folder, dataset, tmp_path):
+    result = collected(host_batches.map_actors(
+        dataset, lambda: Noted(carrier_delay, tmp_path), BATCH_ROWS, WORKERS))
+    assert len(list(tmp_path.iterdir())) == 2
+    assert_equal(result, in_one_process(folder, flights.CarrierDelay()))
+
+
+def test_a_task_killed_in_the_middle_changes_nothing(folder, dataset, tmp_path):
+    marker = tmp_path / "killed"
+    result = collected(host_batches.map_tasks(
+        dataset, Killed(speed, marker), BATCH_ROWS, WORKERS))
+    assert marker.exists()
+    assert_equal(result, in_one_process(folder, flights.ground_speed))
+
+
+def test_an_actor_killed_in_the_middle_changes_nothing(folder, dataset, tmp_path):
+    marker = tmp_path / "killed"
+    result = collected(host_batches.map_actors(
+        dataset, lambda: Killed(carrier_delay, marker), BATCH_ROWS, WORKERS))
+    assert marker.exists()
+    assert_equal(result, in_one_process(folder, flights.CarrierDelay()))
