@@ -67,7 +67,8 @@ struct Intake {
 ///
 /// Buffers are shared with the input wherever they can be, and an array that is fit already keeps
 /// all of them: bitmaps and truth values are copied where they do not start at a byte, offsets of
-/// lists and maps where the first is not 0, and values where they are cast.
+/// lists and maps where the first is not 0, text where a null slot holds no UTF-8 (it becomes
+/// empty), and values where they are cast.
 ///
 /// A cast to text, bytes or lists gives 32-bit offsets, and 64-bit ones ("large") in the whole
 /// column where one chunk has too many bytes or elements for them.
@@ -78,7 +79,8 @@ struct Intake {
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of another device than the CPU: Invalid
 /// - whatever `ValidateFull` finds: its status
-/// - elements of a map too many for its 32-bit offsets once cast: Invalid
+/// - elements of a map too many for its 32-bit offsets once cast, or keys that are null then:
+/// Invalid
 ///
 /// Cost: validation reads every element once. Peak memory is what is copied or cast, and 8 bytes
 /// for each element of a list view, a run-end encoded value or a dictionary that is taken apart.
