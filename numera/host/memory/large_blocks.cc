@@ -22,7 +22,9 @@ constexpr size_t kStepsPerDoubling = 32;
 constexpr size_t kSmallest = kElementAlignment * kStepsPerDoubling;
 constexpr size_t kDoublings = std::bit_width(kMaxKeptBytes / kSmallest);
 
-size_t step_of(size_t bytes) { return std::bit_floor(bytes) / kStepsPerDoubling; }
+size_t step_of(size_t bytes) {
+  return std::bit_floor(std::max(bytes, kSmallest)) / kStepsPerDoubling;
+}
 
 // A kept block carries its links in its own first bytes.
 struct ByAge {

@@ -51,12 +51,12 @@ constinit std::array<IntrusiveList<Slab>, kBlockSizes> slabs_with_room;
 constinit IntrusiveList<Chunk> chunks_with_room;
 constinit size_t chunk_count = 0;
 
-Head* head_at(const void* inside, size_t alignment) {
-  const auto address = reinterpret_cast<std::uintptr_t>(inside);
-  return reinterpret_cast<Head*>(address / alignment * alignment);
+Head* head_at(void* inside, size_t alignment) {
+  const size_t offset = reinterpret_cast<std::uintptr_t>(inside) % alignment;
+  return reinterpret_cast<Head*>(static_cast<std::byte*>(inside) - offset);
 }
-Slab* slab_of(const void* block) { return &head_at(block, kSlabBytes)->slab; }
-Chunk* chunk_of(const void* block) { return &head_at(block, kChunkBytes)->chunk; }
+Slab* slab_of(void* block) { return &head_at(block, kSlabBytes)->slab; }
+Chunk* chunk_of(void* block) { return &head_at(block, kChunkBytes)->chunk; }
 std::byte* start_of(Chunk* chunk) {
   return reinterpret_cast<std::byte*>(head_at(chunk, kChunkBytes));
 }
