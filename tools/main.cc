@@ -131,6 +131,7 @@ void heed_signals() {
 
 int main(int argc, char** argv) {
   // Arrow's other pools keep what was freed: half as much memory again, where memory is bounded.
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
   CLI::App program("Takes the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",
                    "numera-arrow");

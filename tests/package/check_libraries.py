@@ -79,7 +79,6 @@ def faults(folder):
     yield from faults_of_host_names(folder)
     for part in PARTS:
         yield from faults_of_hardening(folder / f"libnumera_{part}.so")
-    yield from faults_of_hardening(folder.parent / "bin" / "numera-arrow")
 
 
 if __name__ == "__main__":

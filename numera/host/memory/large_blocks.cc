@@ -23,7 +23,7 @@ constexpr size_t kSmallest = kElementAlignment * kStepsPerDoubling;
 constexpr size_t kDoublings = std::bit_width(kMaxKeptBytes / kSmallest);
 
 size_t step_of(size_t bytes) {
-  return std::bit_floor(std::max(bytes, kSmallest)) / kStepsPerDoubling;
+  return std::max(std::bit_floor(bytes), kSmallest) / kStepsPerDoubling;
 }
 
 // A kept block carries its links in its own first bytes.
