@@ -36,7 +36,8 @@ namespace {
                                            const ::arrow::ArrayVector& chunks) {
   TakenColumn taken;
   if (chunks.empty()) {
-    ARROW_ASSIGN_OR_RAISE(const auto empty, ::arrow::MakeEmptyArray(type));
+    // Arrow's MakeEmptyArray knows no builder of nested extension types.
+    ARROW_ASSIGN_OR_RAISE(const auto empty, ::arrow::MakeArrayOfNull(type, 0, work.pool));
     ARROW_ASSIGN_OR_RAISE(const Data data, take_in_data(work, path, *empty->data()));
     taken.type = data->type;
   }

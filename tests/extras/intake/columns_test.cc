@@ -1,12 +1,15 @@
 #include "numera/extras/intake/column.h"
 
 #include <arrow/array.h>
+#include <arrow/extension/bool8.h>
+#include <arrow/extension/opaque.h>
 #include <arrow/table.h>
 #include <arrow/util/key_value_metadata.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "numera/extras/intake/intake.h"
@@ -119,6 +122,30 @@ TEST(IntakeColumns, WithoutChunksAreCastAllTheSame) {
   EXPECT_TRUE(taken.value->type()->Equals(*list(utf8())));
   EXPECT_EQ(taken.value->num_chunks(), 0);
   EXPECT_EQ(taken.casts.size(), 2U);
+}
+
+TEST(IntakeColumns, WithoutChunksHaveTheStorageOfExtensionTypesAtAnyDepth) {
+  const TypePtr truth = ::arrow::extension::bool8();
+  const std::pair<TypePtr, TypePtr> cases[] = {
+      {truth, int8()},
+      {list(truth), list(int8())},
+      {::arrow::large_list(truth), ::arrow::large_list(int8())},
+      {::arrow::fixed_size_list(truth, 2), list(int8())},
+      {::arrow::list_view(truth), list(int8())},
+      {::arrow::struct_({field("a", truth), field("b", utf8())}),
+       ::arrow::struct_({field("a", int8()), field("b", utf8())})},
+      {::arrow::map(utf8(), truth), ::arrow::map(utf8(), int8())},
+      {::arrow::dictionary(int8(), truth), int8()},
+      {::arrow::run_end_encoded(int32(), truth), int8()},
+      {::arrow::extension::opaque(list(truth), "type", "vendor"), list(int8())},
+  };
+  for (const auto& [type, expected] : cases) {
+    SCOPED_TRACE(type->ToString());
+    const auto taken = take_in(ArrowChunks(type, {}), {.cast = true});
+    ASSERT_TRUE(taken.ok()) << taken.status();
+    EXPECT_TRUE(taken->value->type()->Equals(*expected)) << taken->value->type()->ToString();
+    EXPECT_EQ(taken->value->num_chunks(), 0);
+  }
 }
 
 TEST(IntakeTables, KeepNamesNullabilityMetadataAndRows) {
