@@ -1,11 +1,14 @@
 #pragma once
 
+/// \file
+/// The version of the project.
+
 #include <string_view>
 
 namespace numera {
 
-/// The version of the project. This line is the only place where it stands: the build, the
-/// package files and the programs read it from here.
+/// "major.minor.patch", known when a program is compiled. This line is the only place where it
+/// stands: the build, the package files and the programs read it from here.
 inline constexpr std::string_view kVersion = "0.1.0";
 
 }  // namespace numera

@@ -23,39 +23,47 @@
 
 namespace numera::io::arrow::core {
 
-/// The encoded array of a column without the struct around it: the values of its four fields.
+/// The encoded array of a column without the struct around it: the values of its four fields, as
+/// `to_numera` of a chunked array describes them. It owns them.
 struct EncodedColumn {
-  hxArrayPtr arrow_type;
-  hxArrayPtr type;
-  hxArrayPtr data;
-  hxArrayPtr valid;
+  hxArrayPtr arrow_type;  ///< "ArrowType"
+  hxArrayPtr type;        ///< "Type"
+  hxArrayPtr data;        ///< "Data"
+  hxArrayPtr valid;       ///< "Valid"
 };
 
 /// An encoded table on its way. It is whole when every column has been put in.
 struct EncodedTable {
   hxArrayPtr envelope;  ///< owns all; what the caller keeps in the end
-  hxArray* columns;     ///< "Columns" of the envelope
+  hxArray* columns;     ///< "Columns" of the envelope, borrowed from it
 };
 
 /// The encoded table of `table` with all its names and no columns yet: the four fields of every
 /// element of "Columns" are empty.
 ///
-/// Errors: Invalid "Received null pointer in arrow::Table conversion"; Invalid for a table without
-/// a schema, or of another number of columns than fields; the host's `hxCodecError` for a name that
-/// is not UTF-8.
+/// The table is only read, and not needed by the result.
+///
+/// Errors:
+/// - null pointer: Invalid "Received null pointer in arrow::Table conversion"
+/// - no schema: Invalid "Table: found no schema, expected one."
+/// - another number of columns than fields: Invalid "Table: found N columns, expected M, one for
+///   each field of the schema."
+/// - a name that is not UTF-8: the host's `hxCodecError`
 ///
 /// Cost: one host allocation a column, for its name.
 NUMERA_EXPORT ::arrow::Result<EncodedTable> begin_encoded_table(const ::arrow::Table* table);
 
 /// Column `i` of a table that `begin_encoded_table` has accepted, 0 <= `i` < number of columns.
-/// The result belongs to the caller; on failure everything made so far is destroyed. Two threads
-/// may convert two columns of one table at a time.
+/// The result belongs to the caller; on failure everything made so far is destroyed. Several
+/// threads may convert columns of one table at a time.
 ///
 /// Errors: those of `to_numera` of a chunked array, with a `util::TableErrorStatusDetail` that
 /// names the column. Exceptions of the host pass through as they are.
 NUMERA_EXPORT ::arrow::Result<EncodedColumn> encode_column(const ::arrow::Table& table, int i);
 
-/// Moves a column into element `i` of "Columns": nothing is copied. One thread at a time.
+/// Moves a column into element `i` of "Columns", as `encode_column` of the same `i` gave it:
+/// nothing is copied, and what stood there before is destroyed. One thread at a time. Throws
+/// `std::out_of_range` "Struct index is out of range." for an `i` that the table does not have.
 NUMERA_EXPORT void put_column(EncodedTable& table, int i, EncodedColumn column);
 
 }  // namespace numera::io::arrow::core

@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// The depth of nesting that the conversions take.
+
 namespace numera::io::arrow::core {
 
 /// How many lists, structs and maps may lie in one another, the outermost counted: values nested

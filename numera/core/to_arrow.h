@@ -47,8 +47,12 @@ namespace numera::io::arrow::core {
 /// - another kind: TypeError "Expected 'array' input type, received 'K' instead." ('buffer' for
 ///   buffers)
 /// - no converter for "Data" and "Type": Invalid "Invalid type for NUMERA to Arrow conversion."
-/// - complex or sparse numbers: TypeError that names the field
-/// - what the converter of the type reports
+/// - complex or sparse numbers: TypeError in the form "Field 'F': found a complex 2-by-3 double
+///   array, expected a real array that is not sparse."
+/// - lists and structs nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more
+///   than 1024 levels, expected at most 1024."
+/// - fields of "Data" that do not fit its type: TypeError or Invalid that says what was found and
+///   what was expected
 /// - a field that the struct lacks: the host's `std::invalid_argument` "Wrong field name.", and
 ///   for a struct without elements its `std::out_of_range` "Struct index is out of range."
 ///
@@ -57,16 +61,19 @@ template <class T>
   requires std::same_as<T, ::arrow::Array> || std::same_as<T, ::arrow::Buffer>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<T>> to_arrow(const hxArray* encoded);
 
+/// The conversion to arrays that is described above; the library holds it.
 template <>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow<::arrow::Array>(
     const hxArray* encoded);
+/// The conversion to buffers that is described above; the library holds it.
 template <>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Buffer>> to_arrow<::arrow::Buffer>(
     const hxArray* encoded);
 
 /// Converts element `index` of a struct array of encoded arrays, like `to_arrow<::arrow::Array>`.
 /// The classes of the fields are checked on element 0; an empty slot of a later element reads as
-/// an empty text or fails with a message of the list above.
+/// an empty text or fails with a message of the list above. An index past the end is the host's
+/// `std::out_of_range` "Struct index is out of range.".
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow(const hxArray* encoded,
                                                                         size_t index);
 

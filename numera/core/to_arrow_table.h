@@ -26,8 +26,9 @@ namespace numera::io::arrow::core {
 /// - a field empty or of another class: TypeError as in `to_arrow`, the first failing one only
 /// - fewer names than columns: the host's `std::out_of_range` "Cell index is out of range."
 /// - a column that fails: its status, unchanged
-/// - a "Valid" with fewer bits than its column has elements: Invalid, since Arrow counts the nulls
-///   of a table's columns when it is made
+/// - a "Valid" with fewer bits than its column has elements: Invalid "Field 'Valid': found 1 bytes,
+///   expected enough for 9 elements.", since Arrow counts the nulls of a table's columns when it is
+///   made
 ///
 /// Cost: O(1) a column, and Arrow's count of the nulls of columns that have a bitmap.
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(

@@ -40,10 +40,16 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
 /// - a type that has no host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
-/// - types nested deeper than `kMaxNestingLevels`: Invalid
-/// - chunks whose buffers end before their elements do: Invalid
-/// - nested chunks whose buffers or children are not those of their type: Invalid
-/// - what the converter of the type reports
+/// - types nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more than 1024
+///   levels, expected at most 1024."
+/// - text that is not UTF-8, or that the host cannot store: Invalid "Could not convert string in
+///   row R to UTF-16 string.\n", R counted from 0 in each chunk
+/// - dictionaries of anything but text: Invalid "Invalid dictionary value type: T"
+/// - chunks that are not what their column says, buffers that end before their elements do, codes
+///   outside of their dictionary: Invalid that says what was found and what was expected, such as
+///   "Values buffer: found 8 bytes, expected enough for 2 elements."
+/// - dictionaries that cannot be merged: Arrow's status
+/// - memory ends: the host's `std::bad_alloc`
 ///
 /// Cost: one host allocation a result array (bytes: one an element), one block copy a chunk (text:
 /// one pass). Peak memory is the result; the codes of several dictionary chunks, and the merged
@@ -52,17 +58,17 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Chu
 
 /// The buffer envelope of a buffer: a 1-by-1 struct with the fields "ArrowType" ("buffer"),
 /// "Values" (uint8 column of all its bytes) and "Length" (empty). A null buffer is an empty one.
-/// Memory of another device is Invalid.
+/// Memory of another device is Invalid "Buffer: found bytes that cannot be read here, expected main
+/// memory." Cost: one block copy.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer);
 
 /// The encoded table: a 1-by-1 struct with the fields "ArrowType" ("table"), "Columns" (n-by-1
 /// struct array with the fields "ArrowType", "Type", "Data", "Valid") and "Names" (1-by-n cell of
 /// char rows).
 ///
-/// Before every column `hxThrowIfInterruptPending` is called; its exception passes through. A
-/// column that fails gives its status with a `TableErrorStatusDetail` that names it. A null
-/// pointer is Invalid "Received null pointer in arrow::Table conversion". A column name that is
-/// not UTF-8 gives the host's `hxCodecError`.
+/// Before every column `hxThrowIfInterruptPending` is called; its exception passes through. Errors
+/// of the table are those of `begin_encoded_table`, and a column that fails gives its status with a
+/// `util::TableErrorStatusDetail` that names it. Cost: that of the columns.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Table> table);
 
 }  // namespace numera::io::arrow::core

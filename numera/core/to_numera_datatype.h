@@ -20,7 +20,8 @@ namespace numera::io::arrow::core {
 /// are "datetime", times of day "duration", durations "int64", the null type "double", binary
 /// types, lists and maps "cell", structs "table", dictionaries "categorical".
 ///
-/// Cost: one step a node of the type.
+/// Any number of threads may ask at a time. Throws `std::bad_alloc` alone. Cost: one step a
+/// node of the type.
 NUMERA_EXPORT std::optional<std::string> to_numera_datatype(
     const std::shared_ptr<::arrow::DataType>& type);
 

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The host's exceptions with a message identifier, and its argument-count errors.
+/// The host's exceptions with a message identifier, and its argument-count errors. Any number of
+/// threads may read one exception at a time.
 
 #include <cstdint>
 #include <exception>
@@ -18,15 +19,20 @@
 /// thrown object derives from both.
 class NUMERA_EXPORT MessageIdException {
  public:
+  /// `identifier` is "catalog:key"; `message` is kept as it is given.
   MessageIdException(std::string identifier, std::u16string message)
       : identifier_(std::move(identifier)), message_(std::move(message)) {}
   virtual ~MessageIdException() = default;
 
-  const std::string& identifier() const { return identifier_; }  ///< "catalog:key"
+  /// "catalog:key", by which a program tells one failure from another. Lives as long as this.
+  const std::string& identifier() const { return identifier_; }
+  /// What a person is shown. Lives as long as this.
   const std::u16string& message() const { return message_; }
 
  protected:
+  /// A part alone is never copied: a catch by value would lose the rest of the exception.
   MessageIdException(const MessageIdException&) = default;
+  /// Like the copy, for derived classes alone.
   MessageIdException& operator=(const MessageIdException&) = default;
 
  private:
@@ -34,22 +40,28 @@ class NUMERA_EXPORT MessageIdException {
   std::u16string message_;
 };
 
+/// What a message tells about one failure: a number, such as that of an element, or a text, whose
+/// encoding the tag of the exception may state.
 using hxMessageArgument = std::variant<std::uint64_t, std::string>;
 
 /// The exception of one message. `Tag` names it by `static constexpr` members `catalog` and `key`.
 ///
-/// `what()` is the identifier. `message()` is the identifier followed by the arguments in
-/// parentheses, a text byte for byte, since the wording belongs to the message catalogue of the
-/// host.
+/// `StandardBase` is the class that a caller who knows nothing of identifiers catches it by; one
+/// that takes a `std::string` is given the identifier. `message()` is the identifier followed by
+/// the arguments in parentheses, a text byte for byte, since the wording belongs to the message
+/// catalogue of the host.
 template <class Tag, class StandardBase = std::exception>
 class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdException {
  public:
+  /// The exception of `Tag` with what its message tells, in the order that `Tag` states.
   explicit hxTaggedException(std::vector<hxMessageArgument> arguments = {})
       : StandardBase(make_base()),
         MessageIdException(make_identifier(), make_message(arguments)),
         arguments_(std::move(arguments)) {}
 
+  /// The identifier, "catalog:key". Lives as long as the exception.
   const char* what() const noexcept override { return identifier().c_str(); }
+  /// What was given at construction. Lives as long as the exception.
   std::span<const hxMessageArgument> arguments() const { return arguments_; }
 
  private:
@@ -85,18 +97,20 @@ class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdExc
   std::vector<hxMessageArgument> arguments_;
 };
 
-/// Tags of the argument-count errors.
+/// Tag: a function is asked for more outputs than it has. No arguments.
 struct NUMERA_EXPORT hxTooManyOutputs {
-  static constexpr const char* catalog = "NUMERA:host";
-  static constexpr const char* key = "TooManyOutputs";
+  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
+  static constexpr const char* key = "TooManyOutputs";   ///< after the last colon
 };
+/// Tag: a function is given fewer inputs than it needs. No arguments.
 struct NUMERA_EXPORT hxTooFewInputs {
-  static constexpr const char* catalog = "NUMERA:host";
-  static constexpr const char* key = "TooFewInputs";
+  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
+  static constexpr const char* key = "TooFewInputs";     ///< after the last colon
 };
+/// Tag: a function is given more inputs than it takes. No arguments.
 struct NUMERA_EXPORT hxTooManyInputs {
-  static constexpr const char* catalog = "NUMERA:host";
-  static constexpr const char* key = "TooManyInputs";
+  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
+  static constexpr const char* key = "TooManyInputs";    ///< after the last colon
 };
 
 /// Throws the host's error for more outputs than there are: `hxTaggedException<hxTooManyOutputs>`.

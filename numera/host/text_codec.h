@@ -13,7 +13,8 @@
 
 #include "numera/export.h"
 
-/// Says what is wrong with a text, and at which byte or code unit.
+/// A text that a codec refuses. `what()` says what is wrong with it, in the host's words, and at
+/// which byte or code unit, counted from 0.
 class NUMERA_EXPORT hxCodecError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -28,7 +29,7 @@ class NUMERA_EXPORT hxUTF8ToUTF16 {
   hxUTF8ToUTF16(const hxUTF8ToUTF16&) = delete;
   hxUTF8ToUTF16& operator=(const hxUTF8ToUTF16&) = delete;
 
-  /// The whole text, NUL kept. Throws `hxCodecError`.
+  /// The whole text, NUL kept. Throws `hxCodecError` and `std::bad_alloc`. Linear in its length.
   std::u16string convert(std::string_view text) const;
 
  private:
@@ -45,7 +46,7 @@ class NUMERA_EXPORT hxUTF16ToUTF8 {
   hxUTF16ToUTF8(const hxUTF16ToUTF8&) = delete;
   hxUTF16ToUTF8& operator=(const hxUTF16ToUTF8&) = delete;
 
-  /// `length` code units, NUL kept. Throws `hxCodecError`.
+  /// `length` code units, NUL kept. Throws `hxCodecError` and `std::bad_alloc`. Linear in `length`.
   std::string convert(const char16_t* text, size_t length) const;
 
  private:

@@ -1,8 +1,9 @@
 #pragma once
 
 /// \file
-/// Tags of the exceptions that `convertUTF16ToUTF8` throws, each as `hxTaggedException<Tag>`. The
-/// wording of a message belongs to the message catalogue of the host.
+/// Tags of the exceptions that `convertUTF16ToUTF8` throws, each as `hxTaggedException<Tag>`
+/// with the identifier "catalog:key". The wording of a message belongs to the message catalogue of
+/// the host; where a tag names no arguments, there are none.
 
 #include "numera/export.h"
 
@@ -10,40 +11,40 @@ namespace NUMERA::io::arrow::unicode {
 
 /// The input is neither a string array, a cell array nor a char array.
 struct NUMERA_EXPORT InvalidTextInput {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "InvalidTextInput";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "InvalidTextInput";             ///< after the last colon
 };
 
 /// A char array has not two dimensions.
 struct NUMERA_EXPORT InvalidCharDimensions {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "InvalidCharDimensions";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "InvalidCharDimensions";        ///< after the last colon
 };
 
 /// A string array has not two dimensions, or more than one column.
 struct NUMERA_EXPORT InvalidStringDimensions {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "InvalidStringDimensions";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "InvalidStringDimensions";      ///< after the last colon
 };
 
 /// A cell array has not two dimensions, or more than one column.
 struct NUMERA_EXPORT InvalidCellstrDimensions {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "InvalidCellstrDimensions";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "InvalidCellstrDimensions";     ///< after the last colon
 };
 
 /// A cell is empty or holds anything but a char row: a value of another class, of more than two
 /// dimensions, or of more than one row.
 struct NUMERA_EXPORT InvalidCellArray {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "InvalidCellArray";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "InvalidCellArray";             ///< after the last colon
 };
 
 /// A text is not valid UTF-16. Arguments: the number of the element, counted from 1
 /// (`std::uint64_t`), and what the codec says (`std::string`).
 struct NUMERA_EXPORT UnrecognizedUTF16Character {
-  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";
-  static constexpr const char* key = "UnrecognizedUTF16Character";
+  static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
+  static constexpr const char* key = "UnrecognizedUTF16Character";   ///< after the last colon
 };
 
 }  // namespace NUMERA::io::arrow::unicode

@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// Text of host arrays.
+
 #include <string>
 
 #include "numera/export.h"
@@ -8,7 +11,9 @@
 namespace numera::io::arrow::core::util {
 
 /// The text of a char array as UTF-8; the empty text for null and for every other array, string
-/// arrays included. Throws `hxCodecError` on an unpaired surrogate.
+/// arrays included. All elements of a char array are read, in storage order, and NUL is kept.
+/// Throws `hxCodecError` on an unpaired surrogate, and `std::bad_alloc`. Any number of threads may
+/// read at a time. Cost: one pass.
 NUMERA_EXPORT std::string HxArrayToString(const hxArray* a);
 
 }  // namespace numera::io::arrow::core::util

@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// The check of a field, for functions that take structs as the conversions do.
+
 #include <arrow/status.h>
 
 #include "numera/arrow_version.h"
@@ -18,6 +21,8 @@ namespace numera::io::arrow::core::util {
 /// - the struct has no such field: the host's `std::invalid_argument` "Wrong field name."
 /// - the slot is empty: TypeError "Missing field 'F' in input struct array"
 /// - another class: TypeError "Incorrect type 'C' for struct array field 'F'"
+///
+/// Any number of threads may check at a time. Cost: one look-up of the name.
 NUMERA_EXPORT ::arrow::Status VerifyHxStructContains(const hxArray* s, const char* fieldName,
                                                      hxClassID classId, bool flag);
 

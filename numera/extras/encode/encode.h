@@ -82,7 +82,9 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> encode(const hxArray* value);
 NUMERA_EXPORT std::optional<std::shared_ptr<::arrow::DataType>> returned_type(
     const ::arrow::DataType& type);
 
-/// Whether a column of type `from` may return as `to`.
+/// Whether a column of type `from` may return as `to`: as `returned_type` says or, for a
+/// dictionary, with any index type and unordered. False where it cannot return at all. Takes `from`
+/// as `returned_type` takes its type. Cost of both: one step a node of the type.
 NUMERA_EXPORT bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to);
 
 }  // namespace numera::extras

@@ -3,8 +3,9 @@
 /// \file
 /// A host value made visible: printed as a tree, and compared with another one.
 ///
-/// Both read the value through the host interface alone and change nothing. Both work without
-/// recursion, so that no depth of nesting exhausts the stack. Indexes count from 0.
+/// Both read the value through the host interface alone and change nothing: any number of threads
+/// may look at one value at a time, as long as none writes it. Both work without recursion, so that
+/// no depth of nesting exhausts the stack. Indexes count from 0.
 
 #include <cstddef>
 #include <optional>
@@ -56,8 +57,8 @@ struct PrintOptions {
 /// - A field name that is no identifier stands in quotes, its bytes that are no UTF-8 as `\xFF`. A
 ///   struct array without elements lists its field names and no values.
 ///
-/// Throws `std::bad_alloc`. Cost: grows with what is printed and with the
-/// number of fields, not with the number of elements or the length of texts.
+/// Throws `std::bad_alloc`. Cost: grows with what is printed and with the number of fields, not
+/// with the number of elements or the length of texts.
 NUMERA_EXPORT std::string print(const hxArray* value, const PrintOptions& options = {});
 
 /// The first difference between two values, or none where they are equal.

@@ -11,14 +11,16 @@
 ///
 /// A literal opens with a class and a size, as `print` shows them, and the content follows:
 ///
-/// | value | literal |
-/// |---|---|
-/// | numbers, truth values | `double 3x1 [1 2.5 NaN]`, `logical [true; false]`, `complex single
-/// [1+2i 0-1i]` | | char row | `"text"` | | any other char array | `char ["two" "row"]`, `char 2x0
-/// ""` | | string array | `string 3x1 ["a" <missing> ""]` | | cell | `cell 1x2 {"a", double [1]}`,
-/// `cell {"a", "b"; "c", "d"}` | | struct, object | `struct(Name="Ada", "two words"=<empty>)`,
-/// `object "Point"(X=double [1])` | | struct array | `struct 2x1 {(Name="Ada"), (Name="Jo")}`,
-/// without elements `struct 0x1(Name)` | | empty slot | `<empty>` |
+/// - numbers, truth values: `double 3x1 [1 2.5 NaN]`, `logical [true; false]`,
+///   `complex single [1+2i 0-1i]`
+/// - char row: `"text"`
+/// - any other char array: `char ["two" "row"]`, `char 2x0 ""`
+/// - string array: `string 3x1 ["a" <missing> ""]`
+/// - cell: `cell 1x2 {"a", double [1]}`, `cell {"a", "b"; "c", "d"}`
+/// - struct: `struct(Name="Ada", "two words"=<empty>)`
+/// - object: `object "Point"(X=double [1])`
+/// - struct array: `struct 2x1 {(Name="Ada"), (Name="Jo")}`, without elements `struct 0x1(Name)`
+/// - empty slot: `<empty>`
 ///
 /// Without a size, the content gives it: its rows, set apart by ";", and their columns; nothing is
 /// 0x0, and a struct in parentheses 1x1. Elements are listed row after row and page after page, and
@@ -28,6 +30,8 @@
 ///
 /// What `print` writes is a literal too, as long as nothing of it is cut. One-line literals may
 /// stand in its lines.
+///
+/// Any number of threads may write and read literals at a time.
 
 #include <span>
 #include <string>
@@ -50,10 +54,10 @@ NUMERA_EXPORT std::string literal(const hxArray* value);
 /// What the host interface does not make, and each host in its own way. Either may be null: then
 /// `parse` refuses what needs it.
 struct LiteralMakers {
-  /// An object with empty slots.
+  /// An object with empty slots. What it throws passes through, as for the other.
   hxArrayPtr (*object)(std::string class_name, std::span<const size_t> dims,
                        std::span<const char* const> field_names);
-  /// A char array of any shape.
+  /// A char array of any shape from as many code units, column-major, which it copies.
   hxArrayPtr (*chars)(std::span<const size_t> dims, const char16_t* text);
 };
 
@@ -66,7 +70,7 @@ struct LiteralMakers {
 /// without a payload. Cost: linear in the length of the text.
 NUMERA_EXPORT hxArrayPtr parse(std::string_view text, const LiteralMakers& makers);
 
-/// The same on the in-memory host.
+/// The same on the in-memory host, which the program then has to be linked with.
 inline hxArrayPtr parse(std::string_view text) {
   return parse(text, {host::memory::CreateObjectArray, host::memory::CreateCharArray});
 }

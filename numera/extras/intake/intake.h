@@ -31,6 +31,7 @@
 
 namespace numera::extras {
 
+/// What `take_in` may change. By default, the type stays as it is.
 struct IntakeOptions {
   /// Casts what `to_numera` refuses, as far as there is a rule for it.
   bool cast = false;
@@ -46,15 +47,19 @@ struct IntakeCast {
   /// "{item}" for those of a map, "<dictionary>" for a dictionary, "<values>" for run-end encoded
   /// values and "<storage>" for those of an extension type.
   std::string path;
-  std::shared_ptr<::arrow::DataType> from;
-  std::shared_ptr<::arrow::DataType> to;
+  std::shared_ptr<::arrow::DataType> from;  ///< as it came in, its children too
+  std::shared_ptr<::arrow::DataType> to;    ///< what it became
 };
 
-/// "trips[].fare: decimal128(9, 2) to double"
+/// A line for a person: "trips[].fare: decimal128(9, 2) to double", and without "path: " where the
+/// path is empty. `from` and `to` are not null.
 NUMERA_EXPORT std::string to_string(const IntakeCast& cast);
 
+/// What was taken in, and what had to be cast for it. `T` is `::arrow::Array`,
+/// `::arrow::ChunkedArray` or `::arrow::Table`.
 template <class T>
 struct Intake {
+  /// Never null. It shares buffers with the input, which it keeps alive.
   std::shared_ptr<T> value;
   /// In the order of fields, the inner value before the one around it; each once, whatever the
   /// number of chunks.
@@ -74,13 +79,14 @@ struct Intake {
 /// column where one chunk has too many bytes or elements for them.
 ///
 /// Errors, all of which begin with the path where it is not empty:
-/// - null pointers, at any depth: Invalid
+/// - null pointers, at any depth: Invalid, for the argument itself "Array: found a null pointer,
+///   expected a value." ("Column", "Table")
 /// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of another device than the CPU: Invalid
 /// - whatever `ValidateFull` finds: its status
-/// - elements of a map too many for its 32-bit offsets once cast, or keys that are null then:
-/// Invalid
+/// - a map whose elements are too many for 32-bit offsets once cast, or whose keys are null then:
+///   Invalid
 ///
 /// Cost: validation reads every element once. Peak memory is what is copied or cast, and 8 bytes
 /// for each element of a list view, a run-end encoded value or a dictionary that is taken apart.
@@ -92,7 +98,8 @@ NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
 
 /// Column by column; names, nullability and metadata stay. Before every column
-/// `hxThrowIfInterruptPending` is called; its exception passes through.
+/// `hxThrowIfInterruptPending` is called; its exception passes through. The status of a column that
+/// fails carries a `TableErrorStatusDetail` with its name and index.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Table>> take_in(
     const std::shared_ptr<::arrow::Table>& table, const IntakeOptions& options = {});
 

@@ -12,6 +12,8 @@
 /// that (the in-memory one does). To go on using a value, give `hxSharedCopy` of it away: it shares
 /// the memory, and a later write to either leaves the other as it is.
 ///
+/// Threads as in to_arrow.h; the Arrow values may be used and released on any thread.
+///
 /// \code
 ///   auto column = numera::extras::own_to_arrow<arrow::Array>(std::move(envelope));
 ///   return column;  // nothing else to keep
@@ -39,9 +41,11 @@ template <class T>
   requires std::same_as<T, ::arrow::Array> || std::same_as<T, ::arrow::Buffer>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<T>> own_to_arrow(hxArrayPtr encoded);
 
+/// The conversion to arrays that is described above; the library holds it.
 template <>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> own_to_arrow<::arrow::Array>(
     hxArrayPtr encoded);
+/// The conversion to buffers that is described above; the library holds it.
 template <>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Buffer>> own_to_arrow<::arrow::Buffer>(
     hxArrayPtr encoded);

@@ -34,6 +34,9 @@ namespace numera::extras {
 /// failure of the column that would have been next. After a failure no further column is handed
 /// out. Whatever comes out, every thread has ended by then and what was made is destroyed.
 ///
+/// The result belongs to the caller. Several threads may call this at a time, each call with
+/// threads of its own.
+///
 /// Cost: that of `to_numera`, divided by the threads as far as the columns are of even size, and
 /// the start of the threads. Tables of many short columns gain little.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> parallel_to_numera(std::shared_ptr<::arrow::Table> table,
