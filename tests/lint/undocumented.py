@@ -1,4 +1,4 @@
-"""Prints the public names without a comment that doxygen says nothing about, and fails for them.
+"""Prints the public names without a comment that doxygen passes over, and fails if there is one.
 
 Doxygen is silent about enumerators and about files and namespaces, and where a file has no comment
 also about everything that stands in the file alone. Takes the folder of its XML.
@@ -25,7 +25,7 @@ def undocumented(folder):
             for member in compound.iter("memberdef"):
                 for value in member.iter("enumvalue"):
                     if not is_documented(value):
-                        enumeration = member.findtext("qualifiedname")
+                        enumeration = member.findtext("name")
                         yield f"enumerator {enumeration}::{value.findtext('name')}"
 
 
