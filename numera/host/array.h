@@ -126,9 +126,8 @@ NUMERA_EXPORT size_t hxGetElementSize(const hxArray* array) noexcept;
 NUMERA_EXPORT size_t hxGetNumberOfElements(const hxArray* array) noexcept;
 /// At least two. Lives as long as the array.
 NUMERA_EXPORT std::span<const size_t> hxGetDimensions(const hxArray* array) noexcept;
-/// The element block of a numeric, logical or char array, borrowed; null for every other, and
-/// possibly for an array without elements. It moves only when the array itself is written while
-/// shared.
+/// The element block of a numeric, logical or char array, borrowed; null for every other. It
+/// moves only when the array itself is written while shared.
 NUMERA_EXPORT const void* hxGetData(const hxArray* array) noexcept;
 /// The same for writing. Unshares first: it may copy the block, and then pointers taken earlier
 /// stay on the old one, which lives as long as the arrays that still share it. Throws
