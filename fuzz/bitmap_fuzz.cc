@@ -82,12 +82,12 @@ void check_chunks(const Case& drawn, ByteSource& source) {
 }
 
 }  // namespace
-}  // namespace numera::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
-  numera::fuzz::ByteSource source({data, size});
-  const auto drawn = numera::fuzz::draw(source);
-  numera::fuzz::check_one_copy(drawn);
-  numera::fuzz::check_chunks(drawn, source);
-  return 0;
+void try_input(std::span<const std::uint8_t> input) {
+  ByteSource source(input);
+  const Case drawn = draw(source);
+  check_one_copy(drawn);
+  check_chunks(drawn, source);
 }
+
+}  // namespace numera::fuzz

@@ -2,7 +2,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
+
+namespace numera::fuzz {
 
 /// What each fuzzer of this folder defines: tries one input, and ends the process where a claim
-/// does not hold. Called by libFuzzer, and by replay_main.cc with inputs from files.
+/// does not hold. An exception that comes out is a finding too.
+void try_input(std::span<const std::uint8_t> input);
+
+}  // namespace numera::fuzz
+
+/// Tries one input and claims that no host array is left over. Called by libFuzzer, and by
+/// replay_main.cc with inputs from files.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size);

@@ -14,7 +14,6 @@
 #include "fuzz/host_tree.h"
 #include "numera/extras/inspect/inspect.h"
 #include "numera/extras/inspect/literal.h"
-#include "numera/host/memory.h"
 
 namespace numera::fuzz {
 namespace {
@@ -66,18 +65,15 @@ void check_text(std::string_view text) {
 }
 
 }  // namespace
-}  // namespace numera::fuzz
 
 /// An input that begins with a zero byte is a value, any other a text.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
-  using numera::host::memory::LiveArrays;
-  const size_t before = LiveArrays();
-  if (size > 0 && data[0] == 0) {
-    numera::fuzz::ByteSource source({data + 1, size - 1});
-    numera::fuzz::check_value(numera::fuzz::read_host_tree(source));
+void try_input(std::span<const std::uint8_t> input) {
+  if (!input.empty() && input[0] == 0) {
+    ByteSource source(input.subspan(1));
+    check_value(read_host_tree(source));
   } else {
-    numera::fuzz::check_text({reinterpret_cast<const char*>(data), size});
+    check_text({reinterpret_cast<const char*>(input.data()), input.size()});
   }
-  numera::fuzz::claim(LiveArrays() == before, "no array is left over");
-  return 0;
 }
+
+}  // namespace numera::fuzz

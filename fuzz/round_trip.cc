@@ -17,35 +17,20 @@
 #include "numera/extras/inspect/inspect.h"
 #include "numera/host/text_codec.h"
 #include "tests/extras/encode/same_values.h"
+#include "tests/support/icu.h"
 
 namespace numera::fuzz {
 namespace {
 
 using ::arrow::DataType;
-using ::arrow::Type;
 using io::arrow::core::to_numera;
 
-template <class Predicate>
-bool any_type(const DataType& type, const Predicate& predicate) {
-  return predicate(type) || std::ranges::any_of(type.fields(), [&](const auto& field) {
-           return any_type(*field->type(), predicate);
-         });
-}
-
-bool is_utf8(const std::string& text) {
-  try {
-    hxUTF8ToUTF16("UTF-8").convert(text);
-    return true;
-  } catch (const hxCodecError&) {
-    return false;
-  }
-}
+bool is_utf8(const std::string& text) { return testing::IcuToUtf16(text).has_value(); }
 
 /// Names of fields are text to the host.
 bool names_are_utf8(const DataType& type) {
-  return !any_type(type, [](const DataType& part) {
-    return std::ranges::any_of(part.fields(),
-                               [](const auto& field) { return !is_utf8(field->name()); });
+  return std::ranges::all_of(type.fields(), [](const auto& field) {
+    return is_utf8(field->name()) && names_are_utf8(*field->type());
   });
 }
 

@@ -117,12 +117,12 @@ void check_bulk(ByteSource& source) {
 }
 
 }  // namespace
-}  // namespace numera::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
-  numera::fuzz::check_utf8({data, size});
-  numera::fuzz::check_utf16({data, size});
-  numera::fuzz::ByteSource source({data, size});
-  numera::fuzz::check_bulk(source);
-  return 0;
+void try_input(std::span<const std::uint8_t> input) {
+  check_utf8(input);
+  check_utf16(input);
+  ByteSource source(input);
+  check_bulk(source);
 }
+
+}  // namespace numera::fuzz
