@@ -22,7 +22,6 @@ namespace numera::testing {
 namespace {
 
 using ::arrow::Array;
-using ::arrow::Status;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
 
@@ -86,8 +85,8 @@ Reached for_every_readable_value(const Visit& visit) {
 
 TEST(ColumnFaults, ToTheHost) {
   const Reached reached = for_every_column([](const Chunks& column) {
-    return FailEverywhere([&column] { return to_numera(column).status(); },
-                          [&column] { return text_of(*column); });
+    return fail_everywhere([&column] { return to_numera(column); },
+                           [&column] { return text_of(*column); });
   });
   EXPECT_GE(reached.least.allocations, 7U);
   EXPECT_GE(reached.least.calls, 15U);
@@ -98,8 +97,8 @@ TEST(ColumnFaults, ToTheHost) {
 
 TEST(ColumnFaults, ToArrow) {
   const Reached reached = for_every_readable_value([](const hxArray* value) {
-    return FailEverywhere([value] { return to_arrow<Array>(value).status(); },
-                          [value] { return text_of(value); });
+    return fail_everywhere([value] { return to_arrow<Array>(value); },
+                           [value] { return text_of(value); });
   });
   EXPECT_GE(reached.least.calls, 5U);
   EXPECT_GE(reached.total.calls, 1500U);
@@ -108,9 +107,8 @@ TEST(ColumnFaults, ToArrow) {
 
 TEST(ColumnFaults, ToArrowWithOwnership) {
   const Reached reached = for_every_readable_value([](const hxArray* value) {
-    return FailEverywhere(
-        [value] { return extras::own_to_arrow<Array>(hxSharedCopy(value)).status(); },
-        [value] { return text_of(value); });
+    return fail_everywhere([value] { return extras::own_to_arrow<Array>(hxSharedCopy(value)); },
+                           [value] { return text_of(value); });
   });
   EXPECT_GE(reached.least.allocations, 1U);
   EXPECT_GE(reached.least.calls, 5U);
@@ -120,8 +118,8 @@ TEST(ColumnFaults, ToArrowWithOwnership) {
 TEST(ColumnFaults, ThroughEncode) {
   const Reached reached = for_every_column([](const Chunks& column) {
     const hxArrayPtr written = to_numera(column).ValueOrDie();
-    return FailEverywhere([&written] { return extras::encode(written.get()).status(); },
-                          [&written] { return text_of(written.get()); });
+    return fail_everywhere([&written] { return extras::encode(written.get()); },
+                           [&written] { return text_of(written.get()); });
   });
   EXPECT_GE(reached.least.allocations, 5U);
   EXPECT_GE(reached.least.calls, 8U);
@@ -132,11 +130,11 @@ TEST(ColumnFaults, ThroughEncode) {
 TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
   const Reached reached = for_every_column([](const Chunks& whole) {
     const Chunks column = whole->Slice(1);
-    const auto convert = [&column]() -> Status {
+    const auto convert = [&column]() -> ::arrow::Result<hxArrayPtr> {
       ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(column));
-      return to_numera(taken.value).status();
+      return to_numera(taken.value);
     };
-    return FailEverywhere(convert, [&column] { return text_of(*column); });
+    return fail_everywhere(convert, [&column] { return text_of(*column); });
   });
   EXPECT_GE(reached.least.allocations, 7U);
   EXPECT_GE(reached.least.calls, 12U);

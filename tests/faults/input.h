@@ -1,15 +1,18 @@
 #pragma once
 
 /// \file
-/// Inputs of conversions as text, down to the last bit.
+/// Inputs of conversions, and what comes out of them, as text, down to the last bit.
 
 #include <arrow/api.h>
 
+#include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 
 #include "numera/extras/inspect/inspect.h"
 #include "numera/host/array.h"
+#include "tests/support/faults.h"
 
 namespace numera::testing {
 
@@ -37,6 +40,28 @@ inline std::string text_of(const ::arrow::Table& table) {
 inline std::string text_of(const hxArray* value) {
   constexpr size_t kAll = std::numeric_limits<size_t>::max();
   return extras::print(value, {.max_elements = kAll, .max_width = kAll, .max_lines = kAll});
+}
+
+inline std::string text_of(const hxArrayPtr& value) { return text_of(value.get()); }
+
+template <class ArrowValue>
+std::string text_of(const std::shared_ptr<ArrowValue>& value) {
+  if constexpr (requires { value->data()->child_data; }) {
+    return value->type()->ToString() + text_of(*value->data());
+  } else {
+    return text_of(*value);
+  }
+}
+
+inline std::string text_of(const std::shared_ptr<::arrow::Buffer>& value) {
+  return value->ToString();
+}
+
+/// `FailEverywhere` of a conversion whose result tells itself as text.
+template <class Convert>
+FaultSites fail_everywhere(const Convert& convert, const std::function<std::string()>& input) {
+  return FailEverywhere([&convert] { return convert().status(); }, input,
+                        [&convert] { return text_of(convert().ValueOrDie()); });
 }
 
 }  // namespace numera::testing

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -92,6 +95,34 @@ TEST_F(RecordingHost, FailsTheChosenCallOnceAndLosesNothing) {
   FailCall(3);
   EXPECT_NO_THROW(build());
   EXPECT_FALSE(HasFailed());
+}
+
+TEST_F(RecordingHost, NamesTheCallThatFailedAndTheLastOneThatMayFail) {
+  EXPECT_EQ(LastThrowingCall(), "");
+  FailCall(1);
+  const hxArrayPtr cell = hxCreateCellArray(Dims{1, 1});
+  EXPECT_EQ(FailedCall(), "");
+  EXPECT_THROW(hxSetCell(cell.get(), 0, hxArrayPtr()), std::bad_alloc);
+  hxGetNumberOfElements(cell.get());
+  EXPECT_EQ(LastThrowingCall(), "hxSetCell");
+  hxGetCellChecked(cell.get(), 0);
+  EXPECT_EQ(FailedCall(), "hxSetCell");
+  EXPECT_EQ(LastThrowingCall(), "hxGetCellChecked");
+}
+
+TEST_F(RecordingHost, LetsStringArraysSetOneElementAfterAnotherOnDemand) {
+  constexpr std::array<std::int32_t, 3> kOffsets = {0, 1, 2};
+  constexpr std::array<std::uint8_t, 2> kBytes = {'a', 'b'};
+  for (const bool at_once : {true, false}) {
+    Reset();
+    TakeTextsAtOnce(at_once);
+    const auto strings = hxMakeStringArray(Dims{2, 1});
+    TakeTextsAtOnce(true);
+    EXPECT_EQ(strings->assign_utf8(0, kOffsets, kBytes.data()), std::nullopt);
+    EXPECT_EQ(strings->element(1), u"b");
+    EXPECT_EQ(Calls("hxStringArray::assign_utf8"), 1U);
+    EXPECT_EQ(Calls("hxStringArray::set"), at_once ? 0U : 2U);
+  }
 }
 
 TEST_F(RecordingHost, ThrowsTheGivenError) {

@@ -18,7 +18,7 @@ namespace numera::testing {
 namespace {
 
 using Convert = std::function<::arrow::Status()>;
-using Input = std::function<std::string()>;
+using Text = std::function<std::string()>;
 
 /// What a conversion must leave as it found it.
 struct Held {
@@ -47,13 +47,20 @@ bool is_row_message(const ::arrow::Status& status) {
          text.ends_with(" to UTF-16 string.\n");
 }
 
+/// The operation in which this thread's allocation, or the call that was to fail on any, failed.
+std::string_view failed_operation(size_t site) {
+  return site == kAllocation ? LastThrowingCall() : FailedCall();
+}
+
 /// Whether the conversion went through, where nothing may stop it but the failure of `site`.
 bool succeeds(const Convert& convert, size_t site) {
   const Held before;
   bool succeeded = false;
+  bool threw = true;
   try {
     const ::arrow::Status status = convert();
     succeeded = status.ok();
+    threw = false;
     EXPECT_TRUE(succeeded || is_row_message(status)) << status;
   } catch (const std::bad_alloc&) {
     EXPECT_EQ(site, kAllocation) << "std::bad_alloc came out";
@@ -63,6 +70,11 @@ bool succeeds(const Convert& convert, size_t site) {
     ADD_FAILURE() << "another exception came out";
   }
   EXPECT_EQ(Held(), before) << "left behind";
+  if (!succeeded) {
+    const std::string_view operation = failed_operation(site);
+    EXPECT_EQ(threw, operation != "hxStringArray::assign_utf8")
+        << "the failure of " << operation << " came as " << (threw ? "an exception" : "a status");
+  }
   return succeeded;
 }
 
@@ -75,8 +87,9 @@ struct Way {
 };
 
 /// The number of failures until `convert` succeeds.
-size_t fail_each(const Way& way, const Convert& convert, const Input& input) {
+size_t fail_each(const Way& way, const Convert& convert, const Text& input, const Text& result) {
   const std::string before = input();
+  const std::string wanted = result();
   for (size_t site = 0;; ++site) {
     SCOPED_TRACE(std::string(way.what) + " " + std::to_string(site) + " fails");
     way.arm(site);
@@ -86,6 +99,7 @@ size_t fail_each(const Way& way, const Convert& convert, const Input& input) {
     EXPECT_EQ(input(), before) << "the input was changed";
     const bool goes_on = convert().ok();
     EXPECT_TRUE(goes_on) << "the next conversion fails";
+    EXPECT_EQ(result(), wanted) << "the next conversion gives another value";
     if (succeeded || !failed || !goes_on || ::testing::Test::HasFatalFailure()) return site;
   }
 }
@@ -102,25 +116,25 @@ bool allocation_failure_has_come() {
   return true;
 }
 
-size_t fail_allocations(const Convert& convert, const Input& input) {
+size_t fail_allocations(const Convert& convert, const Text& input, const Text& result) {
   return fail_each({.what = "allocation",
                     .arm = host::memory::FailAllocationAfter,
                     .disarm = allocation_failure_has_come,
                     .throws_faults = false},
-                   convert, input);
+                   convert, input, result);
 }
 
-size_t fail_calls(const Convert& convert, const Input& input) {
+size_t fail_calls(const Convert& convert, const Text& input, const Text& result) {
   const auto arm = [](size_t site) { FailCall(site, std::make_exception_ptr(Fault{site})); };
   const auto disarm = [] {
     const bool failed = HasFailed();
     Reset();
     return failed;
   };
-  return fail_each({.what = "call", .arm = arm, .disarm = disarm}, convert, input);
+  return fail_each({.what = "call", .arm = arm, .disarm = disarm}, convert, input, result);
 }
 
-size_t interrupt(const Convert& convert, const Input& input) {
+size_t interrupt(const Convert& convert, const Text& input, const Text& result) {
   size_t checks = 0;
   size_t stop = 0;
   const auto arm = [&](size_t site) {
@@ -134,21 +148,22 @@ size_t interrupt(const Convert& convert, const Input& input) {
     host::memory::SetInterruptCheck({});
     return checks > stop;
   };
-  return fail_each({.what = "check for interrupts", .arm = arm, .disarm = disarm}, convert, input);
+  return fail_each({.what = "check for interrupts", .arm = arm, .disarm = disarm}, convert, input,
+                   result);
 }
 
 }  // namespace
 
-FaultSites FailEverywhere(const Convert& convert, const Input& input) {
+FaultSites FailEverywhere(const Convert& convert, const Text& input, const Text& result) {
   Reset();
   host::memory::ClearAllocationFailure();
   const ::arrow::Status undisturbed = convert();
   EXPECT_TRUE(undisturbed.ok()) << undisturbed;
   if (!undisturbed.ok()) return {};
   FaultSites sites;
-  sites.allocations = fail_allocations(convert, input);
-  sites.calls = fail_calls(convert, input);
-  sites.interrupts = interrupt(convert, input);
+  sites.allocations = fail_allocations(convert, input, result);
+  sites.calls = fail_calls(convert, input, result);
+  sites.interrupts = interrupt(convert, input, result);
   return sites;
 }
 

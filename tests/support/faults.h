@@ -23,15 +23,18 @@ struct FaultSites {
 /// interrupts of this thread, where each time an exception of another kind is thrown.
 ///
 /// Expects of every failed run that
-/// - the very exception comes out, or the status of a text that could not be converted;
+/// - the very exception comes out, or, where texts are handed to a string array, the status of a
+///   text that could not be converted;
 /// - neither host arrays nor Arrow memory stay behind;
 /// - `input`, which tells all of the conversion's input as text, is what it was;
-/// - the next run, undisturbed, succeeds.
+/// - the next run, undisturbed, succeeds, and `result`, which converts once more and tells what
+///   comes out as text, is what it was.
 ///
 /// `convert` makes nothing outside the conversion and does the same in every run. It runs on the
 /// recording host, whose counts are forgotten.
 FaultSites FailEverywhere(
     const std::function<::arrow::Status()>& convert,
-    const std::function<std::string()>& input = [] { return std::string(); });
+    const std::function<std::string()>& input = [] { return std::string(); },
+    const std::function<std::string()>& result = [] { return std::string(); });
 
 }  // namespace numera::testing

@@ -3,11 +3,15 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "numera/host/string_array.h"
 #include "tests/support/host_builder.h"
 
 namespace numera::testing {
@@ -18,12 +22,13 @@ using ::arrow::Status;
 /// The failures that `FailEverywhere` reports of a conversion.
 size_t reported(
     const std::function<Status()>& convert,
-    const std::function<std::string()>& input = [] { return std::string(); }) {
+    const std::function<std::string()>& input = [] { return std::string(); },
+    const std::function<std::string()>& result = [] { return std::string(); }) {
   ::testing::TestPartResultArray failures;
   {
     const ::testing::ScopedFakeTestPartResultReporter reporter(
         ::testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
-    FailEverywhere(convert, input);
+    FailEverywhere(convert, input, result);
   }
   return static_cast<size_t>(failures.size());
 }
@@ -50,11 +55,35 @@ std::function<Status()> failing_with(const Status& status) {
   };
 }
 
-TEST(FailEverywhere, AcceptsAFailureThatComesAsTheStatusOfAText) {
-  const auto convert =
-      failing_with(Status::Invalid("Could not convert string in row 0 to UTF-16 string.\n"));
+const Status kRowStatus = Status::Invalid("Could not convert string in row 0 to UTF-16 string.\n");
+
+/// A conversion that hands texts to a string array, and what comes of a failure of that.
+std::function<Status()> handing_texts_over(const std::function<Status()>& on_failure) {
+  return [on_failure] {
+    constexpr std::array<std::int32_t, 2> kOffsets = {0, 1};
+    constexpr std::array<std::uint8_t, 1> kBytes = {'a'};
+    const auto strings = hxMakeStringArray(Dims{1, 1});
+    try {
+      strings->assign_utf8(0, kOffsets, kBytes.data());
+    } catch (...) {
+      return on_failure();
+    }
+    return Status::OK();
+  };
+}
+
+TEST(FailEverywhere, AcceptsAFailureOfHandingTextsOverThatComesAsTheStatusOfAText) {
+  const auto convert = handing_texts_over([] { return kRowStatus; });
   EXPECT_EQ(reported(convert), 0U);
-  EXPECT_EQ(FailEverywhere(convert).calls, 1U);
+  EXPECT_EQ(FailEverywhere(convert).calls, 2U);
+}
+
+TEST(FailEverywhere, ReportsAFailureOfHandingTextsOverThatComesAsAnException) {
+  EXPECT_GT(reported(handing_texts_over([]() -> Status { throw; })), 0U);
+}
+
+TEST(FailEverywhere, ReportsTheStatusOfATextWhereNoTextsAreHandedOver) {
+  EXPECT_GT(reported(failing_with(kRowStatus)), 0U);
 }
 
 TEST(FailEverywhere, ReportsAnotherStatus) {
@@ -101,6 +130,20 @@ TEST(FailEverywhere, ReportsAConversionThatFailsAfterAFailure) {
               has_failed = false;
               return Status::OK();
             }),
+            0U);
+}
+
+TEST(FailEverywhere, ReportsAConversionThatGivesAnotherValueAfterAFailure) {
+  std::string value = "a";
+  EXPECT_GT(reported(
+                [&value] {
+                  const hxArrayPtr first = Char(u"a");
+                  const std::string before = std::exchange(value, "half made");
+                  const hxArrayPtr second = Char(u"a");
+                  value = before;
+                  return Status::OK();
+                },
+                [] { return std::string(); }, [&value] { return value; }),
             0U);
 }
 

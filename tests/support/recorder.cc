@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <iterator>
 #include <mutex>
@@ -73,11 +74,13 @@ struct Record {
   std::vector<Creation> creations;
   std::optional<size_t> calls_until_failure;
   std::exception_ptr error;
-  bool failed = false;
+  std::string_view failed_call;
 };
 
 std::mutex record_mutex;
 Record record;
+thread_local std::string_view last_throwing_call;
+std::atomic<bool> texts_at_once = true;
 
 size_t number_of(std::string_view operation) {
   const auto found = std::find(kOperations.begin(), kOperations.end(), operation);
@@ -118,17 +121,24 @@ class RecordingStringArray final : public hxStringArray {
   }
   std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                     const std::uint8_t* bytes) override {
-    note_throwing("hxStringArray::assign_utf8");
-    return inner_->assign_utf8(first, offsets, bytes);
+    return assign(first, offsets, bytes);
   }
   std::optional<size_t> assign_utf8(size_t first, std::span<const std::int64_t> offsets,
                                     const std::uint8_t* bytes) override {
-    note_throwing("hxStringArray::assign_utf8");
-    return inner_->assign_utf8(first, offsets, bytes);
+    return assign(first, offsets, bytes);
   }
 
  private:
+  template <class Offset>
+  std::optional<size_t> assign(size_t first, std::span<const Offset> offsets,
+                               const std::uint8_t* bytes) {
+    note_throwing("hxStringArray::assign_utf8");
+    return at_once_ ? inner_->assign_utf8(first, offsets, bytes)
+                    : hxStringArray::assign_utf8(first, offsets, bytes);
+  }
+
   std::unique_ptr<hxStringArray> inner_;
+  bool at_once_ = texts_at_once;
 };
 
 }  // namespace
@@ -136,6 +146,7 @@ class RecordingStringArray final : public hxStringArray {
 void Reset() {
   const std::lock_guard lock(record_mutex);
   record = Record();
+  last_throwing_call = {};
 }
 
 size_t Calls(std::string_view operation) {
@@ -158,13 +169,19 @@ void FailCall(size_t k, std::exception_ptr error) {
   const std::lock_guard lock(record_mutex);
   record.calls_until_failure = k;
   record.error = std::move(error);
-  record.failed = false;
+  record.failed_call = {};
 }
 
-bool HasFailed() {
+bool HasFailed() { return !FailedCall().empty(); }
+
+std::string_view FailedCall() {
   const std::lock_guard lock(record_mutex);
-  return record.failed;
+  return record.failed_call;
 }
+
+std::string_view LastThrowingCall() { return last_throwing_call; }
+
+void TakeTextsAtOnce(bool at_once) { texts_at_once = at_once; }
 
 void note(const char* operation) noexcept {
   const size_t number = number_of(operation);
@@ -174,6 +191,7 @@ void note(const char* operation) noexcept {
 
 void note_throwing(const char* operation) {
   note(operation);
+  last_throwing_call = operation;
   const std::lock_guard lock(record_mutex);
   ++record.throwing_calls;
   if (!record.calls_until_failure) return;
@@ -182,7 +200,7 @@ void note_throwing(const char* operation) {
     return;
   }
   record.calls_until_failure.reset();
-  record.failed = true;
+  record.failed_call = operation;
   std::rethrow_exception(record.error);
 }
 

@@ -55,4 +55,15 @@ void FailCall(size_t k, std::exception_ptr error = std::make_exception_ptr(std::
 /// Whether the failure asked for has been thrown.
 bool HasFailed();
 
+/// The operation that threw it; empty where none has.
+std::string_view FailedCall();
+
+/// Of the operations that may throw the one that this thread called last; empty where it has called
+/// none.
+std::string_view LastThrowingCall();
+
+/// Whether string arrays that are made from here on, by any thread, take texts at once (as they do
+/// at first) or, like those of a host that cannot, set one element after another.
+void TakeTextsAtOnce(bool at_once);
+
 }  // namespace numera::testing

@@ -1,0 +1,88 @@
+// A host whose string arrays set one element after another: what fails inside an element comes as
+// the message of that row, what fails around the elements as the exception itself.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "numera/core/to_numera.h"
+#include "numera/host/memory.h"
+#include "tests/support/every_type.h"
+#include "tests/support/recording_host.h"
+
+namespace numera::testing {
+namespace {
+
+using io::arrow::core::to_numera;
+
+struct Fault {};
+
+class TextsOneByOne : public ::testing::TestWithParam<std::shared_ptr<::arrow::DataType>> {
+ protected:
+  TextsOneByOne() { TakeTextsAtOnce(false); }
+  ~TextsOneByOne() override {
+    TakeTextsAtOnce(true);
+    Reset();
+    EXPECT_EQ(host::memory::LiveArrays(), before_) << "host arrays left";
+  }
+
+ private:
+  size_t before_ = host::memory::LiveArrays();
+};
+
+/// What comes of a column whose next call but `site` fails, with the name of the call; empty where
+/// the conversion goes through.
+std::string outcome_of(const Chunks& column, size_t site) {
+  Reset();
+  FailCall(site, std::make_exception_ptr(Fault()));
+  std::string outcome = "exception";
+  try {
+    const auto converted = to_numera(column);
+    if (converted.ok()) return "";
+    outcome = converted.status().message();
+  } catch (const Fault&) {
+  }
+  return std::string(FailedCall()) + ": " + outcome;
+}
+
+TEST_P(TextsOneByOne, FailByRowInsideAnElementAndByExceptionElsewhere) {
+  const Chunks column = ArrowChunks(GetParam(), {R"(["a", "é"])", R"(["b"])"});
+  std::vector<std::string> outcomes;
+  for (size_t site = 0;; ++site) {
+    std::string outcome = outcome_of(column, site);
+    if (outcome.empty()) break;
+    // What is made after the texts fails as for every type.
+    if (outcomes.empty() || outcomes.back() != "hxCreateStringArrayFrom: exception") {
+      outcomes.push_back(std::move(outcome));
+    } else {
+      EXPECT_TRUE(outcome.ends_with(": exception")) << outcome;
+    }
+  }
+
+  const std::string row_0 = "Could not convert string in row 0 to UTF-16 string.\n";
+  const std::string row_1 = "Could not convert string in row 1 to UTF-16 string.\n";
+  EXPECT_THAT(outcomes, ::testing::ElementsAre("hxMakeStringArray: exception",          //
+                                               "hxStringArray::assign_utf8: " + row_0,  //
+                                               "hxUTF8ToUTF16: " + row_0,               //
+                                               "hxUTF8ToUTF16::convert: " + row_0,      //
+                                               "hxStringArray::set: " + row_0,          //
+                                               "hxUTF8ToUTF16::convert: " + row_1,      //
+                                               "hxStringArray::set: " + row_1,          //
+                                               "hxStringArray::assign_utf8: " + row_0,  //
+                                               "hxUTF8ToUTF16: " + row_0,               //
+                                               "hxUTF8ToUTF16::convert: " + row_0,      //
+                                               "hxStringArray::set: " + row_0,          //
+                                               "hxCreateStringArrayFrom: exception"));
+  Reset();
+  EXPECT_TRUE(to_numera(column).ok());
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, TextsOneByOne,
+                         ::testing::Values(::arrow::utf8(), ::arrow::large_utf8()),
+                         [](const auto& type) { return type.param->name(); });
+
+}  // namespace
+}  // namespace numera::testing
