@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "numera/numera.h"
+#include "tools/look.h"
 #include "tools/sink.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
@@ -58,17 +59,19 @@ class Conversion {
     print_leg(out, "to Arrow:     ", legs_.to_arrow);
   }
 
-  /// Makes the output appear where all is well, and says what is not.
-  ::arrow::Status finish() {
+  /// Says what is not well.
+  ::arrow::Status check() const {
     const auto failed = std::ranges::count_if(
         columns_, [](const WayBack& column) { return !column.failure.empty(); });
     if (failed > 0) {
       return ::arrow::Status::Invalid(failed, " of ", columns_.size(),
                                       " columns did not return as they went");
     }
-    if (options_.strict) ARROW_RETURN_NOT_OK(check_types());
-    return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish();
+    return options_.strict ? check_types() : ::arrow::Status::OK();
   }
+
+  /// Makes the output appear.
+  ::arrow::Status finish() { return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish(); }
 
  private:
   ::arrow::Status add(const ::arrow::RecordBatch& batch) {
@@ -128,6 +131,11 @@ class Conversion {
   Conversion conversion(options);
   ARROW_RETURN_NOT_OK(conversion.run());
   conversion.print(out);
+  ARROW_RETURN_NOT_OK(conversion.check());
+  if (options.show) {
+    out << '\n';
+    ARROW_RETURN_NOT_OK(print_values(options.file, options.source, {.cast = options.cast}, out));
+  }
   if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();
 }

@@ -20,7 +20,8 @@ struct ConvertOptions {
   std::string output;   ///< where the way back is written; empty: nowhere
 };
 
-/// Takes a file to the host and back, batch by batch, and prints a row a column and what it took.
+/// Takes a file to the host and back, batch by batch, and prints a row a column and what it took,
+/// and the first rows where they are asked for; the output appears behind all that.
 /// Invalid where a column cannot go or return, or returns otherwise than it went; then no output is
 /// written. An interrupt passes through as the host's exception, and leaves no output either.
 ::arrow::Status convert(const ConvertOptions& options, std::ostream& out);

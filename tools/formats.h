@@ -3,7 +3,9 @@
 #include <arrow/io/interfaces.h>
 #include <arrow/result.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "tools/source.h"
 
@@ -24,5 +26,13 @@ using File = std::shared_ptr<::arrow::io::RandomAccessFile>;
 /// there several times, or is asked for twice.
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
                                                const std::vector<std::string>& columns);
+
+using BatchResult = ::arrow::Result<std::shared_ptr<::arrow::RecordBatch>>;
+
+/// The columns asked for, of every batch that `pull` gives, counted. `whole` is the schema of these
+/// batches, and null is behind the last.
+::arrow::Result<Source> select_columns(const ::arrow::Schema& whole, const SourceOptions& options,
+                                       std::function<BatchResult()> pull,
+                                       std::optional<std::int64_t> rows = std::nullopt);
 
 }  // namespace numera::tools

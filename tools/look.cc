@@ -60,10 +60,10 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
 }
 
 ::arrow::Status print_values(const std::string& file, const SourceOptions& options,
-                             std::int64_t rows, std::ostream& out) {
+                             const ShowOptions& show, std::ostream& out) {
   ARROW_ASSIGN_OR_RAISE(const Source source, open_source(file, options));
   ::arrow::RecordBatchVector batches;
-  for (std::int64_t wanted = rows; wanted > 0;) {
+  for (std::int64_t wanted = show.rows; wanted > 0;) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
     if (batch == nullptr) break;
     hxThrowIfInterruptPending();
@@ -72,9 +72,9 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   }
   ARROW_ASSIGN_OR_RAISE(const auto table,
                         ::arrow::Table::FromRecordBatches(source.schema, batches));
-  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table));
+  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = show.cast}));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(taken.value));
-  const auto listed = static_cast<size_t>(std::max<std::int64_t>(rows, table->num_columns()));
+  const auto listed = static_cast<size_t>(std::max<std::int64_t>(show.rows, table->num_columns()));
   const extras::PrintOptions all{.max_elements = std::max<size_t>(listed, 20),
                                  .max_width = kWidestLine,
                                  .max_lines = std::numeric_limits<size_t>::max()};

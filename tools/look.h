@@ -14,8 +14,13 @@ namespace numera::tools {
 ::arrow::Status print_types(const std::string& file, const SourceOptions& options,
                             std::ostream& out);
 
+struct ShowOptions {
+  std::int64_t rows = 10;
+  bool cast = false;  ///< cast what has no host form
+};
+
 /// Prints the first rows of a file as the encoded host table that they become.
 ::arrow::Status print_values(const std::string& file, const SourceOptions& options,
-                             std::int64_t rows, std::ostream& out);
+                             const ShowOptions& show, std::ostream& out);
 
 }  // namespace numera::tools

@@ -1,8 +1,13 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,7 +29,7 @@ volatile std::sig_atomic_t end_signal = 0;
 
 struct Arguments {
   ConvertOptions convert;
-  std::int64_t rows = 10;
+  ShowOptions show;
 };
 
 struct Commands {
@@ -48,15 +53,18 @@ Commands add_commands(CLI::App& program, Arguments& arguments) {
 
   commands.show = program.add_subcommand("show", "Print the first rows as encoded host values");
   add_input(commands.show, options);
-  commands.show->add_option("--rows", arguments.rows, "How many rows (10)")
+  commands.show->add_option("--rows", arguments.show.rows, "How many rows (10)")
       ->check(CLI::NonNegativeNumber);
+  commands.show->add_flag("--cast", arguments.show.cast, "Cast types that have no host form");
 
   commands.convert = program.add_subcommand(
       "convert", "Take every column to the host and back, and say what became of it");
   add_input(commands.convert, options);
   commands.convert->add_flag("--cast", options.cast, "Cast types that have no host form");
-  commands.convert->add_option("--output", options.output,
-                               "Write what came back: .parquet, or .arrow, .feather, .ipc");
+  commands.convert
+      ->add_option("--output", options.output,
+                   "Write what came back: .parquet, or .arrow, .feather, .ipc")
+      ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
   commands.convert
       ->add_option("--batch-rows", options.source.batch_rows, "Most rows at a time (65536)")
       ->check(CLI::PositiveNumber);
@@ -73,17 +81,14 @@ arrow::Status run(const Commands& commands, const Arguments& arguments) {
   const ConvertOptions& options = arguments.convert;
   if (commands.types->parsed()) return print_types(options.file, options.source, std::cout);
   if (commands.show->parsed()) {
-    return print_values(options.file, options.source, arguments.rows, std::cout);
+    return print_values(options.file, options.source, arguments.show, std::cout);
   }
-  ARROW_RETURN_NOT_OK(convert(options, std::cout));
-  if (!options.show) return arrow::Status::OK();
-  std::cout << '\n';
-  return print_values(options.file, options.source, arguments.rows, std::cout);
+  return convert(options, std::cout);
 }
 
 int report(const std::string& file, const std::string& reason) {
   std::cout.flush();
-  std::cerr << one_line("numera-arrow: " + file + ": " + reason) << '\n';
+  std::cerr << one_line("numera-arrow: " + file + ": ") + shortened(one_line(reason)) << '\n';
   return kFailure;
 }
 
@@ -110,8 +115,36 @@ int run_and_report(const Commands& commands, const Arguments& arguments) {
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");
     return kSignal + end_signal;
+  } catch (const std::bad_alloc&) {
+    return report(file, "there is not enough memory");
   } catch (const std::exception& error) {
     return report(file, error.what());
+  }
+}
+
+/// Says what is wrong with the arguments, which may hold anything.
+int report_usage(const CLI::App& program, const CLI::ParseError& error) {
+  std::stringstream text;
+  const std::vector<std::string> unknown = program.remaining();
+  if (unknown.empty()) {
+    program.exit(error, text, text);
+  } else {  // otherwise only the lack of a command would be told
+    program.exit(CLI::ExtrasError(program.get_name(), unknown), text, text);
+  }
+  for (std::string line; std::getline(text, line);) {
+    std::cerr << shortened(one_line(line)) << '\n';
+  }
+  return kUsage;
+}
+
+/// A file that is opened never takes the place of a standard stream that the program was started
+/// without: what goes there would go into the file.
+void occupy_standard_streams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    // The lowest number that is free, and of no use in its place: what is written is refused.
+    const int flags = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (::open("/dev/null", flags) != stream) std::_Exit(kFailure);
   }
 }
 
@@ -130,6 +163,7 @@ void heed_signals() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  occupy_standard_streams();
   // Arrow's other pools keep what was freed: half as much memory again, where memory is bounded.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
@@ -142,15 +176,10 @@ int main(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& answer) {
-    return program.exit(answer);
+    const int status = program.exit(answer);
+    return std::cout.flush() ? status : kFailure;
   } catch (const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = program.remaining();
-    if (unknown.empty()) {
-      program.exit(error, std::cerr, std::cerr);
-    } else {  // otherwise only the lack of a command would be told
-      program.exit(CLI::ExtrasError(program.get_name(), unknown), std::cerr, std::cerr);
-    }
-    return kUsage;
+    return report_usage(program, error);
   }
   if (commands.convert->parsed()) heed_signals();
   return run_and_report(commands, arguments);

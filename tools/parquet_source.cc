@@ -10,8 +10,6 @@
 namespace numera::tools {
 namespace {
 
-using BatchResult = ::arrow::Result<std::shared_ptr<::arrow::RecordBatch>>;
-
 /// The numbers of the leaves below a field: what Parquet calls its columns.
 void add_leaves(const parquet::arrow::SchemaField& field, std::vector<int>& leaves) {
   if (field.is_leaf()) leaves.push_back(field.column_index);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +15,9 @@
 
 namespace numera::tools {
 namespace {
+
+constexpr std::string_view kAddedToName = ".XXXXXX.part";
+constexpr std::string_view kSuffix = ".part";
 
 ::arrow::Status last_error() {
   return ::arrow::Status::IOError(std::generic_category().message(errno));
@@ -26,6 +30,15 @@ mode_t mode_for(const std::string& path) {
   const mode_t mask = ::umask(0);
   ::umask(mask);
   return 0666U & ~mask;
+}
+
+/// Beside the target, under its name with six characters and ".part" behind. Where that is longer
+/// than the system allows, less of the name is in front.
+std::string pattern_of_part(const std::filesystem::path& target) {
+  std::string name = target.filename();
+  const size_t room = NAME_MAX - kAddedToName.size();
+  if (name.size() > room) name.resize(room);
+  return target.parent_path() / (name + std::string(kAddedToName));
 }
 
 /// Where links lead to, be there a file or not. As many as the system follows.
@@ -83,10 +96,9 @@ Sink::~Sink() {
   return ::access(path_.c_str(), W_OK) == 0 ? ::arrow::Status::OK() : last_error();
 }
 
-/// Beside the target, so that it can be renamed; under a name that nobody has.
+/// Where it can be renamed, under a name that nobody has.
 ::arrow::Status Sink::create_part() {
-  constexpr std::string_view kSuffix = ".part";
-  std::string name = target_ + ".XXXXXX" + std::string(kSuffix);
+  std::string name = pattern_of_part(target_);
   const int file = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
   if (file < 0) return last_error();
   part_ = std::move(name);

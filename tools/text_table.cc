@@ -10,13 +10,14 @@
 namespace numera::tools {
 namespace {
 
+unsigned to_number(char byte) { return static_cast<unsigned char>(byte); }
+
+bool opens_character(char byte) { return (to_number(byte) & 0xC0U) != 0x80U; }
+
 /// Code points of a UTF-8 text: its width on a terminal, near enough for names.
 size_t width_of(const std::string& text) {
-  return static_cast<size_t>(std::ranges::count_if(
-      text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+  return static_cast<size_t>(std::ranges::count_if(text, opens_character));
 }
-
-unsigned to_number(char byte) { return static_cast<unsigned char>(byte); }
 
 /// The bytes of the first character, where it is one that a terminal shows and does not obey; 0 of
 /// a control character, of C1 too, and of what is no UTF-8.
@@ -66,6 +67,15 @@ std::string one_line(std::string_view text) {
     text.remove_prefix(std::max<size_t>(length, 1));
   }
   return line;
+}
+
+std::string shortened(const std::string& line) {
+  size_t head = 400;
+  size_t tail = 200;
+  if (line.size() <= head + tail) return line;
+  while (!opens_character(line[head])) --head;
+  while (!opens_character(line[line.size() - tail])) --tail;
+  return line.substr(0, head) + " ... " + line.substr(line.size() - tail);
 }
 
 std::string grouped(long long number) {

@@ -27,6 +27,10 @@ class TextTable {
 /// terminal, and of what is no UTF-8.
 std::string one_line(std::string_view text);
 
+/// A text of one line that keeps its first 400 and its last 200 bytes, whole characters, where it
+/// is longer.
+std::string shortened(const std::string& line);
+
 /// 1234567 as "1,234,567".
 std::string grouped(long long number);
 

@@ -205,6 +205,18 @@ TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoColumns) {
   }
 }
 
+TEST_F(BadFiles, AReasonAsLongAsAValueIsCutInItsMiddle) {
+  std::string text = "a\n";
+  for (int i = 0; i < 600000; ++i) text += "1\n";  // more than the types are guessed from
+  const std::string file = folder_.path("a_value.csv");
+  write_text(file, text + std::string(5000, 'x') + "\n");
+  expect_refusal(file, "CSV conversion error to int64: invalid value 'xxx");
+  const Outcome run = run_program({"convert", file});
+  EXPECT_THAT(run.errors, HasSubstr("xxx ... xxx"));
+  EXPECT_THAT(run.errors, EndsWith("xxx'\n"));
+  EXPECT_EQ(run.errors.size(), ("numera-arrow: " + file + ": \n").size() + 400 + 5 + 200);
+}
+
 /// Whatever byte of a file is another one: it converts, or is refused by one line.
 void expect_answer_for_every_flip(const std::string& file, std::int64_t step) {
   const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));

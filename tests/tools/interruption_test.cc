@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -89,14 +90,63 @@ TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
   EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
 }
 
-TEST_F(Interruption, ByATruncationOfTheInputLeavesTheOutputIntact) {
-  RunningProgram program(convert("100"));  // reads on to the end
-  wait_for_part();
-  fs::resize_file(file_, fs::file_size(file_) - 8 * 100000);  // whole lines
-  const Outcome expected{1, "", "numera-arrow: " + file_ + ": it changed while it was read\n"};
-  EXPECT_EQ(program.wait(), expected);
-  EXPECT_EQ(read_text(output_), "older");
-  EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
+/// Whatever it is that becomes of the input while it is read.
+struct Change {
+  const char* name;
+  void (*apply)(const std::string& file);
+};
+
+void cut_rows(const std::string& file) {
+  fs::resize_file(file, fs::file_size(file) - 8 * 100000);  // whole lines of the CSV
+}
+
+void add_bytes(const std::string& file) {
+  std::ofstream(file, std::ios::app | std::ios::binary) << "5,6,7,8\n";
+}
+
+void write_a_byte(const std::string& file) {
+  std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).put(read_text(file)[0]);
+}
+
+constexpr Change kChanges[] = {
+    {"cut", cut_rows}, {"longer", add_bytes}, {"written to", write_a_byte}};
+
+TEST_F(Interruption, ByAChangeOfTheInputLeavesTheOutputIntact) {
+  for (const Change& change : kChanges) {
+    SCOPED_TRACE(change.name);
+    SetUp();
+    RunningProgram program(convert("100"));  // reads on to the end
+    wait_for_part();
+    change.apply(file_);
+    const Outcome expected{1, "", "numera-arrow: " + file_ + ": it changed while it was read\n"};
+    EXPECT_EQ(program.wait(), expected);
+    EXPECT_EQ(read_text(output_), "older");
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
+  }
+}
+
+/// What is missing then is found by the reader of the format, or at the end.
+TEST_F(Interruption, ByACutOfABinaryInputLeavesTheOutputIntact) {
+  const auto few = table_of({{"a", ::arrow::int64(), "[1, 2, 3, 4, 5, 6, 7, 8, 9, 10]"}});
+  const std::vector<std::shared_ptr<::arrow::Table>> tables(20000, few);
+  const auto many = ::arrow::ConcatenateTables(tables).ValueOrDie();
+  void (*const writers[])(const std::string&, const ::arrow::Table&) = {
+      write_ipc, write_ipc_stream, [](const std::string& path, const ::arrow::Table& table) {
+        write_parquet(path, table, 2000);
+      }};
+  for (const auto write : writers) {
+    write(file_, *many);
+    write_text(output_, "older");
+    RunningProgram program(convert());
+    wait_for_part(50000);
+    fs::resize_file(file_, fs::file_size(file_) / 2);
+    const Outcome run = program.wait();
+    EXPECT_EQ(run.exit_status, 1);
+    EXPECT_THAT(run.errors, ::testing::StartsWith("numera-arrow: " + file_ + ": "));
+    EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
+    EXPECT_EQ(read_text(output_), "older");
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
+  }
 }
 
 /// At any moment, between the start of the program and behind its end: what stands under the name

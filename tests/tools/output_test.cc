@@ -85,6 +85,31 @@ TEST_F(Output, HasANameOfAnyBytes) {
   EXPECT_EQ(folder_.names(), (std::vector<std::string>{name, "a_file"}));
 }
 
+TEST_F(Output, HasANameAsLongAsTheSystemAllows) {
+  write_ipc(file_, *what_goes());
+  const std::string name = std::string(249, 'x') + ".arrow";
+  convert(name);
+  EXPECT_EQ(folder_.names(), (std::vector<std::string>{"a_file", name}));
+}
+
+/// What is opened first would take the place of what is closed, and be printed into.
+TEST_F(Output, IsWholeWhateverStandardStreamsAreClosed) {
+  write_ipc(file_, *what_goes());
+  const std::string output = folder_.path("back.arrow");
+  const std::vector<std::string> arguments = {"convert", file_, "--output", output};
+  for (const std::vector<int>& closed : {std::vector{0}, {2}, {0, 2}}) {
+    const Outcome run = run_program(arguments, {.closed = closed});
+    EXPECT_EQ(run.exit_status, 0);
+    EXPECT_NE(run.out, "");
+    expect_equal(*read_ipc(output), *what_comes(::arrow::TimeUnit::SECOND, ""));
+    std::filesystem::remove(output);
+  }
+  for (const std::vector<int>& closed : {std::vector{1}, {0, 1}, {1, 2}, {0, 1, 2}}) {
+    EXPECT_EQ(run_program(arguments, {.closed = closed}).exit_status, 1);
+    EXPECT_EQ(folder_.names(), std::vector<std::string>{"a_file"});
+  }
+}
+
 TEST_F(Output, HoldsTheColumnsAskedForInTheirOrder) {
   write_parquet(file_, *what_goes());
   convert("back.arrow", {"--columns", "b,n"});

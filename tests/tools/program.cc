@@ -45,6 +45,7 @@ void apply(const RunOptions& options) {
   limit(RLIMIT_FSIZE, options.file_size);
   limit(RLIMIT_CPU, options.cpu_seconds);
   if (options.unprivileged && ::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(126);
+  for (const int stream : options.closed) ::close(stream);
 }
 
 }  // namespace

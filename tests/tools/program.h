@@ -31,6 +31,7 @@ struct RunOptions {
   std::optional<std::uint64_t> file_size = {};    ///< most bytes of a file that it writes
   std::optional<std::uint64_t> cpu_seconds = {};  ///< a signal ends what takes longer
   bool unprivileged = false;                      ///< as nobody, where the tests run as root
+  std::vector<int> closed = {};                   ///< standard streams that it is started without
 };
 
 /// The program while it runs. Ends it where nobody has waited for it.

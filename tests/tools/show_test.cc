@@ -103,5 +103,15 @@ TEST_F(Show, NamesTheColumnThatHasNoHostForm) {
   EXPECT_EQ(run_program({"show", file_}), expected);
 }
 
+TEST_F(Show, CastsWhereItIsAskedTo) {
+  write_ipc(file_, *table_of({{"h", ::arrow::float16(), "[1.5, null]"}}));
+  const std::string tree = shown({"--cast"});
+  EXPECT_THAT(tree, ::testing::HasSubstr("Data: double 2x1 [1.5 0]\n"));
+  const std::string output = folder_.path("back.arrow");
+  EXPECT_THAT(converted(file_, {"--cast", "--show", "--output", output}),
+              ::testing::EndsWith(" s\n\n" + tree));
+  EXPECT_EQ(read_ipc(output)->num_rows(), 2);
+}
+
 }  // namespace
 }  // namespace numera::testing

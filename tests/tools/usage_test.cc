@@ -53,6 +53,7 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyOnStandardError) {
       {{"show", "one", "--columns"}, "--columns"},
       {{"convert", "--batch-rows", "0", "one"}, "--batch-rows"},
       {{"convert", "--output"}, "--output"},
+      {{"convert", "--output", "", "one"}, "--output: the name is empty"},
       {{"convert", "--threads", "-1", "one"}, "--threads"},
       {{"convert", "--threads", "many", "one"}, "--threads"},
   };
@@ -63,6 +64,17 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyOnStandardError) {
     EXPECT_THAT(run.out, IsEmpty());
     EXPECT_THAT(run.errors, HasSubstr(wrong.reason));
   }
+}
+
+TEST(Usage, WhatIsWrongWithAnArgumentNeverCommandsATerminal) {
+  const Outcome run = run_program({"a\x1b[31m\xFF"});
+  EXPECT_EQ(run.exit_status, 2);
+  EXPECT_THAT(run.errors, HasSubstr("a?[31m?"));
+  EXPECT_EQ(run.errors.find('\x1b'), std::string::npos);
+}
+
+TEST(Usage, HelpThatCannotBeWrittenIsAFailure) {
+  EXPECT_EQ(run_program({"--help"}, {.out = "/dev/full"}).exit_status, 1);
 }
 
 TEST(Usage, AResultThatCannotBeWrittenIsAFailure) {

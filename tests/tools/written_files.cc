@@ -29,6 +29,15 @@ std::shared_ptr<::arrow::io::FileOutputStream> open_to_write(const std::string& 
 
 }  // namespace
 
+std::vector<std::string> names_in(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename());
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
 TemporaryFolder::TemporaryFolder() {
   std::string name = std::filesystem::temp_directory_path() / "numera_tools_XXXXXX";
   if (mkdtemp(name.data()) == nullptr) {
@@ -41,15 +50,6 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
   std::filesystem::remove_all(folder_, ignored);
-}
-
-std::vector<std::string> TemporaryFolder::names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-    names.push_back(entry.path().filename());
-  }
-  std::ranges::sort(names);
-  return names;
 }
 
 std::shared_ptr<::arrow::Table> table_of(const std::vector<NamedColumn>& columns) {

@@ -14,6 +14,9 @@
 
 namespace numera::testing {
 
+/// The names in a folder, in order.
+std::vector<std::string> names_in(const std::string& folder);
+
 /// A new folder that is removed with everything in it.
 class TemporaryFolder {
  public:
@@ -23,8 +26,7 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   std::string path(const std::string& name) const { return folder_ / name; }
-  /// The names in it, in order.
-  std::vector<std::string> names() const;
+  std::vector<std::string> names() const { return names_in(folder_); }
 
  private:
   std::filesystem::path folder_;
