@@ -20,8 +20,9 @@ struct HostTree {
   bool has_odd_nan = false;  ///< a NaN whose bits a literal does not keep
 };
 
-/// A value of at most a few thousand arrays, each of at most a few thousand elements, shared copies
-/// counted with all that they hold.
+/// A value of at most a few thousand arrays and slots, and of at most a few hundred thousand
+/// elements in all, shared copies counted with all that they hold: none is slow only because it is
+/// large.
 HostTree read_host_tree(ByteSource& source);
 
 /// Bytes that give `value` back, for seeds. Throws `std::invalid_argument` for a value that is too

@@ -15,7 +15,10 @@
 namespace numera::fuzz {
 namespace {
 
-constexpr size_t kMostArrays = 8000;  // slots of containers count too
+// The weight of a value bounds the text that is printed of it: an element weighs one, and an array,
+// or a slot whose name may be printed, as much as many of them.
+constexpr size_t kSlotWeight = 32;
+constexpr size_t kMostWeight = 4000 * kSlotWeight;
 constexpr int kMostLevels = 500;
 
 using Dims = std::vector<size_t>;
@@ -45,10 +48,11 @@ class Reader {
   }
 
   hxArrayPtr read_value(int level) {
-    if (level >= kMostLevels || arrays_ >= kMostArrays) return nullptr;
-    const size_t before = arrays_++;
+    if (level >= kMostLevels || weight_ >= kMostWeight) return nullptr;
+    const size_t before = weight_;
+    weight_ += kSlotWeight;
     hxArrayPtr value = read_new_value(draw<Operation>(), level);
-    if (value != nullptr) made_.push_back({value.get(), arrays_ - before});
+    if (value != nullptr) made_.push_back({value.get(), weight_ - before});
     return value;
   }
 
@@ -131,6 +135,7 @@ class Reader {
 
   template <class T>
   void fill(T* elements, size_t count) {
+    weight_ += count;
     const Filling filling = draw<Filling>();
     if (filling == Filling::kBytes) {
       const auto bytes = source_.take(count * sizeof(T));
@@ -205,6 +210,7 @@ class Reader {
   hxArrayPtr read_strings() {
     const Dims dims = read_dims();
     auto strings = hxMakeStringArray(dims);
+    weight_ += strings->size();
     for (size_t i = 0; i < strings->size() && !source_.rest().empty(); ++i) {
       const size_t length = source_.byte();
       if (length == kMissingText) {
@@ -219,7 +225,7 @@ class Reader {
   }
 
   void fill_slots(hxArray* array, size_t slots, int level) {
-    arrays_ += slots;  // an empty slot costs as much as one that holds something
+    weight_ += kSlotWeight * slots;  // an empty slot costs as much as one that holds something
     for (size_t i = 0; i < slots && !source_.rest().empty(); ++i) {
       hxSetCell(array, i, read_value(level + 1));
     }
@@ -234,12 +240,13 @@ class Reader {
   }
 
   hxArrayPtr read_struct(const std::optional<std::string>& class_name, int level) {
-    const Dims dims = read_dims();
+    Dims dims = read_dims();
     std::vector<std::string> names(source_.below(16));
     for (std::string& name : names) {
       const auto bytes = source_.take(source_.below(32));
       name.assign(bytes.begin(), std::ranges::find(bytes, std::uint8_t{0}));
     }
+    if (product(dims) * names.size() > kMostElements) dims = {1, 1};
     std::vector<const char*> pointers;
     for (const std::string& name : names) pointers.push_back(name.c_str());
     hxArrayPtr array = class_name ? host::memory::CreateObjectArray(*class_name, dims, pointers)
@@ -250,21 +257,21 @@ class Reader {
 
   hxArrayPtr read_shared() {
     if (made_.empty()) return nullptr;
-    const auto [array, size] = made_[source_.word() % made_.size()];
-    if (arrays_ + size > kMostArrays) return nullptr;
-    arrays_ += size;
+    const auto [array, weight] = made_[source_.word() % made_.size()];
+    if (weight_ + weight > kMostWeight) return nullptr;
+    weight_ += weight;
     return hxSharedCopy(array);
   }
 
   struct Made {
     const hxArray* array;
-    size_t size;  ///< arrays in it
+    size_t weight;  ///< with all that it holds
   };
 
   ByteSource& source_;
   HostTree tree_;
   std::vector<Made> made_;
-  size_t arrays_ = 0;
+  size_t weight_ = 0;
 };
 
 }  // namespace
