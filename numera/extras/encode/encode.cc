@@ -6,11 +6,25 @@
 #include "numera/extras/encode/envelope.h"
 #include "numera/extras/encode/leaf.h"
 #include "numera/extras/encode/readable.h"
+#include "numera/extras/in_column.h"
 
 namespace numera::extras {
 namespace {
 
 using namespace encoding;  // NOLINT(google-build-using-namespace): this file is its front
+
+/// Gives the name of column `index` and puts what is read of it into the element of that index.
+::arrow::Status encode_column(const Located& names, const Located& columns, size_t index,
+                              std::string* name, hxArray* readable) {
+  ARROW_ASSIGN_OR_RAISE(const Located slot, cell(names, index));
+  ARROW_ASSIGN_OR_RAISE(*name, text_of(slot));
+  ARROW_ASSIGN_OR_RAISE(ReadableValue column, read_element(columns, index, 0));
+  const bool nested = is_nested(column);
+  store(readable, index, std::move(column));
+  if (nested) return {};
+  const Located place{columns.value, &columns, nullptr, index};
+  return read_back(readable, index, place).status();
+}
 
 ::arrow::Result<hxArrayPtr> encode_table(const Located& table) {
   ARROW_ASSIGN_OR_RAISE(const Located names, field(table, 0, "Names"));
@@ -25,13 +39,9 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
   hxArrayPtr readable = make_struct(count, {"ArrowType", "Type", "Data", "Valid"});
   for (size_t i = 0; i < count; ++i) {
     hxThrowIfInterruptPending();
-    ARROW_ASSIGN_OR_RAISE(const Located name, cell(names, i));
-    ARROW_RETURN_NOT_OK(text_of(name));
-    ARROW_ASSIGN_OR_RAISE(ReadableValue column, read_element(columns, i, 0));
-    const bool nested = is_nested(column);
-    store(readable.get(), i, std::move(column));
-    const Located place{columns.value, &columns, nullptr, i};
-    if (!nested) ARROW_RETURN_NOT_OK(read_back(readable.get(), i, place));
+    std::string name;
+    const ::arrow::Status status = encode_column(names, columns, i, &name, readable.get());
+    if (!status.ok()) return in_column(status, name, static_cast<int>(i));
   }
   hxArrayPtr encoded = make_struct(1, {"ArrowType", "Columns", "Names"});
   hxSetField(encoded.get(), 0, "ArrowType", make_char(u"table"));

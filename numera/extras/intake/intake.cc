@@ -2,15 +2,12 @@
 
 #include <utility>
 
-#include "numera/core/util/table_error.h"
+#include "numera/extras/in_column.h"
 #include "numera/extras/intake/column.h"
 #include "numera/host/array.h"
 
 namespace numera::extras {
 namespace {
-
-using io::arrow::core::util::TableErrorCode;
-using io::arrow::core::util::TableErrorStatusDetail;
 
 ::arrow::Status null_pointer(const char* what) {
   return ::arrow::Status::Invalid(what, ": found a null pointer, expected a value.");
@@ -21,11 +18,6 @@ intake::Work work_of(const IntakeOptions& options) {
   work.cast = options.cast;
   work.views = options.views || options.cast;
   return work;
-}
-
-::arrow::Status in_column(const ::arrow::Status& status, const ::arrow::Field& field, int index) {
-  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
-  return status.WithDetail(std::make_shared<TableErrorStatusDetail>(code, field.name(), index));
 }
 
 ::arrow::Result<intake::TakenColumn> take_in_column_of(const ::arrow::Table& table, int index,
@@ -70,7 +62,7 @@ std::string to_string(const IntakeCast& cast) {
   for (int i = 0; i < table->num_columns(); ++i) {
     hxThrowIfInterruptPending();
     auto taken = take_in_column_of(*table, i, options);
-    if (!taken.ok()) return in_column(taken.status(), *table->field(i), i);
+    if (!taken.ok()) return in_column(taken.status(), table->field(i)->name(), i);
     fields.push_back(table->field(i)->WithType(taken->type));
     columns.push_back(
         std::make_shared<::arrow::ChunkedArray>(std::move(taken->chunks), std::move(taken->type)));

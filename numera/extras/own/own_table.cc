@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "numera/core/to_arrow.h"
-#include "numera/core/util/table_error.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
+#include "numera/extras/in_column.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/own/owned_memory.h"
 
@@ -19,8 +19,6 @@ namespace numera::extras {
 namespace {
 
 namespace core = io::arrow::core;
-using core::util::TableErrorCode;
-using core::util::TableErrorStatusDetail;
 using core::util::VerifyHxStructContains;
 
 /// Arrow counts the nulls of a column when it joins a table, and trusts the bitmap to be long
@@ -31,12 +29,6 @@ using core::util::VerifyHxStructContains;
   if (column.length / 8 + (column.length % 8 != 0) <= bytes) return ::arrow::Status::OK();
   return ::arrow::Status::Invalid("Field 'Valid': found ", bytes, " bytes, expected enough for ",
                                   column.length, " elements.");
-}
-
-::arrow::Status in_column(const ::arrow::Status& status, const std::string& name, size_t index) {
-  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
-  return status.WithDetail(
-      std::make_shared<TableErrorStatusDetail>(code, name, static_cast<int>(index)));
 }
 
 /// Reads the name and the borrowed array of a column.
@@ -52,11 +44,11 @@ using core::util::VerifyHxStructContains;
                                   std::string* name, std::shared_ptr<::arrow::Array>* array) {
   try {
     const ::arrow::Status status = read_column(names, columns, index, name, array);
-    return status.ok() ? status : in_column(status, *name, index);
+    return status.ok() ? status : in_column(status, *name, static_cast<int>(index));
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
-    return in_column(::arrow::Status::Invalid(error.what()), *name, index);
+    return in_column(::arrow::Status::Invalid(error.what()), *name, static_cast<int>(index));
   }
 }
 

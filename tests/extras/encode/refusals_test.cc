@@ -329,35 +329,5 @@ TEST(EncodeRefusals, ChunksOfDifferentTypes) {
   EXPECT_TRUE(text.starts_with("Invalid: .Data: ")) << text;
 }
 
-TEST(EncodeRefusals, TablesNameTheirColumn) {
-  const auto table = [](hxArrayPtr names, hxArrayPtr columns) {
-    return Struct({{"ArrowType", Char("table")},
-                   {"Columns", std::move(columns)},
-                   {"Names", std::move(names)}});
-  };
-  const auto columns = [](hxArrayPtr second) {
-    return StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
-                       {{Char("array"), Char("double"), Scalar(1.0), WrittenValidity(1)},
-                        {Char("array"), Char("double"), std::move(second), WrittenValidity(1)}});
-  };
-  const auto names = [] { return Cell({1, 2}, {Char("a"), Char("b")}); };
-  const Refused rows[] = {
-      {table(names(), columns(Complex<double>({1, 1}, {{1, 2}}))),
-       "Type error: .Columns(1).Data: found a complex 1-by-1 double array, expected real numbers "
-       "that are not sparse."},
-      {table(names(), columns(Empty())),
-       "Type error: .Columns(1).Data: found no value, expected one."},
-      {table(Cell({Char("a")}), columns(Scalar(1.0))),
-       "Invalid: .Names: found 1 names, expected 2, one for each column."},
-      {table(Strings({u"a", u"b"}), columns(Scalar(1.0))),
-       "Type error: .Names: found a 2-by-1 string array, expected a cell of names."},
-      {table(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns(Scalar(1.0))),
-       "Type error: .Names{1}: found a 1-by-1 double array, expected a char array."},
-      {table(names(), Scalar(1.0)),
-       "Type error: .Columns: found a 1-by-1 double array, expected a struct array."},
-  };
-  for (const Refused& row : rows) EXPECT_EQ(refusal(row.value), row.text);
-}
-
 }  // namespace
 }  // namespace numera::testing

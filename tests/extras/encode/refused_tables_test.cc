@@ -1,0 +1,88 @@
+#include <arrow/api.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "numera/core/util/table_error.h"
+#include "numera/extras/encode/encode.h"
+#include "tests/support/envelopes.h"
+
+namespace numera::testing {
+namespace {
+
+using extras::encode;
+using io::arrow::core::util::TableErrorCode;
+using io::arrow::core::util::TableErrorStatusDetail;
+
+hxArrayPtr table_of(hxArrayPtr names, hxArrayPtr columns) {
+  return Struct(
+      {{"ArrowType", Char("table")}, {"Columns", std::move(columns)}, {"Names", std::move(names)}});
+}
+
+hxArrayPtr names_a_and_b() { return Cell({1, 2}, {Char("a"), Char("b")}); }
+
+/// Two columns of doubles, of which the second has that data.
+hxArrayPtr columns_with(hxArrayPtr data) {
+  return StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
+                     {{Char("array"), Char("double"), Scalar(1.0), WrittenValidity(1)},
+                      {Char("array"), Char("double"), std::move(data), WrittenValidity(1)}});
+}
+
+struct RefusedTable {
+  hxArrayPtr value;
+  ::arrow::Status status;
+};
+
+TEST(EncodeRefusedTables, SayWhatIsWrongWithAllOfThem) {
+  const RefusedTable rows[] = {
+      {table_of(Cell({Char("a")}), columns_with(Scalar(1.0))),
+       ::arrow::Status::Invalid(".Names: found 1 names, expected 2, one for each column.")},
+      {table_of(Strings({u"a", u"b"}), columns_with(Scalar(1.0))),
+       ::arrow::Status::TypeError(
+           ".Names: found a 2-by-1 string array, expected a cell of names.")},
+      {table_of(names_a_and_b(), Scalar(1.0)),
+       ::arrow::Status::TypeError(
+           ".Columns: found a 1-by-1 double array, expected a struct array.")},
+  };
+  for (const RefusedTable& row : rows) EXPECT_EQ(encode(row.value.get()).status(), row.status);
+}
+
+struct RefusedColumn {
+  hxArrayPtr table;
+  ::arrow::Status status;
+  std::string name;
+};
+
+TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
+  const RefusedColumn rows[] = {
+      {table_of(names_a_and_b(), columns_with(Complex<double>({1, 1}, {{1, 2}}))),
+       ::arrow::Status::TypeError(".Columns(1).Data: found a complex 1-by-1 double array, expected "
+                                  "real numbers that are not sparse."),
+       "b"},
+      {table_of(names_a_and_b(), columns_with(Empty())),
+       ::arrow::Status::TypeError(".Columns(1).Data: found no value, expected one."), "b"},
+      {table_of(names_a_and_b(), columns_with(Char(u"\xDC00"))),
+       ::arrow::Status::Invalid(
+           ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate "
+           "at code unit 0.), expected paired surrogates."),
+       "b"},
+      {table_of(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
+       ::arrow::Status::TypeError(".Names{1}: found a 1-by-1 double array, expected a char array."),
+       ""},
+  };
+  for (const RefusedColumn& row : rows) {
+    SCOPED_TRACE(row.status.message());
+    const ::arrow::Status status = encode(row.table.get()).status();
+    EXPECT_EQ(status.WithDetail(nullptr), row.status);
+    const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
+    ASSERT_NE(detail, nullptr);
+    EXPECT_EQ(detail->column_name(), row.name);
+    EXPECT_EQ(detail->column_index(), 1);
+    EXPECT_EQ(detail->error_code(),
+              row.status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal);
+  }
+}
+
+}  // namespace
+}  // namespace numera::testing
