@@ -30,8 +30,21 @@ class Writer {
       case hxClassID::Object:
         if (hxIsStringArray(value)) return write_strings(hxGetStringArray(value));
         throw std::invalid_argument("objects but strings are not written");
-      default:
+      case hxClassID::Double:
+      case hxClassID::Single:
+      case hxClassID::Int8:
+      case hxClassID::UInt8:
+      case hxClassID::Int16:
+      case hxClassID::UInt16:
+      case hxClassID::Int32:
+      case hxClassID::UInt32:
+      case hxClassID::Int64:
+      case hxClassID::UInt64:
         return write_numbers(value);
+      case hxClassID::Unknown:
+      case hxClassID::Void:
+      case hxClassID::Function:
+        throw std::invalid_argument("there are no values of this class");
     }
   }
 
