@@ -1,10 +1,9 @@
 #include "tests/gauntlet/generate.h"
 
-#include <algorithm>
-#include <array>
 #include <cstring>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace numera::gauntlet {
 namespace {
@@ -15,29 +14,11 @@ using ArrayDataPtr = std::shared_ptr<ArrayData>;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 using BufferPtr = std::shared_ptr<::arrow::Buffer>;
 
-/// A number for each seed and index.
-std::uint64_t mix(std::uint64_t seed, std::uint64_t i) {
-  std::uint64_t x = seed + 0x9E3779B97F4A7C15U * (i + 1);
-  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9U;
-  x = (x ^ (x >> 27)) * 0x94D049BB133111EBU;
-  return x ^ (x >> 31);
-}
-
-Making child_making(const Making& making, std::uint64_t number) {
-  Making child = making;
-  child.seed = mix(making.seed, 1000 + number);
-  return child;
-}
-
 template <class T>
 void append(Bytes& bytes, T value) {
   const size_t at = bytes.size();
   bytes.resize(at + sizeof(T));
   std::memcpy(bytes.data() + at, &value, sizeof(T));
-}
-
-bool is_valid(std::int64_t i, Nulls nulls) {
-  return nulls == Nulls::kAll ? false : nulls != Nulls::kEveryThird || i % 3 != 1;
 }
 
 BufferPtr buffer(Bytes bytes, Part part, const Making& making) {
@@ -46,13 +27,7 @@ BufferPtr buffer(Bytes bytes, Part part, const Making& making) {
 
 BufferPtr bitmap(std::int64_t length, const Making& making) {
   if (making.nulls == Nulls::kNoBitmap) return nullptr;
-  Bytes bytes(static_cast<size_t>((length + 7) / 8));
-  for (std::int64_t i = 0; i < length; ++i) {
-    if (is_valid(i, making.nulls)) {
-      bytes[static_cast<size_t>(i / 8)] |= static_cast<std::uint8_t>(1 << (i % 8));
-    }
-  }
-  return buffer(std::move(bytes), Part::kBitmap, making);
+  return buffer(validity_bits(length, making), Part::kBitmap, making);
 }
 
 ArrayDataPtr make(const TypePtr& type, std::int64_t length, const Making& making, Bytes values) {
@@ -62,11 +37,7 @@ ArrayDataPtr make(const TypePtr& type, std::int64_t length, const Making& making
 }
 
 ArrayDataPtr bits(const TypePtr& type, std::int64_t length, const Making& making) {
-  Bytes values;
-  for (std::int64_t i = 0; i < (length + 7) / 8; ++i) {
-    values.push_back(static_cast<std::uint8_t>(mix(making.seed, static_cast<std::uint64_t>(i))));
-  }
-  return make(type, length, making, std::move(values));
+  return make(type, length, making, random_bits(length, making));
 }
 
 /// Arrow's own validation wants times within a day and dates of whole days.
@@ -95,13 +66,6 @@ ArrayDataPtr numbers(const TypePtr& type, std::int64_t length, const Making& mak
   return make(type, length, making, std::move(values));
 }
 
-/// Texts of none to a dozen bytes, of one to four bytes a character.
-std::string text(std::uint64_t random) {
-  static constexpr std::array<const char*, 8> kTexts = {"",   "a",        "é",   "漢字",
-                                                        "😀", "é漢😀xyz", "ab ", "0123456789ab"};
-  return kTexts[random % kTexts.size()];
-}
-
 template <class Offset>
 ArrayDataPtr texts_of(const TypePtr& type, const std::vector<std::string>& texts,
                       const Making& making) {
@@ -128,33 +92,7 @@ ArrayDataPtr texts_of(const TypePtr& type, const std::vector<std::string>& texts
 }
 
 ArrayDataPtr texts(const TypePtr& type, std::int64_t length, const Making& making) {
-  std::vector<std::string> all;
-  for (std::uint64_t i = 0; i < static_cast<std::uint64_t>(length); ++i) {
-    all.push_back(text(mix(making.seed, i)));
-  }
-  return texts_of(type, all, making);
-}
-
-std::vector<std::string> categories(const Making& making) {
-  const auto numbered = [](int first, int count) {
-    std::vector<std::string> names;
-    for (int i = first; i < first + count; ++i) names.push_back("é" + std::to_string(i));
-    return names;
-  };
-  switch (making.dictionaries) {
-    case Dictionaries::kEqual:
-    case Dictionaries::kOutOfRange:
-      return numbered(0, 5);
-    case Dictionaries::kDiffering:
-      return numbered(60 * making.chunk, 90);
-    case Dictionaries::kUnused:
-      return {"zero", "", "é0", "zero", "unused", "unused too"};
-    case Dictionaries::kNoEntries:
-      return {};
-    case Dictionaries::kSliced:
-      return numbered(making.chunk, 12);
-  }
-  return {};
+  return texts_of(type, random_texts(length, making), making);
 }
 
 ArrayDataPtr dictionary(const ::arrow::DictionaryType& type, const Making& making) {
@@ -164,17 +102,6 @@ ArrayDataPtr dictionary(const ::arrow::DictionaryType& type, const Making& makin
   return making.dictionaries == Dictionaries::kSliced ? all->Slice(3, 7) : all;
 }
 
-/// Codes that some slot holds; where nothing can be held, or under nulls on demand, one beyond.
-std::uint64_t code(const Making& making, std::int64_t i, std::uint64_t entries) {
-  const std::uint64_t random = mix(making.seed, static_cast<std::uint64_t>(i));
-  const bool astray = making.dictionaries == Dictionaries::kOutOfRange;
-  if (entries == 0 || (astray && !is_valid(i, making.nulls))) {
-    return random % 2 == 0 ? entries + random % 20 : ~std::uint64_t{0};
-  }
-  const std::uint64_t used = making.dictionaries == Dictionaries::kUnused ? 4 : entries;
-  return random % used;
-}
-
 ArrayDataPtr coded(const TypePtr& type, std::int64_t length, const Making& making) {
   const auto& parts = static_cast<const ::arrow::DictionaryType&>(*type);
   const auto width = static_cast<size_t>(parts.index_type()->byte_width());
@@ -182,7 +109,7 @@ ArrayDataPtr coded(const TypePtr& type, std::int64_t length, const Making& makin
   Bytes codes;
   for (std::int64_t i = 0; i < length; ++i) {
     Bytes element;
-    append(element, code(making, i, static_cast<std::uint64_t>(entries->length)));
+    append(element, random_code(making, i, static_cast<std::uint64_t>(entries->length)));
     codes.insert(codes.end(), element.begin(),
                  element.begin() + static_cast<std::ptrdiff_t>(width));
   }
@@ -197,17 +124,13 @@ ArrayDataPtr child(const TypePtr& type, std::int64_t length, const Making& makin
   return generate(type, length + 5, making)->Slice(3, length);
 }
 
-/// The first list starts behind two elements that belong to none, and one is left at the end.
+/// One element is left behind the last list.
 template <class Offset>
 BufferPtr list_offsets(std::int64_t length, const Making& making, std::int64_t* child_length) {
+  const std::vector<std::int64_t> starts = random_starts(length, making);
   Bytes offsets;
-  std::int64_t end = 2;
-  append(offsets, static_cast<Offset>(end));
-  for (std::uint64_t i = 0; i < static_cast<std::uint64_t>(length); ++i) {
-    end += static_cast<std::int64_t>(mix(making.seed, i) % 4);
-    append(offsets, static_cast<Offset>(end));
-  }
-  *child_length = end + 1;
+  for (const std::int64_t start : starts) append(offsets, static_cast<Offset>(start));
+  *child_length = starts.back() + 1;
   return buffer(std::move(offsets), Part::kValues, making);
 }
 
@@ -248,20 +171,6 @@ ArrayDataPtr maps(const TypePtr& type, std::int64_t length, const Making& making
 }
 
 }  // namespace
-
-const char* name_of(Nulls nulls) {
-  switch (nulls) {
-    case Nulls::kNoBitmap:
-      return "no bitmap";
-    case Nulls::kNone:
-      return "no nulls";
-    case Nulls::kEveryThird:
-      return "nulls every 3rd";
-    case Nulls::kAll:
-      return "all null";
-  }
-  return "";
-}
 
 ArrayDataPtr generate(const TypePtr& type, std::int64_t length, const Making& making) {
   switch (type->id()) {

@@ -11,6 +11,12 @@ constexpr std::pair<const char*, hxClassID> kClasses[] = {
     {"uint8", hxClassID::UInt8},   {"uint16", hxClassID::UInt16}, {"uint32", hxClassID::UInt32},
     {"uint64", hxClassID::UInt64}};
 
+/// Of one chunk: it takes several for dictionaries to differ.
+constexpr std::pair<Dictionaries, const char*> kDictionaries[] = {
+    {Dictionaries::kUnused, "unused entries"},
+    {Dictionaries::kOutOfRange, "codes out of range"},
+    {Dictionaries::kNoEntries, "no entries"}};
+
 std::vector<HostType> plain_types() {
   std::vector<HostType> types;
   for (const auto& [name, class_id] : kClasses) {
@@ -40,6 +46,18 @@ std::vector<HostType> plain_types() {
                      class_id,
                      "",
                      {}});
+  }
+  for (const auto& [dictionaries, name] : kDictionaries) {
+    for (const hxClassID class_id : {hxClassID::Int8, hxClassID::UInt64}) {
+      const char* const width = class_id == hxClassID::Int8 ? "int8" : "uint64";
+      types.push_back({std::string("categorical ") + width + ", " + name,
+                       HostKind::kCategorical,
+                       "categorical",
+                       class_id,
+                       "",
+                       {},
+                       dictionaries});
+    }
   }
   return types;
 }

@@ -10,17 +10,8 @@ namespace {
 
 using namespace numera::testing;
 
-std::uint64_t mix(std::uint64_t seed, std::uint64_t i) {
-  std::uint64_t x = (seed + 0x9E3779B97F4A7C15U) * (2 * i + 1);
-  x ^= x >> 29;
-  x *= 0xBF58476D1CE4E5B9U;
-  return x ^ (x >> 32);
-}
-
-HostMaking child_making(const HostMaking& making, std::uint64_t number) {
-  HostMaking child = making;
-  child.seed = mix(making.seed, 77 + number);
-  return child;
+HostMaking for_child(const HostMaking& making, std::uint64_t number) {
+  return {child_making(making, number), making.shape};
 }
 
 Dims dims_of(Shape shape, size_t length) {
@@ -48,94 +39,97 @@ hxArrayPtr bytes(Bytes needed, Part part, const HostMaking& making) {
 
 hxArrayPtr validity(size_t length, const HostMaking& making) {
   if (making.nulls == Nulls::kNoBitmap) return BufferEnvelope({});
-  Bytes bits((length + 7) / 8);
-  for (size_t i = 0; i < length; ++i) {
-    const bool valid =
-        making.nulls == Nulls::kNone || (making.nulls == Nulls::kEveryThird && i % 3 != 1);
-    if (valid) bits[i / 8] |= static_cast<std::uint8_t>(1 << (i % 8));
-  }
+  Bytes bits = validity_bits(static_cast<std::int64_t>(length), making);
   return Struct(
       {{"ArrowType", Char("buffer")}, {"Values", bytes(std::move(bits), Part::kBitmap, making)}});
 }
 
-/// Random bits below `limit`, or all of them where it is 0.
-hxArrayPtr numbers(hxClassID class_id, size_t length, std::uint64_t limit,
-                   const HostMaking& making) {
+template <class ValueAt>
+hxArrayPtr numbers(hxClassID class_id, size_t length, const HostMaking& making, ValueAt value_at) {
   hxArrayPtr array =
       hxCreateNumericArray(dims_of(making.shape, length), class_id, hxComplexity::Real);
   const size_t width = hxGetElementSize(array.get());
   auto* const block = static_cast<std::uint8_t*>(hxGetData(array.get()));
   for (size_t i = 0; i < length; ++i) {
-    std::uint64_t value = mix(making.seed, i);
-    if (limit != 0) value %= limit;
+    const std::uint64_t value = value_at(i);
     std::memcpy(block + i * width, &value, width);
   }
   return array;
 }
 
-hxArrayPtr offsets(size_t length, std::uint64_t first, std::uint64_t most, std::uint64_t* end,
-                   const HostMaking& making) {
-  std::vector<std::uint64_t> all = {first};
-  for (size_t i = 0; i < length; ++i) all.push_back(all.back() + mix(making.seed, i) % (most + 1));
-  *end = all.back();
-  return Matrix<std::uint64_t>(dims_of(making.shape, all.size()), all);
+/// Any bits.
+hxArrayPtr numbers(hxClassID class_id, size_t length, const HostMaking& making) {
+  return numbers(class_id, length, making, [&](size_t i) { return mix(making.seed, i); });
 }
 
-/// Texts of ASCII letters, behind a byte that belongs to none.
-hxArrayPtr texts(size_t length, const HostMaking& making) {
-  std::uint64_t end = 0;
-  hxArrayPtr starts = offsets(length, 1, 5, &end, making);
-  Bytes letters;
-  for (std::uint64_t i = 0; i < end; ++i)
-    letters.push_back(static_cast<std::uint8_t>('a' + i % 26));
-  return Struct({{"Values", bytes(std::move(letters), Part::kBytes, making)},
-                 {"StartOffsets", std::move(starts)}});
+hxArrayPtr start_offsets(const std::vector<std::int64_t>& starts, const HostMaking& making) {
+  return numbers(hxClassID::UInt64, starts.size(), making,
+                 [&](size_t i) { return static_cast<std::uint64_t>(starts[i]); });
+}
+
+/// Back to back, behind bytes that belong to none.
+hxArrayPtr texts_of(const std::vector<std::string>& texts, const HostMaking& making) {
+  Bytes all = {'?', '?'};
+  std::vector<std::int64_t> starts = {2};
+  for (const std::string& text : texts) {
+    all.insert(all.end(), text.begin(), text.end());
+    starts.push_back(static_cast<std::int64_t>(all.size()));
+  }
+  return Struct({{"Values", bytes(std::move(all), Part::kBytes, making)},
+                 {"StartOffsets", start_offsets(starts, making)}});
 }
 
 hxArrayPtr logical(size_t length, const HostMaking& making) {
-  Bytes bits;
-  for (size_t i = 0; i < (length + 7) / 8; ++i) {
-    bits.push_back(static_cast<std::uint8_t>(mix(making.seed, i)));
-  }
+  Bytes bits = random_bits(static_cast<std::int64_t>(length), making);
   return Struct({{"Values", bytes(std::move(bits), Part::kBytes, making)},
                  {"Length", Scalar(static_cast<double>(length) + 0.75)},
                  {"ArrowType", Char("buffer")}});
 }
 
+hxArrayPtr categorical(const HostType& type, size_t length, HostMaking making) {
+  making.dictionaries = type.dictionaries;
+  const std::vector<std::string> texts = categories(making);
+  const auto code_at = [&](size_t i) {
+    return random_code(making, static_cast<std::int64_t>(i), texts.size());
+  };
+  return Struct({{"Categories", texts_of(texts, for_child(making, 0))},
+                 {"Values", numbers(type.class_id, length, making, code_at)},
+                 {"Ordinal", Logical({making.seed % 2 == 0})}});
+}
+
 hxArrayPtr list_data(const HostType& type, size_t length, const HostMaking& making) {
-  std::uint64_t end = 0;
-  hxArrayPtr starts = offsets(length, 2, 3, &end, making);
-  return Struct({{"Values", make_host_value(type.children[0], end + 1, child_making(making, 0))},
-                 {"StartOffsets", std::move(starts)}});
+  const auto starts = random_starts(static_cast<std::int64_t>(length), making);
+  const auto child_length = static_cast<size_t>(starts.back()) + 1;
+  return Struct({{"Values", make_host_value(type.children[0], child_length, for_child(making, 0))},
+                 {"StartOffsets", start_offsets(starts, making)}});
 }
 
 hxArrayPtr struct_data(const HostType& type, size_t length, const HostMaking& making) {
   return Struct(
       {{"FieldName", Cell({Char("x"), Char("ключ")})},
-       {"FieldData", Cell({make_host_value(type.children[0], length, child_making(making, 0)),
-                           make_host_value(type.children[1], length, child_making(making, 1))})}});
+       {"FieldData", Cell({make_host_value(type.children[0], length, for_child(making, 0)),
+                           make_host_value(type.children[1], length, for_child(making, 1))})}});
 }
 
 hxArrayPtr data_of(const HostType& type, size_t length, const HostMaking& making) {
   constexpr std::uint64_t kSeconds = 86400;
   switch (type.kind) {
     case HostKind::kNumeric:
-      return numbers(type.class_id, length, 0, making);
+      return numbers(type.class_id, length, making);
     case HostKind::kLogical:
       return logical(length, making);
     case HostKind::kDatetime:
-      return Struct({{"Values", numbers(hxClassID::Int64, length, 0, making)},
+      return Struct({{"Values", numbers(hxClassID::Int64, length, making)},
                      {"Units", Char(type.units)},
                      {"TimeZone", Char(making.seed % 2 == 0 ? "UTC" : "")}});
     case HostKind::kDuration:
-      return Struct({{"Values", numbers(type.class_id, length, kSeconds, making)},
+      return Struct({{"Values", numbers(type.class_id, length, making,
+                                        [&](size_t i) { return mix(making.seed, i) % kSeconds; })},
                      {"Units", Char(type.units)}});
     case HostKind::kText:
-      return texts(length, making);
+      return texts_of(random_texts(static_cast<std::int64_t>(length), making), making);
     case HostKind::kCategorical:
-      return Struct({{"Categories", texts(6, child_making(making, 0))},
-                     {"Values", numbers(type.class_id, length, 6, making)},
-                     {"Ordinal", Logical({making.seed % 2 == 0})}});
+      return categorical(type, length, making);
     case HostKind::kList:
       return list_data(type, length, making);
     case HostKind::kStruct:

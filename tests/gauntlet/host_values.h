@@ -1,13 +1,14 @@
 #pragma once
 
 /// \file
-/// Encoded arrays of every type that `to_arrow` reads, every byte of them given by a seed.
+/// Encoded arrays of every type that `to_arrow` reads, made of what those of Arrow are made of.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "numera/host/array.h"
-#include "tests/gauntlet/generate.h"
+#include "tests/gauntlet/making.h"
 
 namespace numera::gauntlet {
 
@@ -29,6 +30,7 @@ struct HostType {
   hxClassID class_id = hxClassID::Int64;  ///< of numbers, times and codes
   std::string units;                      ///< "Units", and where it is a datetime the zone is "UTC"
   std::vector<HostType> children;
+  Dictionaries dictionaries = Dictionaries::kEqual;
 };
 
 /// Every type, in every class and unit, and each of them in a list and in a struct.
@@ -36,11 +38,10 @@ std::vector<HostType> host_types();
 
 enum class Shape : std::uint8_t { kColumn, kRow, kPages };
 
-struct HostMaking {
-  Nulls nulls = Nulls::kNoBitmap;
-  Memory memory = Memory::kExact;  ///< of bitmaps, truth values and the bytes of texts
-  Shape shape = Shape::kColumn;    ///< of everything but these
-  std::uint64_t seed = 0;
+/// `memory` is that of bitmaps, truth values and the bytes of texts; `shape` that of everything
+/// else, and `dictionaries` comes from the type.
+struct HostMaking : Making {
+  Shape shape = Shape::kColumn;
 };
 
 hxArrayPtr make_host_value(const HostType& type, size_t length, const HostMaking& making);

@@ -104,6 +104,11 @@ std::vector<Subject> nested_subjects(Wrap wrap) {
        {::arrow::boolean(), ::arrow::int32(), ::arrow::utf8(), ::arrow::fixed_size_binary(3),
         ::arrow::dictionary(::arrow::int8(), ::arrow::utf8())}) {
     subjects.push_back(subject_of(wrapped(wrap, type), Dictionaries::kEqual, true));
+    if (wrap != Wrap::kMap) continue;
+    for (const bool sliced : {false, true}) {
+      const TypePtr keyed = ::arrow::map(type, ::arrow::boolean());
+      subjects.push_back(subject_of(keyed, Dictionaries::kEqual, sliced));
+    }
   }
   return subjects;
 }

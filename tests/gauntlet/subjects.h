@@ -22,7 +22,8 @@ struct Subject {
 /// type and of every kind of entries.
 std::vector<Subject> plain_subjects();
 
-/// Each of them in `wrap`.
+/// Each of them in `wrap`, some with offsets of their own; for a map as its items, some as its
+/// keys.
 enum class Wrap : std::uint8_t { kList, kLargeList, kStruct, kMap };
 std::vector<Subject> nested_subjects(Wrap wrap);
 

@@ -5,6 +5,7 @@
 #include <arrow/api.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "numera/core/to_arrow.h"
@@ -106,6 +107,12 @@ void expect_bits(const ::arrow::Array& array, const hxArray* envelope, const std
   EXPECT_EQ(array.null_count(), nulls) << name;
 }
 
+/// Codes without anything that they could name.
+bool may_hold_wrong_codes(const HostType& type) {
+  return type.dictionaries == Dictionaries::kNoEntries ||
+         std::ranges::any_of(type.children, may_hold_wrong_codes);
+}
+
 void run(const HostCase& one) {
   const hxArrayPtr envelope = make_host_value(*one.type, one.length, one.making);
   const auto result = to_arrow<::arrow::Array>(envelope.get());
@@ -114,8 +121,9 @@ void run(const HostCase& one) {
   EXPECT_EQ(found, "") << one.name();
   expect_way_back(*result, one.name());
   if (is_short(one.making.memory)) return;
-  EXPECT_TRUE((*result)->ValidateFull().ok()) << one.name() << ": " << (*result)->ValidateFull();
   expect_bits(**result, envelope.get(), one.name());
+  if (may_hold_wrong_codes(*one.type) && one.making.nulls != Nulls::kAll) return;
+  EXPECT_TRUE((*result)->ValidateFull().ok()) << one.name() << ": " << (*result)->ValidateFull();
 }
 
 std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
@@ -125,7 +133,8 @@ std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
       for (const Nulls nulls : kNulls) {
         for (const Shape shape : kShapes) {
           for (const Memory memory : kHostMemories) {
-            cases.push_back({&type, length, {nulls, memory, shape, cases.size()}});
+            const Making making{.nulls = nulls, .memory = memory, .seed = cases.size()};
+            cases.push_back({&type, length, {making, shape}});
           }
         }
       }
@@ -137,7 +146,7 @@ std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
 TEST(ToArrow, GivesWhatTheModelGives) {
   const auto types = host_types();
   const auto cases = all_cases(types);
-  ASSERT_GE(cases.size(), 40'000U);
+  ASSERT_GE(cases.size(), 50'000U);
   const size_t live = host::memory::LiveArrays();
   const size_t step = stride() == 1 ? 1 : 17;
   for (size_t i = 0; i < cases.size() && !HasFailure(); i += step) run(cases[i]);
