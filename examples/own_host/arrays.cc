@@ -30,16 +30,6 @@ size_t product(size_t a, size_t b) {
   return result;
 }
 
-size_t count_elements(std::span<const size_t> dims) {
-  if (dims.size() < 2) throw std::invalid_argument("An array has at least two dimensions.");
-  for (const size_t dim : dims) {
-    if (dim == 0) return 0;
-  }
-  size_t count = 1;
-  for (const size_t dim : dims) count = product(count, dim);
-  return count;
-}
-
 std::unique_ptr<std::byte[]> copy_bytes(const std::byte* source, size_t bytes) {
   auto copy = std::make_unique_for_overwrite<std::byte[]>(bytes);
   std::memcpy(copy.get(), source, bytes);
@@ -88,6 +78,16 @@ hxArrayPtr make_chars(const Unit* text, size_t length) {
 }
 
 }  // namespace
+
+size_t count_elements(std::span<const size_t> dims) {
+  if (dims.size() < 2) throw std::invalid_argument("An array has at least two dimensions.");
+  for (const size_t dim : dims) {
+    if (dim == 0) return 0;
+  }
+  size_t count = 1;
+  for (const size_t dim : dims) count = product(count, dim);
+  return count;
+}
 
 hxArrayPtr make_array(Shape shape, Fill fill) {
   shape.elements = count_elements(shape.dims);

@@ -33,7 +33,8 @@ struct Content {
 
 enum class Fill { Zero, None };
 
-// Throws std::bad_alloc where the elements cannot all be counted in bytes.
+// Both throw std::bad_alloc where the elements cannot all be counted in bytes.
+size_t count_elements(std::span<const size_t> dims);
 hxArrayPtr make_array(Shape shape, Fill fill);
 
 // Gives the array a content of its own where it shares one.

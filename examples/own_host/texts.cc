@@ -2,6 +2,8 @@
 
 #include <utf8cpp/utf8.h>
 
+#include <cstdint>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -24,14 +26,16 @@ class Strings final : public hxStringArray {
   void set_missing(size_t i) override { texts_.at(i) = std::nullopt; }
 
  private:
+  using Text = std::optional<std::u16string>;
+
   static size_t count(std::span<const size_t> dims) {
-    size_t elements = 1;
-    for (const size_t dim : dims) elements *= dim;
+    const size_t elements = own_host::count_elements(dims);
+    if (elements > PTRDIFF_MAX / sizeof(Text)) throw std::bad_alloc();
     return elements;
   }
 
   std::vector<size_t> dims_;
-  std::vector<std::optional<std::u16string>> texts_;
+  std::vector<Text> texts_;
 };
 
 void check_encoding(const char* encoding) {

@@ -25,7 +25,7 @@ struct HostUnderTest {
   hxArrayPtr (*char_array)(std::span<const size_t> dims, const char16_t* text) = nullptr;
   /// An array that answers `hxIsSparse`.
   hxArrayPtr (*sparse_array)(std::span<const size_t> dims, hxClassID class_id) = nullptr;
-  /// Makes an interrupt pending, and not pending.
+  /// Makes an interrupt of the calling thread pending, and not pending.
   void (*request_interrupt)() = nullptr;
   void (*clear_interrupt)() = nullptr;
   /// Lets this many allocations of this thread succeed and the next one throw, once; and not.

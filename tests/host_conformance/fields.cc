@@ -34,7 +34,6 @@ TEST_F(Fields, FindsAFieldByItsWholeName) {
   EXPECT_EQ(hxGetFieldNumber(array.get(), "X"), -1);
   EXPECT_EQ(hxGetFieldNumber(array.get(), "xy"), -1);
   EXPECT_EQ(hxGetFieldNumber(array.get(), ""), -1);
-  EXPECT_EQ(hxGetFieldNumber(array.get(), nullptr), -1);
 }
 
 TEST_F(Fields, FindsTheFirstOfEqualNamesAmongFewAndMany) {
@@ -110,7 +109,6 @@ TEST_F(Fields, CheckTheClassThenTheNameThenTheIndex) {
     const hxArrayPtr& array = row.array;
     expect_refused<std::invalid_argument>(array.get(), 0, "z", "Wrong field name.");
     expect_refused<std::invalid_argument>(array.get(), 2, "z", "Wrong field name.");
-    expect_refused<std::invalid_argument>(array.get(), 0, nullptr, "Wrong field name.");
     expect_refused<std::out_of_range>(array.get(), 2, "x", "Struct index is out of range.");
   }
   const hxArrayPtr cell = hxCreateCellArray(Dims{1, 1});

@@ -1,6 +1,7 @@
 #include <thread>
 #include <utility>
 
+#include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
 #include "tests/host_conformance/claims.h"
 
@@ -47,6 +48,33 @@ TEST_F(Threads, WriteTheirOwnSharedCopiesOfOneContainer) {
       EXPECT_EQ(number_in(hxGetCell(mine.get(), 1)), -2);
     });
   }
+}
+
+TEST_F(Threads, ReadAndCopyOneArrayAtOnce) {
+  const hxArrayPtr cell = hxCreateCellArray(Dims{1, 2});
+  hxSetCell(cell.get(), 0, number(1));
+  auto strings = hxMakeStringArray(Dims{1, 1});
+  strings->set(0, u"text");
+  hxSetCell(cell.get(), 1, hxCreateStringArrayFrom(std::move(strings)));
+  run_on_threads([&cell](int) {
+    for (int i = 0; i < kRounds; ++i) {
+      const hxArrayPtr copy = hxSharedCopy(cell.get());
+      const hxArrayPtr part = hxSharedCopy(hxGetCell(cell.get(), 0));
+      EXPECT_EQ(number_in(hxGetCell(copy.get(), 0)), 1);
+      EXPECT_EQ(number_in(part.get()), 1);
+      EXPECT_EQ(hxGetStringArray(hxGetCell(copy.get(), 1)).element(0), u"text");
+    }
+  });
+}
+
+TEST_F(Threads, DestroyWhatOthersMade) {
+  hxArrayPtr array;
+  std::thread([&array] {
+    array = hxCreateCellArray(Dims{1, 1000});
+    for (size_t i = 0; i < 1000; ++i) hxSetCell(array.get(), i, number(static_cast<double>(i)));
+  }).join();
+  EXPECT_EQ(number_in(hxGetCell(array.get(), 999)), 999);
+  std::thread([&array] { array.reset(); }).join();
 }
 
 TEST_F(Threads, ShareOneCodec) {
