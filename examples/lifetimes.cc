@@ -21,22 +21,41 @@ struct TypeExample {
   const char* json;
 };
 
+constexpr const char* kNumbers = "[1, null, 2]";
+constexpr const char* kTexts = R"(["ab", null, "c"])";
+
 std::vector<TypeExample> type_examples() {
   using namespace ::arrow;  // the factories of types
-  return {{float64(), "[1, null, 2]"},
-          {int32(), "[1, null, 2]"},
+  return {{float64(), kNumbers},
+          {float32(), kNumbers},
+          {int8(), kNumbers},
+          {uint8(), kNumbers},
+          {int16(), kNumbers},
+          {uint16(), kNumbers},
+          {int32(), kNumbers},
+          {uint32(), kNumbers},
+          {int64(), kNumbers},
+          {uint64(), kNumbers},
           {boolean(), "[true, null, false]"},
-          {date32(), "[1, null, 2]"},
-          {time32(TimeUnit::SECOND), "[1, null, 2]"},
-          {timestamp(TimeUnit::MILLI, "UTC"), "[1, null, 2]"},
-          {duration(TimeUnit::SECOND), "[1, null, 2]"},
-          {utf8(), R"(["ab", null, "c"])"},
-          {large_utf8(), R"(["ab", null, "c"])"},
-          {binary(), R"(["ab", null, "c"])"},
+          {null(), "[null, null, null]"},
+          {date32(), kNumbers},
+          {date64(), "[86400000, null, 172800000]"},
+          {time32(TimeUnit::SECOND), kNumbers},
+          {time32(TimeUnit::MILLI), kNumbers},
+          {time64(TimeUnit::MICRO), kNumbers},
+          {time64(TimeUnit::NANO), kNumbers},
+          {timestamp(TimeUnit::NANO), kNumbers},
+          {timestamp(TimeUnit::MILLI, "UTC"), kNumbers},
+          {duration(TimeUnit::SECOND), kNumbers},
+          {utf8(), kTexts},
+          {large_utf8(), kTexts},
+          {binary(), kTexts},
+          {large_binary(), kTexts},
           {fixed_size_binary(2), R"(["ab", null, "cd"])"},
-          {dictionary(int8(), utf8()), R"(["ab", null, "c"])"},
+          {dictionary(int8(), utf8()), kTexts},
           {list(int32()), "[[1, 2], null, [3]]"},
           {large_list(float64()), "[[1, 2], null, [3]]"},
+          {list(utf8()), R"([["a", "b"], null, ["c"]])"},
           {struct_({field("a", int32())}), "[[1], null, [2]]"},
           {map(utf8(), int32()), R"([[["ab", 1]], null, [["c", 2]]])"}};
 }
@@ -149,6 +168,20 @@ std::string parts_of(const ::arrow::ArrayData& data, const Blocks& source) {
          back->type()->ToString() + "` | " + parts_of(*back->data(), readable_memory) + " |\n";
 }
 
+// Bytes alone, without a type.
+::arrow::Result<std::string> row_of_buffer() {
+  const auto buffer = ::arrow::Buffer::FromString("bytes");
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, core::to_numera(buffer));
+  Blocks host_memory;
+  add_blocks(hxGetField(written.get(), 0, "Values"), host_memory);
+  ARROW_ASSIGN_OR_RAISE(const auto back, core::to_arrow<::arrow::Buffer>(written.get()));
+  const auto block_of_buffer = [](const ::arrow::Buffer& bytes) {
+    return block_of(bytes.data(), static_cast<size_t>(bytes.size()));
+  };
+  return std::string("| a buffer | ") + how(host_memory, {block_of_buffer(*buffer)}) +
+         " | a buffer | bytes " + how({block_of_buffer(*back)}, host_memory) + " |\n";
+}
+
 }  // namespace
 
 ::arrow::Result<Shown> lifetimes_by_type() {
@@ -158,5 +191,7 @@ std::string parts_of(const ::arrow::ArrayData& data, const Blocks& source) {
     ARROW_ASSIGN_OR_RAISE(const std::string row, row_of(example));
     table += row;
   }
+  ARROW_ASSIGN_OR_RAISE(const std::string row, row_of_buffer());
+  table += row;
   return Shown{"lifetimes", "\n" + table + "\n"};
 }
