@@ -68,6 +68,30 @@ TEST(LargeToArrow, BorrowsTextsBeyondFourGigabytes) {
   EXPECT_EQ(texts.GetView(1), std::string_view("\0\0z", 3));
 }
 
+TEST(LargeToArrow, BorrowsTheOffsetsOfAListBeyond32Bits) {
+  const hxArrayPtr envelope = Struct(
+      {{"ArrowType", Char("list_array")},
+       {"Type", Char("list_array")},
+       {"Valid", BufferEnvelope({})},
+       {"Data",
+        Struct({{"Values", Envelope("logical", Struct({{"Values", ZerosAnd(0x12, kTwoTo32 / 8 + 1)},
+                                                       {"Length", Scalar(4294967301.0)},
+                                                       {"ArrowType", Char("buffer")}}))},
+                {"StartOffsets", Column<std::uint64_t>({0, kTwoTo32 + 1, kTwoTo32 + 5})}})}});
+
+  const auto array = ValueOf(to_arrow<::arrow::Array>(envelope.get()));
+
+  const auto& lists = static_cast<const ::arrow::LargeListArray&>(*array);
+  ASSERT_EQ(lists.length(), 2);
+  EXPECT_EQ(lists.value_offset(1), 4294967297);
+  EXPECT_EQ(lists.value_length(0), 4294967297);
+  EXPECT_EQ(lists.value_length(1), 4);
+  const auto& bits = static_cast<const ::arrow::BooleanArray&>(*lists.values());
+  EXPECT_TRUE(bits.Value(4294967297));
+  EXPECT_FALSE(bits.Value(4294967298));
+  EXPECT_TRUE(bits.Value(4294967300));
+}
+
 TEST(LargeToArrow, NarrowsOffsetsUpToTheirLimit) {
   const hxArrayPtr fits = Texts(ZerosAnd('z', kTwoTo31 - 2), {0, 2147483645, 2147483646});
 
