@@ -6,6 +6,7 @@
 #include <chrono>
 #include <exception>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "numera/extras/encode/encode.h"
@@ -81,6 +82,15 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
   return ::arrow::Status::OK();
 }
 
+/// Why a table of one column is refused. A path in it starts in the column: its user knows no
+/// table.
+std::string reason_in_column(const ::arrow::Status& status) {
+  constexpr std::string_view kColumn = ".Columns";
+  std::string reason = status.message();
+  if (reason.starts_with(kColumn)) reason.erase(0, kColumn.size());
+  return reason;
+}
+
 /// Through the intake, as one array.
 void take_in(const std::shared_ptr<::arrow::Array>& column, bool cast, Trip& trip) {
   auto taken = extras::take_in(column, {.cast = cast});
@@ -108,7 +118,7 @@ std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOp
   // One of them is refused: which one, each tells for itself.
   for (const size_t i : all.columns) {
     const ::arrow::Status status = convert(group_of(batch, trips, {i}), 1, trips, legs);
-    if (!status.ok()) trips[i].refusal = status.message();
+    if (!status.ok()) trips[i].refusal = reason_in_column(status);
   }
   return trips;
 }

@@ -85,5 +85,22 @@ TEST_F(ColumnsOfOneName, CannotBeAskedFor) {
   EXPECT_EQ(run_program({"convert", file_, "--columns", "a"}), expected);
 }
 
+TEST(ColumnsWithoutFields, CannotReturnAndSayWhereTheyLackThem) {
+  const TemporaryFolder folder;
+  const std::string file = folder.path("a_file");
+  write_ipc(file, *table_of({{"n", ::arrow::int8(), "[1]"},
+                             {"s", ::arrow::struct_({}), "[{}]"},
+                             {"l", ::arrow::list(::arrow::struct_({})), "[[{}]]"}}));
+  const Outcome run = run_program({"convert", file});
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_EQ(table_rows(run.out),
+            "n | int8 | int8 | int8 | 1 | 1 | 0 | equal\n"
+            "s | struct<> | - | table | 1 | 1 | 0 | .Data.FieldData: found no fields, expected at "
+            "least one.\n"
+            "l | list<item: struct<>> | - | cell | 1 | 1 | 0 | .Data.Values.Data.FieldData: found "
+            "no fields, expected at least one.\n");
+  EXPECT_EQ(run.errors, "numera-arrow: " + file + ": 2 of 3 columns did not return as they went\n");
+}
+
 }  // namespace
 }  // namespace numera::testing
