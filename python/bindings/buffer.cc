@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "python/bindings/element_form.h"
 #include "python/bindings/host_value.h"
 
 namespace numera::python {
@@ -69,7 +71,8 @@ void fill(Py_buffer* view, const hxArray* array, const char* format, Shape* shap
 
 int get_buffer(PyObject* self, Py_buffer* view, int flags) {
   const HostValue& value = *nanobind::inst_ptr<HostValue>(self);
-  const char* format = element_format(value.get());
+  const std::optional<ElementForm> form = element_form(value.get());
+  const char* format = form ? form->format : nullptr;
   view->obj = nullptr;
   if (const char* reason = refusal(value, format, flags)) {
     PyErr_SetString(PyExc_BufferError, reason);
@@ -92,44 +95,6 @@ int get_buffer(PyObject* self, Py_buffer* view, int flags) {
 void release_buffer(PyObject*, Py_buffer* view) { delete static_cast<Shape*>(view->internal); }
 
 }  // namespace
-
-const char* element_format(const hxArray* array) {
-  if (hxIsSparse(array)) return nullptr;
-  const bool complex = hxIsComplex(array);
-  switch (hxGetClassID(array)) {
-    case hxClassID::Double:
-      return complex ? "Zd" : "d";
-    case hxClassID::Single:
-      return complex ? "Zf" : "f";
-    case hxClassID::Int8:
-      return complex ? nullptr : "b";
-    case hxClassID::UInt8:
-      return complex ? nullptr : "B";
-    case hxClassID::Int16:
-      return complex ? nullptr : "h";
-    case hxClassID::Char:
-    case hxClassID::UInt16:
-      return complex ? nullptr : "H";
-    case hxClassID::Int32:
-      return complex ? nullptr : "i";
-    case hxClassID::UInt32:
-      return complex ? nullptr : "I";
-    case hxClassID::Int64:
-      return complex ? nullptr : "q";
-    case hxClassID::UInt64:
-      return complex ? nullptr : "Q";
-    case hxClassID::Logical:
-      return "?";
-    case hxClassID::Unknown:
-    case hxClassID::Cell:
-    case hxClassID::Struct:
-    case hxClassID::Void:
-    case hxClassID::Function:
-    case hxClassID::Object:
-      return nullptr;
-  }
-  return nullptr;
-}
 
 const PyType_Slot* buffer_slots() {
   static const std::array<PyType_Slot, 3> slots = {{

@@ -74,7 +74,7 @@ trusts them.
 Raises pyarrow.ArrowTypeError and pyarrow.ArrowInvalid with what is wrong, ValueError for a struct
 that is not encoded ("Wrong field name."), IndexError for a struct without elements, MemoryError.
 Where a column of a table failed, the exception has its `column_name`, its 0-based `column_index`
-and an `error_code`. Ctrl-C raises KeyboardInterrupt between two columns.
+and an `error_code`, and a note with its type. Ctrl-C raises KeyboardInterrupt between two columns.
 
 >>> import numera, pyarrow
 >>> texts = numera.to_host(pyarrow.array(["one", None, "three"]))
@@ -89,7 +89,9 @@ char rows or of uint8 arrays; any shape, read in storage order) or an encoded va
 that `to_host` gives. Nothing is copied that can be read as it stands.
 
 Raises pyarrow.ArrowTypeError and pyarrow.ArrowInvalid with the place, what was found there and
-what was expected; MemoryError. Ctrl-C raises KeyboardInterrupt between two columns.
+what was expected; MemoryError. Where a column of a table failed, the exception has its
+`column_name`, its 0-based `column_index` and an `error_code`, and a note with its type and what
+can be done. Ctrl-C raises KeyboardInterrupt between two columns.
 
 >>> import numera
 >>> numera.to_arrow(numera.encode(numera.host.string(["a", None, "c"]))).to_pylist()

@@ -101,12 +101,12 @@ void translate(const std::exception_ptr& thrown, void*) {
 
 }  // namespace
 
-void raise_status(const ::arrow::Status& status, const char* note) {
+void raise_status(const ::arrow::Status& status, const std::string& note) {
   const nb::object type = exception_class(status.code());
   const nb::object error = type(text_of(status.message()));
   name_column(error, status);
-  if (note != nullptr && (status.IsTypeError() || status.IsInvalid())) {
-    error.attr("add_note")(note);
+  if (!note.empty() && (status.IsTypeError() || status.IsInvalid())) {
+    error.attr("add_note")(text_of(note));
   }
   PyErr_SetObject(type.ptr(), error.ptr());
   throw nb::python_error();

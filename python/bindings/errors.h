@@ -7,6 +7,7 @@
 #include <arrow/status.h>
 #include <nanobind/nanobind.h>
 
+#include <string>
 #include <utility>
 
 namespace numera::python {
@@ -16,14 +17,14 @@ namespace nb = nanobind;
 /// Raises the exception of pyarrow's family that belongs to the status, with its message and, where
 /// a column failed, the attributes `column_name`, `column_index` and `error_code`. `note` is added
 /// to a type error or an invalid value: what the caller can do about it.
-[[noreturn]] void raise_status(const ::arrow::Status& status, const char* note = nullptr);
+[[noreturn]] void raise_status(const ::arrow::Status& status, const std::string& note = {});
 
-inline void raise_unless_ok(const ::arrow::Status& status, const char* note = nullptr) {
+inline void raise_unless_ok(const ::arrow::Status& status, const std::string& note = {}) {
   if (!status.ok()) raise_status(status, note);
 }
 
 template <class T>
-T value_or_raise(::arrow::Result<T> result, const char* note = nullptr) {
+T value_or_raise(::arrow::Result<T> result, const std::string& note = {}) {
   if (!result.ok()) raise_status(result.status(), note);
   return std::move(result).MoveValueUnsafe();
 }

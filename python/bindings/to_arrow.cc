@@ -30,18 +30,40 @@ constexpr const char* kEncodeNote =
     "numera.to_arrow reads encoded values; numera.encode(value) makes one of an ordinary value and "
     "of what numera.to_host gave.";
 
-/// The text of the field "ArrowType" where it can be read.
-std::string kind_of(const hxArray* value) {
-  if (!has_fields(value)) return {};
-  const hxArray* kind = hxGetField(value, 0, "ArrowType");
-  if (kind == nullptr || hxGetClassID(kind) != hxClassID::Char) return {};
-  if (hxGetNumberOfElements(kind) > 16) return {};  // longer than any kind
+constexpr const char* kRefusedColumnNote =
+    "change what stands at that place to what was expected there, or leave the column out of the "
+    "table.";
+
+/// The text of a field of element `index` where it can be read.
+std::string text_in(const hxArray* value, size_t index, const char* name) {
+  constexpr size_t kLongerThanAnyName = 64;
+  if (!has_fields(value) || index >= hxGetNumberOfElements(value)) return {};
+  const hxArray* field = hxGetField(value, index, name);
+  if (field == nullptr || hxGetClassID(field) != hxClassID::Char) return {};
+  if (hxGetNumberOfElements(field) > kLongerThanAnyName) return {};
   std::string text;
-  const auto* units = static_cast<const char16_t*>(hxGetData(kind));
-  for (size_t i = 0; i < hxGetNumberOfElements(kind); ++i) {
+  const auto* units = static_cast<const char16_t*>(hxGetData(field));
+  for (size_t i = 0; i < hxGetNumberOfElements(field); ++i) {
     text.push_back(units[i] < 0x80 ? static_cast<char>(units[i]) : '?');
   }
   return text;
+}
+
+std::string kind_of(const hxArray* value) { return text_in(value, 0, "ArrowType"); }
+
+/// `Column 'price' (index 1, type 'double'): `; empty where the failure is not that of a column.
+std::string failed_column(const HostValue& host, const ::arrow::Status& status) {
+  const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
+  if (detail == nullptr) return {};
+  const std::string index = std::to_string(detail->column_index());
+  std::string text = "Column '" + detail->column_name() + "' (index " + index;
+  const hxArray* columns = hxGetField(host.get(), 0, "Columns");
+  if (columns != nullptr) {
+    const auto position = static_cast<size_t>(detail->column_index());
+    const std::string type = text_in(columns, position, "Type");
+    if (!type.empty()) text += ", type '" + type + "'";
+  }
+  return text + "): ";
 }
 
 ::arrow::Status validate_column(const ::arrow::Table& table, int index) {
@@ -78,7 +100,11 @@ auto converted(const HostValue& host, bool validate, Convert convert) {
     return value;
   };
   try {
-    return value_or_raise(validated(), kEncodeNote);
+    auto result = validated();
+    if (!result.ok()) {
+      raise_status(result.status(), failed_column(host, result.status()) + kEncodeNote);
+    }
+    return std::move(result).MoveValueUnsafe();
   } catch (const std::invalid_argument& error) {
     raise_with_note(PyExc_ValueError, error.what(), nb::str(kEncodeNote));
   }
@@ -106,7 +132,9 @@ HostValue encode(const HostValue& value) {
     const Unlocked unlocked;
     return extras::encode(value.get());
   }();
-  return adopt(value_or_raise(std::move(result)));
+  const std::string column = failed_column(value, result.status());
+  return adopt(
+      value_or_raise(std::move(result), column.empty() ? "" : column + kRefusedColumnNote));
 }
 
 nb::tuple utf16_to_utf8(const HostValue& text) {

@@ -44,7 +44,7 @@ template <class T>
 
 HostValue adopt_result(::arrow::Result<hxArrayPtr> result, bool cast) {
   const bool casts_help = !cast && result.status().IsTypeError();
-  return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : nullptr));
+  return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : ""));
 }
 
 template <class T>

@@ -110,6 +110,10 @@ def test_a_failing_column_is_named():
     assert str(caught.value) == "Invalid type for NUMERA to Arrow conversion."
     assert (caught.value.column_name, caught.value.column_index) == ("bad", 1)
     assert caught.value.error_code is numera.TableErrorCode.Internal
+    assert caught.value.__notes__ == [
+        "Column 'bad' (index 1, type 'nothing'): numera.to_arrow reads encoded values; "
+        "numera.encode(value) makes one of an ordinary value and of what numera.to_host gave."
+    ]
 
 
 def test_a_type_error_of_a_column_has_its_code():
@@ -150,6 +154,31 @@ def test_a_struct_without_the_fields_is_refused_in_the_words_of_the_host():
 def test_encode_names_the_place():
     with pytest.raises(pa.ArrowTypeError, match="^Value: found a complex 1-by-1 double array, expected"):
         numera.encode(host.numeric([1j]))
+
+
+@pytest.mark.parametrize("column, error, text, found", [
+    (encoded("array", "double", host.numeric([1j])), pa.ArrowTypeError,
+     ".Columns(1).Data: found a complex 1-by-1 double array, expected real numbers that are not "
+     "sparse.", "index 1, type 'double'"),
+    (encoded("array", "string", host.string(["\udc00"])), pa.ArrowInvalid,
+     ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate at code "
+     "unit 0.), expected paired surrogates.", "index 1, type 'string'"),
+    ({**encoded("array", "double", host.numeric([1.0])), "Type": None}, pa.ArrowTypeError,
+     ".Columns(1).Type: found no value, expected one.", "index 1"),
+])
+def test_encode_says_which_column_it_refuses_and_what_can_be_done(column, error, text, found):
+    value = table([encoded("array", "double", host.numeric([1.0])), column], ["n", "Größe €"])
+    with pytest.raises(error) as caught:
+        numera.encode(value)
+    assert str(caught.value) == text
+    assert (caught.value.column_name, caught.value.column_index) == ("Größe €", 1)
+    assert caught.value.error_code is (numera.TableErrorCode.TypeError
+                                       if error is pa.ArrowTypeError
+                                       else numera.TableErrorCode.Internal)
+    assert caught.value.__notes__ == [
+        f"Column 'Größe €' ({found}): change what stands at that place to what was expected there, "
+        "or leave the column out of the table."
+    ]
 
 
 @pytest.mark.parametrize(

@@ -128,6 +128,21 @@ def test_values_without_host_form_are_cast_on_request_alone():
     assert [data(column) for column in columns] == [1.0, "x"]
 
 
+@pytest.mark.parametrize("type, expected", [
+    (pa.uuid(), "fixed_binary_array"),
+    (pa.list_(pa.uuid()), "list_array"),
+    (pa.list_(pa.uuid(), 2), "list_array"),
+    (pa.struct([("id", pa.uuid())]), "struct"),
+    (pa.map_(pa.string(), pa.bool8()), "map"),
+    (pa.dictionary(pa.int8(), pa.bool8()), "int8"),
+])
+def test_extension_columns_without_chunks_have_the_type_of_their_storage(type, expected):
+    column = pa.chunked_array([], type)
+    assert numera.to_host(column, cast=True)["Type"].text == expected
+    [held] = numera.to_host(pa.table({"id": column}), cast=True)["Columns"]
+    assert held["Type"].text == expected and len(held["Data"]) == 0
+
+
 @pytest.mark.parametrize("x", [1, None, "text", [1, 2], {"a": 1}, datetime.date(2020, 1, 1)])
 def test_other_objects_are_refused(x):
     with pytest.raises(TypeError, match="^x: found .*, expected an object with __arrow_c_stream__"):
