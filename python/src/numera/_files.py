@@ -16,7 +16,7 @@ import pyarrow.parquet
 
 _BUFFER_BYTES = 1 << 20
 _CSV_BLOCK_BYTES = 1 << 20  # some forty of which are read ahead
-_CSV_WHOLE_BLOCK_BYTES = 1 << 25  # where all is held anyway; no row may be longer than a block
+_CSV_LONGEST_ROW_BYTES = 1 << 25  # no row may be longer than a block
 _PARQUET_ROWS = 1 << 20
 _IPC_ROWS = 1 << 16
 _FILE_MAGIC = b"ARROW1"
@@ -91,26 +91,65 @@ class _Csv:
 
     def parts(self, names):
         """All at once: the types are those that fit the whole file, not those of its first rows."""
-        yield pa.csv.read_csv(_open(self._path), *self._options(_CSV_WHOLE_BLOCK_BYTES, names))
+        try:
+            yield pa.csv.read_csv(_open(self._path), *self._options(_CSV_LONGEST_ROW_BYTES, names))
+        except pa.ArrowInvalid as error:
+            raise _explained(error, _CSV_LONGEST_ROW_BYTES) from None
 
     def batches(self, names, rows):
-        yield from pa.csv.open_csv(_open(self._path), *self._options(_CSV_BLOCK_BYTES, names))
+        """Where a row is longer than a block, goes on behind the rows so far with longer blocks."""
+        # The types of the first blocks are given on by name.
+        longest = _CSV_LONGEST_ROW_BYTES if len(set(self.names)) == len(self.names) else 0
+        block_bytes, rows_so_far, schema = _CSV_BLOCK_BYTES, 0, None
+        while True:
+            try:
+                reader = pa.csv.open_csv(_open(self._path),
+                                         *self._options(block_bytes, names, schema))
+                schema = reader.schema
+                for batch in _behind(rows_so_far, reader):
+                    rows_so_far += batch.num_rows
+                    yield batch
+                return
+            except pa.ArrowInvalid as error:
+                if not _is_too_long(error) or block_bytes >= longest:
+                    raise _explained(error, block_bytes) from None
+                block_bytes *= 2
 
-    def _options(self, block_bytes, names):
+    def _options(self, block_bytes, names, schema=None):
         # Of one column, an empty line is a null.
         is_one = len(self.names) == 1
         return (
             pa.csv.ReadOptions(block_size=block_bytes,
                                skip_rows=self._lines_before if is_one else 0),
             pa.csv.ParseOptions(newlines_in_values=True, ignore_empty_lines=not is_one),
-            pa.csv.ConvertOptions(include_columns=names),
+            pa.csv.ConvertOptions(include_columns=names, column_types=schema),
         )
+
+
+def _is_too_long(error):
+    return "straddling object" in str(error)
+
+
+def _explained(error, block_bytes):
+    """Where a row is too long, pyarrow advises an option that nobody has here."""
+    if not _is_too_long(error):
+        return error
+    return pa.ArrowInvalid(f"CSV: found a row of more than {block_bytes:,} bytes, "
+                           "expected no longer one.")
+
+
+def _behind(rows, batches):
+    """The batches without so many rows at their beginning."""
+    for batch in batches:
+        if batch.num_rows > rows:
+            yield batch.slice(rows)
+        rows = max(0, rows - batch.num_rows)
 
 
 def _csv_heading(path):
     """The names of the columns, and how many empty lines stand before them."""
     with open(path, encoding="utf-8-sig", errors="surrogateescape", newline="") as file:
-        lines = iter(lambda: file.readline(_CSV_WHOLE_BLOCK_BYTES), "")
+        lines = iter(lambda: file.readline(_CSV_LONGEST_ROW_BYTES), "")
         try:
             for lines_before, names in enumerate(csv.reader(lines)):
                 if names:

@@ -32,7 +32,7 @@ def read(
     The suffix of path says what it is: ".parquet"; ".arrow", ".ipc", ".feather" and ".arrows" for
     Arrow IPC files and streams, which are told apart by their first bytes; ".csv". Types of CSV
     columns are inferred from the whole file, by the rules of pyarrow.csv; in a file of one column
-    an empty line is a null. A row of CSV has 32 MB at most.
+    an empty line is a null. A row of CSV has 32 MB at most: pyarrow.ArrowInvalid where one is longer.
 
     columns names the columns to read, in the order of the result; None reads all. cast is that of
     `to_host`. A bar shows the progress where reading is long and stderr is a terminal.
@@ -71,8 +71,12 @@ def scan(
     The last one is shorter where the rows do not divide, and there is none for a file without
     rows. No more of the file is in memory than one such table and what its format holds together:
     a few pages a column of a Parquet file, a batch of an IPC file, 40 MB of a CSV file. Every
-    column of a table is one chunk. The types of CSV columns are those of the first megabyte of the
-    file, and a later value of another type is an error, as is a row longer than that.
+    column of a table is one chunk.
+
+    The types of CSV columns are those of the first megabyte of the file, or of the first row where
+    that is longer, and a later value of another type is an error. A row of CSV that is longer than
+    a megabyte takes up to 80 times its length in memory, since files are read ahead, and reading
+    begins anew where it is met; where two columns have one name, it is refused.
 
     path, columns and cast are those of `read`, and so are the errors: those of the path, its
     columns and batch_rows (TypeError where it is no integer, ValueError where it is not positive or
