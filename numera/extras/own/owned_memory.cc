@@ -1,6 +1,7 @@
 #include "numera/extras/own/owned_memory.h"
 
 #include <utility>
+#include <vector>
 
 namespace numera::extras::own {
 namespace {
@@ -27,11 +28,17 @@ std::shared_ptr<::arrow::Buffer> owned(std::shared_ptr<::arrow::Buffer> borrowed
   return std::make_shared<OwnedBuffer>(std::move(borrowed), owner);
 }
 
+// Put together part by part: Arrow's own copy of an array ends the process where memory ends.
 std::shared_ptr<::arrow::ArrayData> owned(const ::arrow::ArrayData& borrowed, const Owner& owner) {
-  auto array = borrowed.Copy();
-  for (auto& buffer : array->buffers) buffer = owned(std::move(buffer), owner);
-  for (auto& child : array->child_data) child = owned(*child, owner);
-  if (array->dictionary != nullptr) array->dictionary = owned(*array->dictionary, owner);
+  std::vector<std::shared_ptr<::arrow::Buffer>> buffers;
+  buffers.reserve(borrowed.buffers.size());
+  for (const auto& buffer : borrowed.buffers) buffers.push_back(owned(buffer, owner));
+  std::vector<std::shared_ptr<::arrow::ArrayData>> children;
+  children.reserve(borrowed.child_data.size());
+  for (const auto& child : borrowed.child_data) children.push_back(owned(*child, owner));
+  auto array = ::arrow::ArrayData::Make(borrowed.type, borrowed.length, std::move(buffers),
+                                        std::move(children), borrowed.null_count, borrowed.offset);
+  if (borrowed.dictionary != nullptr) array->dictionary = owned(*borrowed.dictionary, owner);
   return array;
 }
 
