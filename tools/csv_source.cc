@@ -18,7 +18,7 @@ using Batch = std::shared_ptr<::arrow::RecordBatch>;
 /// A file is read block by block, and a row lies in two of them at most.
 constexpr std::int32_t kFirstBlock = 1 << 20;
 constexpr std::int32_t kLargestBlock = 1 << 26;
-constexpr std::int32_t kGrowth = 4;
+constexpr std::int64_t kGrowth = 4;
 
 bool is_row_too_long(const ::arrow::Status& status) {
   return status.IsInvalid() &&
@@ -94,7 +94,7 @@ class CsvRows {
       return ::arrow::Status::Invalid("a row behind the first ", given_rows_,
                                       " is longer than 64 MiB, or a quote in it has no end");
     }
-    block_ = static_cast<std::int32_t>(std::min<std::int64_t>(block_ * kGrowth, size_));
+    block_ = static_cast<std::int32_t>(std::min(std::int64_t{block_} * kGrowth, size_));
     return ::arrow::Status::OK();
   }
 
