@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "numera/core/arrow_types.h"
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
 #include "numera/extras/encode/encode.h"
@@ -81,6 +82,15 @@ Reached for_every_readable_value(const Visit& visit) {
     const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
     return visit(readable.get());
   });
+}
+
+TEST(ColumnFaults, AreTriedOnEveryTypeThatReachesTheHost) {
+  std::set<::arrow::Type::type> tried;
+  for (const ColumnType& one : column_types()) tried.insert(one.type->id());
+  for (int id = 0; id < ::arrow::Type::MAX_ID; ++id) {
+    const auto type = static_cast<::arrow::Type::type>(id);
+    EXPECT_EQ(tried.contains(type), io::arrow::core::arrow_type_row(type).writer != nullptr) << id;
+  }
 }
 
 TEST(ColumnFaults, ToTheHost) {

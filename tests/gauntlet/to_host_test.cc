@@ -5,6 +5,9 @@
 #include <arrow/api.h>
 #include <gtest/gtest.h>
 
+#include <set>
+
+#include "numera/core/arrow_types.h"
 #include "numera/core/to_numera.h"
 #include "numera/extras/intake/intake.h"
 #include "numera/host/memory.h"
@@ -104,6 +107,16 @@ class ToHost : public ::testing::TestWithParam<Family> {
     EXPECT_GE(for_each_case(subjects, each), GetParam().cases / stride());
   }
 };
+
+TEST(Subjects, AreOfEveryTypeThatReachesTheHost) {
+  std::set<::arrow::Type::type> met;
+  for (const Subject& subject : plain_subjects()) met.insert(subject.type->id());
+  for (const Subject& subject : deep_subjects()) met.insert(subject.type->id());
+  for (int id = 0; id < ::arrow::Type::MAX_ID; ++id) {
+    const auto type = static_cast<::arrow::Type::type>(id);
+    EXPECT_EQ(met.contains(type), io::arrow::core::arrow_type_row(type).writer != nullptr) << id;
+  }
+}
 
 TEST_P(ToHost, GivesWhatTheModelGives) { run(run_as_it_stands); }
 
