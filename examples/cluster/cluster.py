@@ -1,4 +1,4 @@
-"""A local Ray cluster that reports nothing to anybody."""
+"""A local Ray cluster that reports nothing to anybody, and that no other machine reaches."""
 
 import contextlib
 import logging
@@ -6,7 +6,10 @@ import os
 import pathlib
 
 # Ray reads these when it is imported.
-os.environ.setdefault("RAY_USAGE_STATS_ENABLED", "0")
+os.environ["RAY_USAGE_STATS_ENABLED"] = "0"
+# A machine that may be part of no cluster listens at 127.0.0.1 alone. On Linux as well, where
+# _node_ip_address="127.0.0.1" stands for the address that other machines see.
+os.environ["RAY_ENABLE_WINDOWS_OR_OSX_CLUSTER"] = "0"
 os.environ.setdefault("RAY_DATA_DISABLE_PROGRESS_BARS", "1")
 
 import ray

@@ -1,5 +1,6 @@
 """What two workers make of partitioned data is what one process makes of it."""
 
+import contextlib
 import os
 import pathlib
 import signal
@@ -87,12 +88,41 @@ def assert_equal(actual, expected):
     assert actual.equals(expected)
 
 
+def with_descendants(pid):
+    """The numbers of a process and of all that it started, directly or not."""
+    children = pathlib.Path(f"/proc/{pid}/task").glob("*/children")
+    started = " ".join(file.read_text() for file in children).split()
+    return {pid}.union(*(with_descendants(int(child)) for child in started))
+
+
+def listening_addresses(pids):
+    """The addresses, in hexadecimal, that processes accept connections at."""
+    addresses = {}
+    for table in ("tcp", "tcp6"):
+        for line in pathlib.Path("/proc/net", table).read_text().splitlines()[1:]:
+            _, local, _, state, *_, inode = line.split()[:10]
+            if state == "0A":
+                addresses[f"socket:[{inode}]"] = local.split(":")[0]
+    found = []
+    for pid in pids:
+        with contextlib.suppress(FileNotFoundError):  # processes and files come and go
+            for file in pathlib.Path(f"/proc/{pid}/fd").iterdir():
+                found.append(addresses.get(os.readlink(file)))
+    return [address for address in found if address is not None]
+
+
 def carrier_delay():
     return flights.CarrierDelay()
 
 
 def speed():
     return flights.ground_speed
+
+
+def test_the_cluster_listens_to_this_machine_alone(dataset):
+    found = listening_addresses(with_descendants(os.getpid()))
+    assert len(found) >= 4  # of the driver, the node, its store of state, workers
+    assert set(found) <= {"0100007F", "0000000000000000FFFF00000100007F"}
 
 
 def test_tasks_of_two_processes_give_what_one_process_gives(folder, dataset, tmp_path):
