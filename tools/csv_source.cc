@@ -41,6 +41,9 @@ class CsvRows {
       ARROW_RETURN_NOT_OK(enlarge_block());
       status = make_reader();
     }
+    if (status.IsInvalid() && status.message().find("Empty CSV file") != std::string::npos) {
+      return ::arrow::Status::Invalid("as a CSV it has no heading: not one line that has an end");
+    }
     ARROW_RETURN_NOT_OK(status);
     schema_ = reader_->schema();
     return status;

@@ -197,11 +197,11 @@ TEST_F(BadFiles, RowsOfACsvThatHaveOtherColumnsAreNamed) {
   expect_refusal(file, "CSV parse error: Row #3: Expected 2 columns, got 1: 3");
 }
 
-TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoColumns) {
+TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoHeading) {
   const std::string file = folder_.path("line.csv");
-  for (const char* text : {"\n", "\n\n"}) {
+  for (const char* text : {"\n", "\n\n", "a,b", "\"", "\xEF\xBB\xBF"}) {
     write_text(file, text);
-    expect_refusal(file, "Empty CSV file");
+    expect_refusal(file, "as a CSV it has no heading: not one line that has an end");
   }
 }
 
