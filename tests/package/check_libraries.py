@@ -1,4 +1,4 @@
-"""Checks what the installed libraries export and need, and that they are hardened.
+"""Checks what the installed libraries export and need, and that they and the program are hardened.
 
 usage: check_libraries.py [--write] LIBRARY_FOLDER
 
@@ -74,11 +74,17 @@ def faults_of_hardening(binary):
             yield f"{binary.name} does not guard its jumps"
 
 
+def program_beside(folder):
+    found = [parent / "bin" / "numera-arrow" for parent in folder.parents]
+    return next(path for path in found if path.exists())
+
+
 def faults(folder):
     yield from faults_of_names(folder)
     yield from faults_of_host_names(folder)
     for part in PARTS:
         yield from faults_of_hardening(folder / f"libnumera_{part}.so")
+    yield from faults_of_hardening(program_beside(folder))
 
 
 if __name__ == "__main__":
