@@ -367,6 +367,25 @@ TEST(DictionaryToHost, ReadsNoFurtherThanAShortBitmapGoes) {
       << single.indices->ToString();
 }
 
+TEST(DictionaryToHost, CountsTheNullsOfADictionaryNoFurtherThanItsBitmapGoes) {
+  static constexpr std::uint8_t kBits[] = {0xFF, 0x00};  // only the first byte is the bitmap
+  auto entries =
+      ArrowArray(::arrow::utf8(), R"(["0", "1", "2", "3", "4", "5", "6", "7", "8", "9"])")
+          ->data()
+          ->Copy();
+  entries->buffers[0] = std::make_shared<::arrow::Buffer>(kBits, 1);
+  entries->null_count = ::arrow::kUnknownNullCount;
+  const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8());
+  auto data = Dictionary(type, "[9, 8]", R"(["0"])")->data()->Copy();
+  data->dictionary = entries;
+  const auto chunk = ::arrow::MakeArray(data);
+
+  const SingleDictionary single = ValueOf(UnifyDictionaryChunks(*Chunks({chunk, chunk}), type));
+
+  EXPECT_EQ(single.dictionary->length(), 10);
+  EXPECT_TRUE(single.indices->Equals(ArrowChunks(::arrow::int8(), {"[9, 8]", "[9, 8]"})));
+}
+
 TEST(DictionaryToHost, NeitherFailsNorLeaksHalfWay) {
   const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8());
   const auto column = Chunks({Dictionary(type, "[0, null]", R"(["a", "b"])"),
