@@ -149,13 +149,15 @@ void occupy_standard_streams() {
 }
 
 /// An end that is asked for comes between two columns, so that nothing half-written stays. What
-/// cannot be written is an error of writing, be it a file that may not grow or a closed pipe.
+/// cannot be written is an error of writing, be it a file that may not grow or a closed pipe. What
+/// the program was started to ignore, as by nohup, it ignores.
 void heed_signals() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    std::signal(signal, [](int number) {
+    const auto before = std::signal(signal, [](int number) {
       end_signal = number;
       numera::host::memory::RequestInterrupt();
     });
+    if (before == SIG_IGN) std::signal(signal, SIG_IGN);
   }
   for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }

@@ -69,6 +69,16 @@ TEST_F(Interruption, EndsBetweenTwoColumnsWithOneLineAndTheOutputIntact) {
   }
 }
 
+TEST_F(Interruption, IsIgnoredWhereTheProgramWasStartedToIgnoreIt) {
+  RunningProgram program(convert("500"), {.ignored = {SIGHUP}});
+  wait_for_part(10000);
+  program.send(SIGHUP);
+  const Outcome run = program.wait();
+  EXPECT_EQ(run.exit_status, 0);
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(read_ipc(output_)->num_rows(), 300000);
+}
+
 TEST_F(Interruption, EndsWhereEveryColumnIsRefused) {
   const std::string file = folder_.path("half.arrow");
   const auto half = table_of({{"h", ::arrow::float16(), "[1, 2]"}});

@@ -1,5 +1,6 @@
 // Killed whenever a file has changed, once each: between two changes all moments are alike.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -37,7 +38,7 @@ pid_t start_traced(std::vector<std::string> arguments) {
   const pid_t process = ::fork();
   if (process == 0) {
     ::setenv("LSAN_OPTIONS", "detect_leaks=0", 1);  // which has to trace the process itself
-    if (::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(126);
+    if (::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO) < 0) ::_exit(126);
     if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0) ::execv(pointers[0], pointers.data());
     ::_exit(127);
   }

@@ -46,6 +46,7 @@ void apply(const RunOptions& options) {
   limit(RLIMIT_CPU, options.cpu_seconds);
   if (options.unprivileged && ::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(126);
   for (const int stream : options.closed) ::close(stream);
+  for (const int signal : options.ignored) std::signal(signal, SIG_IGN);
 }
 
 }  // namespace

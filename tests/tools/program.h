@@ -32,6 +32,7 @@ struct RunOptions {
   std::optional<std::uint64_t> cpu_seconds = {};  ///< a signal ends what takes longer
   bool unprivileged = false;                      ///< as nobody, where the tests run as root
   std::vector<int> closed = {};                   ///< standard streams that it is started without
+  std::vector<int> ignored = {};                  ///< signals that it is started to ignore
 };
 
 /// The program while it runs. Ends it where nobody has waited for it.
