@@ -60,8 +60,11 @@ inline std::string text_of(const std::shared_ptr<::arrow::Buffer>& value) {
 /// `FailEverywhere` of a conversion whose result tells itself as text.
 template <class Convert>
 FaultSites fail_everywhere(const Convert& convert, const std::function<std::string()>& input) {
-  return FailEverywhere([&convert] { return convert().status(); }, input,
-                        [&convert] { return text_of(convert().ValueOrDie()); });
+  const auto result = [&convert] {
+    const auto converted = convert();
+    return converted.ok() ? text_of(*converted) : converted.status().ToString();
+  };
+  return FailEverywhere([&convert] { return convert().status(); }, input, result);
 }
 
 }  // namespace numera::testing

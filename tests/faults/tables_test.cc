@@ -164,9 +164,10 @@ TEST(GatewayFaults, LeaveTheOutputsAsTheyWere) {
       }
       return Status::OK();
     };
-    const FaultSites sites = FailEverywhere(
-        convert, [&value] { return text_of(value); },
-        [&outputs] { return text_of(outputs[0]) + text_of(outputs[1]); });
+    const auto result = [&convert, &outputs] {
+      return convert().ToString() + text_of(outputs[0]) + text_of(outputs[1]);
+    };
+    const FaultSites sites = FailEverywhere(convert, [&value] { return text_of(value); }, result);
     EXPECT_GE(sites.allocations, 3U);
     EXPECT_GE(sites.calls, 4U);
   }

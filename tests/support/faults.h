@@ -27,14 +27,16 @@ struct FaultSites {
 ///   text that could not be converted;
 /// - neither host arrays nor Arrow memory stay behind;
 /// - `input`, which tells all of the conversion's input as text, is what it was;
-/// - the next run, undisturbed, succeeds, and `result`, which converts once more and tells what
-///   comes out as text, is what it was.
+/// - the next run, undisturbed, succeeds, with a `result` as before: that converts, too, and tells
+///   what comes out as text.
 ///
 /// `convert` makes nothing outside the conversion and does the same in every run. It runs on the
 /// recording host, whose counts are forgotten.
 FaultSites FailEverywhere(
     const std::function<::arrow::Status()>& convert,
-    const std::function<std::string()>& input = [] { return std::string(); },
-    const std::function<std::string()>& result = [] { return std::string(); });
+    const std::function<std::string()>& input = [] { return std::string(); });
+FaultSites FailEverywhere(const std::function<::arrow::Status()>& convert,
+                          const std::function<std::string()>& input,
+                          const std::function<std::string()>& result);
 
 }  // namespace numera::testing

@@ -20,15 +20,13 @@ namespace {
 using ::arrow::Status;
 
 /// The failures that `FailEverywhere` reports of a conversion.
-size_t reported(
-    const std::function<Status()>& convert,
-    const std::function<std::string()>& input = [] { return std::string(); },
-    const std::function<std::string()>& result = [] { return std::string(); }) {
+template <class... Texts>
+size_t reported(const std::function<Status()>& convert, const Texts&... texts) {
   ::testing::TestPartResultArray failures;
   {
     const ::testing::ScopedFakeTestPartResultReporter reporter(
         ::testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
-    FailEverywhere(convert, input, result);
+    FailEverywhere(convert, texts...);
   }
   return static_cast<size_t>(failures.size());
 }
