@@ -1,35 +1,19 @@
-#include <arrow/api.h>
+#include "tests/extras/encode/refusals.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <utility>
 
-#include "numera/extras/encode/encode.h"
 #include "numera/host/memory.h"
 #include "tests/support/envelopes.h"
 
 namespace numera::testing {
 namespace {
-
-using extras::encode;
-
-hxArrayPtr Written(std::string_view type, double length, hxArrayPtr data,
-                   const std::vector<std::uint8_t>& valid = {}) {
-  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
-}
-
-hxArrayPtr Packed(hxArrayPtr values, hxArrayPtr offsets) {
-  return Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}});
-}
-
-std::string refusal(const hxArray* value) {
-  const auto encoded = encode(value);
-  return encoded.ok() ? "encoded" : encoded.status().ToString();
-}
-
-std::string refusal(const hxArrayPtr& value) { return refusal(value.get()); }
 
 const std::string kPlainValues =
     ", expected numbers, logical values, text, a cell of texts or of bytes, or an encoded value.";
@@ -99,11 +83,6 @@ TEST(EncodeRefusals, TextThatIsNotUtf16) {
   EXPECT_TRUE(inner.starts_with("Invalid: .Data: found text that is not UTF-16 in element 1 ("))
       << inner;
 }
-
-struct Refused {
-  hxArrayPtr value;
-  const char* text;
-};
 
 TEST(EncodeRefusals, EnvelopesThatLackAFieldOrHaveOneOfAWrongClass) {
   const Refused rows[] = {
@@ -234,99 +213,6 @@ TEST(EncodeRefusals, WhatArrowsValidationRefuses) {
     const std::string text = refusal(row.value);
     EXPECT_TRUE(text.starts_with(row.start)) << text;
   }
-}
-
-hxArrayPtr Numbers(double length, const std::vector<std::int8_t>& values) {
-  return Written("int8", length, Column<std::int8_t>(values));
-}
-
-TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
-  const auto lists = [](hxArrayPtr values, hxArrayPtr offsets) {
-    return WrittenEnvelope("list_array", "list_array", WrittenValidity(1),
-                           Packed(std::move(values), std::move(offsets)));
-  };
-  const auto structs = [](hxArrayPtr names, hxArrayPtr fields) {
-    return WrittenEnvelope(
-        "struct", "struct", WrittenValidity(1),
-        Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(fields)}}));
-  };
-  const auto maps = [](hxArrayPtr keys, hxArrayPtr items) {
-    return WrittenEnvelope("map", "map", WrittenValidity(1),
-                           Struct({{"Keys", std::move(keys)},
-                                   {"Values", std::move(items)},
-                                   {"StartOffsets", Column<std::int32_t>({0, 1})}}));
-  };
-  const Refused rows[] = {
-      {lists(Numbers(1, {1}), Column<std::int32_t>({0, 2})),
-       "Invalid: .Data.StartOffsets: found 2 at 1, expected offsets that never fall, within 1 "
-       "values."},
-      {lists(Numbers(1, {1}), Column<std::int32_t>({-1, 1})),
-       "Invalid: .Data.StartOffsets: found -1 at 0, expected offsets that never fall, within 1 "
-       "values."},
-      {lists(Numbers(2, {1, 2}), Column<std::int64_t>({0, 2, 1})),
-       "Invalid: .Data.StartOffsets: found 1 at 2, expected offsets that never fall, within 2 "
-       "values."},
-      {lists(Numbers(1, {1}), Column<std::int32_t>({})),
-       "Invalid: .Data.StartOffsets: found no elements, expected one more than there are lists."},
-      {lists(Numbers(1, {1}), Column<double>({0, 1})),
-       "Type error: .Data.StartOffsets: found a 2-by-1 double array, expected an int32, int64 or "
-       "uint64 array."},
-      {lists(Scalar(1.0), Column<std::int32_t>({0, 1})),
-       "Type error: .Data.Values: found a 1-by-1 double array, expected an encoded array."},
-      {lists(lists(Numbers(1, {1}), Column<std::int32_t>({0, 5})), Column<std::int32_t>({0, 1})),
-       "Invalid: .Data.Values.Data.StartOffsets: found 5 at 1, expected offsets that never fall, "
-       "within 1 values."},
-      {WrittenEnvelope("list_array", "list_array", WrittenValidity(1), Scalar(1.0)),
-       "Type error: .Data: found a 1-by-1 double array, expected a struct array."},
-      {structs(Cell({Char("a")}), Cell({})),
-       "Invalid: .Data.FieldData: found no fields, expected at least one."},
-      {structs(Cell({Char("a")}), Cell({Numbers(1, {1}), Numbers(1, {1})})),
-       "Invalid: .Data.FieldName: found 1 names, expected 2, one for each field."},
-      {structs(Cell({Char("a"), Char("b")}), Cell({Numbers(1, {1}), Numbers(2, {1, 2})})),
-       "Invalid: .Data.FieldData{1}: found 2 elements, expected 1 as in the first field."},
-      {structs(Cell({Scalar(1.0)}), Cell({Numbers(1, {1})})),
-       "Type error: .Data.FieldName{0}: found a 1-by-1 double array, expected a char array."},
-      {structs(Cell({Char("a")}), Cell({Empty()})),
-       "Type error: .Data.FieldData{0}: found no value, expected one."},
-      {structs(Cell({Char("a")}), Cell({Complex<double>({1, 1}, {{1, 2}})})),
-       "Type error: .Data.FieldData{0}: found a complex 1-by-1 double array, expected an encoded "
-       "array."},
-      {maps(Numbers(1, {1}), Numbers(2, {1, 2})),
-       "Invalid: .Data.Values: found 2 elements, expected 1 as there are keys."},
-  };
-  for (const Refused& row : rows) EXPECT_EQ(refusal(row.value), row.text);
-}
-
-TEST(EncodeRefusals, NestedValuesWithoutChunks) {
-  for (const char* kind : {"list_array", "struct", "map"}) {
-    const hxArrayPtr value =
-        WrittenEnvelope(kind, kind, StructArray({0, 1}, {"Values", "Length", "ArrowType"}, {}),
-                        StructArray({0, 1}, {"Values", "StartOffsets"}, {}));
-    EXPECT_EQ(refusal(value),
-              "Invalid: .Data: found no chunk, so that no type is known, expected one.");
-  }
-}
-
-TEST(EncodeRefusals, AsManyBitmapsAsChunks) {
-  const hxArrayPtr value =
-      WrittenEnvelope("list_array", "list_array", WrittenValidity(1),
-                      StructArray({2, 1}, {"Values", "StartOffsets"},
-                                  {{Numbers(1, {1}), Column<std::int32_t>({0, 1})},
-                                   {Numbers(1, {1}), Column<std::int32_t>({0, 1})}}));
-  EXPECT_EQ(refusal(value), "Invalid: .Valid: found 1 elements, expected 2, one for each chunk.");
-}
-
-TEST(EncodeRefusals, ChunksOfDifferentTypes) {
-  const auto bits = StructArray(
-      {2, 1}, {"Values", "ArrowType"},
-      {{Column<std::uint8_t>({}), Char("buffer")}, {Column<std::uint8_t>({}), Char("buffer")}});
-  const hxArrayPtr value = WrittenEnvelope(
-      "list_array", "list_array", hxSharedCopy(bits.get()),
-      StructArray({2, 1}, {"Values", "StartOffsets"},
-                  {{Numbers(1, {1}), Column<std::int32_t>({0, 1})},
-                   {Written("double", 1, Scalar(1.0)), Column<std::int32_t>({0, 1})}}));
-  const std::string text = refusal(value);
-  EXPECT_TRUE(text.starts_with("Invalid: .Data: ")) << text;
 }
 
 }  // namespace
