@@ -65,10 +65,6 @@ hxArrayPtr make_column(hxClassID class_id, size_t length) {
   return hxCreateUninitNumericArray(Dimensions{length, 1}, class_id, hxComplexity::Real);
 }
 
-hxArrayPtr make_zero_column(hxClassID class_id, size_t length) {
-  return hxCreateNumericArray(Dimensions{length, 1}, class_id, hxComplexity::Real);
-}
-
 hxArrayPtr make_double(double value) { return make_scalar(hxClassID::Double, value); }
 
 hxArrayPtr make_int64(std::int64_t value) { return make_scalar(hxClassID::Int64, value); }

@@ -50,8 +50,6 @@ std::shared_ptr<::arrow::Buffer> borrow_elements(const hxArray* value);
 
 /// Column of `length` elements; every one is to be written by the caller.
 hxArrayPtr make_column(hxClassID class_id, size_t length);
-/// Column of `length` zeros.
-hxArrayPtr make_zero_column(hxClassID class_id, size_t length);
 /// 1-by-1 arrays.
 hxArrayPtr make_double(double value);
 hxArrayPtr make_int64(std::int64_t value);

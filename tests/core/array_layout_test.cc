@@ -5,10 +5,13 @@
 #include <arrow/extension_type.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "numera/core/to_numera.h"
 #include "tests/support/arrow_values.h"
+#include "tests/support/encoded_texts.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -55,6 +58,17 @@ TEST(ArrayLayout, RefusesBuffersThatTheTypeDoesNotHave) {
             Refused("list", "1 buffers, expected 2."));
   EXPECT_EQ(StatusOf(::arrow::struct_({field("a", ::arrow::int8())}), "[[1]]", drop_one),
             Refused("struct", "0 buffers, expected 1."));
+}
+
+TEST(ArrayLayout, RefusesABitmapOfAUnionWhichHasNone) {
+  const auto add_bitmap = [](ArrayData& data) {
+    data.buffers[0] = ExactBuffer(std::vector<std::uint8_t>{1});
+  };
+  const auto fields = {field("a", ::arrow::int8())};
+  EXPECT_EQ(StatusOf(::arrow::sparse_union(fields), "[[0, 1]]", add_bitmap),
+            Refused("sparse_union", "a validity bitmap, expected none."));
+  EXPECT_EQ(StatusOf(::arrow::dense_union(fields), "[[0, 1]]", add_bitmap),
+            Refused("dense_union", "a validity bitmap, expected none."));
 }
 
 TEST(ArrayLayout, RefusesChildrenThatTheTypeDoesNotHave) {

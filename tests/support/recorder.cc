@@ -81,6 +81,7 @@ std::mutex record_mutex;
 Record record;
 thread_local std::string_view last_throwing_call;
 std::atomic<bool> texts_at_once = true;
+std::atomic<bool> unpaired_replaced = false;
 
 size_t number_of(std::string_view operation) {
   const auto found = std::find(kOperations.begin(), kOperations.end(), operation);
@@ -182,6 +183,22 @@ std::string_view FailedCall() {
 std::string_view LastThrowingCall() { return last_throwing_call; }
 
 void TakeTextsAtOnce(bool at_once) { texts_at_once = at_once; }
+
+void ReplaceUnpairedSurrogates(bool replace) { unpaired_replaced = replace; }
+
+std::u16string codec_input(std::u16string_view text) {
+  std::u16string units(text);
+  if (!unpaired_replaced) return units;
+  for (size_t i = 0; i < units.size(); ++i) {
+    const bool high = (units[i] & 0xFC00) == 0xD800;
+    if (high && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00) {
+      ++i;
+    } else if ((units[i] & 0xF800) == 0xD800) {
+      units[i] = u'?';
+    }
+  }
+  return units;
+}
 
 void note(const char* operation) noexcept {
   const size_t number = number_of(operation);

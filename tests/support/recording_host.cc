@@ -13,6 +13,7 @@
 #include "tests/support/recorder.h"
 
 namespace host = numera::host::memory;
+using numera::testing::codec_input;
 using numera::testing::created;
 using numera::testing::note;
 using numera::testing::note_throwing;
@@ -223,7 +224,8 @@ hxUTF16ToUTF8::hxUTF16ToUTF8(const char* encoding) {
 
 std::string hxUTF16ToUTF8::convert(const char16_t* text, size_t length) const {
   note_throwing("hxUTF16ToUTF8::convert");
-  return host::encode_utf8(text, length);
+  const std::u16string input = codec_input({text, length});
+  return host::encode_utf8(input.data(), input.size());
 }
 
 void hxErrorMaxLhs() {

@@ -66,4 +66,8 @@ std::string_view LastThrowingCall();
 /// at first) or, like those of a host that cannot, set one element after another.
 void TakeTextsAtOnce(bool at_once);
 
+/// Whether the codec to UTF-8 refuses unpaired surrogates (as it does at first) or writes "?" for
+/// each, as a lenient host may.
+void ReplaceUnpairedSurrogates(bool replace);
+
 }  // namespace numera::testing

@@ -17,6 +17,7 @@
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/recording_host.h"
 #include "tests/unicode/utf8_of_text.h"
 
 namespace numera::io::arrow::unicode {
@@ -43,6 +44,12 @@ TEST(TextToUtf8, TakesStringArrays) {
 TEST(TextToUtf8, GivesNoBytesForAMissingElement) {
   ExpectUtf8(Strings({u"abc", std::nullopt}), "abc", {0, 3, 3});
   ExpectUtf8(Strings({std::nullopt, u"é", std::nullopt, u"z"}), "éz", {0, 0, 2, 2, 3});
+}
+
+TEST(TextToUtf8, FollowsACodecThatReplacesWhatItCannotEncode) {
+  ReplaceUnpairedSurrogates(true);
+  ExpectUtf8(Strings({u"a", u"\xD800", u"é😀", u"\xDC00z"}), "a?é😀?z", {0, 1, 2, 8, 10});
+  ReplaceUnpairedSurrogates(false);
 }
 
 TEST(TextToUtf8, TakesCellsOfCharRows) {

@@ -62,8 +62,8 @@ namespace numera::extras {
 ///   chunks and structs without fields, whose type is not known; what Arrow's full validation
 ///   refuses; nesting deeper than `kMaxNestingLevels`, a map taking two levels.
 ///
-/// What is wrong with a column of a table carries a `TableErrorStatusDetail` with the column's name,
-/// empty where that is no text, and its 0-based index.
+/// What is wrong with a column of a table carries a `TableErrorStatusDetail` with the column's
+/// name, empty where that is no text, and its 0-based index.
 ///
 /// A value that is returned converts without failure and passes `ValidateFull`. It owns itself:
 /// `value` is not needed any more. Before each column of a table `hxThrowIfInterruptPending` is

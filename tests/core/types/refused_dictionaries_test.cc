@@ -107,6 +107,8 @@ TEST(DictionaryToHost, RefusesADictionaryThatIsNotWhatItsTypeSays) {
   auto falling = NarrowArray(::arrow::utf8(), "ab", {2, 1})->data();
   auto short_offsets = NarrowArray(::arrow::utf8(), "ab", {0, 1})->data()->Copy();
   short_offsets->length = 5;
+  auto without_type = ArrowArray(::arrow::utf8(), R"(["a"])")->data()->Copy();
+  without_type->type = nullptr;
   auto negative = NarrowArray(::arrow::utf8(), "ab", {0, 1})->data()->Copy();
   negative->length = -1;
   const std::pair<std::shared_ptr<::arrow::ArrayData>, const char*> cases[] = {
@@ -115,6 +117,8 @@ TEST(DictionaryToHost, RefusesADictionaryThatIsNotWhatItsTypeSays) {
        "Dictionary: found int32, expected an array of type string."},
       {ArrowArray(::arrow::large_utf8(), R"(["a"])")->data(),
        "Dictionary: found large_utf8, expected an array of type string."},
+      {without_type,
+       "Dictionary: found an array without a type, expected an array of type string."},
       {without_buffers,
        "Dictionary: found an array without its buffers, expected an array of type string."},
       {falling, "Element 0: found offsets 2 and 1, expected a range that rises within 2 bytes."},

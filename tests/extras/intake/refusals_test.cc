@@ -14,6 +14,7 @@
 #include "numera/core/util/table_error.h"
 #include "numera/extras/intake/intake.h"
 #include "tests/support/arrow_values.h"
+#include "tests/support/encoded_texts.h"
 
 namespace numera::testing {
 namespace {
@@ -269,6 +270,26 @@ TEST(IntakeRefusals, MeetMoreElementsThanMemoryCanHold) {
                       ArrowArray(int8(), "[7]")->data()};
   EXPECT_EQ(take_in(::arrow::MakeArray(data), {.cast = true}).status(),
             Status::CapacityError("Array: found more elements than memory can hold."));
+}
+
+TEST(IntakeRefusals, MeetMoreElementsOfListViewsThanCanBeCounted) {
+  constexpr std::int64_t kMany = std::int64_t{1} << 62;
+  const auto type = ::arrow::large_list_view(::arrow::struct_({}));
+  const auto data = ArrayData::Make(type, 2, {nullptr}, 0);
+  data->buffers.push_back(ExactBuffer(std::vector<std::int64_t>{0, 0}));
+  data->buffers.push_back(ExactBuffer(std::vector<std::int64_t>{kMany, kMany}));
+  data->child_data = {ArrayData::Make(::arrow::struct_({}), kMany, {nullptr}, 0)};
+  EXPECT_EQ(take_in(::arrow::MakeArray(data), {.cast = true}).status(),
+            Status::CapacityError("List views: found more elements than can be counted."));
+}
+
+TEST(IntakeRefusals, MeetArraysNestedDeeperThanTheirTypes) {
+  auto data = ArrowArray(int8(), "[1]")->data();
+  const auto type = ::arrow::struct_({field("a", int8())});
+  for (int i = 0; i < 5'000; ++i) data = ArrayData::Make(type, 1, {nullptr}, {data}, 0);
+  EXPECT_EQ(take_in(::arrow::MakeArray(data)).status(),
+            Status::Invalid("Arrays: found more than 4096 in one another, expected no more than "
+                            "that."));
 }
 
 TEST(IntakeRefusals, SpareValuesNestedAsDeepAsTheLimit) {
