@@ -20,17 +20,8 @@ namespace numera::extras {
 namespace {
 
 using namespace numera::testing;
-using ::arrow::ArrayData;
 using ::arrow::Buffer;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
-
-constexpr std::int64_t kTwoTo31 = std::int64_t{1} << 31;
-constexpr std::int64_t kTwoTo32 = std::int64_t{1} << 32;
-
-ArrayPtr Made(std::shared_ptr<::arrow::DataType> type, std::int64_t length,
-              std::vector<std::shared_ptr<Buffer>> buffers) {
-  return ::arrow::MakeArray(ArrayData::Make(std::move(type), length, std::move(buffers)));
-}
 
 ArrayPtr TakenIn(const ArrayPtr& array) { return ValueOf(take_in(array)).value; }
 

@@ -3,6 +3,7 @@
 /// \file
 /// Gigabytes that take memory only where they are written.
 
+#include <arrow/array.h>
 #include <arrow/buffer.h>
 #include <sys/mman.h>
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace numera::testing {
 
@@ -35,6 +37,17 @@ inline std::shared_ptr<::arrow::Buffer> Zeros(
   auto buffer = std::make_shared<MappedBuffer>(size);
   for (const auto& [place, value] : others) buffer->mutable_data()[place] = value;
   return buffer;
+}
+
+inline constexpr std::int64_t kTwoTo31 = std::int64_t{1} << 31;
+inline constexpr std::int64_t kTwoTo32 = std::int64_t{1} << 32;
+
+inline std::shared_ptr<::arrow::Array> Made(std::shared_ptr<::arrow::DataType> type,
+                                            std::int64_t length,
+                                            std::vector<std::shared_ptr<::arrow::Buffer>> buffers,
+                                            std::int64_t nulls = ::arrow::kUnknownNullCount) {
+  return ::arrow::MakeArray(
+      ::arrow::ArrayData::Make(std::move(type), length, std::move(buffers), nulls));
 }
 
 }  // namespace numera::testing

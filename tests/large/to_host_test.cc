@@ -19,17 +19,8 @@ namespace numera::io::arrow::core {
 namespace {
 
 using namespace numera::testing;
-using ::arrow::ArrayData;
 using ::arrow::Buffer;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
-
-constexpr std::int64_t kTwoTo31 = std::int64_t{1} << 31;
-constexpr std::int64_t kTwoTo32 = std::int64_t{1} << 32;
-
-ArrayPtr Made(std::shared_ptr<::arrow::DataType> type, std::int64_t length,
-              std::vector<std::shared_ptr<Buffer>> buffers, std::int64_t nulls = 0) {
-  return ::arrow::MakeArray(ArrayData::Make(std::move(type), length, std::move(buffers), nulls));
-}
 
 const hxArray* FieldOf(const hxArrayPtr& value, const char* name) {
   return hxGetFieldChecked(value.get(), 0, name);

@@ -57,8 +57,9 @@ SmallDisk::SmallDisk(std::size_t pages, std::size_t files) {
     ::close(end[1]);
     const int error = mount_disk(place, options);
     char nothing = 0;
-    if (::write(told[1], &error, sizeof error) == sizeof error) (void)::read(end[0], &nothing, 1);
-    ::_exit(0);
+    const bool is_told = ::write(told[1], &error, sizeof error) == sizeof error;
+    // Waits until the other end is closed.
+    ::_exit(is_told && ::read(end[0], &nothing, 1) == 0 ? 0 : 1);
   }
   ::close(told[1]);
   ::close(end[0]);

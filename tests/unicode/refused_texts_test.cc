@@ -85,22 +85,25 @@ TEST(TextToUtf8, LooksAtACellAfterThoseBeforeAreConverted) {
                                  "NUMERA:io:arrow:unicode:InvalidCellArray");
 }
 
+/// Expects that the second unit of an element, counted from one, is refused.
+void ExpectUnpairedIn(std::uint64_t element, const hxArrayPtr& text) {
+  try {
+    Convert(text);
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const hxTaggedException<UnrecognizedUTF16Character>& error) {
+    EXPECT_THAT(
+        error.arguments(),
+        ::testing::ElementsAre(hxMessageArgument(element),
+                               hxMessageArgument("Unpaired high surrogate at code unit 1."s)));
+  }
+}
+
 TEST(TextToUtf8, NamesTheElementThatIsNoUtf16ByNumberFromOne) {
   const std::u16string unpaired = u"a" + std::u16string(1, char16_t{0xD800});
   const hxArrayPtr cases[] = {Strings({u"a", u"é", unpaired, unpaired}),
                               Cell({Char("a"), Char("é"), Char(unpaired)}),
                               CharMatrix({3, 2}, u"aéabb" + unpaired.substr(1))};
-  for (const hxArrayPtr& text : cases) {
-    try {
-      Convert(text);
-      ADD_FAILURE() << "nothing was thrown";
-    } catch (const hxTaggedException<UnrecognizedUTF16Character>& error) {
-      EXPECT_THAT(
-          error.arguments(),
-          ::testing::ElementsAre(hxMessageArgument(std::uint64_t{3}),
-                                 hxMessageArgument("Unpaired high surrogate at code unit 1."s)));
-    }
-  }
+  for (const hxArrayPtr& text : cases) ExpectUnpairedIn(3, text);
 }
 
 TEST(TextToUtf8, PairsNoSurrogatesOfTwoTexts) {
@@ -108,17 +111,7 @@ TEST(TextToUtf8, PairsNoSurrogatesOfTwoTexts) {
   const std::u16string low = std::u16string(1, char16_t{0xDE00}) + u"b";
   const hxArrayPtr cases[] = {Strings({u"é", high, low}), Strings({u"é", high, u"", low}),
                               Cell({Char("é"), Char(high), Char(low)})};
-  for (const hxArrayPtr& text : cases) {
-    try {
-      Convert(text);
-      ADD_FAILURE() << "nothing was thrown";
-    } catch (const hxTaggedException<UnrecognizedUTF16Character>& error) {
-      EXPECT_THAT(
-          error.arguments(),
-          ::testing::ElementsAre(hxMessageArgument(std::uint64_t{2}),
-                                 hxMessageArgument("Unpaired high surrogate at code unit 1."s)));
-    }
-  }
+  for (const hxArrayPtr& text : cases) ExpectUnpairedIn(2, text);
 }
 
 TEST(TextToUtf8, RefusesEveryUnpairedSurrogate) {
