@@ -14,7 +14,8 @@
 ///
 /// Ownership: creation gives an owning `hxArrayPtr`; storing it into a field or cell passes the
 /// ownership to the container, and the stored array keeps its address. A pointer read out of a
-/// container is borrowed and lives as long as the container holds the value.
+/// container is borrowed and lives until the container is destroyed or written: a write to a shared
+/// copy gives it new values in all its slots.
 ///
 /// Errors: operations report failure by throwing. Those that cannot fail are `noexcept`.
 ///
