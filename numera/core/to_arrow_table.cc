@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "numera/core/bitmap.h"
-#include "numera/core/chunk_memory.h"
 #include "numera/core/dispatch.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
@@ -14,19 +13,15 @@
 #include "numera/core/util/verify_struct.h"
 
 namespace numera::io::arrow::core {
-namespace {
 
-/// Arrow counts the nulls of a column when it joins a table, and trusts the bitmap to be long
-/// enough.
-::arrow::Status check_bitmap(const ::arrow::ArrayData& column) {
+::arrow::Status check_table_column(const ::arrow::Array& array) {
+  const ::arrow::ArrayData& column = *array.data();
   if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
   if (column.length < 0) return messages::wrong_extent(column.offset, column.length);
   const std::int64_t size = column.buffers[0]->size();
   if (bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
   return messages::short_buffer("Field 'Valid'", size, column.length);
 }
-
-}  // namespace
 
 ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(const hxArray* encoded) {
   ARROW_RETURN_NOT_OK(util::VerifyHxStructContains(encoded, "ArrowType", hxClassID::Char, false));
@@ -46,7 +41,7 @@ namespace {
     // The checks look at element 0 only: once is enough.
     ARROW_ASSIGN_OR_RAISE(auto array, i == 0 ? element_to_arrow(columns, i, 0)
                                              : later_element_to_arrow(columns, i, 0));
-    ARROW_RETURN_NOT_OK(check_bitmap(*array->data()));
+    ARROW_RETURN_NOT_OK(check_table_column(*array));
     fields.push_back(::arrow::field(std::move(name), array->type()));
     arrays.push_back(std::move(array));
   }

@@ -34,4 +34,17 @@ namespace numera::io::arrow::core {
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(
     const hxArray* encoded);
 
+/// What `to_arrow_table` asks of a converted column before it joins the table, for those who put
+/// tables together themselves. Arrow counts the nulls of the column then, and trusts its length and
+/// its bitmap.
+///
+/// Errors:
+/// - a negative length with a bitmap: Invalid "Array: found offset 0 and length -1, expected
+/// neither
+///   negative and their sum within 64 bits."
+/// - a bitmap that is too short: Invalid as above
+///
+/// Cost: O(1).
+NUMERA_EXPORT ::arrow::Status check_table_column(const ::arrow::Array& array);
+
 }  // namespace numera::io::arrow::core

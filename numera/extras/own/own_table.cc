@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "numera/core/to_arrow.h"
+#include "numera/core/to_arrow_table.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
 #include "numera/extras/in_column.h"
@@ -21,22 +22,12 @@ namespace {
 namespace core = io::arrow::core;
 using core::util::VerifyHxStructContains;
 
-/// Arrow counts the nulls of a column when it joins a table, and trusts the bitmap to be long
-/// enough.
-::arrow::Status check_bitmap(const ::arrow::ArrayData& column) {
-  if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
-  const std::int64_t bytes = column.buffers[0]->size();
-  if (column.length / 8 + (column.length % 8 != 0) <= bytes) return ::arrow::Status::OK();
-  return ::arrow::Status::Invalid("Field 'Valid': found ", bytes, " bytes, expected enough for ",
-                                  column.length, " elements.");
-}
-
 /// Reads the name and the borrowed array of a column.
 ::arrow::Status read_column(const hxArray* names, const hxArray* columns, size_t index,
                             std::string* name, std::shared_ptr<::arrow::Array>* array) {
   *name = core::util::HxArrayToString(hxGetCellChecked(names, index));
   ARROW_ASSIGN_OR_RAISE(*array, core::to_arrow(columns, index));
-  return check_bitmap(*(*array)->data());
+  return core::check_table_column(**array);
 }
 
 /// The same, failures named. Whatever the host throws for want of memory is not the column's fault.
