@@ -1,6 +1,5 @@
 #include "numera/core/array_layout.h"
 
-#include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
 #include <arrow/extension_type.h>
 #include <arrow/type.h>
@@ -8,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "numera/core/arrow_types.h"
 #include "numera/core/chunk_memory.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
@@ -47,17 +47,19 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// What Arrow asks of one child when it makes an array of its parent.
+/// What the type says of one child.
 Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
   const std::string name = "child " + std::to_string(i);
   const ArrayData* child = parent.child_data[i].get();
   if (child == nullptr || child->type == nullptr) {
     return messages::wrong_layout(type, "no " + name, "one");
   }
-  const DataType& declared = *type.field(static_cast<int>(i))->type();
-  if (child->type->id() != declared.id()) {
-    return messages::wrong_layout(type, name + " of type " + child->type->name(), declared.name());
+  const auto& declared = type.field(static_cast<int>(i))->type();
+  if (child->type->id() != declared->id()) {
+    return messages::wrong_layout(type, name + " of type " + child->type->name(), declared->name());
   }
+  // Another type than the one that the column's type has led to.
+  if (child->type != declared) ARROW_RETURN_NOT_OK(check_type(child->type.get()));
   if (type.id() == Type::STRUCT) {
     if (!extent_is_valid(*child)) return messages::wrong_extent(child->offset, child->length);
     const std::int64_t needed = parent.offset + parent.length;
@@ -69,21 +71,10 @@ Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
   return Status::OK();
 }
 
-Status check_map_nulls(const ArrayData& map, const DataType& type) {
-  const ArrayData& entries = *map.child_data[0];
-  if (entries.null_count.load() != 0) {
-    return messages::wrong_layout(type, "entries that may be null", "none");
-  }
-  if (!entries.child_data.empty() && entries.child_data[0] != nullptr &&
-      entries.child_data[0]->null_count.load() != 0) {
-    return messages::wrong_layout(type, "keys that may be null", "none");
-  }
-  return Status::OK();
-}
-
-/// `levels` more containers may lie in one another, `array` included.
-Status check_array(const ArrayData& array, int levels) {
-  const DataType& type = storage_type(*array.type);
+/// All that is asked of an array itself, not of its children. `levels` more containers may lie in
+/// one another, `array` included. A function of its own, so that `check_array`, which calls itself,
+/// takes little stack.
+Status check_node(const ArrayData& array, const DataType& type, int levels) {
   ARROW_RETURN_NOT_OK(check_buffers(array, type));
   if (std::cmp_not_equal(array.child_data.size(), type.num_fields())) {
     return messages::wrong_layout(type, std::to_string(array.child_data.size()) + " children",
@@ -91,8 +82,25 @@ Status check_array(const ArrayData& array, int levels) {
   }
   if (array.child_data.empty() && type.id() != Type::STRUCT) return Status::OK();
   // The struct of its entries counts in place of a map.
-  if (type.id() != Type::MAP && levels-- == 0) return messages::nested_too_deeply();
+  if (type.id() != Type::MAP && levels == 0) return messages::nested_too_deeply();
   if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
+  return Status::OK();
+}
+
+Status check_map_nulls(const ArrayData& map, const DataType& type) {
+  const ArrayData& entries = *map.child_data[0];
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t null_entries, count_nulls(entries));
+  if (null_entries != 0) return messages::wrong_layout(type, "entries that may be null", "none");
+  if (entries.child_data.empty()) return Status::OK();
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t null_keys, count_nulls(*entries.child_data[0]));
+  if (null_keys != 0) return messages::wrong_layout(type, "keys that may be null", "none");
+  return Status::OK();
+}
+
+Status check_array(const ArrayData& array, int levels) {
+  const DataType& type = storage_type(*array.type);
+  ARROW_RETURN_NOT_OK(check_node(array, type, levels));
+  if (type.id() != Type::MAP) --levels;
   for (size_t i = 0; i < array.child_data.size(); ++i) {
     ARROW_RETURN_NOT_OK(check_child(array, type, i));
     ARROW_RETURN_NOT_OK(check_array(*array.child_data[i], levels));
@@ -102,11 +110,10 @@ Status check_array(const ArrayData& array, int levels) {
 
 }  // namespace
 
-Status check_layout(const ::arrow::ChunkedArray& column) {
+Status check_layout(const ColumnView& column) {
   if (column.type()->num_fields() == 0) return Status::OK();
-  for (const auto& chunk : column.chunks()) {
-    if (chunk == nullptr) continue;
-    ARROW_RETURN_NOT_OK(check_array(*chunk->data(), kMaxNestingLevels));
+  for (const ArrayView& chunk : column.chunks()) {
+    if (chunk.data != nullptr) ARROW_RETURN_NOT_OK(check_array(*chunk.data, kMaxNestingLevels));
   }
   return Status::OK();
 }

@@ -1,8 +1,9 @@
 #include "numera/core/arrow_types.h"
 
+#include <arrow/extension_type.h>
 #include <arrow/type.h>
 
-#include <algorithm>
+#include <cstdint>
 #include <iterator>
 
 #include "numera/core/host_values.h"
@@ -24,7 +25,7 @@ namespace {
 using ::arrow::Type;
 
 /// The null type has no values: its "Data" is the number of its elements.
-::arrow::Result<hxArrayPtr> null_to_numera(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> null_to_numera(const ColumnView& column) {
   return make_int64(column.length());
 }
 
@@ -89,24 +90,38 @@ constexpr bool rows_are_in_order_of_id() {
 static_assert(std::size(kRows) == Type::MAX_ID, "every type has a row");
 static_assert(rows_are_in_order_of_id(), "a row is found by its id");
 
+enum class TypeFault : std::uint8_t { None, NoType, TooDeep };
+
 /// Holds no other types.
 bool is_flat(const ::arrow::DataType& type) {
   return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
 }
 
-/// Whether `type` nests at most `levels` containers. A map is one level, although Arrow keeps its
-/// keys and items in a struct. A dictionary is none, unless its values hold other types in turn.
-bool nests_within(const ::arrow::DataType& type, int levels) {
-  if (is_flat(type)) return true;
-  if (type.id() == Type::DICTIONARY) {
-    const auto& values = *static_cast<const ::arrow::DictionaryType&>(type).value_type();
-    return is_flat(values) || (levels > 0 && nests_within(values, levels - 1));
+/// `levels` more containers may lie in one another, `type` included. A map is one level, although
+/// Arrow keeps its keys and items in a struct. A dictionary is none, unless its values hold other
+/// types in turn. The frame of this function is small, for it calls itself.
+TypeFault fault_of(const ::arrow::DataType* type, int levels) {
+  if (type == nullptr) return TypeFault::NoType;
+  if (type->id() == Type::EXTENSION) {
+    while (type != nullptr && type->id() == Type::EXTENSION) {
+      type = static_cast<const ::arrow::ExtensionType*>(type)->storage_type().get();
+    }
+    return type == nullptr ? TypeFault::NoType : TypeFault::None;
   }
-  if (levels == 0) return false;
-  const ::arrow::DataType& parent = type.id() == Type::MAP ? *type.field(0)->type() : type;
-  return std::ranges::all_of(parent.fields(), [levels](const auto& field) {
-    return nests_within(*field->type(), levels - 1);
-  });
+  if (is_flat(*type)) return TypeFault::None;
+  if (type->id() == Type::DICTIONARY) {
+    type = static_cast<const ::arrow::DictionaryType&>(*type).value_type().get();
+    if (type == nullptr || is_flat(*type)) return fault_of(type, levels);
+    return levels == 0 ? TypeFault::TooDeep : fault_of(type, levels - 1);
+  }
+  if (levels == 0) return TypeFault::TooDeep;
+  const ::arrow::DataType& parent = type->id() == Type::MAP ? *type->field(0)->type() : *type;
+  for (const auto& field : parent.fields()) {
+    const TypeFault fault =
+        field == nullptr ? TypeFault::NoType : fault_of(field->type().get(), levels - 1);
+    if (fault != TypeFault::None) return fault;
+  }
+  return TypeFault::None;
 }
 
 }  // namespace
@@ -117,9 +132,16 @@ const ArrowTypeRow& arrow_type_row(Type::type id) {
   return i < std::size(kRows) ? kRows[i] : kUnknown;
 }
 
-::arrow::Status check_nesting(const ::arrow::DataType& type) {
-  if (nests_within(type, kMaxNestingLevels)) return ::arrow::Status::OK();
-  return messages::nested_too_deeply();
+::arrow::Status check_type(const ::arrow::DataType* type) {
+  switch (fault_of(type, kMaxNestingLevels)) {
+    case TypeFault::None:
+      return ::arrow::Status::OK();
+    case TypeFault::NoType:
+      return messages::no_type();
+    case TypeFault::TooDeep:
+      return messages::nested_too_deeply();
+  }
+  return ::arrow::Status::OK();
 }
 
 }  // namespace numera::io::arrow::core

@@ -18,7 +18,8 @@ struct ArrowTypeRow {
 /// The row of a type; every id has one.
 const ArrowTypeRow& arrow_type_row(::arrow::Type::type id);
 
-/// Invalid where lists, structs and maps lie in one another deeper than `kMaxNestingLevels`.
-::arrow::Status check_nesting(const ::arrow::DataType& type);
+/// Invalid where the type is null, or the type of a field or of dictionary values in it is; and
+/// where lists, structs and maps lie in one another deeper than `kMaxNestingLevels`.
+::arrow::Status check_type(const ::arrow::DataType* type);
 
 }  // namespace numera::io::arrow::core

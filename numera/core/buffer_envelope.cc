@@ -27,7 +27,7 @@ BitmapWriter store_bitmap(hxArray* envelopes, size_t index, std::int64_t length,
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer) {
-  const auto bytes = readable_bytes(buffer);
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(buffer));
   if (buffer != nullptr && std::cmp_not_equal(bytes.size(), buffer->size())) {
     return messages::not_readable();
   }

@@ -1,8 +1,7 @@
 #include "numera/core/chunk_memory.h"
 
-#include <arrow/array/array_base.h>
 #include <arrow/type.h>
-#include <arrow/util/bit_util.h>
+#include <arrow/util/bitmap_ops.h>
 
 #include <algorithm>
 #include <array>
@@ -17,16 +16,47 @@
 namespace numera::io::arrow::core {
 namespace {
 
-bool bitmap_covers(const ::arrow::ArrayData& array) {
-  const auto bits = unsliced_validity(array);
-  return bitmap_bytes(array.offset + array.length) <= static_cast<std::int64_t>(bits.size());
+using ::arrow::DataType;
+using ::arrow::Type;
+
+bool is_whole(const ArrayView& view) {
+  return view.offset == view.data->offset && view.length == view.data->length;
 }
 
-/// Arrow counts the nulls of a chunk when it makes a chunked array, and trusts the bitmap to be
-/// long enough.
-bool arrow_would_read_past_bitmap(const ::arrow::ArrayData& array) {
-  return array.null_count.load() == ::arrow::kUnknownNullCount && !array.buffers.empty() &&
-         array.buffers[0] != nullptr && (!extent_is_valid(array) || !bitmap_covers(array));
+/// The count that the array knows of the view, as a slice that Arrow makes has it.
+std::int64_t known_null_count(const ArrayView& view) {
+  const std::int64_t count = view.data->null_count.load();
+  if (is_whole(view) || count == 0) return count;
+  return count == view.data->length ? view.length : ::arrow::kUnknownNullCount;
+}
+
+bool bitmap_covers(std::span<const std::uint8_t> bits, const ArrayView& view) {
+  const auto& buffers = view.data->buffers;
+  return buffers.empty() || buffers[0] == nullptr ||
+         std::cmp_less_equal(bitmap_bytes(view.offset + view.length), bits.size());
+}
+
+/// Zeros among the bits of the view, as far as `bits` go.
+std::int64_t count_zeros(std::span<const std::uint8_t> bits, const ArrayView& view) {
+  const auto readable = static_cast<std::int64_t>(bits.size()) * 8;
+  const std::int64_t length = std::min(view.length, readable - view.offset);
+  if (length <= 0) return 0;
+  return length - ::arrow::internal::CountSetBits(bits.data(), view.offset, length);
+}
+
+/// Whether one type differs from the other at most in the names, the nullability and the metadata
+/// of its fields: both lie in memory alike.
+bool is_laid_out_like(const DataType& type, const DataType& other) {
+  if (&type == &other) return true;
+  if (type.id() != other.id() || type.num_fields() != other.num_fields()) return false;
+  const Type::type id = type.id();
+  if (id != Type::LIST && id != Type::LARGE_LIST && id != Type::STRUCT && id != Type::MAP) {
+    return type.Equals(other);
+  }
+  for (int i = 0; i < type.num_fields(); ++i) {
+    if (!is_laid_out_like(*type.field(i)->type(), *other.field(i)->type())) return false;
+  }
+  return true;
 }
 
 template <class Offset>
@@ -52,25 +82,26 @@ template <class Offset>
 
 }  // namespace
 
-bool extent_is_valid(const ::arrow::ArrayData& array) {
+bool extent_is_valid(const ArrayView& array) {
   return array.offset >= 0 && array.length >= 0 &&
          array.offset <= std::numeric_limits<std::int64_t>::max() - array.length;
 }
 
-std::span<const std::uint8_t> readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer) {
-  if (buffer == nullptr || !buffer->is_cpu() || buffer->data() == nullptr) return {};
-  return {buffer->data(), static_cast<size_t>(std::max<std::int64_t>(buffer->size(), 0))};
+BytesResult readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer) {
+  if (buffer == nullptr) return std::span<const std::uint8_t>();
+  if (!buffer->is_cpu()) return messages::not_readable();
+  if (buffer->data() == nullptr || buffer->size() < 0) return std::span<const std::uint8_t>();
+  return std::span(buffer->data(), static_cast<size_t>(buffer->size()));
 }
 
-std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, size_t index) {
-  if (index >= array.buffers.size()) return {};
+BytesResult readable_bytes(const ::arrow::ArrayData& array, size_t index) {
+  if (index >= array.buffers.size()) return std::span<const std::uint8_t>();
   return readable_bytes(array.buffers[index]);
 }
 
-::arrow::Result<std::span<const std::uint8_t>> fixed_width_values(const ::arrow::ArrayData& chunk,
-                                                                  std::int64_t width) {
-  const auto bytes = readable_bytes(chunk, 1);
-  if (width == 0 || chunk.length == 0) return bytes.first(0);
+BytesResult fixed_width_values(const ArrayView& chunk, std::int64_t width) {
+  if (width == 0 || chunk.length == 0) return std::span<const std::uint8_t>();
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(*chunk.data, 1));
   const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
   if (chunk.offset > available || chunk.length > available - chunk.offset) {
     return messages::short_buffer("Values buffer", static_cast<std::int64_t>(bytes.size()),
@@ -80,10 +111,9 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
                        static_cast<size_t>(chunk.length * width));
 }
 
-::arrow::Result<std::span<const std::uint8_t>> stored_offsets(const ::arrow::ArrayData& chunk,
-                                                              std::int64_t width) {
+BytesResult stored_offsets(const ArrayView& chunk, std::int64_t width) {
   static constexpr std::array<std::uint8_t, sizeof(std::int64_t)> kZero{};
-  const auto bytes = readable_bytes(chunk, 1);
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(*chunk.data, 1));
   if (chunk.length == 0 && bytes.empty()) return std::span(kZero).first(static_cast<size_t>(width));
   const std::int64_t available = static_cast<std::int64_t>(bytes.size()) / width;
   if (chunk.offset + chunk.length >= available) {
@@ -94,23 +124,25 @@ std::span<const std::uint8_t> readable_bytes(const ::arrow::ArrayData& array, si
                        static_cast<size_t>((chunk.length + 1) * width));
 }
 
-::arrow::Status check_offsets_fit(const ::arrow::ArrayData& array, std::int64_t width) {
+::arrow::Status check_offsets_fit(const ArrayView& array, std::int64_t width) {
   if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
   if (array.length == 0) return ::arrow::Status::OK();
-  const auto bytes = static_cast<std::int64_t>(readable_bytes(array, 1).size());
-  if (array.offset + array.length < bytes / width) return ::arrow::Status::OK();
-  return messages::short_buffer("Offsets buffer", bytes, array.offset + array.length);
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(*array.data, 1));
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  if (array.offset + array.length < size / width) return ::arrow::Status::OK();
+  return messages::short_buffer("Offsets buffer", size, array.offset + array.length);
 }
 
 template <class Offset>
-::arrow::Result<VariableWidthValues<Offset>> variable_width_values(
-    const ::arrow::ArrayData& array) {
+::arrow::Result<VariableWidthValues<Offset>> variable_width_values(const ArrayView& array) {
   ARROW_RETURN_NOT_OK(check_offsets_fit(array, sizeof(Offset)));
   if (array.length == 0) return VariableWidthValues<Offset>{};
+  ARROW_ASSIGN_OR_RAISE(const auto all_offsets, readable_bytes(*array.data, 1));
+  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(*array.data, 2));
   const auto offset_bytes =
-      readable_bytes(array, 1).subspan(static_cast<size_t>(array.offset) * sizeof(Offset),
-                                       (static_cast<size_t>(array.length) + 1) * sizeof(Offset));
-  VariableWidthValues<Offset> values{{}, readable_bytes(array, 2), nullptr};
+      all_offsets.subspan(static_cast<size_t>(array.offset) * sizeof(Offset),
+                          (static_cast<size_t>(array.length) + 1) * sizeof(Offset));
+  VariableWidthValues<Offset> values{{}, bytes, nullptr};
   if (reinterpret_cast<std::uintptr_t>(offset_bytes.data()) % alignof(Offset) == 0) {
     values.offsets = {reinterpret_cast<const Offset*>(offset_bytes.data()),
                       offset_bytes.size() / sizeof(Offset)};
@@ -124,44 +156,32 @@ template <class Offset>
   return values;
 }
 
-template ::arrow::Result<VariableWidthValues<std::int32_t>> variable_width_values(
-    const ::arrow::ArrayData&);
-template ::arrow::Result<VariableWidthValues<std::int64_t>> variable_width_values(
-    const ::arrow::ArrayData&);
+template ::arrow::Result<VariableWidthValues<std::int32_t>> variable_width_values(const ArrayView&);
+template ::arrow::Result<VariableWidthValues<std::int64_t>> variable_width_values(const ArrayView&);
 
-std::int64_t count_nulls(const ::arrow::ArrayData& array) {
-  if (!arrow_would_read_past_bitmap(array)) return array.GetNullCount();
+::arrow::Result<std::int64_t> count_nulls(const ArrayView& array) {
+  if (array.data->type->id() == Type::NA) return array.length;
+  const std::int64_t known = known_null_count(array);
+  if (known != ::arrow::kUnknownNullCount) return known;
   if (!extent_is_valid(array)) return 0;
-  const auto bits = unsliced_validity(array);
-  std::int64_t nulls = 0;
-  const auto readable = static_cast<std::int64_t>(bits.size()) * 8;
-  for (std::int64_t i = array.offset; i < std::min(array.offset + array.length, readable); ++i) {
-    nulls += !::arrow::bit_util::GetBit(bits.data(), static_cast<std::uint64_t>(i));
-  }
+  ARROW_ASSIGN_OR_RAISE(const auto bits, unsliced_validity(array));
+  const std::int64_t nulls = count_zeros(bits, array);
+  if (is_whole(array) && bitmap_covers(bits, array)) array.data->null_count.store(nulls);
   return nulls;
 }
 
-std::shared_ptr<::arrow::ChunkedArray> single_chunk(std::shared_ptr<::arrow::Array> array) {
-  const ::arrow::ArrayData& data = *array->data();
-  // Arrow takes a count that is there. It stays, as Arrow's own count does: another thread may be
-  // about to make a chunk of the same array.
-  if (arrow_would_read_past_bitmap(data)) data.null_count = count_nulls(data);
-  return std::make_shared<::arrow::ChunkedArray>(std::move(array));
-}
-
-::arrow::Status check_chunks(const ::arrow::ChunkedArray& column) {
+::arrow::Status check_chunks(const ColumnView& column) {
   std::int64_t rest = column.length();
-  for (int i = 0; i < column.num_chunks(); ++i) {
-    const auto& chunk = column.chunk(i);
-    if (chunk == nullptr) return messages::wrong_chunk(i, "no array", *column.type());
-    if (chunk->type() != column.type() && !chunk->type()->Equals(*column.type())) {
-      return messages::wrong_chunk(i, chunk->type()->name(), *column.type());
+  int i = 0;
+  for (const ArrayView& chunk : column.chunks()) {
+    if (chunk.data == nullptr) return messages::wrong_chunk(i, "no array", *column.type());
+    if (!is_laid_out_like(*chunk.data->type, *column.type())) {
+      return messages::wrong_chunk(i, chunk.data->type->ToString(), *column.type());
     }
-    if (!extent_is_valid(*chunk->data())) {
-      return messages::wrong_extent(chunk->offset(), chunk->length());
-    }
-    if (chunk->length() > rest) return messages::wrong_total(column.length());
-    rest -= chunk->length();
+    if (!extent_is_valid(chunk)) return messages::wrong_extent(chunk.offset, chunk.length);
+    if (chunk.length > rest) return messages::wrong_total(column.length());
+    rest -= chunk.length;
+    ++i;
   }
   if (rest != 0) return messages::wrong_total(column.length());
   return ::arrow::Status::OK();

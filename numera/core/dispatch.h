@@ -5,13 +5,13 @@
 
 #include <arrow/array/array_base.h>
 #include <arrow/buffer.h>
-#include <arrow/chunked_array.h>
 #include <arrow/result.h>
 
 #include <cstddef>
 #include <memory>
 #include <string>
 
+#include "numera/core/array_view.h"
 #include "numera/core/encoded_table.h"
 #include "numera/host/array.h"
 
@@ -35,7 +35,7 @@ struct EnvelopeFields {
 using NestedReader = ArrayResult (*)(const EnvelopeFields& envelope, int level);
 
 /// Every writer: all chunks of a column to its "Data".
-using Writer = ::arrow::Result<hxArrayPtr> (*)(const ::arrow::ChunkedArray& column);
+using Writer = ::arrow::Result<hxArrayPtr> (*)(const ColumnView& column);
 
 /// Element `index` of a struct array of encoded arrays that lies within `outer_levels` nested
 /// values (0: the entry).
@@ -53,10 +53,13 @@ ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int out
 /// Moves the four fields of a column into element `index` of a struct array that has them.
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column);
 
-/// The whole envelope of a column whose nesting is known to be within the limit.
-::arrow::Result<hxArrayPtr> column_to_numera(const ::arrow::ChunkedArray& column);
+/// The whole envelope of a column whose type and layout are known to be good.
+::arrow::Result<hxArrayPtr> column_to_numera(const ColumnView& column);
+
+/// Stores the whole envelope of an array into a field of element `index` of a struct array.
+::arrow::Status store_child(hxArray* data, size_t index, const char* field, const ArrayView& child);
 
 /// "Data" alone.
-::arrow::Result<hxArrayPtr> data_to_numera(const ::arrow::ChunkedArray& column);
+::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

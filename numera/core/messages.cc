@@ -90,9 +90,14 @@ std::string describe(const hxArray* value) {
                                   expected, ".");
 }
 
+::arrow::Status no_type() {
+  return ::arrow::Status::Invalid(
+      "Type: found a null pointer, expected a type, with the types of all its fields and values.");
+}
+
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column) {
-  return ::arrow::Status::Invalid("Chunk ", chunk, ": found ", found, ", expected ", column.name(),
-                                  ", the type of the column.");
+  return ::arrow::Status::Invalid("Chunk ", chunk, ": found ", found, ", expected ",
+                                  column.ToString(), ", the type of the column.");
 }
 
 ::arrow::Status no_schema() {

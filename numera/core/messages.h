@@ -54,6 +54,9 @@ namespace numera::io::arrow::core::messages {
 ::arrow::Status wrong_layout(const ::arrow::DataType& type, std::string_view found,
                              std::string_view expected);
 
+/// Invalid: no type where there must be one.
+::arrow::Status no_type();
+
 /// Invalid: a chunk that is missing or of another type than its column.
 ::arrow::Status wrong_chunk(int chunk, std::string_view found, const ::arrow::DataType& column);
 

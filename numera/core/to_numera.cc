@@ -12,15 +12,26 @@
 namespace numera::io::arrow::core {
 namespace {
 
-::arrow::Result<EncodedColumn> encode(const ::arrow::ChunkedArray& column) {
+::arrow::Result<EncodedColumn> encode(const ColumnView& column) {
   const ArrowTypeRow& row = arrow_type_row(column.type()->id());
   const std::u16string_view kind = row.kind;
   EncodedColumn encoded;
   ARROW_ASSIGN_OR_RAISE(encoded.data, data_to_numera(column));
   encoded.arrow_type = make_char_row(kind);
   encoded.type = make_char_row(row.encoded_name);
-  encoded.valid = validity_to_numera(column, kind == u"array");
+  ARROW_ASSIGN_OR_RAISE(encoded.valid, validity_to_numera(column, kind == u"array"));
   return encoded;
+}
+
+/// What every column from outside goes through.
+::arrow::Result<EncodedColumn> encode_checked(const ColumnView& column) {
+  ARROW_RETURN_NOT_OK(check_type(column.type().get()));
+  for (const ArrayView& chunk : column.chunks()) {
+    if (chunk.data == nullptr || chunk.data->type == column.type()) continue;
+    ARROW_RETURN_NOT_OK(check_type(chunk.data->type.get()));
+  }
+  ARROW_RETURN_NOT_OK(check_layout(column));
+  return encode(column);
 }
 
 hxArrayPtr envelope_of(EncodedColumn column) {
@@ -31,7 +42,7 @@ hxArrayPtr envelope_of(EncodedColumn column) {
 
 }  // namespace
 
-::arrow::Result<hxArrayPtr> data_to_numera(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column) {
   const Writer writer = arrow_type_row(column.type()->id()).writer;
   if (writer == nullptr) {
     return ::arrow::Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
@@ -52,21 +63,27 @@ void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
   if (column == nullptr) {
     return ::arrow::Status::Invalid("Received null pointer in arrow::Column conversion");
   }
-  ARROW_RETURN_NOT_OK(check_nesting(*column->type()));
-  ARROW_RETURN_NOT_OK(check_layout(*column));
-  return encode(*column);
+  return encode_checked(ColumnView(*column));
 }
 
-::arrow::Result<hxArrayPtr> column_to_numera(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> column_to_numera(const ColumnView& column) {
   ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, encode(column));
   return envelope_of(std::move(encoded));
+}
+
+::arrow::Status store_child(hxArray* data, size_t index, const char* field,
+                            const ArrayView& child) {
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr envelope, column_to_numera(ColumnView(child)));
+  hxSetField(data, index, field, std::move(envelope));
+  return ::arrow::Status::OK();
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Array> array) {
   if (array == nullptr) {
     return ::arrow::Status::Invalid("Received null pointer in arrow::Array conversion");
   }
-  return to_numera(single_chunk(std::move(array)));
+  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, encode_checked(ColumnView(ArrayView(*array))));
+  return envelope_of(std::move(encoded));
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::ChunkedArray> column) {

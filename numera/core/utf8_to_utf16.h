@@ -5,8 +5,8 @@
 
 namespace numera::io::arrow::core {
 
-/// UTF-8 to UTF-16 by the host's strict codec. One codec serves the whole process; it is made on
-/// first use and only read afterwards, so any number of threads may convert. Throws `hxCodecError`.
+/// UTF-8 to UTF-16 by the host's strict codec, the one of `hxUTF8Decoder`. Any number of threads
+/// may convert. Throws `hxCodecError`.
 std::u16string Utf8ToUtf16(std::string_view utf8);
 
 }  // namespace numera::io::arrow::core

@@ -16,6 +16,13 @@
 #include "numera/host/array.h"
 #include "numera/host/text_codec.h"
 
+/// The codec that reads the library's UTF-8: one per shared object that calls this (its body stands
+/// in this header), made on first use and only read afterwards, by any number of threads.
+inline const hxUTF8ToUTF16& hxUTF8Decoder() {
+  static const hxUTF8ToUTF16 codec("UTF-8");
+  return codec;
+}
+
 /// The elements of a string array. A new one holds empty texts. Operations with an index throw
 /// `std::out_of_range` where there is no such element; those that store throw `std::bad_alloc`.
 class NUMERA_EXPORT hxStringArray {
@@ -59,7 +66,6 @@ class NUMERA_EXPORT hxStringArray {
   template <class Offset>
   std::optional<size_t> assign_one_by_one(size_t first, std::span<const Offset> offsets,
                                           const std::uint8_t* bytes) {
-    const hxUTF8ToUTF16 codec("UTF-8");
     for (size_t k = 0; k + 1 < offsets.size(); ++k) {
       const auto begin = static_cast<size_t>(offsets[k]);
       const auto end = static_cast<size_t>(offsets[k + 1]);
@@ -68,7 +74,7 @@ class NUMERA_EXPORT hxStringArray {
               ? std::string_view()
               : std::string_view(reinterpret_cast<const char*>(bytes) + begin, end - begin);
       try {
-        set(first + k, codec.convert(text));
+        set(first + k, hxUTF8Decoder().convert(text));
       } catch (const std::logic_error&) {
         throw;  // a range outside of the array is no fault of the text
       } catch (...) {

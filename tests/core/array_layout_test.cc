@@ -98,7 +98,7 @@ TEST(ArrayLayout, RefusesMapsWhoseEntriesOrKeysMayBeNull) {
   EXPECT_EQ(StatusOf(map, "[[[1, 2]]]",
                      [](ArrayData& data) {
                        data.child_data[0] = data.child_data[0]->Copy();
-                       data.child_data[0]->null_count = ::arrow::kUnknownNullCount;
+                       data.child_data[0]->null_count = 1;
                      }),
             Refused("map", "entries that may be null, expected none."));
   EXPECT_EQ(StatusOf(map, "[[[1, 2]]]",

@@ -200,13 +200,13 @@ TypePtr lists_of(TypePtr type, int levels) {
   return type;
 }
 
-TEST(CheckNesting, DoesNotCountADictionaryOfTexts) {
+TEST(CheckType, DoesNotCountADictionaryOfTexts) {
   const TypePtr categories = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8());
-  EXPECT_TRUE(check_nesting(*lists_of(categories, 1024)).ok());
-  EXPECT_TRUE(check_nesting(*lists_of(categories, 1025)).IsInvalid());
+  EXPECT_TRUE(check_type(lists_of(categories, 1024).get()).ok());
+  EXPECT_TRUE(check_type(lists_of(categories, 1025).get()).IsInvalid());
 }
 
-TEST(CheckNesting, LooksIntoTheValuesOfADictionary) {
+TEST(CheckType, LooksIntoTheValuesOfADictionary) {
   const Status too_deep =
       Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024.");
   TypePtr dictionaries = ::arrow::utf8();
@@ -214,7 +214,7 @@ TEST(CheckNesting, LooksIntoTheValuesOfADictionary) {
     dictionaries = ::arrow::dictionary(::arrow::int8(), dictionaries);
   const TypePtr lists = ::arrow::dictionary(::arrow::int8(), lists_of(::arrow::int8(), 10'000));
   for (const TypePtr& type : {dictionaries, lists}) {
-    EXPECT_EQ(check_nesting(*type), too_deep);
+    EXPECT_EQ(check_type(type.get()), too_deep);
     EXPECT_EQ(to_numera(ArrowChunks(type, {})).status(), too_deep);
   }
 }

@@ -90,6 +90,23 @@ TEST(ToNumeraDatatype, NamesNestedTypesWhoseChildrenAllHaveNames) {
   for (const auto& [type, name] : cases) EXPECT_EQ(to_numera_datatype(type), name) << *type;
 }
 
+TEST(ToNumeraDatatype, HasNoNameForTypesThatLackATypeWithin) {
+  const TypePtr none;
+  const TypePtr types[] = {::arrow::list(none),
+                           ::arrow::large_list(none),
+                           ::arrow::list(::arrow::list(none)),
+                           ::arrow::list(std::shared_ptr<::arrow::Field>()),
+                           ::arrow::struct_({field("a", none)}),
+                           ::arrow::struct_({field("a", ::arrow::int8()), field("b", none)}),
+                           ::arrow::map(::arrow::utf8(), none),
+                           ::arrow::map(none, ::arrow::utf8()),
+                           ::arrow::fixed_size_list(none, 2),
+                           ::arrow::dictionary(::arrow::int8(), none)};
+  for (size_t i = 0; i < std::size(types); ++i) {
+    EXPECT_EQ(to_numera_datatype(types[i]), std::nullopt) << "type " << i;
+  }
+}
+
 TEST(ToNumeraDatatype, NamesWhatConvertsAndNothingDeeper) {
   TypePtr type = ::arrow::int8();
   for (int i = 0; i < 1024; ++i) type = ::arrow::list(type);

@@ -1,5 +1,6 @@
 // A host whose string arrays set one element after another: what fails inside an element comes as
-// the message of that row, what fails around the elements as the exception itself.
+// the message of that row, what fails before the first element is made up for, and what fails
+// around the elements comes as the exception itself.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,15 +35,15 @@ class TextsOneByOne : public ::testing::TestWithParam<std::shared_ptr<::arrow::D
 };
 
 /// What comes of a column whose next call but `site` fails, with the name of the call; empty where
-/// the conversion goes through.
+/// there is no such call.
 std::string outcome_of(const Chunks& column, size_t site) {
   Reset();
   FailCall(site, std::make_exception_ptr(Fault()));
   std::string outcome = "exception";
   try {
     const auto converted = to_numera(column);
-    if (converted.ok()) return "";
-    outcome = converted.status().message();
+    if (converted.ok() && !HasFailed()) return "";
+    outcome = converted.ok() ? "made up for" : converted.status().message();
   } catch (const Fault&) {
   }
   return std::string(FailedCall()) + ": " + outcome;
@@ -50,6 +51,7 @@ std::string outcome_of(const Chunks& column, size_t site) {
 
 TEST_P(TextsOneByOne, FailByRowInsideAnElementAndByExceptionElsewhere) {
   const Chunks column = ArrowChunks(GetParam(), {R"(["a", "é"])", R"(["b"])"});
+  ASSERT_TRUE(to_numera(column).ok());  // makes the codec of the process
   std::vector<std::string> outcomes;
   for (size_t site = 0;; ++site) {
     std::string outcome = outcome_of(column, site);
@@ -64,17 +66,15 @@ TEST_P(TextsOneByOne, FailByRowInsideAnElementAndByExceptionElsewhere) {
 
   const std::string row_0 = "Could not convert string in row 0 to UTF-16 string.\n";
   const std::string row_1 = "Could not convert string in row 1 to UTF-16 string.\n";
-  EXPECT_THAT(outcomes, ::testing::ElementsAre("hxMakeStringArray: exception",          //
-                                               "hxStringArray::assign_utf8: " + row_0,  //
-                                               "hxUTF8ToUTF16: " + row_0,               //
-                                               "hxUTF8ToUTF16::convert: " + row_0,      //
-                                               "hxStringArray::set: " + row_0,          //
-                                               "hxUTF8ToUTF16::convert: " + row_1,      //
-                                               "hxStringArray::set: " + row_1,          //
-                                               "hxStringArray::assign_utf8: " + row_0,  //
-                                               "hxUTF8ToUTF16: " + row_0,               //
-                                               "hxUTF8ToUTF16::convert: " + row_0,      //
-                                               "hxStringArray::set: " + row_0,          //
+  EXPECT_THAT(outcomes, ::testing::ElementsAre("hxMakeStringArray: exception",             //
+                                               "hxStringArray::assign_utf8: made up for",  //
+                                               "hxUTF8ToUTF16::convert: " + row_0,         //
+                                               "hxStringArray::set: " + row_0,             //
+                                               "hxUTF8ToUTF16::convert: " + row_1,         //
+                                               "hxStringArray::set: " + row_1,             //
+                                               "hxStringArray::assign_utf8: made up for",  //
+                                               "hxUTF8ToUTF16::convert: " + row_0,         //
+                                               "hxStringArray::set: " + row_0,             //
                                                "hxCreateStringArrayFrom: exception"));
   Reset();
   EXPECT_TRUE(to_numera(column).ok());

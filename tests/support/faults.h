@@ -23,8 +23,8 @@ struct FaultSites {
 /// interrupts of this thread, where each time an exception of another kind is thrown.
 ///
 /// Expects of every failed run that
-/// - the very exception comes out, or, where texts are handed to a string array, the status of a
-///   text that could not be converted;
+/// - the very exception comes out; only where texts are handed to a string array at once, the
+///   conversion goes on without that;
 /// - neither host arrays nor Arrow memory stay behind;
 /// - `input`, which tells all of the conversion's input as text, is what it was;
 /// - the next run, undisturbed, succeeds, with a `result` as before: that converts, too, and tells

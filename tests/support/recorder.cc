@@ -79,7 +79,7 @@ struct Record {
 
 std::mutex record_mutex;
 Record record;
-thread_local std::string_view last_throwing_call;
+std::atomic<bool> texts_at_once_threw = false;
 std::atomic<bool> texts_at_once = true;
 std::atomic<bool> unpaired_replaced = false;
 
@@ -133,9 +133,14 @@ class RecordingStringArray final : public hxStringArray {
   template <class Offset>
   std::optional<size_t> assign(size_t first, std::span<const Offset> offsets,
                                const std::uint8_t* bytes) {
-    note_throwing("hxStringArray::assign_utf8");
-    return at_once_ ? inner_->assign_utf8(first, offsets, bytes)
-                    : hxStringArray::assign_utf8(first, offsets, bytes);
+    try {
+      note_throwing("hxStringArray::assign_utf8");
+      return at_once_ ? inner_->assign_utf8(first, offsets, bytes)
+                      : hxStringArray::assign_utf8(first, offsets, bytes);
+    } catch (...) {
+      texts_at_once_threw = true;
+      throw;
+    }
   }
 
   std::unique_ptr<hxStringArray> inner_;
@@ -147,7 +152,7 @@ class RecordingStringArray final : public hxStringArray {
 void Reset() {
   const std::lock_guard lock(record_mutex);
   record = Record();
-  last_throwing_call = {};
+  texts_at_once_threw = false;
 }
 
 size_t Calls(std::string_view operation) {
@@ -180,7 +185,7 @@ std::string_view FailedCall() {
   return record.failed_call;
 }
 
-std::string_view LastThrowingCall() { return last_throwing_call; }
+bool TextsAtOnceThrew() { return texts_at_once_threw; }
 
 void TakeTextsAtOnce(bool at_once) { texts_at_once = at_once; }
 
@@ -208,7 +213,6 @@ void note(const char* operation) noexcept {
 
 void note_throwing(const char* operation) {
   note(operation);
-  last_throwing_call = operation;
   const std::lock_guard lock(record_mutex);
   ++record.throwing_calls;
   if (!record.calls_until_failure) return;

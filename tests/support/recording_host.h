@@ -58,9 +58,8 @@ bool HasFailed();
 /// The operation that threw it; empty where none has.
 std::string_view FailedCall();
 
-/// Of the operations that may throw the one that this thread called last; empty where it has called
-/// none.
-std::string_view LastThrowingCall();
+/// Whether a call of `hxStringArray::assign_utf8` has thrown since the last `Reset`.
+bool TextsAtOnceThrew();
 
 /// Whether string arrays that are made from here on, by any thread, take texts at once (as they do
 /// at first) or, like those of a host that cannot, set one element after another.

@@ -33,15 +33,15 @@ ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 }
 
 template <class ArrowArray>
-::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ColumnView& column) {
   using Offset = typename ArrowArray::offset_type;
-  for (const auto& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(check_offsets_fit(*chunk->data(), sizeof(Offset)));
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(check_offsets_fit(chunk, sizeof(Offset)));
   }
   hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
-  for (const auto& chunk : column.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto values, variable_width_values<Offset>(*chunk->data()));
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto values, variable_width_values<Offset>(chunk));
     for (size_t i = 0; i + 1 < values.offsets.size(); ++i) {
       const auto begin = static_cast<size_t>(values.offsets[i]);
       const auto end = static_cast<size_t>(values.offsets[i + 1]);
@@ -51,23 +51,22 @@ template <class ArrowArray>
   return cell;
 }
 
-template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::BinaryArray>(
-    const ::arrow::ChunkedArray&);
+template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::BinaryArray>(const ColumnView&);
 template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::LargeBinaryArray>(
-    const ::arrow::ChunkedArray&);
+    const ColumnView&);
 
-::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ColumnView& column) {
   const auto& type =
       ::arrow::internal::checked_cast<const ::arrow::FixedSizeBinaryType&>(*column.type());
-  for (const auto& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(fixed_width_values(*chunk->data(), type.byte_width()));
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(fixed_width_values(chunk, type.byte_width()));
   }
   const auto width = static_cast<size_t>(type.byte_width());
   hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
-  for (const auto& chunk : column.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(*chunk->data(), type.byte_width()));
-    const auto count = static_cast<size_t>(chunk->length());
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, type.byte_width()));
+    const auto count = static_cast<size_t>(chunk.length);
     for (size_t i = 0; i < count; ++i) {
       hxSetCell(cell.get(), slot++, make_byte_column(bytes.subspan(i * width, width)));
     }

@@ -5,7 +5,6 @@
 /// values_and_offsets.h); towards the host they become an N-by-1 cell of uint8 columns. Arrays of
 /// a fixed width go to the host only.
 
-#include <arrow/chunked_array.h>
 #include <arrow/result.h>
 
 #include <memory>
@@ -25,10 +24,10 @@ ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 /// offsets span. Invalid where offsets fall or leave their buffers. `ArrowArray` is
 /// `::arrow::BinaryArray` or `::arrow::LargeBinaryArray`. One host array an element.
 template <class ArrowArray>
-::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ::arrow::ChunkedArray& column);
+::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ColumnView& column);
 
 /// The same for elements that are all as long as the type is wide, which may be 0 bytes. Invalid
 /// where a chunk's buffer ends early.
-::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ::arrow::ChunkedArray& column);
+::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

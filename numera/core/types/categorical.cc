@@ -36,12 +36,11 @@ const ::arrow::DictionaryType& as_dictionary_type(const ::arrow::DataType& type)
   return *static_cast<const std::uint8_t*>(hxGetData(ordinal)) != 0;
 }
 
-/// The dictionary of a chunk, fit for Arrow to read: Arrow trusts its offsets and counts its nulls
-/// by a bitmap that it trusts to be long enough.
-template <class ArrowArray>
+/// The dictionary of a chunk, whose offsets Arrow may trust. Its nulls are not counted.
+template <class Offset>
 ::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
-    const ::arrow::Array& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {
-  const auto& dictionary = chunk.data()->dictionary;
+    const ArrayView& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {
+  const auto& dictionary = chunk.data->dictionary;
   if (dictionary == nullptr) return messages::wrong_dictionary("none", *value_type);
   if (dictionary->type == nullptr) {
     return messages::wrong_dictionary("an array without a type", *value_type);
@@ -52,19 +51,16 @@ template <class ArrowArray>
   if (dictionary->buffers.size() != 3) {
     return messages::wrong_dictionary("an array without its buffers", *value_type);
   }
-  ARROW_RETURN_NOT_OK(
-      variable_width_values<typename ArrowArray::offset_type>(*dictionary).status());
-  auto counted = dictionary->Copy();
-  counted->null_count = count_nulls(*dictionary);
-  return ::arrow::MakeArray(counted);
+  ARROW_RETURN_NOT_OK(variable_width_values<Offset>(*dictionary).status());
+  return ::arrow::MakeArray(dictionary->Copy());
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
-    const ::arrow::Array& chunk, const ::arrow::DataType& dict_type) {
+    const ArrayView& chunk, const ::arrow::DataType& dict_type) {
   const auto& value_type = as_dictionary_type(dict_type).value_type();
   return value_type->id() == Type::LARGE_STRING
-             ? readable_dictionary<::arrow::LargeStringArray>(chunk, value_type)
-             : readable_dictionary<::arrow::StringArray>(chunk, value_type);
+             ? readable_dictionary<std::int64_t>(chunk, value_type)
+             : readable_dictionary<std::int32_t>(chunk, value_type);
 }
 
 ::arrow::Result<SingleDictionary> empty_dictionary(
@@ -104,22 +100,22 @@ ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buf
 }
 
 ::arrow::Result<SingleDictionary> UnifyDictionaryChunks(
-    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType) {
+    const ColumnView& column, const std::shared_ptr<::arrow::DataType>& dictType) {
   ::arrow::MemoryPool* const pool = ::arrow::default_memory_pool();
   ARROW_ASSIGN_OR_RAISE(auto unifier, ::arrow::DictionaryUnifier::Make(
                                           as_dictionary_type(*dictType).value_type(), pool));
   std::vector<std::shared_ptr<::arrow::Buffer>> maps;
-  for (const auto& chunk : column.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto dictionary, readable_dictionary(*chunk, *dictType));
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto dictionary, readable_dictionary(chunk, *dictType));
+    ARROW_ASSIGN_OR_RAISE(dictionary->data()->null_count, count_nulls(*chunk.data->dictionary));
     ARROW_RETURN_NOT_OK(unifier->Unify(*dictionary, &maps.emplace_back()));
   }
   SingleDictionary single;
   ARROW_RETURN_NOT_OK(unifier->GetResult(&single.type, &single.dictionary));
   ::arrow::ArrayVector indices;
-  for (int i = 0; i < column.num_chunks(); ++i) {
-    const auto& chunk = checked_cast<const ::arrow::DictionaryArray&>(*column.chunk(i));
-    ARROW_ASSIGN_OR_RAISE(const auto codes, codes_within_dictionary(chunk));
-    ARROW_ASSIGN_OR_RAISE(const auto map, nonempty_map(maps[static_cast<size_t>(i)]));
+  for (size_t i = 0; i < maps.size(); ++i) {
+    ARROW_ASSIGN_OR_RAISE(const auto codes, codes_within_dictionary(column.chunks()[i]));
+    ARROW_ASSIGN_OR_RAISE(const auto map, nonempty_map(maps[i]));
     ARROW_ASSIGN_OR_RAISE(
         const auto transposed,
         codes->Transpose(single.type, single.dictionary, map->data_as<std::int32_t>(), pool));
@@ -130,15 +126,20 @@ ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buf
 }
 
 ::arrow::Result<SingleDictionary> DictionaryChunksToSingle(
-    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType) {
-  if (column.num_chunks() == 0) return empty_dictionary(dictType);
-  if (column.num_chunks() > 1) return UnifyDictionaryChunks(column, dictType);
-  const auto& chunk = checked_cast<const ::arrow::DictionaryArray&>(*column.chunk(0));
+    const ColumnView& column, const std::shared_ptr<::arrow::DataType>& dictType) {
+  if (column.chunks().empty()) return empty_dictionary(dictType);
+  if (column.chunks().size() > 1) return UnifyDictionaryChunks(column, dictType);
+  const ArrayView& chunk = column.chunks()[0];
   ARROW_ASSIGN_OR_RAISE(auto dictionary, readable_dictionary(chunk, *dictType));
-  return SingleDictionary{std::move(dictionary), single_chunk(chunk.indices()), dictType};
+  ARROW_ASSIGN_OR_RAISE(const auto codes, copy_of_codes(chunk));
+  codes->type = as_dictionary_type(*dictType).index_type();
+  codes->dictionary = nullptr;
+  return SingleDictionary{std::move(dictionary),
+                          std::make_shared<::arrow::ChunkedArray>(::arrow::MakeArray(codes)),
+                          dictType};
 }
 
-::arrow::Result<hxArrayPtr> DictionaryToHost(const ::arrow::ChunkedArray& column) {
+::arrow::Result<hxArrayPtr> DictionaryToHost(const ColumnView& column) {
   const auto& value_type = as_dictionary_type(*column.type()).value_type();
   if (value_type->id() != Type::STRING && value_type->id() != Type::LARGE_STRING) {
     return ::arrow::Status::Invalid("Invalid dictionary value type: ", value_type->ToString());

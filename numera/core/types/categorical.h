@@ -43,13 +43,13 @@ struct SingleDictionary {
 
 /// All chunks to the struct. Invalid "Invalid dictionary value type: T" where the values are
 /// neither utf8 nor large utf8; else what the merge and the converters of texts and numbers report.
-::arrow::Result<hxArrayPtr> DictionaryToHost(const ::arrow::ChunkedArray& column);
+::arrow::Result<hxArrayPtr> DictionaryToHost(const ColumnView& column);
 
 /// No chunk: an empty dictionary. One chunk: its own dictionary and codes, and `dictType`. More:
 /// `UnifyDictionaryChunks`. Invalid where a chunk's dictionary is missing or not of the value type
 /// of `dictType`.
 ::arrow::Result<SingleDictionary> DictionaryChunksToSingle(
-    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType);
+    const ColumnView& column, const std::shared_ptr<::arrow::DataType>& dictType);
 
 /// The values of all dictionaries in order of their first appearance, and all codes as indexes into
 /// these. The type is Arrow's choice: the smallest signed index type that fits, never ordered.
@@ -58,6 +58,6 @@ struct SingleDictionary {
 /// a code counts as 0. Dictionaries that hold nulls are refused by Arrow: Invalid "Cannot yet unify
 /// dictionaries with nulls".
 ::arrow::Result<SingleDictionary> UnifyDictionaryChunks(
-    const ::arrow::ChunkedArray& column, const std::shared_ptr<::arrow::DataType>& dictType);
+    const ColumnView& column, const std::shared_ptr<::arrow::DataType>& dictType);
 
 }  // namespace numera::io::arrow::core

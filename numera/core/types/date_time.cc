@@ -54,7 +54,7 @@ std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> ty
 }
 
 /// Dates and times by the width of their type.
-::arrow::Result<hxArrayPtr> counts_to_numera(const ::arrow::ChunkedArray& chunks, bool wide) {
+::arrow::Result<hxArrayPtr> counts_to_numera(const ColumnView& chunks, bool wide) {
   return wide ? numeric_to_numera<std::int64_t>(chunks) : numeric_to_numera<std::int32_t>(chunks);
 }
 
@@ -93,7 +93,7 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   return make_times<::arrow::Time64Type>(std::move(type), values, std::move(validity));
 }
 
-::arrow::Result<hxArrayPtr> date_to_numera(const ::arrow::ChunkedArray& chunks) {
+::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks) {
   hxArrayPtr date = make_struct(1, {"Values", "DateType"});
   hxSetField(date.get(), 0, "DateType", make_char_row(u"Date"));
   const bool wide = chunks.type()->id() == ::arrow::Type::DATE64;
@@ -102,7 +102,7 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   return date;
 }
 
-::arrow::Result<hxArrayPtr> time_to_numera(const ::arrow::ChunkedArray& chunks) {
+::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks) {
   hxArrayPtr time = make_struct(1, {"Values", "Units"});
   const bool wide = chunks.type()->id() == ::arrow::Type::TIME64;
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));

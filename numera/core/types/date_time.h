@@ -31,9 +31,9 @@ hxArrayPtr time_unit_name(::arrow::TimeUnit::type unit);
 ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Dates to the date struct; an int32 column for date32, int64 for date64.
-::arrow::Result<hxArrayPtr> date_to_numera(const ::arrow::ChunkedArray& chunks);
+::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks);
 
 /// Times of day to the time-of-day struct; an int32 column for time32, int64 for time64.
-::arrow::Result<hxArrayPtr> time_to_numera(const ::arrow::ChunkedArray& chunks);
+::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

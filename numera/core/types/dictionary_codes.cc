@@ -1,6 +1,5 @@
 #include "numera/core/types/dictionary_codes.h"
 
-#include <arrow/array/data.h>
 #include <arrow/type.h>
 #include <arrow/util/bit_util.h>
 
@@ -77,9 +76,9 @@ bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
 
 /// A copy without an offset: its codes within the dictionary, its bitmap as long as the codes.
 template <class Code>
-ArrayDataResult rebuild(const ArrayData& chunk, Codes<Code> codes) {
-  const std::int64_t dictionary_length = chunk.dictionary->length;
-  const auto bits = unsliced_validity(chunk);
+ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes,
+                        std::span<const std::uint8_t> bits) {
+  const std::int64_t dictionary_length = chunk.data->dictionary->length;
   const auto is_valid = [&](size_t i) {
     const size_t bit = static_cast<size_t>(chunk.offset) + i;
     return bit / 8 >= bits.size() || ::arrow::bit_util::GetBit(bits.data(), bit);
@@ -102,26 +101,34 @@ ArrayDataResult rebuild(const ArrayData& chunk, Codes<Code> codes) {
     nulls += !valid;
     std::memcpy(values->mutable_data() + i * sizeof(Code), &code, sizeof(Code));
   }
-  auto rebuilt = ArrayData::Make(chunk.type, chunk.length, {bitmap, values}, nulls);
-  rebuilt->dictionary = chunk.dictionary;
+  auto rebuilt = ArrayData::Make(chunk.data->type, chunk.length, {bitmap, values}, nulls);
+  rebuilt->dictionary = chunk.data->dictionary;
   return rebuilt;
 }
 
 template <class Code>
-ArrayDataResult within_dictionary(const ArrayData& chunk) {
+ArrayDataResult within_dictionary(const ArrayView& chunk) {
   ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, sizeof(Code)));
   const Codes<Code> codes(bytes);
-  const auto bits = unsliced_validity(chunk);
-  const bool covered = bits.empty() || bitmap_bytes(chunk.offset + chunk.length) <=
-                                           static_cast<std::int64_t>(bits.size());
-  if (!covered || !are_within(codes, chunk.dictionary->length)) return rebuild(chunk, codes);
-  auto same = chunk.Copy();
+  ARROW_ASSIGN_OR_RAISE(auto same, copy_of_codes(chunk));
+  std::span<const std::uint8_t> bits;
+  if (same->null_count != 0) {
+    ARROW_ASSIGN_OR_RAISE(bits, unsliced_validity(chunk));
+  }
+  const bool covered =
+      bits.empty() || std::cmp_less_equal(bitmap_bytes(chunk.offset + chunk.length), bits.size());
+  if (!covered || !are_within(codes, chunk.data->dictionary->length)) {
+    return rebuild(chunk, codes, bits);
+  }
   // Where there may be nulls Arrow reads the bitmap without asking whether there is one.
-  same->null_count = bits.empty() ? 0 : count_nulls(chunk);
+  if (bits.empty()) {
+    same->buffers[0] = nullptr;
+    same->null_count = 0;
+  }
   return same;
 }
 
-ArrayDataResult within_dictionary(const ArrayData& chunk, ::arrow::Type::type index_type) {
+ArrayDataResult within_dictionary(const ArrayView& chunk, ::arrow::Type::type index_type) {
   switch (index_type) {
     case ::arrow::Type::INT8:
       return within_dictionary<std::int8_t>(chunk);
@@ -145,10 +152,20 @@ ArrayDataResult within_dictionary(const ArrayData& chunk, ::arrow::Type::type in
 
 }  // namespace
 
+ArrayDataResult copy_of_codes(const ArrayView& chunk) {
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t nulls, count_nulls(chunk));
+  auto copy = chunk.data->Copy();
+  copy->offset = chunk.offset;
+  copy->length = chunk.length;
+  copy->null_count = nulls;
+  copy->buffers.resize(2);
+  return copy;
+}
+
 ::arrow::Result<std::shared_ptr<::arrow::DictionaryArray>> codes_within_dictionary(
-    const ::arrow::DictionaryArray& chunk) {
-  ARROW_ASSIGN_OR_RAISE(const auto data,
-                        within_dictionary(*chunk.data(), chunk.dict_type()->index_type()->id()));
+    const ArrayView& chunk) {
+  const auto& type = static_cast<const ::arrow::DictionaryType&>(*chunk.data->type);
+  ARROW_ASSIGN_OR_RAISE(const auto data, within_dictionary(chunk, type.index_type()->id()));
   return std::make_shared<::arrow::DictionaryArray>(data);
 }
 

@@ -25,23 +25,6 @@ namespace {
   return ::arrow::Status::OK();
 }
 
-template <class ListArray>
-::arrow::Result<hxArrayPtr> write_lists(const ::arrow::ChunkedArray& chunked) {
-  hxArrayPtr data =
-      make_struct(static_cast<size_t>(chunked.num_chunks()), {"Values", "StartOffsets"});
-  size_t c = 0;
-  for (const auto& chunk : chunked.chunks()) {
-    const auto& lists = static_cast<const ListArray&>(*chunk);
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr values, column_to_numera(*single_chunk(lists.values())));
-    hxSetField(data.get(), c, "Values", std::move(values));
-    using Offset = typename ListArray::offset_type;
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr offsets, start_offsets_to_numera<Offset>(*lists.data()));
-    hxSetField(data.get(), c, "StartOffsets", std::move(offsets));
-    ++c;
-  }
-  return data;
-}
-
 }  // namespace
 
 ArrayResult ListToArrow(const EnvelopeFields& envelope, int level) {
@@ -57,23 +40,29 @@ ArrayResult ListToArrow(const EnvelopeFields& envelope, int level) {
       ::arrow::kUnknownNullCount, 0);
 }
 
-::arrow::Result<hxArrayPtr> ListToHost(const ::arrow::ChunkedArray& chunked) {
-  return chunked.type()->id() == ::arrow::Type::LARGE_LIST
-             ? write_lists<::arrow::LargeListArray>(chunked)
-             : write_lists<::arrow::ListArray>(chunked);
+::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked) {
+  const bool wide = chunked.type()->id() == ::arrow::Type::LARGE_LIST;
+  hxArrayPtr data = make_struct(chunked.chunks().size(), {"Values", "StartOffsets"});
+  size_t c = 0;
+  for (const ArrayView& chunk : chunked.chunks()) {
+    ARROW_RETURN_NOT_OK(store_child(data.get(), c, "Values", chunk.whole_child(0)));
+    ARROW_RETURN_NOT_OK(wide ? store_start_offsets<std::int64_t>(data.get(), c, chunk)
+                             : store_start_offsets<std::int32_t>(data.get(), c, chunk));
+    ++c;
+  }
+  return data;
 }
 
 template <class Offset>
-::arrow::Result<hxArrayPtr> start_offsets_to_numera(const ::arrow::ArrayData& chunk) {
+::arrow::Status store_start_offsets(hxArray* data, size_t index, const ArrayView& chunk) {
   ARROW_ASSIGN_OR_RAISE(const auto bytes, stored_offsets(chunk, sizeof(Offset)));
   hxArrayPtr offsets = make_column(kNumericClass<Offset>, bytes.size() / sizeof(Offset));
   std::memcpy(elements<Offset>(offsets), bytes.data(), bytes.size());
-  return offsets;
+  hxSetField(data, index, "StartOffsets", std::move(offsets));
+  return ::arrow::Status::OK();
 }
 
-template ::arrow::Result<hxArrayPtr> start_offsets_to_numera<std::int32_t>(
-    const ::arrow::ArrayData&);
-template ::arrow::Result<hxArrayPtr> start_offsets_to_numera<std::int64_t>(
-    const ::arrow::ArrayData&);
+template ::arrow::Status store_start_offsets<std::int32_t>(hxArray*, size_t, const ArrayView&);
+template ::arrow::Status store_start_offsets<std::int64_t>(hxArray*, size_t, const ArrayView&);
 
 }  // namespace numera::io::arrow::core

@@ -9,9 +9,9 @@
 /// slice carries its whole child. uint64 is read, int64 (large lists) or int32 is written; only the
 /// first chunk is read.
 
-#include <arrow/array/data.h>
+#include <arrow/status.h>
 
-#include <cstdint>
+#include <cstddef>
 
 #include "numera/core/dispatch.h"
 #include "numera/host/array.h"
@@ -23,10 +23,11 @@ namespace numera::io::arrow::core {
 ArrayResult ListToArrow(const EnvelopeFields& envelope, int level);
 
 /// Lists or large lists to their "Data".
-::arrow::Result<hxArrayPtr> ListToHost(const ::arrow::ChunkedArray& chunked);
+::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked);
 
-/// The offsets of a chunk as stored, length + 1 of them, as a column of `kNumericClass<Offset>`.
+/// Stores "StartOffsets" of element `index`: the offsets of a chunk as stored, length + 1 of them,
+/// as a column of `kNumericClass<Offset>`.
 template <class Offset>
-::arrow::Result<hxArrayPtr> start_offsets_to_numera(const ::arrow::ArrayData& chunk);
+::arrow::Status store_start_offsets(hxArray* data, size_t index, const ArrayView& chunk);
 
 }  // namespace numera::io::arrow::core

@@ -13,6 +13,6 @@
 namespace numera::io::arrow::core {
 
 /// Maps to their "Data".
-::arrow::Result<hxArrayPtr> MapToHost(const ::arrow::ChunkedArray& chunked);
+::arrow::Result<hxArrayPtr> MapToHost(const ColumnView& chunked);
 
 }  // namespace numera::io::arrow::core

@@ -100,21 +100,21 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
 }
 
 template <class T>
-::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray& chunks,
-                                                 std::span<T> destination, std::int64_t start) {
-  for (const auto& chunk : chunks.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(*chunk->data(), sizeof(T)));
+::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView& chunks, std::span<T> destination,
+                                                 std::int64_t start) {
+  for (const ArrayView& chunk : chunks.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, sizeof(T)));
     const auto target = destination.subspan(static_cast<size_t>(start));
     if (!bytes.empty()) std::memcpy(target.data(), bytes.data(), bytes.size());
-    start += chunk->length();
+    start += chunk.length;
   }
   return start;
 }
 
 template <class T>
-::arrow::Result<hxArrayPtr> numeric_to_numera(const ::arrow::ChunkedArray& chunks) {
-  for (const auto& chunk : chunks.chunks()) {
-    ARROW_RETURN_NOT_OK(fixed_width_values(*chunk->data(), sizeof(T)));
+::arrow::Result<hxArrayPtr> numeric_to_numera(const ColumnView& chunks) {
+  for (const ArrayView& chunk : chunks.chunks()) {
+    ARROW_RETURN_NOT_OK(fixed_width_values(chunk, sizeof(T)));
   }
   const auto length = static_cast<size_t>(chunks.length());
   hxArrayPtr column = make_column(kNumericClass<T>, length);
@@ -122,43 +122,45 @@ template <class T>
   return column;
 }
 
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
-                                                          std::span<double>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
-                                                          std::span<float>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
-                                                          std::span<std::int8_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&, std::span<double>,
+                                                          std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&, std::span<float>,
+                                                          std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&, std::span<std::int8_t>,
+                                                          std::int64_t);
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::uint8_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::int16_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::uint16_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::int32_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::uint32_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::int64_t>, std::int64_t);
-template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray&,
+template ::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView&,
                                                           std::span<std::uint64_t>, std::int64_t);
 
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<double>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<float>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int8_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint8_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int16_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint16_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int32_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint32_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int64_t>(const ::arrow::ChunkedArray&);
-template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint64_t>(const ::arrow::ChunkedArray&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<double>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<float>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int8_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint8_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int16_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint16_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int32_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint32_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::int64_t>(const ColumnView&);
+template ::arrow::Result<hxArrayPtr> numeric_to_numera<std::uint64_t>(const ColumnView&);
 
-::arrow::Result<hxArrayPtr> logical_to_numera(const ::arrow::ChunkedArray& chunks) {
+::arrow::Result<hxArrayPtr> logical_to_numera(const ColumnView& chunks) {
   hxArrayPtr packed = make_bitmap_envelopes(1);
   BitmapWriter writer = store_bitmap(packed.get(), 0, chunks.length(), BitFill::Zeros);
-  for (const auto& chunk : chunks.chunks()) {
-    writer.append(unsliced_bits(*chunk->data()), chunk->length());
+  if (chunks.length() == 0) return packed;
+  for (const ArrayView& chunk : chunks.chunks()) {
+    ARROW_ASSIGN_OR_RAISE(const auto bits, unsliced_bits(chunk));
+    writer.append(bits, chunk.length);
   }
   return packed;
 }

@@ -7,7 +7,6 @@
 /// "Values" (uint8 column of bits, least significant first), "Length" (double) and "ArrowType"
 /// ("buffer").
 
-#include <arrow/chunked_array.h>
 #include <arrow/result.h>
 
 #include <cstdint>
@@ -56,16 +55,16 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
 /// Arrays of fixed width to an N-by-1 column of `kNumericClass<T>`, bit for bit. The Arrow type
 /// only has to be as wide as T: dates, times and durations are written by these too.
 template <class T>
-::arrow::Result<hxArrayPtr> numeric_to_numera(const ::arrow::ChunkedArray& chunks);
+::arrow::Result<hxArrayPtr> numeric_to_numera(const ColumnView& chunks);
 
 /// Copies the elements of all chunks to `destination`, from element `start` on. Returns the
 /// position behind the last one. Invalid where a chunk's buffer ends early.
 template <class T>
-::arrow::Result<std::int64_t> numeric_chunk_copy(const ::arrow::ChunkedArray& chunks,
-                                                 std::span<T> destination, std::int64_t start);
+::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView& chunks, std::span<T> destination,
+                                                 std::int64_t start);
 
 /// Booleans to a packed logical struct. Bits are read from the start of each chunk's buffer: the
 /// offset of a slice is not applied.
-::arrow::Result<hxArrayPtr> logical_to_numera(const ::arrow::ChunkedArray& chunks);
+::arrow::Result<hxArrayPtr> logical_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

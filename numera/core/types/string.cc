@@ -1,19 +1,54 @@
 #include "numera/core/types/string.h"
 
 #include <arrow/array/array_binary.h>
-#include <arrow/util/checked_cast.h>
 
 #include <array>
 #include <optional>
 #include <utility>
 
 #include "numera/core/chunk_memory.h"
+#include "numera/core/utf8_to_utf16.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 std::unique_ptr<hxStringArray> make_string_column(std::int64_t length) {
   return hxMakeStringArray(std::array{static_cast<size_t>(length), size_t{1}});
+}
+
+/// Sets one element after another, where the store could not take them at once. Returns the number
+/// of the first that cannot be set.
+template <class Offset>
+std::optional<size_t> set_one_by_one(const VariableWidthValues<Offset>& texts, hxStringArray& store,
+                                     size_t start) {
+  for (size_t i = 0; i + 1 < texts.offsets.size(); ++i) {
+    const auto begin = static_cast<size_t>(texts.offsets[i]);
+    const auto end = static_cast<size_t>(texts.offsets[i + 1]);
+    const auto bytes = texts.bytes.subspan(begin, end - begin);
+    try {
+      store.set(start + i,
+                Utf8ToUtf16({reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
+    } catch (...) {
+      return i;
+    }
+  }
+  return std::nullopt;
+}
+
+template <class Offset>
+::arrow::Status fill_strings(const ArrayView& array, hxStringArray& store, size_t start) {
+  ARROW_ASSIGN_OR_RAISE(const auto texts, variable_width_values<Offset>(array));
+  if (texts.offsets.empty()) return ::arrow::Status::OK();
+  std::optional<size_t> row;
+  try {
+    row = store.assign_utf8(start, texts.offsets, texts.bytes.data());
+    if (row) *row -= start;
+  } catch (...) {
+    // The host has not said which element it is.
+    row = set_one_by_one(texts, store, start);
+  }
+  if (!row) return ::arrow::Status::OK();
+  return ::arrow::Status::Invalid("Could not convert string in row ", *row, " to UTF-16 string.\n");
 }
 
 }  // namespace
@@ -28,40 +63,25 @@ ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 
 template <class ArrowArray>
 ::arrow::Status FillHostStrings(const ArrowArray& array, hxStringArray& store, size_t start) {
-  using Offset = typename ArrowArray::offset_type;
-  ARROW_ASSIGN_OR_RAISE(const auto texts, variable_width_values<Offset>(*array.data()));
-  if (texts.offsets.empty()) return ::arrow::Status::OK();
-  size_t row = 0;
-  try {
-    const auto failed = store.assign_utf8(start, texts.offsets, texts.bytes.data());
-    if (!failed) return ::arrow::Status::OK();
-    row = *failed - start;
-  } catch (...) {
-    // Converting an element fails in one way, whatever the host threw.
-  }
-  return ::arrow::Status::Invalid("Could not convert string in row ", row, " to UTF-16 string.\n");
+  return fill_strings<typename ArrowArray::offset_type>(array, store, start);
 }
 
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> StringArrayToHost(const ArrowArray& array) {
-  ARROW_RETURN_NOT_OK(check_offsets_fit(*array.data(), sizeof(typename ArrowArray::offset_type)));
-  auto strings = make_string_column(array.length());
-  ARROW_RETURN_NOT_OK(FillHostStrings(array, *strings, 0));
-  return hxCreateStringArrayFrom(std::move(strings));
+  return ChunkedStringArrayToHost<ArrowArray>(ColumnView(ArrayView(array)));
 }
 
 template <class ArrowArray>
-::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ::arrow::ChunkedArray& column) {
-  for (const auto& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(
-        check_offsets_fit(*chunk->data(), sizeof(typename ArrowArray::offset_type)));
+::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ColumnView& column) {
+  using Offset = typename ArrowArray::offset_type;
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(check_offsets_fit(chunk, sizeof(Offset)));
   }
   auto strings = make_string_column(column.length());
   size_t start = 0;
-  for (const auto& chunk : column.chunks()) {
-    const auto& texts = ::arrow::internal::checked_cast<const ArrowArray&>(*chunk);
-    ARROW_RETURN_NOT_OK(FillHostStrings(texts, *strings, start));
-    start += static_cast<size_t>(chunk->length());
+  for (const ArrayView& chunk : column.chunks()) {
+    ARROW_RETURN_NOT_OK(fill_strings<Offset>(chunk, *strings, start));
+    start += static_cast<size_t>(chunk.length);
   }
   return hxCreateStringArrayFrom(std::move(strings));
 }
@@ -71,8 +91,8 @@ template ::arrow::Status FillHostStrings(const ::arrow::LargeStringArray&, hxStr
 template ::arrow::Result<hxArrayPtr> StringArrayToHost(const ::arrow::StringArray&);
 template ::arrow::Result<hxArrayPtr> StringArrayToHost(const ::arrow::LargeStringArray&);
 template ::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost<::arrow::StringArray>(
-    const ::arrow::ChunkedArray&);
+    const ColumnView&);
 template ::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost<::arrow::LargeStringArray>(
-    const ::arrow::ChunkedArray&);
+    const ColumnView&);
 
 }  // namespace numera::io::arrow::core

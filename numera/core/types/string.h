@@ -4,7 +4,6 @@
 /// Texts. Towards Arrow they are UTF-8 bytes and offsets, wrapped as they stand (see
 /// values_and_offsets.h); towards the host they become a string array of UTF-16 texts.
 
-#include <arrow/chunked_array.h>
 #include <arrow/result.h>
 #include <arrow/status.h>
 
@@ -28,12 +27,13 @@ ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 /// Sets the elements of `store` from `start` on to the texts of `array`; those under null slots are
 /// converted like any other. `store` has that many elements.
 ///
-/// Whatever the store throws while it converts is Invalid "Could not convert string in row R to
-/// UTF-16 string.\n", as is text that is not UTF-8; R counts within `array`, and is 0 where the
-/// store has not told the row. Offsets that fall or leave their buffers are Invalid too. After a
-/// failure the elements are unspecified.
+/// Text that is not UTF-8, and whatever is thrown while an element is converted or set, is Invalid
+/// "Could not convert string in row R to UTF-16 string.\n"; R counts within `array`. Offsets that
+/// fall or leave their buffers are Invalid too. After a failure the elements are unspecified.
 ///
-/// The whole array is one call of the store. `ArrowArray` is `::arrow::StringArray` or
+/// The whole array is one call of the store. Where that throws, the elements are set one after
+/// another: the first that throws is R, and where none does, the store holds all of them.
+/// `ArrowArray` is `::arrow::StringArray` or
 /// `::arrow::LargeStringArray`, here and below.
 template <class ArrowArray>
 ::arrow::Status FillHostStrings(const ArrowArray& array, hxStringArray& store, size_t start);
@@ -45,6 +45,6 @@ template <class ArrowArray>
 /// All chunks to one string array of N-by-1 elements. A row that a failure names counts within its
 /// chunk.
 template <class ArrowArray>
-::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ::arrow::ChunkedArray& column);
+::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

@@ -27,12 +27,12 @@ hxArrayPtr write_field_names(const ::arrow::DataType& type) {
   return names;
 }
 
-::arrow::Result<hxArrayPtr> write_field_data(const ::arrow::StructArray& chunk) {
-  const int count = chunk.type()->num_fields();
-  hxArrayPtr data = make_cell(1, static_cast<size_t>(count));
-  for (int i = 0; i < count; ++i) {
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr child, column_to_numera(*single_chunk(chunk.field(i))));
-    hxSetCell(data.get(), static_cast<size_t>(i), std::move(child));
+::arrow::Result<hxArrayPtr> write_field_data(const ArrayView& chunk) {
+  const size_t count = chunk.data->child_data.size();
+  hxArrayPtr data = make_cell(1, count);
+  for (size_t i = 0; i < count; ++i) {
+    ARROW_ASSIGN_OR_RAISE(hxArrayPtr child, column_to_numera(ColumnView(chunk.struct_child(i))));
+    hxSetCell(data.get(), i, std::move(child));
   }
   return data;
 }
@@ -60,14 +60,12 @@ ArrayResult StructToArrow(const EnvelopeFields& envelope, int level) {
   return ::arrow::StructArray::Make(arrays, field_names, std::move(validity));
 }
 
-::arrow::Result<hxArrayPtr> StructToHost(const ::arrow::ChunkedArray& chunked) {
-  hxArrayPtr data =
-      make_struct(static_cast<size_t>(chunked.num_chunks()), {"FieldName", "FieldData"});
+::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked) {
+  hxArrayPtr data = make_struct(chunked.chunks().size(), {"FieldName", "FieldData"});
   size_t c = 0;
-  for (const auto& chunk : chunked.chunks()) {
-    hxArrayPtr names = write_field_names(*chunk->type());
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr children,
-                          write_field_data(static_cast<const ::arrow::StructArray&>(*chunk)));
+  for (const ArrayView& chunk : chunked.chunks()) {
+    hxArrayPtr names = write_field_names(*chunk.data->type);
+    ARROW_ASSIGN_OR_RAISE(hxArrayPtr children, write_field_data(chunk));
     hxSetField(data.get(), c, "FieldName", std::move(names));
     hxSetField(data.get(), c, "FieldData", std::move(children));
     ++c;

@@ -18,6 +18,6 @@ namespace numera::io::arrow::core {
 ArrayResult StructToArrow(const EnvelopeFields& envelope, int level);
 
 /// Structs to their "Data". A field name that is not UTF-8 gives the host's `hxCodecError`.
-::arrow::Result<hxArrayPtr> StructToHost(const ::arrow::ChunkedArray& chunked);
+::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked);
 
 }  // namespace numera::io::arrow::core

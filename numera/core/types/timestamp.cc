@@ -35,7 +35,7 @@ ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
       borrow_elements(values), std::move(validity), ::arrow::kUnknownNullCount, 0);
 }
 
-::arrow::Result<hxArrayPtr> timestamp_to_numera(const ::arrow::ChunkedArray& chunks) {
+::arrow::Result<hxArrayPtr> timestamp_to_numera(const ColumnView& chunks) {
   const auto& type = static_cast<const ::arrow::TimestampType&>(*chunks.type());
   hxArrayPtr timestamp = make_struct(1, {"Values", "Units", "TimeZone", "DateType"});
   hxSetField(timestamp.get(), 0, "DateType", make_char_row(u"Timestamp"));

@@ -25,6 +25,6 @@ namespace numera::io::arrow::core {
 ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Timestamps to the timestamp struct. The time zone is written with one character a byte.
-::arrow::Result<hxArrayPtr> timestamp_to_numera(const ::arrow::ChunkedArray& chunks);
+::arrow::Result<hxArrayPtr> timestamp_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

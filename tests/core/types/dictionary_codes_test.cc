@@ -84,5 +84,23 @@ TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfAnEmptyDictionary) {
                                      "dictionary of 0 values."));
 }
 
+TEST(CopyOfCodes, HasTheExtentAndTheNullsOfTheView) {
+  const auto array = array_of<std::int8_t>({0, 0, 0, 0}, dictionary_of(1))->data();
+  array->buffers = {ArrowBuffer({0b0110})};
+  array->null_count = ::arrow::kUnknownNullCount;
+  ArrayView slice(*array);
+  slice.offset = 2;
+  slice.length = 2;
+
+  const auto copy = copy_of_codes(slice).ValueOrDie();
+
+  EXPECT_EQ(copy->offset, 2);
+  EXPECT_EQ(copy->length, 2);
+  EXPECT_EQ(copy->null_count.load(), 1);
+  EXPECT_EQ(copy->buffers[0], array->buffers[0]);
+  EXPECT_EQ(copy->buffers.at(1), nullptr) << "the buffer that is missing";
+  EXPECT_EQ(array->null_count.load(), ::arrow::kUnknownNullCount);
+}
+
 }  // namespace
 }  // namespace numera::io::arrow::core

@@ -19,6 +19,7 @@
 #include "tests/core/types/string_columns.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/host_builder.h"
+#include "tests/support/host_matchers.h"
 #include "tests/support/recording_host.h"
 #include "tests/support/results.h"
 
@@ -39,16 +40,23 @@ TEST(TextToHost, HandsEachChunkToTheHostInOneCall) {
   EXPECT_EQ(Calls("hxUTF8ToUTF16::convert"), 0U);
 }
 
-TEST(TextToHost, TurnsWhateverAnElementThrowsIntoItsRow) {
-  const auto texts = ArrowArray(::arrow::utf8(), R"(["a", "b"])");
-  const auto strings = hxMakeStringArray(Dims{2, 1});
-  Reset();
-  FailCall(0, std::make_exception_ptr(std::bad_alloc()));
+TEST(TextToHost, SetsOneElementAfterAnotherWhereTheCallForAllThrows) {
+  const auto texts = ArrowArray(::arrow::utf8(), R"(["a", "é"])");
+  const std::exception_ptr errors[] = {std::make_exception_ptr(std::bad_alloc()),
+                                       std::make_exception_ptr(std::logic_error("no room")),
+                                       std::make_exception_ptr(7)};
+  for (const std::exception_ptr& error : errors) {
+    auto strings = hxMakeStringArray(Dims{2, 1});
+    Reset();
+    FailCall(0, error);
 
-  const Status status =
-      FillHostStrings(static_cast<const ::arrow::StringArray&>(*texts), *strings, 0);
+    EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*texts), *strings, 0),
+              Status::OK());
 
-  EXPECT_EQ(status, RowFailure(0));
+    EXPECT_TRUE(HasFailed());
+    EXPECT_TRUE(SameHostValue(hxCreateStringArrayFrom(std::move(strings)).get(),
+                              Strings({u"a", u"é"}).get()));
+  }
 }
 
 TEST(TextToHost, LeavesWhatIsThrownOutsideOfTheElementsToTheCaller) {
@@ -116,21 +124,61 @@ TEST(FillHostStrings, NamesTheRowOfATextThatTheHostDoesNotTake) {
             RowFailure(1));
 }
 
-TEST(FillHostStrings, NamesTheFirstRowWhereABulkOperationTellsNone) {
-  class ThrowingStrings final : public PlainStrings {
-   public:
-    using PlainStrings::assign_utf8;
-    using PlainStrings::PlainStrings;
-    std::optional<size_t> assign_utf8(size_t, std::span<const std::int32_t>,
-                                      const std::uint8_t*) override {
-      throw std::bad_alloc();
-    }
-  };
-  const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b"])");
-  ThrowingStrings strings(2);
+/// A host whose operation for all texts at once never tells which of them it does not take.
+class ThrowingStrings final : public PlainStrings {
+ public:
+  using PlainStrings::assign_utf8;
+  using PlainStrings::PlainStrings;
+  std::optional<size_t> assign_utf8(size_t, std::span<const std::int32_t>,
+                                    const std::uint8_t*) override {
+    throw std::bad_alloc();
+  }
+};
 
+TEST(FillHostStrings, NamesTheRowThatAHostDidNotTell) {
+  struct Case {
+    const char* json;
+    Status status;
+  };
+  const Case cases[] = {{R"(["a", "b", "refused", "refused"])", RowFailure(2)},
+                        {R"(["refused"])", RowFailure(0)},
+                        {R"(["a", "b"])", Status::OK()}};
+  for (const auto& [json, status] : cases) {
+    const auto array = ArrowArray(::arrow::utf8(), json);
+    ThrowingStrings strings(8);
+    EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 4), status)
+        << json;
+  }
+}
+
+TEST(FillHostStrings, NamesTheRowThatIsNoTextWhereAHostDidNotTell) {
+  const auto array = Texts(::arrow::utf8(), "ab\xFF", {0, 1, 2, 3});
+  ThrowingStrings strings(3);
   EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 0),
-            RowFailure(0));
+            RowFailure(2));
+}
+
+TEST(FillHostStrings, NamesTheRowWhereAHostWithoutABulkOperationThrowsALogicError) {
+  const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b", "c"])");
+  PlainStrings strings(2);  // has no third element
+  EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 0),
+            RowFailure(2));
+}
+
+TEST(FillHostStrings, MakesOneCodecForAllHostsAndCalls) {
+  const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b"])");
+  const auto structs =
+      ArrowArray(::arrow::struct_({::arrow::field("f", ::arrow::int8())}), "[[1]]");
+  Reset();
+  for (int call = 0; call < 3; ++call) {
+    PlainStrings plain(2);
+    ThrowingStrings throwing(2);
+    const auto& texts = static_cast<const ::arrow::StringArray&>(*array);
+    ASSERT_EQ(FillHostStrings(texts, plain, 0), Status::OK());
+    ASSERT_EQ(FillHostStrings(texts, throwing, 0), Status::OK());
+    ASSERT_TRUE(to_numera(structs).ok());
+  }
+  EXPECT_LE(Calls("hxUTF8ToUTF16"), 1U) << "the first call of the process makes it";
 }
 
 }  // namespace

@@ -227,7 +227,8 @@ TEST(NumericToNumera, RefusesABufferThatEndsEarly) {
       {buffer, 1, 3, short_status(12, 4)},
       {odd, 3, 0, short_status(11, 3)},
       {nullptr, 1, 0, short_status(0, 1)},
-      {other, 3, 0, short_status(0, 3)},
+      {other, 3, 0,
+       Status::Invalid("Buffer: found bytes that cannot be read here, expected main memory.")},
       {buffer, std::int64_t{1} << 62, 0, short_status(12, std::int64_t{1} << 62)},
   };
   for (const Case& one : cases) {

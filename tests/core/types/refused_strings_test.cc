@@ -92,7 +92,7 @@ TEST(TextToHost, RefusesOffsetsThatLeaveTheirBuffers) {
       {"no bytes", ArrayOfOffsets(type, 1, offsets({0, 1}), nullptr),
        "Element 0: found offsets 0 and 1, expected a range that rises within 0 bytes."},
       {"bytes of another device", ArrayOfOffsets(type, 1, offsets({0, 1}), BufferOfOtherDevice(4)),
-       "Element 0: found offsets 0 and 1, expected a range that rises within 0 bytes."},
+       "Buffer: found bytes that cannot be read here, expected main memory."},
       {"one offset short", ArrayOfOffsets(type, 2, offsets({0, 1}), bytes),
        "Offsets buffer: found 8 bytes, expected enough for 2 elements."},
       {"short behind an offset", ArrayOfOffsets(type, 1, offsets({0, 1, 2}), bytes, 2),
@@ -100,7 +100,7 @@ TEST(TextToHost, RefusesOffsetsThatLeaveTheirBuffers) {
       {"no offsets", ArrayOfOffsets(type, 1, nullptr, bytes),
        "Offsets buffer: found 0 bytes, expected enough for 1 elements."},
       {"offsets of another device", ArrayOfOffsets(type, 1, BufferOfOtherDevice(8), bytes),
-       "Offsets buffer: found 0 bytes, expected enough for 1 elements."},
+       "Buffer: found bytes that cannot be read here, expected main memory."},
       {"longer than memory", ArrayOfOffsets(type, std::int64_t{1} << 62, offsets({0, 1}), bytes),
        "Offsets buffer: found 8 bytes, expected enough for 4611686018427387904 elements."}};
   for (const Case& c : cases) {

@@ -46,8 +46,25 @@ Status StatusOfReading(const hxArrayPtr& encoded) {
   return to_arrow<::arrow::Array>(encoded.get()).status();
 }
 
+std::shared_ptr<::arrow::DataType> struct_of(const char* name) {
+  return ::arrow::struct_({field(name, ::arrow::int32())});
+}
+
 const std::shared_ptr<::arrow::DataType> kPoint =
     ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float64())});
+
+TEST(StructToHost, TakesTheNamesOfEachChunkFromItsOwnType) {
+  const auto column = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{
+      ArrowArray(struct_of("a"), "[[1]]"), ArrowArray(struct_of("b"), "[[2]]")});
+
+  const hxArrayPtr encoded = ValueOf(to_numera(column));
+
+  const hxArrayPtr expected = StructArray(
+      {2, 1}, {"FieldName", "FieldData"},
+      {{Cell({1, 1}, {Char("a")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1})})},
+       {Cell({1, 1}, {Char("b")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {2})})}});
+  EXPECT_TRUE(SameHostValue(hxGetField(encoded.get(), 0, "Data"), expected.get()));
+}
 
 TEST(StructToArrow, NamesItsChildrenInOrder) {
   const hxArrayPtr encoded = StructEnvelope(
