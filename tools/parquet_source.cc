@@ -2,6 +2,7 @@
 #include <parquet/arrow/schema.h>
 #include <parquet/exception.h>
 #include <parquet/file_reader.h>
+#include <parquet/metadata.h>
 
 #include <utility>
 
@@ -16,31 +17,114 @@ void add_leaves(const parquet::arrow::SchemaField& field, std::vector<int>& leav
   for (const auto& child : field.children) add_leaves(child, leaves);
 }
 
-/// One row group after another, each batch by batch.
-struct RowGroups {
-  std::shared_ptr<parquet::arrow::FileReader> file;
+/// A column of the file as Arrow knows it.
+struct Column {
+  std::string name;
   std::vector<int> leaves;
-  std::shared_ptr<std::int64_t> read = std::make_shared<std::int64_t>(0);
-  std::unique_ptr<::arrow::RecordBatchReader> group = nullptr;
+};
+
+/// One row group after another, each batch by batch. A column with another number of rows than the
+/// footer says is refused, since Arrow ends the row group with the shortest.
+class RowGroups {
+ public:
+  RowGroups(std::shared_ptr<parquet::arrow::FileReader> file, std::vector<Column> columns)
+      : file_(std::move(file)), columns_(std::move(columns)) {
+    for (const Column& column : columns_) {
+      leaves_.insert(leaves_.end(), column.leaves.begin(), column.leaves.end());
+    }
+  }
+
+  const std::shared_ptr<std::int64_t>& opened() const { return opened_; }
 
   BatchResult next() {
     try {
-      std::shared_ptr<::arrow::RecordBatch> batch;
-      while (batch == nullptr) {
-        if (group == nullptr) {
-          if (*read == file->num_row_groups()) return nullptr;
-          const int number = static_cast<int>((*read)++);
-          ARROW_ASSIGN_OR_RAISE(group, file->GetRecordBatchReader({number}, leaves));
+      while (batches_ != nullptr || *opened_ < file_->num_row_groups()) {
+        if (batches_ == nullptr) ARROW_RETURN_NOT_OK(open_group());
+        auto batch = batches_->Next();
+        if (!batch.ok()) return explained(batch.status());
+        if (*batch != nullptr) {
+          rows_ += (*batch)->num_rows();
+          return batch;
         }
-        ARROW_RETURN_NOT_OK(group->ReadNext(&batch));
-        if (batch == nullptr) group = nullptr;
+        batches_ = nullptr;
+        if (rows_ != group_->num_rows()) return explained(miscounted(rows_, "rows"));
       }
-      return batch;
+      return nullptr;
     } catch (const parquet::ParquetException& error) {
       return ::arrow::Status::IOError(error.what());
     }
   }
+
+ private:
+  int number() const { return static_cast<int>(*opened_) - 1; }
+
+  ::arrow::Status open_group() {
+    group_ = file_->parquet_reader()->metadata()->RowGroup(static_cast<int>((*opened_)++));
+    rows_ = 0;
+    for (const Column& column : columns_) ARROW_RETURN_NOT_OK(check_values(column));
+    return file_->GetRecordBatchReader({number()}, leaves_).Value(&batches_);
+  }
+
+  /// Where nothing repeats, a row has one value; what lies behind the last row would not be read.
+  ::arrow::Status check_values(const Column& column) const {
+    for (const int leaf : column.leaves) {
+      if (group_->schema()->Column(leaf)->max_repetition_level() > 0) continue;
+      const std::int64_t values = group_->ColumnChunk(leaf)->num_values();
+      if (values > group_->num_rows()) return in_column(column, miscounted(values, "values"));
+    }
+    return ::arrow::Status::OK();
+  }
+
+  /// Reads the columns of the row group by themselves: the first that fails is the reason.
+  ::arrow::Status explained(const ::arrow::Status& failure) const {
+    for (const Column& column : columns_) {
+      const auto rows = rows_of(column);
+      if (!rows.ok()) return in_column(column, rows.status());
+      if (*rows != group_->num_rows()) return in_column(column, miscounted(*rows, "rows"));
+    }
+    return failure;
+  }
+
+  ::arrow::Result<std::int64_t> rows_of(const Column& column) const {
+    ARROW_ASSIGN_OR_RAISE(const auto batches,
+                          file_->GetRecordBatchReader({number()}, column.leaves));
+    std::int64_t rows = 0;
+    while (true) {
+      ARROW_ASSIGN_OR_RAISE(const auto batch, batches->Next());
+      if (batch == nullptr) return rows;
+      rows += batch->num_rows();
+    }
+  }
+
+  ::arrow::Status miscounted(std::int64_t count, const char* what) const {
+    return ::arrow::Status::Invalid("found ", count, " ", what, ", expected the ",
+                                    group_->num_rows(), " of the footer");
+  }
+
+  ::arrow::Status in_column(const Column& column, const ::arrow::Status& failure) const {
+    return failure.WithMessage("row group ", number(), ", column '", column.name,
+                               "': ", failure.message());
+  }
+
+  std::shared_ptr<parquet::arrow::FileReader> file_;
+  std::vector<Column> columns_;
+  std::vector<int> leaves_;
+  std::shared_ptr<std::int64_t> opened_ = std::make_shared<std::int64_t>(0);
+  std::unique_ptr<parquet::RowGroupMetaData> group_;
+  std::unique_ptr<::arrow::RecordBatchReader> batches_;
+  std::int64_t rows_ = 0;  ///< of the row group, so far
 };
+
+::arrow::Status check_rows_of_groups(const parquet::FileMetaData& footer) {
+  std::uint64_t sum = 0;  // wraps where a footer lies
+  for (int i = 0; i < footer.num_row_groups(); ++i) {
+    sum += static_cast<std::uint64_t>(footer.RowGroup(i)->num_rows());
+  }
+  const auto rows = static_cast<std::int64_t>(sum);
+  if (rows == footer.num_rows()) return ::arrow::Status::OK();
+  return ::arrow::Status::Invalid("found ", rows, " rows in the row groups, expected the ",
+                                  footer.num_rows(), " of the footer");
+}
 
 /// Checksums of pages are verified where there are any.
 ::arrow::Result<std::shared_ptr<parquet::arrow::FileReader>> open_reader(
@@ -63,18 +147,22 @@ struct RowGroups {
 ::arrow::Result<Source> open_parquet(const File& file, const SourceOptions& options) {
   try {
     ARROW_ASSIGN_OR_RAISE(const auto reader, open_reader(file, options));
+    const auto footer = reader->parquet_reader()->metadata();
+    ARROW_RETURN_NOT_OK(check_rows_of_groups(*footer));
     std::shared_ptr<::arrow::Schema> whole;
     ARROW_RETURN_NOT_OK(reader->GetSchema(&whole));
-    ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(*whole, options.columns));
-    auto groups = std::make_shared<RowGroups>(RowGroups{reader, {}});
+    ARROW_ASSIGN_OR_RAISE(const auto numbers, find_columns(*whole, options.columns));
+    std::vector<Column> columns;
     ::arrow::FieldVector fields;
-    for (const int column : columns) {
-      fields.push_back(whole->field(column));
-      add_leaves(reader->manifest().schema_fields[static_cast<size_t>(column)], groups->leaves);
+    for (const int number : numbers) {
+      fields.push_back(whole->field(number));
+      columns.push_back({fields.back()->name(), {}});
+      add_leaves(reader->manifest().schema_fields[static_cast<size_t>(number)],
+                 columns.back().leaves);
     }
+    auto groups = std::make_shared<RowGroups>(reader, std::move(columns));
     return Source{::arrow::schema(std::move(fields), whole->metadata()),
-                  [groups] { return groups->next(); },
-                  reader->parquet_reader()->metadata()->num_rows(), groups->read};
+                  [groups] { return groups->next(); }, footer->num_rows(), groups->opened()};
   } catch (const parquet::ParquetException& error) {
     return ::arrow::Status::IOError(error.what());
   }
