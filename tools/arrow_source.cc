@@ -1,9 +1,8 @@
 #include <arrow/buffer.h>
-#include <arrow/io/file.h>
+#include <arrow/ipc/message.h>
 #include <arrow/ipc/reader.h>
+#include <arrow/util/endian.h>
 
-#include <algorithm>
-#include <string_view>
 #include <utility>
 
 #include "tools/formats.h"
@@ -11,16 +10,30 @@
 namespace numera::tools {
 namespace {
 
-/// A stream that was cut between two messages looks like one that was closed without the marker of
-/// its end, which every writer of files puts there.
-::arrow::Status check_end_of_stream(::arrow::io::RandomAccessFile& file) {
-  constexpr std::string_view kMarker("\xFF\xFF\xFF\xFF\0\0\0\0", 8);
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t end, file.Tell());
-  const auto size = static_cast<std::int64_t>(kMarker.size());
-  ARROW_ASSIGN_OR_RAISE(const auto last, file.ReadAt(std::max<std::int64_t>(end - size, 0), size));
-  if (std::string_view(*last) == kMarker) return ::arrow::Status::OK();
-  return ::arrow::Status::Invalid("the stream is truncated: the marker of its end is missing");
-}
+/// The messages of a stream. One that was cut between two of them looks like one that was closed
+/// without the marker of its end, which every writer of files puts there. What stands before the
+/// cut may look like the marker: only a reader that advances has met one.
+class MarkedMessages : public ::arrow::ipc::MessageReader {
+ public:
+  explicit MarkedMessages(File file)
+      : file_(std::move(file)), messages_(::arrow::ipc::MessageReader::Open(file_)) {}
+
+  ::arrow::Result<std::unique_ptr<::arrow::ipc::Message>> ReadNextMessage() override {
+    if (ended_) return nullptr;
+    ARROW_ASSIGN_OR_RAISE(const std::int64_t start, file_->Tell());
+    ARROW_ASSIGN_OR_RAISE(auto message, messages_->ReadNextMessage());
+    if (message != nullptr) return message;
+    ARROW_ASSIGN_OR_RAISE(const std::int64_t end, file_->Tell());
+    ended_ = end > start;
+    if (ended_) return nullptr;
+    return ::arrow::Status::Invalid("the stream is truncated: the marker of its end is missing");
+  }
+
+ private:
+  File file_;
+  std::unique_ptr<::arrow::ipc::MessageReader> messages_;
+  bool ended_ = false;
+};
 
 }  // namespace
 
@@ -34,12 +47,25 @@ namespace {
   return select_columns(*reader->schema(), options, std::move(next), rows);
 }
 
+::arrow::Result<bool> is_old_ipc_stream(const File& file) {
+  constexpr std::int64_t kLongest = 1 << 24;  // below, the length has a NUL, as no text does
+  std::int32_t length = 0;
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t read, file->ReadAt(0, sizeof length, &length));
+  length = ::arrow::bit_util::FromLittleEndian(length);
+  if (read < std::int64_t{sizeof length} || length <= 0 || length >= kLongest) return false;
+  if (length > size - read) return false;
+  ARROW_ASSIGN_OR_RAISE(const auto metadata, file->ReadAt(read, length));
+  const auto message = ::arrow::ipc::Message::Open(metadata, nullptr);
+  return message.ok() && (*message)->type() == ::arrow::ipc::MessageType::SCHEMA;
+}
+
 ::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(file));
-  auto next = [file, reader]() -> BatchResult {
+  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(
+                                               std::make_unique<MarkedMessages>(file)));
+  auto next = [reader]() -> BatchResult {
     std::shared_ptr<::arrow::RecordBatch> batch;
     ARROW_RETURN_NOT_OK(reader->ReadNext(&batch));
-    if (batch == nullptr) ARROW_RETURN_NOT_OK(check_end_of_stream(*file));
     return batch;
   };
   return select_columns(*reader->schema(), options, std::move(next));

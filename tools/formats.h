@@ -22,6 +22,10 @@ using File = std::shared_ptr<::arrow::io::RandomAccessFile>;
 ::arrow::Result<Source> open_csv(const File& file, const SourceOptions& options);
 /// @}
 
+/// Whether it opens as streams did before Arrow 0.15: with the length of the schema, and the
+/// schema.
+::arrow::Result<bool> is_old_ipc_stream(const File& file);
+
 /// The field numbers of columns, in the order of their names. Invalid for one that is not there, is
 /// there several times, or is asked for twice.
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <tuple>
 
 #include "tests/tools/program.h"
 #include "tests/tools/written_files.h"
@@ -14,21 +15,6 @@ namespace {
 
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
-
-/// One line on standard error that names the file and gives the reason, nothing on standard
-/// output, exit status 1.
-void expect_refusal(const std::string& file, const std::string& reason,
-                    const RunOptions& options = {}) {
-  const Outcome run = run_program({"convert", file}, options);
-  EXPECT_EQ(run.exit_status, 1);
-  EXPECT_THAT(run.out, IsEmpty());
-  EXPECT_THAT(run.errors, StartsWith("numera-arrow: " + file + ": "));
-  EXPECT_THAT(run.errors, HasSubstr(reason));
-  EXPECT_THAT(run.errors, EndsWith("\n"));
-  EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
-}
 
 std::string thousand_numbers() {
   std::string json = "[0";
@@ -185,10 +171,37 @@ TEST_F(BadFiles, ATruncatedIpcStreamIsRefused) {
 }
 
 TEST_F(BadFiles, AnIpcStreamThatIsCutBetweenTwoMessagesIsRefused) {
+  constexpr std::uintmax_t kMarker = 8;
+  constexpr std::uintmax_t kOldMarker = 4;
+  const std::tuple<decltype(&write_ipc_stream), std::uintmax_t, const char*> cases[] = {
+      {write_ipc_stream, kMarker, "[1, 2]"},
+      {write_ipc_stream, kMarker, "[-1, 0]"},  // the bytes of a marker
+      {write_ipc_stream, kMarker, "[]"},
+      {write_old_ipc_stream, kOldMarker, "[1, 2]"},
+      {write_old_ipc_stream, kOldMarker, "[1, 0]"}};
+  for (const auto& [write, marker, json] : cases) {
+    SCOPED_TRACE(json);
+    const std::string file = folder_.path("numbers.stream");
+    write(file, *table_of({{"n", ::arrow::int32(), json}}));
+    std::filesystem::resize_file(file, std::filesystem::file_size(file) - marker);
+    expect_refusal(file, "the stream is truncated: the marker of its end is missing");
+  }
+}
+
+TEST_F(BadFiles, AStreamFromBeforeArrow015ThatIsTruncatedIsRefused) {
   const std::string file = folder_.path("numbers.stream");
-  write_ipc_stream(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
-  std::filesystem::resize_file(file, std::filesystem::file_size(file) - 8);
-  expect_refusal(file, "the stream is truncated: the marker of its end is missing");
+  write_old_ipc_stream(file, *table_of({{"n", ::arrow::int64(), thousand_numbers()}}));
+  const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  const std::pair<std::int64_t, const char*> cases[] = {
+      {whole - 1, "Corrupted message, only 3 bytes available"},
+      {whole - 5, "Expected to be able to read 8000 bytes for message body, got 7999"},
+      {whole / 2, "Expected to be able to read 8000 bytes for message body"},
+      {64, "it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no CSV"}};
+  for (const auto& [size, reason] : cases) {
+    SCOPED_TRACE(size);
+    std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
+    expect_refusal(file, reason);
+  }
 }
 
 TEST_F(BadFiles, RowsOfACsvThatHaveOtherColumnsAreNamed) {
@@ -247,6 +260,12 @@ TEST_F(BadFiles, AnyChangedByteOfAnIpcFileIsAnswered) {
 TEST_F(BadFiles, AnyChangedByteOfAnIpcStreamIsAnswered) {
   const std::string file = folder_.path("small.stream");
   write_ipc_stream(file, *small_table());
+  expect_answer_for_every_flip(file, 31);
+}
+
+TEST_F(BadFiles, AnyChangedByteOfAStreamFromBeforeArrow015IsAnswered) {
+  const std::string file = folder_.path("small.stream");
+  write_old_ipc_stream(file, *small_table());
   expect_answer_for_every_flip(file, 31);
 }
 

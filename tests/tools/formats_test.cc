@@ -48,6 +48,33 @@ TEST_F(Formats, AnArrowIpcStreamIsKnown) {
   EXPECT_EQ(table_rows(converted(file_)), kWayBack);
 }
 
+TEST_F(Formats, AStreamFromBeforeArrow015IsKnown) {
+  write_old_ipc_stream(file_, *table_);
+  EXPECT_EQ(read_text(file_).substr(3, 1), std::string(1, '\0'));  // a length, and not a mark
+  EXPECT_EQ(types_of(file_), kTypes);
+  EXPECT_EQ(table_rows(converted(file_)), kWayBack);
+}
+
+TEST_F(Formats, DictionariesOfAStreamFromBeforeArrow015AreRead) {
+  write_old_ipc_stream(file_,
+                       *table_of({{"d", ::arrow::dictionary(::arrow::int8(), ::arrow::utf8()),
+                                   R"(["a", null, "a"])"}}));
+  EXPECT_EQ(
+      table_rows(converted(file_)),
+      "d | dictionary<values=string, indices=int8, ordered=0> | categorical | categorical | 3 "
+      "| 1 | 1 | equal as dictionary<values=large_string, indices=int8, ordered=0>\n");
+}
+
+TEST_F(Formats, StreamsWithoutBatchesHaveNoRows) {
+  const auto empty = table_->Slice(0, 0);
+  for (const auto write : {write_ipc_stream, write_old_ipc_stream}) {
+    write(file_, *empty);
+    EXPECT_EQ(table_rows(converted(file_)),
+              "n | int16 | int16 | int16 | 0 | 0 | 0 | equal\n"
+              "t | string | string | string | 0 | 0 | 0 | equal as large_string\n");
+  }
+}
+
 TEST_F(Formats, CsvIsKnown) {
   write_text(file_, "n,t\n1,a\n,b\n3,\"x,y\"\n");
   EXPECT_EQ(types_of(file_),
@@ -95,6 +122,9 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
       {"Latin-1", "gr\xF6\xDF\x65\n1\n"},
       {"UTF-16", std::string("\xFF\xFEn\0\n\0", 6)},
       {"half a character at the end", "a\n\xF0\x9D"},
+      {"a length, but no schema", std::string("\x08\0\0\0abcdefgh", 12)},
+      {"a length beyond the end", std::string("\x09\0\0\0abcdefgh", 12)},
+      {"half a length", std::string("\x09\0", 2)},
       {"NUL as the last byte looked at", "a\n" + std::string(65533, 'x') + '\0'},
   };
   for (const auto& [what, text] : cases) {

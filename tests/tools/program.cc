@@ -1,6 +1,7 @@
 #include "tests/tools/program.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/resource.h>
@@ -15,6 +16,11 @@
 
 namespace numera::testing {
 namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 constexpr uid_t kNobody = 65534;
 
@@ -128,6 +134,16 @@ std::string converted(const std::string& file, const std::vector<std::string>& o
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.errors, "");
   return std::move(run.out);
+}
+
+void expect_refusal(const std::string& file, const std::string& reason, const RunOptions& options) {
+  const Outcome run = run_program({"convert", file}, options);
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_THAT(run.out, IsEmpty());
+  EXPECT_THAT(run.errors, StartsWith("numera-arrow: " + file + ": "));
+  EXPECT_THAT(run.errors, HasSubstr(reason));
+  EXPECT_THAT(run.errors, EndsWith("\n"));
+  EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
 }
 
 std::string table_rows(const std::string& printed) {

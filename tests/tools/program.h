@@ -65,6 +65,11 @@ std::string run_on_terminal(const std::vector<std::string>& arguments);
 /// What `convert` prints for a file that is read and returns; a failed expectation otherwise.
 std::string converted(const std::string& file, const std::vector<std::string>& options = {});
 
+/// Expects of `convert` one line on standard error that names the file and gives the reason,
+/// nothing on standard output, exit status 1.
+void expect_refusal(const std::string& file, const std::string& reason,
+                    const RunOptions& options = {});
+
 /// The rows of a printed table down to the first empty line, cells apart by " | " however wide its
 /// columns are, the heading left out.
 std::string table_rows(const std::string& printed);

@@ -27,6 +27,15 @@ std::shared_ptr<::arrow::io::FileOutputStream> open_to_write(const std::string& 
   return ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
 }
 
+void write_stream(const std::string& path, const ::arrow::Table& table,
+                  const ::arrow::ipc::IpcWriteOptions& options) {
+  const auto file = open_to_write(path);
+  const auto writer = ::arrow::ipc::MakeStreamWriter(file, table.schema(), options).ValueOrDie();
+  require(writer->WriteTable(table));
+  require(writer->Close());
+  require(file->Close());
+}
+
 }  // namespace
 
 std::vector<std::string> names_in(const std::string& folder) {
@@ -81,11 +90,14 @@ void write_ipc(const std::string& path, const ::arrow::Table& table) {
 }
 
 void write_ipc_stream(const std::string& path, const ::arrow::Table& table) {
-  const auto file = open_to_write(path);
-  const auto writer = ::arrow::ipc::MakeStreamWriter(file, table.schema()).ValueOrDie();
-  require(writer->WriteTable(table));
-  require(writer->Close());
-  require(file->Close());
+  write_stream(path, table, ::arrow::ipc::IpcWriteOptions::Defaults());
+}
+
+void write_old_ipc_stream(const std::string& path, const ::arrow::Table& table) {
+  auto options = ::arrow::ipc::IpcWriteOptions::Defaults();
+  options.write_legacy_ipc_format = true;
+  options.metadata_version = ::arrow::ipc::MetadataVersion::V4;
+  write_stream(path, table, options);
 }
 
 std::shared_ptr<::arrow::Table> read_ipc(const std::string& path) {

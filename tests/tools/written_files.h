@@ -47,6 +47,8 @@ void write_parquet(const std::string& path, const ::arrow::Table& table,
 void write_ipc(const std::string& path, const ::arrow::Table& table);
 /// An Arrow IPC stream, a batch a chunk. Its dictionaries may be other ones in each.
 void write_ipc_stream(const std::string& path, const ::arrow::Table& table);
+/// The same as Arrow wrote it before version 0.15.
+void write_old_ipc_stream(const std::string& path, const ::arrow::Table& table);
 
 /// The whole of an Arrow IPC file or a Parquet file.
 std::shared_ptr<::arrow::Table> read_ipc(const std::string& path);
