@@ -32,21 +32,85 @@ _FORMATS = {
 
 
 class _Parquet:
+    """Pyarrow ends a row group with its shortest column, so all rows are held against the footer."""
+
     def __init__(self, path):
+        self._path = path
         self._file = pa.parquet.ParquetFile(_open(path), buffer_size=_BUFFER_BYTES,
-                                            pre_buffer=False)
+                                            pre_buffer=False, page_checksum_verification=True)
         self.names = self._file.schema_arrow.names
         self.rows = self._file.metadata.num_rows
+        found = sum(self._rows_of(group) for group in range(self._file.num_row_groups))
+        if found != self.rows:
+            raise pa.ArrowInvalid(f"{path!r}: found {found} rows in the row groups, "
+                                  f"expected the {self.rows} of the footer.")
 
     def parts(self, names):
-        for i in range(self._file.num_row_groups):
-            yield self._file.read_row_group(i, names)
+        return self._counted(names, lambda group: [self._file.read_row_group(group, names)])
 
     def batches(self, names, rows):
-        yield from self._file.iter_batches(min(rows, max(self.rows, 1)), columns=names)
+        return self._counted(names, lambda group: self._batches(group, names, rows))
 
     def empty(self):
         return self._file.schema_arrow.empty_table()
+
+    def _batches(self, group, names, rows):
+        rows = min(rows, max(self._rows_of(group), 1))
+        return self._file.iter_batches(rows, row_groups=[group], columns=names)
+
+    def _rows_of(self, group):
+        return self._file.metadata.row_group(group).num_rows
+
+    def _counted(self, names, read):
+        """What `read` gives of one row group after another."""
+        flat = list(self._flat_leaves(names))
+        for group in range(self._file.num_row_groups):
+            self._check_values(group, flat)
+            rows = 0
+            try:
+                for part in read(group):
+                    rows += part.num_rows
+                    yield part
+                if rows != self._rows_of(group):
+                    raise self._miscounted(group, rows, "rows")
+            except (pa.ArrowInvalid, OSError) as error:
+                raise self._explained(group, names, error) from None
+
+    def _flat_leaves(self, names):
+        """The numbers and names of what has one value a row, since nothing repeats."""
+        heads = None if names is None else tuple(name + "." for name in names)
+        schema = self._file.schema
+        for i in range(len(schema)):
+            leaf = schema.column(i)
+            if leaf.max_repetition_level == 0 and (heads is None or f"{leaf.path}.".startswith(heads)):
+                yield i, leaf.path
+
+    def _check_values(self, group, flat):
+        """What lies behind the last row would not be read."""
+        metadata = self._file.metadata.row_group(group)
+        for i, name in flat:
+            values = metadata.column(i).num_values
+            if values > metadata.num_rows:
+                raise self._in_column(group, name, self._miscounted(group, values, "values"))
+
+    def _explained(self, group, names, failure):
+        """Reads the columns of the row group by themselves: the first that fails is the reason."""
+        for name in self.names if names is None else names:
+            try:
+                rows = sum(batch.num_rows for batch in self._batches(group, [name], _IPC_ROWS))
+            except (pa.ArrowInvalid, OSError) as error:
+                return self._in_column(group, name, error)
+            if rows != self._rows_of(group):
+                return self._in_column(group, name, self._miscounted(group, rows, "rows"))
+        return failure
+
+    def _miscounted(self, group, count, what):
+        return pa.ArrowInvalid(
+            f"found {count} {what}, expected the {self._rows_of(group)} of the footer.")
+
+    def _in_column(self, group, name, error):
+        *number, text = error.args  # of an OSError
+        return type(error)(*number, f"{self._path!r}, row group {group}, column {name!r}: {text}")
 
 
 class _IpcFile:

@@ -39,8 +39,9 @@ def read(
 
     Raises KeyError with the names of columns that the file does not have, ValueError for a name
     that is asked for twice or that several columns of the file have, OSError for a file that cannot
-    be read, ValueError for any other suffix (pyarrow.ArrowInvalid, which is one too, for
-    contents that are not valid), and what `to_host` raises.
+    be read or a page of Parquet that does not fit its checksum, ValueError for any other suffix
+    (pyarrow.ArrowInvalid, which is one too, for contents that are not valid, such as a column of
+    Parquet that has other rows than the footer says), and what `to_host` raises.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
