@@ -9,6 +9,8 @@ import pytest
 from table_files import columns
 
 ROWS = 1000
+# Counts of a footer: first the rows of the file, then the values of each column.
+ROWS_OF_FILE, VALUES_OF_N = 0, 1
 
 
 def counted(count):
@@ -29,13 +31,12 @@ def written(tmp_path, rows=ROWS):
 
 
 def recount(path, kind, which, count):
-    """Writes another number over `ROWS`, in the header of a page or in the footer."""
+    """Writes another number over one that is `ROWS`, in the header of a page or in the footer."""
     content = path.read_bytes()
     footer = len(content) - 8 - int.from_bytes(content[-8:-4], "little")
-    places = [found.end() for found in re.finditer(
-        re.escape({"page": b"\x15", "footer": b"\x16"}[kind]) + b"(?=" + re.escape(counted(ROWS)) + b")",
-        content) if (found.end() < footer) == (kind == "page")]
-    place, new = places[which], counted(count)
+    begin, end, number = {"page": (0, footer, b"\x15"), "footer": (footer, len(content), b"\x16")}[kind]
+    found = re.finditer(re.escape(number + counted(ROWS)), content[begin:end])
+    place, new = begin + list(found)[which].start() + 1, counted(count)
     assert len(new) == len(counted(ROWS))
     path.write_bytes(content[:place] + new + content[place + len(new):])
 
@@ -93,24 +94,34 @@ def test_the_row_group_is_named(tmp_path, call):
 @CALLS
 def test_a_column_of_more_values_than_rows_is_named(tmp_path, call):
     path = written(tmp_path)
-    recount(path, "footer", -1, 400)  # of the row group
-    recount(path, "footer", 0, 400)  # of the file
-    assert refusal(call, path) == (f"{str(path)!r}, row group 0, column 'n': found 1000 values, "
-                                   "expected the 400 of the footer.")
+    recount(path, "footer", VALUES_OF_N, 1400)
+    expected = (f"{str(path)!r}, row group 0, column 'n': found 1400 values, "
+                "expected the 1000 of the footer.")
+    assert refusal(call, path) == expected
+    assert refusal(call, path, ["n"]) == expected
+
+
+@CALLS
+def test_lists_may_have_more_values_than_rows(tmp_path, call):
+    path = tmp_path / "lists.parquet"
+    pq.write_table(pa.table({"l": [[1, 2], [3, 4, 5]]}), path)
+    got = call(path)
+    assert columns(got[0] if call is scan else got) == {"l": [[1, 2], [3, 4, 5]]}
 
 
 @CALLS
 @pytest.mark.parametrize("rows", [400, 1400])
 def test_row_groups_that_have_other_rows_than_the_file_are_refused(tmp_path, call, rows):
     path = written(tmp_path)
-    recount(path, "footer", 0, rows)
+    recount(path, "footer", ROWS_OF_FILE, rows)
     assert refusal(call, path) == (f"{str(path)!r}: found 1000 rows in the row groups, "
                                    f"expected the {rows} of the footer.")
 
 
-def test_columns_that_are_not_asked_for_are_not_read(tmp_path):
+@pytest.mark.parametrize("kind, which, count", [("page", 0, 400), ("footer", VALUES_OF_N, 1400)])
+def test_columns_that_are_not_asked_for_are_not_read(tmp_path, kind, which, count):
     path = written(tmp_path)
-    recount(path, "page", 0, 400)
+    recount(path, kind, which, count)
     assert columns(numera.read(path, ["l"])) == {"l": [[7]] * ROWS}
     [table] = scan(path, ["l"], ROWS)
     assert columns(table) == {"l": [[7]] * ROWS}

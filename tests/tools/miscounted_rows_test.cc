@@ -52,13 +52,14 @@ void recount_page(const std::string& path, size_t page, std::uint32_t rows) {
   write_count(path, content, places_of_rows(content, '\x15', 0, footer_of(content)).at(page), rows);
 }
 
-/// A footer counts the rows of the file, the values of every column, and the rows of the row group.
-enum class Count { kFile, kRowGroup };
+/// The counts of a footer: first the rows of the file, then the values of each column.
+constexpr size_t kRowsOfFile = 0;
+constexpr size_t kValuesOfN = 1;
 
-void recount_footer(const std::string& path, Count which, std::uint32_t rows) {
+void recount_footer(const std::string& path, size_t which, std::uint32_t count) {
   const std::string content = read_text(path);
   const auto places = places_of_rows(content, '\x16', footer_of(content), content.size());
-  write_count(path, content, which == Count::kFile ? places.front() : places.back(), rows);
+  write_count(path, content, places.at(which), count);
 }
 
 /// Repeats a value as JSON.
@@ -133,6 +134,7 @@ TEST_F(MiscountedRows, TheRowGroupIsNamed) {
 TEST_F(MiscountedRows, ColumnsThatAreNotAskedForAreNotRead) {
   write();
   recount_page(file_, 0, 400);
+  recount_footer(file_, kValuesOfN, 1400);
   EXPECT_EQ(table_rows(converted(file_, {"--columns", "l"})),
             "l | list<element: int16> | list_array | cell | 1,000 | 1 | 0 | equal as "
             "large_list<item: int16>\n");
@@ -140,16 +142,22 @@ TEST_F(MiscountedRows, ColumnsThatAreNotAskedForAreNotRead) {
 
 TEST_F(MiscountedRows, AColumnOfMoreValuesThanRowsIsNamed) {
   write();
-  recount_footer(file_, Count::kFile, 400);
-  recount_footer(file_, Count::kRowGroup, 400);
+  recount_footer(file_, kValuesOfN, 1400);
   expect_refused({"convert", file_},
-                 "row group 0, column 'n': found 1000 values, expected the 400 of the footer");
+                 "row group 0, column 'n': found 1400 values, expected the 1000 of the footer");
+}
+
+TEST_F(MiscountedRows, ListsMayHaveMoreValuesThanRows) {
+  write_parquet(file_, *table_of({{"l", ::arrow::list(::arrow::int16()), "[[1, 2], [3, 4, 5]]"}}));
+  EXPECT_EQ(table_rows(converted(file_)),
+            "l | list<element: int16> | list_array | cell | 2 | 1 | 0 | equal as "
+            "large_list<item: int16>\n");
 }
 
 TEST_F(MiscountedRows, RowGroupsThatHaveOtherRowsThanTheFileAreRefused) {
   for (const std::uint32_t rows : {400U, 1400U}) {
     write();
-    recount_footer(file_, Count::kFile, rows);
+    recount_footer(file_, kRowsOfFile, rows);
     expect_refused({"convert", file_}, "found 1000 rows in the row groups, expected the " +
                                            std::to_string(rows) + " of the footer");
   }
