@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tests/tools/program.h"
 
 namespace numera::testing {
@@ -138,6 +140,19 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
   }
+}
+
+TEST_F(Formats, AStreamFromBeforeArrow015OpensWithItsSchema) {
+  write_old_ipc_stream(file_, *table_);
+  std::string content = read_text(file_);
+  std::int32_t length = 0;  // of the schema, which stands behind it
+  std::memcpy(&length, content.data(), sizeof length);
+  write_text(file_, content.substr(sizeof length + static_cast<size_t>(length)));
+  const Outcome expected{1, "",
+                         "numera-arrow: " + file_ +
+                             ": it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no "
+                             "CSV\n"};
+  EXPECT_EQ(run_program({"types", file_}), expected);
 }
 
 TEST_F(Formats, TypesCountsChunksAndRowsWithSeparators) {

@@ -112,6 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, DamagedFile,
                          ::testing::Values(Kind{"IpcFile", write_ipc},
                                            Kind{"CompressedIpcFile", write_compressed_ipc},
                                            Kind{"IpcStream", write_ipc_stream},
+                                           Kind{"OldIpcStream", write_old_ipc_stream},
                                            Kind{"Parquet", write_checked_parquet},
                                            Kind{"ParquetWithoutChecksums", write_plain_parquet}),
                          [](const auto& instance) { return std::string(instance.param.name); });
