@@ -48,7 +48,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
 }
 
 /// What the type says of one child.
-Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
+[[gnu::noinline]] Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
   const std::string name = "child " + std::to_string(i);
   const ArrayData* child = parent.child_data[i].get();
   if (child == nullptr || child->type == nullptr) {
@@ -74,7 +74,7 @@ Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
 /// All that is asked of an array itself, not of its children. `levels` more containers may lie in
 /// one another, `array` included. A function of its own, so that `check_array`, which calls itself,
 /// takes little stack.
-Status check_node(const ArrayData& array, const DataType& type, int levels) {
+[[gnu::noinline]] Status check_node(const ArrayData& array, const DataType& type, int levels) {
   ARROW_RETURN_NOT_OK(check_buffers(array, type));
   if (std::cmp_not_equal(array.child_data.size(), type.num_fields())) {
     return messages::wrong_layout(type, std::to_string(array.child_data.size()) + " children",
@@ -87,7 +87,7 @@ Status check_node(const ArrayData& array, const DataType& type, int levels) {
   return Status::OK();
 }
 
-Status check_map_nulls(const ArrayData& map, const DataType& type) {
+[[gnu::noinline]] Status check_map_nulls(const ArrayData& map, const DataType& type) {
   const ArrayData& entries = *map.child_data[0];
   ARROW_ASSIGN_OR_RAISE(const std::int64_t null_entries, count_nulls(entries));
   if (null_entries != 0) return messages::wrong_layout(type, "entries that may be null", "none");

@@ -53,12 +53,6 @@ ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int out
 /// Moves the four fields of a column into element `index` of a struct array that has them.
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column);
 
-/// The whole envelope of a column whose type and layout are known to be good.
-::arrow::Result<hxArrayPtr> column_to_numera(const ColumnView& column);
-
-/// Stores the whole envelope of an array into a field of element `index` of a struct array.
-::arrow::Status store_child(hxArray* data, size_t index, const char* field, const ArrayView& child);
-
 /// "Data" alone.
 ::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column);
 

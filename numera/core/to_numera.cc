@@ -7,20 +7,49 @@
 #include "numera/core/chunk_memory.h"
 #include "numera/core/dispatch.h"
 #include "numera/core/host_values.h"
+#include "numera/core/types/nested.h"
 #include "numera/core/validity.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
-::arrow::Result<EncodedColumn> encode(const ColumnView& column) {
+/// The writer of a column that is what its type says.
+[[gnu::noinline]] ::arrow::Status find_writer(const ColumnView& column, Writer* writer) {
+  *writer = arrow_type_row(column.type()->id()).writer;
+  if (*writer != nullptr) return check_chunks(column);
+  return ::arrow::Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
+                                    column.type()->ToString());
+}
+
+/// The fields of a column whose "Data" is there.
+[[gnu::noinline]] ::arrow::Result<EncodedColumn> complete(const ColumnView& column,
+                                                          hxArrayPtr data) {
   const ArrowTypeRow& row = arrow_type_row(column.type()->id());
   const std::u16string_view kind = row.kind;
   EncodedColumn encoded;
-  ARROW_ASSIGN_OR_RAISE(encoded.data, data_to_numera(column));
+  encoded.data = std::move(data);
   encoded.arrow_type = make_char_row(kind);
   encoded.type = make_char_row(row.encoded_name);
   ARROW_ASSIGN_OR_RAISE(encoded.valid, validity_to_numera(column, kind == u"array"));
   return encoded;
+}
+
+hxArrayPtr envelope_of(EncodedColumn column) {
+  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Type", "Valid", "Data"});
+  put_fields(envelope.get(), 0, std::move(column));
+  return envelope;
+}
+
+[[gnu::noinline]] ::arrow::Status store_envelope(const Slot& slot, const ColumnView& column,
+                                                 hxArrayPtr data) {
+  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, complete(column, std::move(data)));
+  hxArrayPtr envelope = envelope_of(std::move(encoded));
+  if (slot.field == nullptr) {
+    hxSetCell(slot.container, slot.index, std::move(envelope));
+  } else {
+    hxSetField(slot.container, slot.index, slot.field, std::move(envelope));
+  }
+  return ::arrow::Status::OK();
 }
 
 /// What every column from outside goes through.
@@ -31,24 +60,15 @@ namespace {
     ARROW_RETURN_NOT_OK(check_type(chunk.data->type.get()));
   }
   ARROW_RETURN_NOT_OK(check_layout(column));
-  return encode(column);
-}
-
-hxArrayPtr envelope_of(EncodedColumn column) {
-  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Type", "Valid", "Data"});
-  put_fields(envelope.get(), 0, std::move(column));
-  return envelope;
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, data_to_numera(column));
+  return complete(column, std::move(data));
 }
 
 }  // namespace
 
 ::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column) {
-  const Writer writer = arrow_type_row(column.type()->id()).writer;
-  if (writer == nullptr) {
-    return ::arrow::Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
-                                      column.type()->ToString());
-  }
-  ARROW_RETURN_NOT_OK(check_chunks(column));
+  Writer writer = nullptr;
+  ARROW_RETURN_NOT_OK(find_writer(column, &writer));
   return writer(column);
 }
 
@@ -66,16 +86,14 @@ void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
   return encode_checked(ColumnView(*column));
 }
 
-::arrow::Result<hxArrayPtr> column_to_numera(const ColumnView& column) {
-  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, encode(column));
-  return envelope_of(std::move(encoded));
-}
+::arrow::Result<hxArrayPtr> failed(::arrow::Status status) { return status; }
 
-::arrow::Status store_child(hxArray* data, size_t index, const char* field,
-                            const ArrayView& child) {
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr envelope, column_to_numera(ColumnView(child)));
-  hxSetField(data, index, field, std::move(envelope));
-  return ::arrow::Status::OK();
+::arrow::Status store_child(const Slot& slot, const ArrayView& child) {
+  const ColumnView column(child);
+  Writer writer = nullptr;
+  ARROW_RETURN_NOT_OK(find_writer(column, &writer));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, writer(column));
+  return store_envelope(slot, column, std::move(data));
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Array> array) {

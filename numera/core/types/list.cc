@@ -9,6 +9,7 @@
 #include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
+#include "numera/core/types/nested.h"
 #include "numera/core/types/numeric.h"
 
 namespace numera::io::arrow::core {
@@ -42,19 +43,18 @@ ArrayResult ListToArrow(const EnvelopeFields& envelope, int level) {
 
 ::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked) {
   const bool wide = chunked.type()->id() == ::arrow::Type::LARGE_LIST;
-  hxArrayPtr data = make_struct(chunked.chunks().size(), {"Values", "StartOffsets"});
-  size_t c = 0;
-  for (const ArrayView& chunk : chunked.chunks()) {
-    ARROW_RETURN_NOT_OK(store_child(data.get(), c, "Values", chunk.whole_child(0)));
-    ARROW_RETURN_NOT_OK(wide ? store_start_offsets<std::int64_t>(data.get(), c, chunk)
-                             : store_start_offsets<std::int32_t>(data.get(), c, chunk));
-    ++c;
-  }
-  return data;
+  const auto write = [wide](hxArray* data, size_t index, const ArrayView& chunk) {
+    ARROW_RETURN_NOT_OK(store_child({data, index, "Values"}, chunk.whole_child(0)));
+    return wide ? store_start_offsets<std::int64_t>(data, index, chunk)
+                : store_start_offsets<std::int32_t>(data, index, chunk);
+  };
+  return write_chunks(chunked, {"Values", "StartOffsets"}, write);
 }
 
+// Never inlined, so that its frame does not lie under those of the children.
 template <class Offset>
-::arrow::Status store_start_offsets(hxArray* data, size_t index, const ArrayView& chunk) {
+[[gnu::noinline]] ::arrow::Status store_start_offsets(hxArray* data, size_t index,
+                                                      const ArrayView& chunk) {
   ARROW_ASSIGN_OR_RAISE(const auto bytes, stored_offsets(chunk, sizeof(Offset)));
   hxArrayPtr offsets = make_column(kNumericClass<Offset>, bytes.size() / sizeof(Offset));
   std::memcpy(elements<Offset>(offsets), bytes.data(), bytes.size());

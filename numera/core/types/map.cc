@@ -1,23 +1,24 @@
 #include "numera/core/types/map.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 
-#include "numera/core/host_values.h"
 #include "numera/core/types/list.h"
+#include "numera/core/types/nested.h"
 
 namespace numera::io::arrow::core {
 
 ::arrow::Result<hxArrayPtr> MapToHost(const ColumnView& chunked) {
-  hxArrayPtr data = make_struct(chunked.chunks().size(), {"Keys", "Values", "StartOffsets"});
-  size_t c = 0;
-  for (const ArrayView& chunk : chunked.chunks()) {
-    const ArrayView entries = chunk.whole_child(0);
-    ARROW_RETURN_NOT_OK(store_child(data.get(), c, "Keys", entries.whole_child(0)));
-    ARROW_RETURN_NOT_OK(store_child(data.get(), c, "Values", entries.whole_child(1)));
-    ARROW_RETURN_NOT_OK(store_start_offsets<std::int32_t>(data.get(), c, chunk));
-    ++c;
-  }
-  return data;
+  static constexpr const char* kChildren[] = {"Keys", "Values"};
+  const auto write = [](hxArray* data, size_t index, const ArrayView& chunk) {
+    const ::arrow::ArrayData& entries = *chunk.data->child_data[0];
+    for (size_t i = 0; i < std::size(kChildren); ++i) {
+      ARROW_RETURN_NOT_OK(store_child({data, index, kChildren[i]}, *entries.child_data[i]));
+    }
+    return store_start_offsets<std::int32_t>(data, index, chunk);
+  };
+  return write_chunks(chunked, {kChildren[0], kChildren[1], "StartOffsets"}, write);
 }
 
 }  // namespace numera::io::arrow::core

@@ -9,6 +9,7 @@
 
 #include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
+#include "numera/core/types/nested.h"
 #include "numera/core/util/text.h"
 
 namespace numera::io::arrow::core {
@@ -18,23 +19,13 @@ size_t count_cells(const hxArray* cells) {
   return cells == nullptr ? 0 : hxGetNumberOfElements(cells);
 }
 
-hxArrayPtr write_field_names(const ::arrow::DataType& type) {
+[[gnu::noinline]] hxArrayPtr write_field_names(const ::arrow::DataType& type) {
   hxArrayPtr names = make_cell(1, static_cast<size_t>(type.num_fields()));
   size_t i = 0;
   for (const auto& field : type.fields()) {
     hxSetCell(names.get(), i++, make_char_row_from_utf8(field->name()));
   }
   return names;
-}
-
-::arrow::Result<hxArrayPtr> write_field_data(const ArrayView& chunk) {
-  const size_t count = chunk.data->child_data.size();
-  hxArrayPtr data = make_cell(1, count);
-  for (size_t i = 0; i < count; ++i) {
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr child, column_to_numera(ColumnView(chunk.struct_child(i))));
-    hxSetCell(data.get(), i, std::move(child));
-  }
-  return data;
 }
 
 }  // namespace
@@ -61,16 +52,18 @@ ArrayResult StructToArrow(const EnvelopeFields& envelope, int level) {
 }
 
 ::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked) {
-  hxArrayPtr data = make_struct(chunked.chunks().size(), {"FieldName", "FieldData"});
-  size_t c = 0;
-  for (const ArrayView& chunk : chunked.chunks()) {
+  const auto write = [](hxArray* data, size_t index, const ArrayView& chunk) {
     hxArrayPtr names = write_field_names(*chunk.data->type);
-    ARROW_ASSIGN_OR_RAISE(hxArrayPtr children, write_field_data(chunk));
-    hxSetField(data.get(), c, "FieldName", std::move(names));
-    hxSetField(data.get(), c, "FieldData", std::move(children));
-    ++c;
-  }
-  return data;
+    const size_t count = chunk.data->child_data.size();
+    hxArrayPtr children = make_cell(1, count);
+    for (size_t i = 0; i < count; ++i) {
+      ARROW_RETURN_NOT_OK(store_child({children.get(), i}, chunk.struct_child(i)));
+    }
+    hxSetField(data, index, "FieldName", std::move(names));
+    hxSetField(data, index, "FieldData", std::move(children));
+    return ::arrow::Status::OK();
+  };
+  return write_chunks(chunked, {"FieldName", "FieldData"}, write);
 }
 
 }  // namespace numera::io::arrow::core
