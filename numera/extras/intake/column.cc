@@ -30,7 +30,8 @@ namespace {
   return chunk->ValidateFull();
 }
 
-/// A column without chunks has the type and the casts of an empty array.
+/// A column without chunks has the type and the casts of an empty array. A nested one gets that
+/// array as its chunk: the host knows the types of its elements by its chunks alone.
 ::arrow::Result<TakenColumn> take_in_valid(Work& work, const std::string& path,
                                            const std::shared_ptr<::arrow::DataType>& type,
                                            const ::arrow::ArrayVector& chunks) {
@@ -40,6 +41,7 @@ namespace {
     ARROW_ASSIGN_OR_RAISE(const auto empty, ::arrow::MakeArrayOfNull(type, 0, work.pool));
     ARROW_ASSIGN_OR_RAISE(const Data data, take_in_data(work, path, *empty->data()));
     taken.type = data->type;
+    if (::arrow::is_nested(data->type->id())) taken.chunks.push_back(::arrow::MakeArray(data));
   }
   for (const auto& chunk : chunks) {
     ARROW_ASSIGN_OR_RAISE(Data data, take_in_data(work, path, *chunk->data()));

@@ -120,7 +120,7 @@ TEST(IntakeColumns, WithoutChunksAreCastAllTheSame) {
   const auto column = ArrowChunks(::arrow::fixed_size_list(::arrow::utf8_view(), 3), {});
   const auto taken = take_in(column, {.cast = true}).ValueOrDie();
   EXPECT_TRUE(taken.value->type()->Equals(*list(utf8())));
-  EXPECT_EQ(taken.value->num_chunks(), 0);
+  EXPECT_EQ(taken.value->length(), 0);
   EXPECT_EQ(taken.casts.size(), 2U);
 }
 
@@ -144,7 +144,7 @@ TEST(IntakeColumns, WithoutChunksHaveTheStorageOfExtensionTypesAtAnyDepth) {
     const auto taken = take_in(ArrowChunks(type, {}), {.cast = true});
     ASSERT_TRUE(taken.ok()) << taken.status();
     EXPECT_TRUE(taken->value->type()->Equals(*expected)) << taken->value->type()->ToString();
-    EXPECT_EQ(taken->value->num_chunks(), 0);
+    EXPECT_EQ(taken->value->length(), 0);
   }
 }
 
