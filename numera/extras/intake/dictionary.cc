@@ -1,22 +1,54 @@
 #include <arrow/type.h>
+#include <arrow/util/bit_util.h>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "numera/extras/intake/gather.h"
 #include "numera/extras/intake/memory.h"
+#include "numera/extras/intake/plain_text.h"
 #include "numera/extras/intake/takes.h"
 
 namespace numera::extras::intake {
 namespace {
 
+using ::arrow::Type;
+
+bool is_text(const ::arrow::ArrayData& values) { return ::arrow::is_string(values.type->id()); }
+
+/// Texts without the nulls among them, and the place there of each that there was.
+template <class Offset>
+DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
+                         std::vector<std::int64_t>* places) {
+  std::vector<std::int64_t> kept;
+  for (std::int64_t i = 0; i < texts.length; ++i) {
+    const bool null = is_null(texts, i);
+    places->push_back(null ? kNowhere : static_cast<std::int64_t>(kept.size()));
+    if (!null) kept.push_back(i);
+  }
+  const ::arrow::ArrayData slots(texts.type, static_cast<std::int64_t>(kept.size()), {nullptr}, 0);
+  return make_text_of<Offset>(work, texts.type, slots, [&](std::int64_t i) {
+    return text_at<Offset>(texts, kept[static_cast<size_t>(i)]);
+  });
+}
+
+/// The host's categories are all there: a null among them would become the empty text.
+::arrow::Status drop_nulls(Work& work, TakenDictionary* taken) {
+  if (!is_text(*taken->values) || taken->values->GetNullCount() == 0) return {};
+  const auto drop = taken->values->type->id() == Type::STRING ? without_nulls<std::int32_t>
+                                                              : without_nulls<std::int64_t>;
+  return drop(work, *taken->values, &taken->codes).Value(&taken->values);
+}
+
 /// A dictionary that several fields share is taken in once, and its casts are noted for each.
-DataResult take_values(Work& work, const std::string& path, const Data& dictionary) {
+::arrow::Result<TakenDictionary*> take_values(Work& work, const std::string& path,
+                                              const Data& dictionary) {
   const std::string here = path + "<dictionary>";
   TakenDictionary& taken = work.dictionaries[dictionary.get()];
   if (taken.values != nullptr) {
     for (const IntakeCast& cast : taken.casts) work.note(here + cast.path, cast.from, cast.to);
-    return taken.values;
+    return &taken;
   }
   const size_t noted = work.casts.size();
   ARROW_ASSIGN_OR_RAISE(taken.values, take_in_data(work, here, *dictionary));
@@ -24,7 +56,32 @@ DataResult take_values(Work& work, const std::string& path, const Data& dictiona
     const IntakeCast& cast = work.casts[i];
     taken.casts.push_back({cast.path.substr(here.size()), cast.from, cast.to});
   }
-  return taken.values;
+  ARROW_RETURN_NOT_OK(drop_nulls(work, &taken));
+  return &taken;
+}
+
+/// Calls `use` with a value of the index type. `id` is that of an integer, since no other can be
+/// the index of a dictionary.
+template <class Use>
+auto with_index(Type::type id, Use use) {
+  switch (id) {
+    case Type::INT8:
+      return use(std::int8_t{});
+    case Type::UINT8:
+      return use(std::uint8_t{});
+    case Type::INT16:
+      return use(std::int16_t{});
+    case Type::UINT16:
+      return use(std::uint16_t{});
+    case Type::INT32:
+      return use(std::int32_t{});
+    case Type::UINT32:
+      return use(std::uint32_t{});
+    case Type::UINT64:
+      return use(std::uint64_t{});
+    default:
+      return use(std::int64_t{});
+  }
 }
 
 template <class Index>
@@ -39,49 +96,51 @@ std::vector<std::int64_t> places(const ::arrow::ArrayData& indices) {
   return result;
 }
 
-/// `id` is that of an integer, since no other can be the index of a dictionary.
-std::vector<std::int64_t> places(const ::arrow::ArrayData& indices, ::arrow::Type::type id) {
-  switch (id) {
-    case ::arrow::Type::INT8:
-      return places<std::int8_t>(indices);
-    case ::arrow::Type::UINT8:
-      return places<std::uint8_t>(indices);
-    case ::arrow::Type::INT16:
-      return places<std::int16_t>(indices);
-    case ::arrow::Type::UINT16:
-      return places<std::uint16_t>(indices);
-    case ::arrow::Type::INT32:
-      return places<std::int32_t>(indices);
-    case ::arrow::Type::UINT32:
-      return places<std::uint32_t>(indices);
-    case ::arrow::Type::UINT64:
-      return places<std::uint64_t>(indices);
-    default:
-      return places<std::int64_t>(indices);
+/// Replaces every code by that of `codes`; where there is none, the slot becomes null. No new code
+/// is above the old one.
+template <class Index>
+::arrow::Status recode(Work& work, const std::vector<std::int64_t>& codes,
+                       ::arrow::ArrayData* array) {
+  const std::int64_t bytes = ::arrow::bit_util::BytesForBits(array->length);
+  ARROW_ASSIGN_OR_RAISE(auto validity, allocate(work, bytes, 1));
+  ARROW_ASSIGN_OR_RAISE(auto indices, allocate(work, array->length, sizeof(Index)));
+  std::fill_n(validity->mutable_data(), bytes, std::uint8_t{0});
+  std::int64_t nulls = 0;
+  const std::vector<std::int64_t> old = places<Index>(*array);
+  for (std::int64_t i = 0; i < array->length; ++i) {
+    const std::int64_t place = old[static_cast<size_t>(i)];
+    const std::int64_t code = place == kNowhere ? kNowhere : codes[static_cast<size_t>(place)];
+    store<Index>(*indices, i, static_cast<Index>(std::max<std::int64_t>(code, 0)));
+    if (code != kNowhere) ::arrow::bit_util::SetBit(validity->mutable_data(), i);
+    nulls += code == kNowhere;
   }
+  array->buffers = {nulls > 0 ? std::move(validity) : nullptr, std::move(indices)};
+  array->null_count = nulls;
+  return {};
 }
 
 }  // namespace
 
 DataResult take_dictionary(Work& work, const std::string& path, const ::arrow::ArrayData& array) {
   const auto& type = static_cast<const ::arrow::DictionaryType&>(*array.type);
-  ARROW_ASSIGN_OR_RAISE(Data values, take_values(work, path, array.dictionary));
+  ARROW_ASSIGN_OR_RAISE(const TakenDictionary* taken, take_values(work, path, array.dictionary));
+  const Data& values = taken->values;
   ARROW_ASSIGN_OR_RAISE(Data out, take_fixed_width(work, path, array));
-  const ::arrow::Type::type id = values->type->id();
-  if (id != ::arrow::Type::STRING && id != ::arrow::Type::LARGE_STRING) {
-    ARROW_ASSIGN_OR_RAISE(out, gather(work, *values, places(*out, type.index_type()->id())));
+  const Type::type index = type.index_type()->id();
+  if (!is_text(*values)) {
+    const auto of = with_index(index, [&](auto i) { return places<decltype(i)>(*out); });
+    ARROW_ASSIGN_OR_RAISE(out, gather(work, *values, of));
     work.note(path, array.type, out->type);
     return out;
   }
-  // The host's categories are all there: a null among them would become the empty text.
-  if (const std::int64_t nulls = values->GetNullCount(); nulls > 0) {
-    return ::arrow::Status::Invalid("Dictionary: found ", nulls, " nulls among its values, ",
-                                    "expected none.");
+  if (!taken->codes.empty()) {
+    ARROW_RETURN_NOT_OK(with_index(
+        index, [&](auto i) { return recode<decltype(i)>(work, taken->codes, out.get()); }));
   }
   if (values->type != type.value_type()) {
     out->type = ::arrow::dictionary(type.index_type(), values->type, type.ordered());
   }
-  out->dictionary = std::move(values);
+  out->dictionary = values;
   return out;
 }
 

@@ -46,11 +46,7 @@ bool hides_bad_text(const ::arrow::ArrayData& texts) {
   ::arrow::util::InitializeUTF8();  // until then everything is valid
   for (std::int64_t i = 0; i < texts.length; ++i) {
     if (!is_null(texts, i)) continue;
-    const auto begin = load<Offset>(*texts.buffers[1], i);
-    const std::int64_t size = load<Offset>(*texts.buffers[1], i + 1) - begin;
-    if (size > 0 && !::arrow::util::ValidateUTF8(texts.buffers[2]->data() + begin, size)) {
-      return true;
-    }
+    if (!::arrow::util::ValidateUTF8(text_at<Offset>(texts, i))) return true;
   }
   return false;
 }
@@ -58,14 +54,8 @@ bool hides_bad_text(const ::arrow::ArrayData& texts) {
 /// The same texts, those at null slots empty.
 template <class Offset>
 DataResult without_hidden_texts(Work& work, const ::arrow::ArrayData& texts) {
-  const auto text_of = [&](std::int64_t i) {
-    const auto begin = load<Offset>(*texts.buffers[1], i);
-    const auto end = load<Offset>(*texts.buffers[1], i + 1);
-    if (begin == end) return std::string_view();
-    return std::string_view(reinterpret_cast<const char*>(texts.buffers[2]->data()) + begin,
-                            static_cast<size_t>(end - begin));
-  };
-  return make_text_of<Offset>(work, texts.type, texts, text_of);
+  return make_text_of<Offset>(work, texts.type, texts,
+                              [&](std::int64_t i) { return text_at<Offset>(texts, i); });
 }
 
 Data cut_child(const Data& child, std::int64_t offset, std::int64_t length) {

@@ -13,6 +13,16 @@
 
 namespace numera::extras::intake {
 
+/// Element `index` of a text array without offset.
+template <class Offset>
+std::string_view text_at(const ::arrow::ArrayData& texts, std::int64_t index) {
+  const auto begin = load<Offset>(*texts.buffers[1], index);
+  const auto end = load<Offset>(*texts.buffers[1], index + 1);
+  if (begin == end) return {};
+  return {reinterpret_cast<const char*>(texts.buffers[2]->data()) + begin,
+          static_cast<size_t>(end - begin)};
+}
+
 template <class Offset, class TextOf>
 BufferResult text_offsets(Work& work, const ::arrow::ArrayData& slots, const TextOf& text_of) {
   ARROW_ASSIGN_OR_RAISE(auto offsets, allocate(work, slots.length + 1, sizeof(Offset)));

@@ -25,6 +25,8 @@ using DataResult = ::arrow::Result<Data>;
 
 struct TakenDictionary {
   Data values;
+  /// The new code of every value that there was, -1 for a null; empty where codes stay.
+  std::vector<std::int64_t> codes;
   std::vector<IntakeCast> casts;  ///< with paths from the dictionary on
 };
 

@@ -255,14 +255,6 @@ TEST(IntakeRefusals, MeetListsOfFixedSizeThatLieBehindTheirElements) {
   EXPECT_EQ(take_in(::arrow::MakeArray(fields), {.cast = true}).status(), expected);
 }
 
-TEST(IntakeRefusals, MeetNullsAmongTheValuesOfADictionary) {
-  const auto type = ::arrow::dictionary(int8(), utf8());
-  const auto array = std::make_shared<::arrow::DictionaryArray>(
-      type, ArrowArray(int8(), "[0, 1]"), ArrowArray(utf8(), R"(["a", null])"));
-  EXPECT_EQ(take_in(std::shared_ptr<Array>(array)).status(),
-            Status::Invalid("Dictionary: found 1 nulls among its values, expected none."));
-}
-
 TEST(IntakeRefusals, MeetMoreElementsThanMemoryCanHold) {
   const auto type = ::arrow::run_end_encoded(::arrow::int64(), int8());
   const auto data = ArrayData::Make(type, std::int64_t{1} << 61, {nullptr}, 0);
