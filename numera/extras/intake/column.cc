@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "numera/extras/intake/behind_nulls.h"
 #include "numera/extras/intake/rules.h"
 #include "numera/extras/intake/soundness.h"
 #include "numera/extras/intake/type_text.h"
@@ -17,8 +18,23 @@ namespace {
   return status.WithMessage(path, ": ", status.message());
 }
 
-::arrow::Status check_chunk(const std::shared_ptr<::arrow::DataType>& type,
-                            const std::shared_ptr<::arrow::Array>& chunk) {
+/// Arrow's full validation also refuses what stands behind nulls. Where it does, the chunk that is
+/// returned holds 0 there.
+::arrow::Result<std::shared_ptr<::arrow::Array>> validate(
+    const Work& work, const std::shared_ptr<::arrow::Array>& chunk) {
+  ::arrow::Status status = chunk->ValidateFull();
+  if (status.ok()) return chunk;
+  ARROW_RETURN_NOT_OK(chunk->Validate());
+  ARROW_ASSIGN_OR_RAISE(const Data mended, without_bad_values_behind_nulls(work, chunk->data()));
+  if (mended == chunk->data()) return status;
+  auto array = ::arrow::MakeArray(mended);
+  ARROW_RETURN_NOT_OK(array->ValidateFull());
+  return array;
+}
+
+::arrow::Result<std::shared_ptr<::arrow::Array>> check_chunk(
+    const Work& work, const std::shared_ptr<::arrow::DataType>& type,
+    const std::shared_ptr<::arrow::Array>& chunk) {
   if (chunk == nullptr) {
     return ::arrow::Status::Invalid("Chunk: found a null pointer, expected an array.");
   }
@@ -27,7 +43,7 @@ namespace {
     return ::arrow::Status::Invalid("Chunk: found type ", type_text(*chunk->type()), ", expected ",
                                     type_text(*type), ".");
   }
-  return chunk->ValidateFull();
+  return validate(work, chunk);
 }
 
 /// A column without chunks has the type and the casts of an empty array. A nested one gets that
@@ -78,8 +94,13 @@ namespace {
                                             const std::shared_ptr<::arrow::DataType>& type,
                                             const ::arrow::ArrayVector& chunks, const Work& work) {
   ARROW_RETURN_NOT_OK(check_type(path, *type, {work.cast, work.views}));
-  for (const auto& chunk : chunks) ARROW_RETURN_NOT_OK(at(path, check_chunk(type, chunk)));
-  auto taken = take_in_narrow_or_wide(path, type, chunks, work);
+  ::arrow::ArrayVector valid;
+  for (const auto& chunk : chunks) {
+    auto checked = check_chunk(work, type, chunk);
+    if (!checked.ok()) return at(path, checked.status());
+    valid.push_back(*std::move(checked));
+  }
+  auto taken = take_in_narrow_or_wide(path, type, valid, work);
   return taken.ok() ? taken : at(path, taken.status());
 }
 

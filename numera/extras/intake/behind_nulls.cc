@@ -1,0 +1,177 @@
+#include "numera/extras/intake/behind_nulls.h"
+
+#include <arrow/extension_type.h>
+#include <arrow/type.h>
+#include <arrow/util/bit_util.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "numera/extras/intake/fixed_values.h"
+#include "numera/extras/intake/memory.h"
+
+namespace numera::extras::intake {
+namespace {
+
+using ::arrow::Type;
+
+/// For each element of an array whether a slot shows it.
+using Shown = std::vector<bool>;
+
+DataResult mend(const Work& work, const Data& array, const ::arrow::DataType& type,
+                const Shown& shown);
+
+Shown all_of(const ::arrow::ArrayData& array) {
+  return Shown(static_cast<size_t>(array.length), true);
+}
+
+/// Those that are shown and not null.
+Shown without_nulls(const ::arrow::ArrayData& array, Shown shown) {
+  if (array.buffers[0] == nullptr) return shown;
+  for (size_t i = 0; i < shown.size(); ++i) {
+    const auto bit = static_cast<std::uint64_t>(array.offset) + i;
+    shown[i] = shown[i] && ::arrow::bit_util::GetBit(array.buffers[0]->data(), bit);
+  }
+  return shown;
+}
+
+/// The elements that the given slots refer to. `range_of(i)` is the begin and the size of slot i,
+/// whatever they are: offsets are not validated yet.
+template <class RangeOf>
+Shown elements_of(const ::arrow::ArrayData& lists, const Shown& slots, RangeOf range_of) {
+  const std::int64_t count = lists.child_data[0]->length;
+  // How many ranges begin at an element, less those that end there.
+  std::vector<std::int64_t> steps(static_cast<size_t>(count) + 1, 0);
+  for (size_t i = 0; i < slots.size(); ++i) {
+    if (!slots[i]) continue;
+    const auto [first, size] = range_of(lists.offset + static_cast<std::int64_t>(i));
+    const std::int64_t begin = std::clamp<std::int64_t>(first, 0, count);
+    ++steps[static_cast<size_t>(begin)];
+    --steps[static_cast<size_t>(begin + std::clamp<std::int64_t>(size, 0, count - begin))];
+  }
+  Shown elements(static_cast<size_t>(count));
+  std::int64_t ranges = 0;
+  for (size_t i = 0; i < elements.size(); ++i) {
+    ranges += steps[i];
+    elements[i] = ranges > 0;
+  }
+  return elements;
+}
+
+using Range = std::pair<std::int64_t, std::int64_t>;
+
+template <class Offset>
+Shown elements_of_lists(const ::arrow::ArrayData& lists, const Shown& slots) {
+  return elements_of(lists, slots, [&](std::int64_t i) {
+    const std::int64_t begin = load<Offset>(*lists.buffers[1], i);
+    const std::int64_t end = load<Offset>(*lists.buffers[1], i + 1);
+    return begin < 0 || end < begin ? Range(0, 0) : Range(begin, end - begin);
+  });
+}
+
+template <class Offset>
+Shown elements_of_views(const ::arrow::ArrayData& views, const Shown& slots) {
+  return elements_of(views, slots, [&](std::int64_t i) {
+    return Range(load<Offset>(*views.buffers[1], i), load<Offset>(*views.buffers[2], i));
+  });
+}
+
+Shown elements_of_fixed_size(const ::arrow::ArrayData& lists, const ::arrow::DataType& type,
+                             const Shown& slots) {
+  const std::int64_t size = static_cast<const ::arrow::FixedSizeListType&>(type).list_size();
+  return elements_of(lists, slots, [size](std::int64_t i) { return Range(i * size, size); });
+}
+
+/// The elements of the one child of a list, or all where there are no offsets to go by.
+Shown shown_elements(const ::arrow::ArrayData& lists, const ::arrow::DataType& type,
+                     const Shown& slots) {
+  for (size_t i = 1; i < lists.buffers.size(); ++i) {
+    if (lists.buffers[i] == nullptr) return all_of(*lists.child_data[0]);
+  }
+  switch (type.id()) {
+    case Type::FIXED_SIZE_LIST:
+      return elements_of_fixed_size(lists, type, slots);
+    case Type::LARGE_LIST:
+      return elements_of_lists<std::int64_t>(lists, slots);
+    case Type::LIST_VIEW:
+      return elements_of_views<std::int32_t>(lists, slots);
+    case Type::LARGE_LIST_VIEW:
+      return elements_of_views<std::int64_t>(lists, slots);
+    default:
+      return elements_of_lists<std::int32_t>(lists, slots);
+  }
+}
+
+Shown shown_of_field(const ::arrow::ArrayData& structs, const ::arrow::ArrayData& field,
+                     const Shown& slots) {
+  Shown shown(static_cast<size_t>(field.length), false);
+  std::copy(slots.begin(), slots.end(), shown.begin() + structs.offset);
+  return shown;
+}
+
+/// The array with other children, or itself where they are the same.
+DataResult with_children(const Work& work, const Data& array, const std::vector<Shown>& shown) {
+  Data mended = array;
+  for (size_t i = 0; i < shown.size(); ++i) {
+    const Data& child = array->child_data[i];
+    ARROW_ASSIGN_OR_RAISE(Data other, mend(work, child, *child->type, shown[i]));
+    if (other == child) continue;
+    if (mended == array) mended = array->Copy();
+    mended->child_data[i] = std::move(other);
+  }
+  return mended;
+}
+
+DataResult mend_struct(const Work& work, const Data& array, const Shown& shown) {
+  const Shown slots = without_nulls(*array, shown);
+  std::vector<Shown> fields;
+  for (const Data& field : array->child_data) {
+    fields.push_back(shown_of_field(*array, *field, slots));
+  }
+  return with_children(work, array, fields);
+}
+
+DataResult mend_dictionary(const Work& work, const Data& array) {
+  const Data& values = array->dictionary;
+  ARROW_ASSIGN_OR_RAISE(Data mended, mend(work, values, *values->type, all_of(*values)));
+  if (mended == values) return array;
+  Data out = array->Copy();
+  out->dictionary = std::move(mended);
+  return out;
+}
+
+DataResult mend(const Work& work, const Data& array, const ::arrow::DataType& type,
+                const Shown& shown) {
+  switch (type.id()) {
+    case Type::STRUCT:
+      return mend_struct(work, array, shown);
+    case Type::LIST:
+    case Type::LARGE_LIST:
+    case Type::LIST_VIEW:
+    case Type::LARGE_LIST_VIEW:
+    case Type::FIXED_SIZE_LIST:
+    case Type::MAP:
+      return with_children(work, array,
+                           {shown_elements(*array, type, without_nulls(*array, shown))});
+    case Type::DICTIONARY:
+      return mend_dictionary(work, array);
+    case Type::RUN_END_ENCODED:
+      return with_children(work, array,
+                           {all_of(*array->child_data[0]), all_of(*array->child_data[1])});
+    case Type::EXTENSION:
+      return mend(work, array, *static_cast<const ::arrow::ExtensionType&>(type).storage_type(),
+                  shown);
+    default:
+      return with_zero_for_bad_values(work, array, type, shown);
+  }
+}
+
+}  // namespace
+
+DataResult without_bad_values_behind_nulls(const Work& work, const Data& array) {
+  return mend(work, array, *array->type, all_of(*array));
+}
+
+}  // namespace numera::extras::intake
