@@ -75,8 +75,8 @@ namespace numera::extras {
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> encode(const hxArray* value);
 
 /// The type of what `to_arrow` gives for `encode` of a written value of `type`; none where such a
-/// value cannot be written or has no readable form. Field names of lists, nullability and metadata
-/// are those that the core gives.
+/// value cannot be written or has no readable form, or a type within is a null pointer. Field names
+/// of lists, nullability and metadata are those that the core gives.
 ///
 /// `type` is one that a `std::shared_ptr` holds, as all types of Arrow's factories are.
 ///

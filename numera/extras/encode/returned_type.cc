@@ -4,6 +4,7 @@
 
 #include "numera/core/limits.h"
 #include "numera/extras/encode/encode.h"
+#include "numera/extras/whole_type.h"
 #include "numera/host/text_codec.h"
 
 namespace numera::extras {
@@ -110,6 +111,7 @@ std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
 }
 
 std::optional<TypePtr> returned(const ::arrow::DataType& type, int levels) {
+  if (!has_inner_types(type)) return std::nullopt;
   switch (type.id()) {
     case Type::DICTIONARY:
       return returned_dictionary(static_cast<const ::arrow::DictionaryType&>(type));
@@ -133,7 +135,8 @@ std::optional<TypePtr> returned_type(const ::arrow::DataType& type) {
 
 bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to) {
   const std::optional<TypePtr> returned = returned_type(from);
-  if (!returned) return false;
+  // No type that returns is nested deeper.
+  if (!returned || !is_whole(to, 2 * kMaxNestingLevels)) return false;
   if ((*returned)->Equals(to)) return true;
   // Chunks of a dictionary are merged under an index type that fits what they hold together.
   if (from.id() != Type::DICTIONARY || to.id() != Type::DICTIONARY) return false;

@@ -75,16 +75,21 @@ struct Intake {
 /// lists and maps where the first is not 0, text where a null slot holds no UTF-8 (it becomes
 /// empty), and values where they are cast.
 ///
+/// Nulls among the texts of a dictionary move to the slots that point at them. A date64, a time of
+/// day or a decimal that full validation refuses becomes 0 where no slot shows it, since a null
+/// struct, list or map stands around it.
+///
 /// A cast to text, bytes or lists gives 32-bit offsets, and 64-bit ones ("large") in the whole
 /// column where one chunk has too many bytes or elements for them.
 ///
 /// Errors, all of which begin with the path where it is not empty:
-/// - null pointers, at any depth: Invalid, for the argument itself "Array: found a null pointer,
+/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a
+/// null pointer,
 ///   expected a value." ("Column", "Table")
 /// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of another device than the CPU: Invalid
-/// - whatever `ValidateFull` finds: its status
+/// - whatever else `ValidateFull` finds: its status
 /// - a map whose elements are too many for 32-bit offsets once cast, or whose keys are null then:
 ///   Invalid
 ///
@@ -93,7 +98,8 @@ struct Intake {
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
     const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
 
-/// Chunk by chunk; all chunks get the same type.
+/// Chunk by chunk; all chunks get the same type. A list, struct or map column without chunks gets
+/// an empty one: without it the host would not know the types of its elements.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
 

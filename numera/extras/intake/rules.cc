@@ -7,6 +7,7 @@
 #include "numera/core/limits.h"
 #include "numera/extras/intake/takes.h"
 #include "numera/extras/intake/type_text.h"
+#include "numera/extras/whole_type.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -83,9 +84,10 @@ constexpr bool rules_are_in_order_of_id() {
 static_assert(std::size(kRules) == Type::MAX_ID, "every type has a rule");
 static_assert(rules_are_in_order_of_id(), "a rule is found by its id");
 
+std::string place_of(const std::string& path) { return path.empty() ? "" : path + ": "; }
+
 ::arrow::Status refuse(const std::string& path, const ::arrow::DataType& type, const char* cure) {
-  const std::string place = path.empty() ? "" : path + ": ";
-  return ::arrow::Status::TypeError(place, "found type ", type_text(type),
+  return ::arrow::Status::TypeError(place_of(path), "found type ", type_text(type),
                                     ", expected one that has a host form", cure, ".");
 }
 
@@ -137,6 +139,10 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 /// `levels` more types may hold others. A type that stands for a plain one is no level.
 ::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
                       int levels) {
+  if (!has_inner_types(type)) {
+    return ::arrow::Status::Invalid(place_of(path), "found type ", type.name(),
+                                    " with a null pointer in place of a type, expected a type.");
+  }
   const auto id = static_cast<size_t>(type.id());
   if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
   if (kRules[id].fate == Fate::kCast && !may_cast(type.id(), leave))

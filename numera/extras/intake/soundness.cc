@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "numera/core/limits.h"
+#include "numera/extras/whole_type.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -57,6 +58,11 @@ Status check_views(const ::arrow::ArrayData& array) {
 Status check(const ::arrow::ArrayData* array, int levels) {
   if (array == nullptr || array->type == nullptr) {
     return Status::Invalid("Array: found a null pointer, expected an array with a type.");
+  }
+  if (!is_whole(*array->type, kMaxLevels)) {
+    return Status::Invalid("Array: found type ", array->type->name(), " with a null pointer in ",
+                           "place of a type or more than ", kMaxLevels,
+                           " types in one another, expected neither.");
   }
   if (levels == 0) {
     return Status::Invalid("Arrays: found more than ", kMaxLevels,

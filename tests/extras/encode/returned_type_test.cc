@@ -125,6 +125,34 @@ TEST(ReturnedType, IsNoneWhereAValueCannotGoThereAndBack) {
   }
 }
 
+TEST(ReturnedType, IsNoneWhereATypeIsMissing) {
+  const TypePtr none;
+  const std::pair<const char*, TypePtr> types[] = {
+      {"list", list(none)},
+      {"list without a field", list(std::shared_ptr<Field>())},
+      {"large list", large_list(none)},
+      {"struct", struct_({field("a", int8()), field("b", none)})},
+      {"keys", map(none, int8())},
+      {"items", map(int8(), none)},
+      {"map of no struct", std::make_shared<MapType>(field("entries", int8()))},
+      {"dictionary", dictionary(int8(), none)},
+      {"list in a struct", struct_({field("a", list(none))})},
+      {"dictionary in a map", map(utf8(), dictionary(int8(), none))},
+  };
+  for (const auto& [what, type] : types) {
+    EXPECT_FALSE(returned_type(*type).has_value()) << what;
+    EXPECT_FALSE(returns_as(*type, *large_list(int8()))) << what;
+  }
+}
+
+TEST(ReturnedType, IsNoTypeThatLacksAnother) {
+  const TypePtr none;
+  EXPECT_FALSE(returns_as(*list(int8()), *large_list(none)));
+  EXPECT_FALSE(
+      returns_as(*struct_({field("a", list(int8()))}), *struct_({field("a", large_list(none))})));
+  EXPECT_FALSE(returns_as(*dictionary(int8(), utf8()), *dictionary(int8(), none)));
+}
+
 TEST(ReturnedType, IsNoneBeyondTheDepthThatTheCoreReads) {
   TypePtr type = int8();
   for (int i = 0; i < io::arrow::core::kMaxNestingLevels; ++i) type = list(type);
