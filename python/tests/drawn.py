@@ -119,11 +119,11 @@ def _array(values, type):
 
 
 @st.composite
-def column(draw, types, min_chunks=0):
+def column(draw, types):
     """A chunked array whose chunks are slices of longer arrays."""
     type, values = draw(types)
     chunks = []
-    for _ in range(draw(st.integers(min_chunks, 3))):
+    for _ in range(draw(st.integers(0, 3))):
         whole = _array(draw(st.lists(_or_null(type, values), max_size=12)), type)
         start = draw(st.integers(0, len(whole)))
         chunks.append(whole.slice(start, draw(st.integers(0, len(whole) - start))))

@@ -83,9 +83,8 @@ struct Intake {
 /// column where one chunk has too many bytes or elements for them.
 ///
 /// Errors, all of which begin with the path where it is not empty:
-/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a
-/// null pointer,
-///   expected a value." ("Column", "Table")
+/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a null
+///   pointer, expected a value." ("Column", "Table")
 /// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of another device than the CPU: Invalid
@@ -94,7 +93,8 @@ struct Intake {
 ///   Invalid
 ///
 /// Cost: validation reads every element once. Peak memory is what is copied or cast, and 8 bytes
-/// for each element of a list view, a run-end encoded value or a dictionary that is taken apart.
+/// for each element of a list view, a run-end encoded value or a dictionary that is taken apart or
+/// holds nulls, and for each element of a list where validation finds a value that nulls may hide.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
     const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
 
