@@ -104,19 +104,35 @@ Shown shown_elements(const ::arrow::ArrayData& lists, const ::arrow::DataType& t
   }
 }
 
-Shown shown_of_field(const ::arrow::ArrayData& structs, const ::arrow::ArrayData& field,
-                     const Shown& slots) {
-  Shown shown(static_cast<size_t>(field.length), false);
-  std::copy(slots.begin(), slots.end(), shown.begin() + structs.offset);
-  return shown;
+/// Whether an array of the type is looked into. Runs are not: they have more elements than memory
+/// can count. What is looked into has no more than its buffers have bits.
+bool may_hold_bad_values(const ::arrow::DataType& type) {
+  switch (type.id()) {
+    case Type::DICTIONARY:
+      return may_hold_bad_values(*static_cast<const ::arrow::DictionaryType&>(type).value_type());
+    case Type::EXTENSION:
+      return may_hold_bad_values(*static_cast<const ::arrow::ExtensionType&>(type).storage_type());
+    case Type::RUN_END_ENCODED:
+      return false;
+    case Type::FIXED_SIZE_LIST:
+      if (static_cast<const ::arrow::FixedSizeListType&>(type).list_size() <= 0) return false;
+      break;
+    default:
+      if (has_bad_values(type.id())) return true;
+  }
+  return std::ranges::any_of(type.fields(),
+                             [](const auto& field) { return may_hold_bad_values(*field->type()); });
 }
 
-/// The array with other children, or itself where they are the same.
-DataResult with_children(const Work& work, const Data& array, const std::vector<Shown>& shown) {
+/// The array with its children mended, or itself where none has to be. `shown_of(child)` says which
+/// elements slots of the array show.
+template <class ShownOf>
+DataResult with_children(const Work& work, const Data& array, ShownOf shown_of) {
   Data mended = array;
-  for (size_t i = 0; i < shown.size(); ++i) {
+  for (size_t i = 0; i < array->child_data.size(); ++i) {
     const Data& child = array->child_data[i];
-    ARROW_ASSIGN_OR_RAISE(Data other, mend(work, child, *child->type, shown[i]));
+    if (!may_hold_bad_values(*child->type)) continue;
+    ARROW_ASSIGN_OR_RAISE(Data other, mend(work, child, *child->type, shown_of(*child)));
     if (other == child) continue;
     if (mended == array) mended = array->Copy();
     mended->child_data[i] = std::move(other);
@@ -126,11 +142,11 @@ DataResult with_children(const Work& work, const Data& array, const std::vector<
 
 DataResult mend_struct(const Work& work, const Data& array, const Shown& shown) {
   const Shown slots = without_nulls(*array, shown);
-  std::vector<Shown> fields;
-  for (const Data& field : array->child_data) {
-    fields.push_back(shown_of_field(*array, *field, slots));
-  }
-  return with_children(work, array, fields);
+  return with_children(work, array, [&](const ::arrow::ArrayData& field) {
+    Shown elements(static_cast<size_t>(field.length), false);
+    std::copy(slots.begin(), slots.end(), elements.begin() + array->offset);
+    return elements;
+  });
 }
 
 DataResult mend_dictionary(const Work& work, const Data& array) {
@@ -153,13 +169,11 @@ DataResult mend(const Work& work, const Data& array, const ::arrow::DataType& ty
     case Type::LARGE_LIST_VIEW:
     case Type::FIXED_SIZE_LIST:
     case Type::MAP:
-      return with_children(work, array,
-                           {shown_elements(*array, type, without_nulls(*array, shown))});
+      return with_children(work, array, [&](const ::arrow::ArrayData&) {
+        return shown_elements(*array, type, without_nulls(*array, shown));
+      });
     case Type::DICTIONARY:
       return mend_dictionary(work, array);
-    case Type::RUN_END_ENCODED:
-      return with_children(work, array,
-                           {all_of(*array->child_data[0]), all_of(*array->child_data[1])});
     case Type::EXTENSION:
       return mend(work, array, *static_cast<const ::arrow::ExtensionType&>(type).storage_type(),
                   shown);
@@ -171,6 +185,7 @@ DataResult mend(const Work& work, const Data& array, const ::arrow::DataType& ty
 }  // namespace
 
 DataResult without_bad_values_behind_nulls(const Work& work, const Data& array) {
+  if (!may_hold_bad_values(*array->type)) return array;
   return mend(work, array, *array->type, all_of(*array));
 }
 

@@ -35,12 +35,6 @@ bool is_within_precision(const ::arrow::DataType& type, const Decimal& value) {
   return value.FitsInPrecision(static_cast<const ::arrow::DecimalType&>(type).precision());
 }
 
-bool may_hold_bad_values(const ::arrow::ArrayData& array, const ::arrow::DataType& type) {
-  const bool has_rule =
-      type.id() == Type::DATE64 || ::arrow::is_time(type.id()) || ::arrow::is_decimal(type.id());
-  return has_rule && array.buffers[1] != nullptr;
-}
-
 /// Whether the element at a place of the buffer is a value of the type. Arrow's full validation
 /// asks the same.
 bool is_value(const ::arrow::DataType& type, const ::arrow::Buffer& values, std::int64_t place) {
@@ -64,10 +58,14 @@ bool is_value(const ::arrow::DataType& type, const ::arrow::Buffer& values, std:
 
 }  // namespace
 
+bool has_bad_values(Type::type id) {
+  return id == Type::DATE64 || ::arrow::is_time(id) || ::arrow::is_decimal(id);
+}
+
 DataResult with_zero_for_bad_values(const Work& work, const Data& array,
                                     const ::arrow::DataType& type, const std::vector<bool>& shown) {
   Data mended = array;
-  if (!may_hold_bad_values(*array, type)) return mended;
+  if (!has_bad_values(type.id()) || array->buffers[1] == nullptr) return mended;
   for (size_t i = 0; i < shown.size(); ++i) {
     const std::int64_t place = array->offset + static_cast<std::int64_t>(i);
     if (shown[i] || is_value(type, *array->buffers[1], place)) continue;

@@ -9,6 +9,9 @@
 
 namespace numera::extras::intake {
 
+/// Whether not every bit pattern is a value of the type: dates of 64 bits, times of day, decimals.
+bool has_bad_values(::arrow::Type::type id);
+
 /// The array with 0 for every element that is not `shown` and no value of its type: a date64 that
 /// is no whole day, a time of day beyond the day, a decimal beyond its precision. The array itself
 /// where there is none. `type` is that of its memory.

@@ -149,13 +149,6 @@ const Around kArounds[] = {
                                ExactBuffer<std::int64_t>({2, 4, 1})},
                               {leaf});
      }},
-    {"null struct in runs",
-     [](const DataPtr& leaf) {
-       const auto values = struct_of(leaf, {0b1101});
-       const auto type = ::arrow::run_end_encoded(::arrow::int32(), values->type);
-       const auto ends = ArrowArray(::arrow::int32(), "[1, 3, 5, 6]")->data();
-       return ArrayData::Make(type, 6, {nullptr}, {ends, values}, 0);
-     }},
     {"null struct in a dictionary",
      [](const DataPtr& leaf) {
        const auto values = struct_of(leaf, {0b1101});
@@ -258,6 +251,38 @@ TEST(IntakeBehindNulls, KeepsOneDictionaryForTheChunksThatShareIt) {
   const auto fit = take_in(column).ValueOrDie().value;
   EXPECT_EQ(fit->chunk(0)->data()->child_data[1]->dictionary,
             fit->chunk(1)->data()->child_data[1]->dictionary);
+}
+
+/// A few bytes can stand for more elements than memory can count.
+TEST(IntakeBehindNulls, CountsNoElementsThatHoldNoBytes) {
+  constexpr std::int64_t kMany = std::int64_t{1} << 61;
+  const auto day = leaves()[0].bad->Slice(1, 1);
+  const auto ends =
+      ArrayData::Make(::arrow::int64(), 1, {nullptr, ExactBuffer<std::int64_t>({kMany})}, 0);
+  const TypePtr pairs = ::arrow::struct_({field("d", ::arrow::date64())});
+  const DataPtr many[] = {
+      ArrayData::Make(::arrow::null(), kMany, {nullptr}, kMany),
+      ArrayData::Make(::arrow::run_end_encoded(::arrow::int64(), ::arrow::date64()), kMany,
+                      {nullptr}, {ends, day->Slice(0, 1)}, 0),
+      ArrayData::Make(::arrow::run_end_encoded(::arrow::int64(), pairs), kMany, {nullptr},
+                      {ends, struct_of(day, {0})}, 0),
+      ArrayData::Make(::arrow::fixed_size_list(::arrow::date64(), 0), kMany, {nullptr}, {day}, 0),
+  };
+  for (const DataPtr& child : many) {
+    SCOPED_TRACE(child->type->ToString());
+    const auto rows =
+        ArrayData::Make(::arrow::struct_({field("m", child->type), field("d", ::arrow::date64())}),
+                        1, {ArrowBuffer({1})}, {child, day});
+    EXPECT_EQ(take_in(::arrow::MakeArray(rows), {.cast = true}).status().code(),
+              ::arrow::StatusCode::Invalid);
+    const auto lists = ArrayData::Make(::arrow::list(child->type), 1,
+                                       {nullptr, ExactBuffer<std::int32_t>({0, 1})}, {child}, 0);
+    const auto listed =
+        ArrayData::Make(::arrow::struct_({field("m", lists->type), field("d", ::arrow::date64())}),
+                        1, {ArrowBuffer({1})}, {lists, day});
+    EXPECT_EQ(take_in(::arrow::MakeArray(listed), {.cast = true}).status().code(),
+              ::arrow::StatusCode::Invalid);
+  }
 }
 
 /// Data that is wrong in itself is not read where the nulls are looked for.

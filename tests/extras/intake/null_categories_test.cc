@@ -96,6 +96,13 @@ TEST(IntakeOfNullCategories, LeavesCodesOfNullSlotsAlone) {
   expect_taken(::arrow::MakeArray(data), Dictionary(type, "[0, null, null]", R"(["a"])"));
 }
 
+TEST(IntakeOfNullCategories, PutsZeroForTheCodesOfNullSlots) {
+  const auto given = Dictionary(dictionary(int8(), utf8()), "[1, 0, null]", R"([null, "a"])");
+  const auto taken = take_in(given).ValueOrDie().value;
+  const auto* codes = taken->data()->GetValues<std::int8_t>(1);
+  EXPECT_EQ(std::vector<std::int8_t>(codes, codes + 3), (std::vector<std::int8_t>{0, 0, 0}));
+}
+
 TEST(IntakeOfNullCategories, DropsTheTextBehindThem) {
   const TypePtr type = dictionary(int8(), utf8());
   const auto data = Dictionary(type, "[2, 1, 0]", R"(["a", null, "b"])")->data()->Copy();
