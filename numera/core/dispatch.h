@@ -4,6 +4,7 @@
 /// The two dispatches, as the converters of nested types call them again for their children.
 
 #include <arrow/array/array_base.h>
+#include <arrow/array/data.h>
 #include <arrow/buffer.h>
 #include <arrow/result.h>
 
@@ -18,6 +19,7 @@
 namespace numera::io::arrow::core {
 
 using ArrayResult = ::arrow::Result<std::shared_ptr<::arrow::Array>>;
+using DataPtr = std::shared_ptr<::arrow::ArrayData>;
 
 /// Every reader of a type name: the "Data" struct and the validity bitmap (null: no nulls).
 using Reader = ArrayResult (*)(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity);
@@ -31,18 +33,25 @@ struct EnvelopeFields {
 };
 
 /// Every reader of a nested kind: an encoded array that lies `level` levels deep (the outermost is
-/// level 1).
-using NestedReader = ArrayResult (*)(const EnvelopeFields& envelope, int level);
+/// level 1). It gives data, because Arrow makes an array of lists by making those of all levels
+/// below it: once, at the end, is enough.
+///
+/// Readers and `child_to_arrow` call each other. A level may take 480 bytes of stack
+/// (`kStackBytes`) and takes 308. What needs room, results among it, stands in functions that are
+/// kept out of line and have returned before the next level begins.
+using NestedReader = ::arrow::Status (*)(const EnvelopeFields& envelope, int level, DataPtr& data);
 
 /// Every writer: all chunks of a column to its "Data".
 using Writer = ::arrow::Result<hxArrayPtr> (*)(const ColumnView& column);
 
-/// Element `index` of a struct array of encoded arrays that lies within `outer_levels` nested
-/// values (0: the entry).
-ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels);
+/// Element `index` of a struct array of encoded arrays.
+ArrayResult element_to_arrow(const hxArray* encoded, size_t index);
 
 /// The same for a struct array whose element 0 has passed the checks already.
-ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int outer_levels);
+ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index);
+
+/// An encoded array that lies within `outer_levels` nested values.
+::arrow::Status child_to_arrow(const hxArray* encoded, int outer_levels, DataPtr& data);
 
 /// A plain "Valid" to a bitmap over its bytes; null where it has no bytes.
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid);

@@ -1,5 +1,9 @@
 #include "numera/core/to_arrow.h"
 
+#include <arrow/array/util.h>
+
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -38,11 +42,6 @@ constexpr NamedReader kReaders[] = {
     {"binary_array", MakeLargeBinaryArray},
 };
 
-struct KindReader {
-  const char* kind;
-  NestedReader reader;
-};
-
 ArrayResult data_to_arrow(const hxArray* data, const std::string& type_name,
                           std::shared_ptr<::arrow::Buffer> validity) {
   if (data != nullptr && hxIsNumeric(data)) return numeric_to_arrow(data, std::move(validity));
@@ -54,17 +53,22 @@ ArrayResult data_to_arrow(const hxArray* data, const std::string& type_name,
   return ::arrow::Status::Invalid("Invalid type for NUMERA to Arrow conversion.");
 }
 
-ArrayResult plain_to_arrow(const EnvelopeFields& envelope, int /*level*/) {
+ArrayResult plain_to_arrow(const EnvelopeFields& envelope) {
   const std::string type_name = HxArrayToString(envelope.type);
   ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
   return data_to_arrow(envelope.data, type_name, std::move(validity));
 }
 
-/// The readers of envelopes by kind. "array" is not nested and takes no level of its own.
-constexpr KindReader kKinds[] = {
+struct Kind {
+  const char* name;
+  NestedReader reader;
+};
+
+/// Every kind of envelope. "array" is not nested and takes no level of its own.
+constexpr Kind kKinds[] = {
     {"list_array", ListToArrow},
     {"struct", StructToArrow},
-    {"array", plain_to_arrow},
+    {"array", nullptr},
 };
 
 EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
@@ -87,34 +91,66 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
                                     "' instead.");
 }
 
-ArrayResult fields_to_arrow(const EnvelopeFields& fields, int outer_levels) {
+/// Null where the envelope is not nested.
+::arrow::Result<NestedReader> find_reader(const EnvelopeFields& fields, int outer_levels) {
   const std::string kind = HxArrayToString(fields.arrow_type);
-  for (const KindReader& row : kKinds) {
-    if (kind != row.kind) continue;
-    if (row.reader != plain_to_arrow && outer_levels >= kMaxNestingLevels) {
-      return messages::nested_too_deeply();
-    }
-    return row.reader(fields, outer_levels + 1);
+  const auto* const row = std::ranges::find(kKinds, kind, &Kind::name);
+  if (row == std::end(kKinds)) return unexpected_kind("array", kind);
+  if (row->reader != nullptr && outer_levels >= kMaxNestingLevels) {
+    return messages::nested_too_deeply();
   }
-  return unexpected_kind("array", kind);
+  return row->reader;
 }
 
-}  // namespace
-
-ArrayResult element_to_arrow(const hxArray* encoded, size_t index, int outer_levels) {
+::arrow::Result<EnvelopeFields> checked_fields(const hxArray* encoded, size_t index) {
   ARROW_RETURN_NOT_OK(check_struct(encoded));
   // A struct without elements passes the checks; taking its fields throws.
-  if (hxIsEmpty(encoded)) return later_element_to_arrow(encoded, index, outer_levels);
+  if (hxIsEmpty(encoded)) return fields_of(encoded, index);
   // All fields are taken before one is checked, so that a field that the struct lacks is always
   // reported by the host's exception.
   const EnvelopeFields first = fields_of(encoded, 0);
   ARROW_RETURN_NOT_OK(check_classes(first));
-  if (index == 0) return fields_to_arrow(first, outer_levels);
-  return later_element_to_arrow(encoded, index, outer_levels);
+  return index == 0 ? first : fields_of(encoded, index);
 }
 
-ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int outer_levels) {
-  return fields_to_arrow(fields_of(encoded, index), outer_levels);
+ArrayResult fields_to_arrow(const EnvelopeFields& fields) {
+  ARROW_ASSIGN_OR_RAISE(const NestedReader reader, find_reader(fields, 0));
+  if (reader == nullptr) return plain_to_arrow(fields);
+  DataPtr data;
+  ARROW_RETURN_NOT_OK(reader(fields, 1, data));
+  return ::arrow::MakeArray(data);
+}
+
+[[gnu::noinline]] ::arrow::Status plain_child_to_arrow(const EnvelopeFields& fields,
+                                                       DataPtr& data) {
+  ARROW_ASSIGN_OR_RAISE(const auto array, plain_to_arrow(fields));
+  data = array->data();
+  return ::arrow::Status::OK();
+}
+
+[[gnu::noinline]] ::arrow::Status open_child(const hxArray* encoded, int outer_levels,
+                                             EnvelopeFields& fields, NestedReader& reader) {
+  ARROW_ASSIGN_OR_RAISE(fields, checked_fields(encoded, 0));
+  return find_reader(fields, outer_levels).Value(&reader);
+}
+
+}  // namespace
+
+ArrayResult element_to_arrow(const hxArray* encoded, size_t index) {
+  ARROW_ASSIGN_OR_RAISE(const EnvelopeFields fields, checked_fields(encoded, index));
+  return fields_to_arrow(fields);
+}
+
+ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index) {
+  return fields_to_arrow(fields_of(encoded, index));
+}
+
+::arrow::Status child_to_arrow(const hxArray* encoded, int outer_levels, DataPtr& data) {
+  EnvelopeFields fields{};
+  NestedReader reader = nullptr;
+  ARROW_RETURN_NOT_OK(open_child(encoded, outer_levels, fields, reader));
+  if (reader == nullptr) return plain_child_to_arrow(fields, data);
+  return reader(fields, outer_levels + 1, data);
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid) {
@@ -125,11 +161,11 @@ ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index, int out
 
 template <>
 ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow<::arrow::Array>(const hxArray* encoded) {
-  return element_to_arrow(encoded, 0, 0);
+  return element_to_arrow(encoded, 0);
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::Array>> to_arrow(const hxArray* encoded, size_t index) {
-  return element_to_arrow(encoded, index, 0);
+  return element_to_arrow(encoded, index);
 }
 
 template <>

@@ -39,8 +39,8 @@ namespace numera::io::arrow::core {
     hxThrowIfInterruptPending();
     std::string name = util::HxArrayToString(hxGetCellChecked(names, i));
     // The checks look at element 0 only: once is enough.
-    ARROW_ASSIGN_OR_RAISE(auto array, i == 0 ? element_to_arrow(columns, i, 0)
-                                             : later_element_to_arrow(columns, i, 0));
+    ARROW_ASSIGN_OR_RAISE(
+        auto array, i == 0 ? element_to_arrow(columns, i) : later_element_to_arrow(columns, i));
     ARROW_RETURN_NOT_OK(check_table_column(*array));
     fields.push_back(::arrow::field(std::move(name), array->type()));
     arrays.push_back(std::move(array));

@@ -13,6 +13,7 @@
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
+#include "tests/support/nested_values.h"
 #include "tests/support/recording_host.h"
 
 namespace numera::io::arrow::core {
@@ -131,6 +132,15 @@ TEST(CostTowardsArrow, IsTheSameNumberOfSmallAllocationsForEveryLength) {
     EXPECT_GT(few.allocations, 0U);
     EXPECT_LE(few.allocations, 8U);
   }
+}
+
+TEST(CostTowardsArrow, GrowsWithTheLevelsOfListsAndNotFaster) {
+  const auto allocations = [](size_t levels) {
+    const hxArrayPtr value = NestedEncoded({kLargeList}, levels);
+    return heap_use_of([&value] { ASSERT_TRUE(to_arrow<::arrow::Array>(value.get()).ok()); })
+        .allocations;
+  };
+  EXPECT_EQ(allocations(300) - allocations(200), allocations(200) - allocations(100));
 }
 
 TEST(CostTowardsArrow, TakesNothingFromArrowsPool) {

@@ -13,6 +13,7 @@
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
 #include "tests/support/large_stack.h"
+#include "tests/support/nested_values.h"
 #include "tests/support/recording_host.h"
 #include "tests/support/results.h"
 
@@ -25,116 +26,8 @@ using ::arrow::Status;
 
 using DataPtr = std::shared_ptr<ArrayData>;
 
-/// A container of one element around one other value of one element, in each form that it takes.
-struct Container {
-  const char* name;
-  DataPtr (*arrow)(DataPtr inner);
-  hxArrayPtr (*written)(hxArrayPtr inner);
-  hxArrayPtr (*encoded)(hxArrayPtr inner);  ///< null where the container is not read
-};
-
-DataPtr NestedData(std::shared_ptr<::arrow::DataType> type,
-                   std::vector<std::shared_ptr<::arrow::Buffer>> buffers, DataPtr child) {
-  return ArrayData::Make(std::move(type), 1, std::move(buffers), {std::move(child)}, 0);
-}
-
-DataPtr ArrowList(DataPtr inner) {
-  const auto type = ::arrow::list(inner->type);
-  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0})}, std::move(inner));
-}
-
-DataPtr ArrowLargeList(DataPtr inner) {
-  const auto type = ::arrow::large_list(inner->type);
-  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0})},
-                    std::move(inner));
-}
-
-DataPtr ArrowStruct(DataPtr inner) {
-  const auto type = ::arrow::struct_({::arrow::field("f", inner->type)});
-  return NestedData(type, {nullptr}, std::move(inner));
-}
-
-DataPtr ArrowMap(DataPtr inner) {
-  const auto type = std::make_shared<::arrow::MapType>(::arrow::uint8(), inner->type);
-  const auto keys = ArrayData::Make(::arrow::uint8(), 1, {nullptr, ArrowBuffer({7})}, 0);
-  const auto entries =
-      ArrayData::Make(type->value_type(), 1, {nullptr}, {keys, std::move(inner)}, 0);
-  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0})}, entries);
-}
-
-hxArrayPtr WrittenList(hxArrayPtr inner) {
-  return WrittenEnvelope(
-      "list_array", "list_array", WrittenBitmap(1),
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int32_t>({0, 1})}}));
-}
-
-hxArrayPtr WrittenLargeList(hxArrayPtr inner) {
-  return WrittenEnvelope(
-      "list_array", "large_list_array", WrittenBitmap(1),
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int64_t>({0, 1})}}));
-}
-
-hxArrayPtr WrittenStruct(hxArrayPtr inner) {
-  return WrittenEnvelope("struct", "struct", WrittenBitmap(1),
-                         Struct({{"FieldName", Cell({1, 1}, {Char("f")})},
-                                 {"FieldData", Cell({1, 1}, {std::move(inner)})}}));
-}
-
-hxArrayPtr WrittenMap(hxArrayPtr inner) {
-  return WrittenEnvelope("map", "map", WrittenBitmap(1),
-                         Struct({{"Keys", WrittenEnvelope("array", "uint8", WrittenValidity(1),
-                                                          Scalar<std::uint8_t>(7))},
-                                 {"Values", std::move(inner)},
-                                 {"StartOffsets", Column<std::int32_t>({0, 1})}}));
-}
-
-hxArrayPtr EncodedList(hxArrayPtr inner) {
-  return KindEnvelope(
-      "list_array", "list_array",
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::uint64_t>({0, 1})}}));
-}
-
-constexpr Container kList = {"list", ArrowList, WrittenList, nullptr};
-constexpr Container kLargeList = {"large list", ArrowLargeList, WrittenLargeList, EncodedList};
-constexpr Container kStruct = {"struct", ArrowStruct, WrittenStruct, WrittenStruct};
-constexpr Container kMap = {"map", ArrowMap, WrittenMap, nullptr};
-
-using Containers = std::vector<Container>;
-
-/// The containers in turn, `levels` of them in one another, around one double.
-std::shared_ptr<::arrow::Array> NestedArray(const Containers& containers, size_t levels) {
-  DataPtr data = ArrowArray(::arrow::float64(), "[1.5]")->data();
-  for (size_t i = 0; i < levels; ++i) data = containers[i % containers.size()].arrow(data);
-  return ::arrow::MakeArray(data);
-}
-
-hxArrayPtr NestedWritten(const Containers& containers, size_t levels) {
-  hxArrayPtr value = WrittenEnvelope("array", "double", WrittenValidity(1), Scalar(1.5));
-  for (size_t i = 0; i < levels; ++i) {
-    value = containers[i % containers.size()].written(std::move(value));
-  }
-  return value;
-}
-
-hxArrayPtr NestedEncoded(const Containers& containers, size_t levels) {
-  hxArrayPtr value = Envelope("double", Scalar(1.5));
-  for (size_t i = 0; i < levels; ++i) {
-    value = containers[i % containers.size()].encoded(std::move(value));
-  }
-  return value;
-}
-
 const auto kTooDeep =
     Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024.");
-
-const Containers kWrittenContainers[] = {{kList},
-                                         {kLargeList},
-                                         {kStruct},
-                                         {kMap},
-                                         {kList, kStruct, kMap, kLargeList},
-                                         {kMap, kMap, kStruct}};
-
-const Containers kReadContainers[] = {{kLargeList}, {kStruct}, {kStruct, kLargeList, kLargeList}};
 
 TEST(NestingLimit, Is1024) { EXPECT_EQ(kMaxNestingLevels, 1024); }
 
@@ -177,7 +70,7 @@ TEST(NestingToNumera, SurvivesAHundredThousandLevels) {
       EXPECT_EQ(to_numera(array).status(), kTooDeep);
       EXPECT_EQ(to_numera_datatype(array->type()), std::nullopt);
     };
-    OnUsualStack(convert);
+    OnStatedStack(kStackBytes, convert);
   });
 }
 

@@ -8,6 +8,14 @@
 
 namespace numera::testing {
 
+/// The sizes in numera/core/limits.h are those of release builds; others take this many times as
+/// much.
+#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+inline constexpr size_t kStackFactor = 1;
+#else
+inline constexpr size_t kStackFactor = 16;
+#endif
+
 /// Runs the function on a thread whose stack has `bytes` bytes, and waits for it.
 inline void on_stack_of(size_t bytes, const std::function<void()>& function) {
   pthread_attr_t attributes;
@@ -31,9 +39,9 @@ inline void OnLargeStack(const std::function<void()>& function) {
   on_stack_of(size_t{1} << 30, function);
 }
 
-/// What a thread usually has, or less.
-inline void OnUsualStack(const std::function<void()>& function) {
-  on_stack_of(size_t{4} << 20, function);
+/// A size of numera/core/limits.h.
+inline void OnStatedStack(size_t bytes, const std::function<void()>& function) {
+  on_stack_of(bytes * kStackFactor, function);
 }
 
 }  // namespace numera::testing

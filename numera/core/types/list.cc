@@ -26,19 +26,37 @@ namespace {
   return ::arrow::Status::OK();
 }
 
+struct ListParts {
+  std::shared_ptr<::arrow::Buffer> validity;
+  const hxArray* offsets = nullptr;
+  const hxArray* values = nullptr;
+};
+
+[[gnu::noinline]] ::arrow::Status read_parts(const EnvelopeFields& envelope, ListParts& parts) {
+  ARROW_ASSIGN_OR_RAISE(parts.validity, validity_to_arrow(envelope.valid));
+  parts.offsets = hxGetFieldChecked(envelope.data, 0, "StartOffsets");
+  ARROW_RETURN_NOT_OK(check_start_offsets(parts.offsets));
+  parts.values = hxGetFieldChecked(envelope.data, 0, "Values");
+  return ::arrow::Status::OK();
+}
+
+/// Makes the values the lists that they lie in.
+[[gnu::noinline]] void enclose(ListParts& parts, DataPtr& data) {
+  const auto length = static_cast<std::int64_t>(hxGetNumberOfElements(parts.offsets)) - 1;
+  auto type = ::arrow::large_list(data->type);
+  data = ::arrow::ArrayData::Make(std::move(type), length,
+                                  {std::move(parts.validity), borrow_elements(parts.offsets)},
+                                  {std::move(data)});
+}
+
 }  // namespace
 
-ArrayResult ListToArrow(const EnvelopeFields& envelope, int level) {
-  ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
-  const hxArray* offsets = hxGetFieldChecked(envelope.data, 0, "StartOffsets");
-  ARROW_RETURN_NOT_OK(check_start_offsets(offsets));
-  ARROW_ASSIGN_OR_RAISE(auto values,
-                        element_to_arrow(hxGetFieldChecked(envelope.data, 0, "Values"), 0, level));
-  auto type = ::arrow::large_list(values->type());
-  const auto length = static_cast<std::int64_t>(hxGetNumberOfElements(offsets)) - 1;
-  return std::make_shared<::arrow::LargeListArray>(
-      std::move(type), length, borrow_elements(offsets), std::move(values), std::move(validity),
-      ::arrow::kUnknownNullCount, 0);
+::arrow::Status ListToArrow(const EnvelopeFields& envelope, int level, DataPtr& data) {
+  ListParts parts;
+  ARROW_RETURN_NOT_OK(read_parts(envelope, parts));
+  ARROW_RETURN_NOT_OK(child_to_arrow(parts.values, level, data));
+  enclose(parts, data);
+  return ::arrow::Status::OK();
 }
 
 ::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked) {

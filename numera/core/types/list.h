@@ -20,7 +20,7 @@ namespace numera::io::arrow::core {
 
 /// A list envelope to a large list over its offsets. "StartOffsets" that is not a real uint64 array
 /// is a TypeError, one without elements Invalid, both before "Values" is converted.
-ArrayResult ListToArrow(const EnvelopeFields& envelope, int level);
+::arrow::Status ListToArrow(const EnvelopeFields& envelope, int level, DataPtr& data);
 
 /// Lists or large lists to their "Data".
 ::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked);

@@ -1,8 +1,11 @@
 #include "numera/core/types/struct.h"
 
 #include <arrow/array/array_nested.h>
+#include <arrow/array/util.h>
 #include <arrow/type.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +22,50 @@ size_t count_cells(const hxArray* cells) {
   return cells == nullptr ? 0 : hxGetNumberOfElements(cells);
 }
 
+struct StructParts {
+  std::shared_ptr<::arrow::Buffer> validity;
+  const hxArray* names = nullptr;  ///< cells
+  const hxArray* cells = nullptr;  ///< the envelopes of the children
+  ::arrow::FieldVector fields;     ///< of the children read so far
+  std::vector<DataPtr> children;
+};
+
+[[gnu::noinline]] ::arrow::Status read_parts(const EnvelopeFields& envelope, StructParts& parts) {
+  ARROW_ASSIGN_OR_RAISE(parts.validity, validity_to_arrow(envelope.valid));
+  parts.names = hxGetFieldChecked(envelope.data, 0, "FieldName");
+  parts.cells = hxGetFieldChecked(envelope.data, 0, "FieldData");
+  const size_t count = count_cells(parts.names);
+  if (count != count_cells(parts.cells)) {
+    return ::arrow::Status::Invalid(
+        "Expect FieldData and FieldName to have the same number of elements");
+  }
+  parts.fields.reserve(count);
+  parts.children.reserve(count);
+  return ::arrow::Status::OK();
+}
+
+[[gnu::noinline]] void add_child(StructParts& parts, DataPtr& child) {
+  const hxArray* name = hxGetCellChecked(parts.names, parts.children.size());
+  parts.fields.push_back(::arrow::field(util::HxArrayToString(name), child->type));
+  parts.children.push_back(std::move(child));
+}
+
+/// Arrow's answer to children that make no struct.
+::arrow::Status refuse_children(const StructParts& parts) {
+  ::arrow::ArrayVector arrays;
+  for (const DataPtr& child : parts.children) arrays.push_back(::arrow::MakeArray(child));
+  return ::arrow::StructArray::Make(arrays, parts.fields).status();
+}
+
+[[gnu::noinline]] ::arrow::Status make_structs(StructParts& parts, DataPtr& structs) {
+  const std::int64_t length = parts.children.empty() ? -1 : parts.children[0]->length;
+  const auto fits = [length](const DataPtr& child) { return child->length == length; };
+  if (length < 0 || !std::ranges::all_of(parts.children, fits)) return refuse_children(parts);
+  structs = ::arrow::ArrayData::Make(::arrow::struct_(std::move(parts.fields)), length,
+                                     {std::move(parts.validity)}, std::move(parts.children));
+  return ::arrow::Status::OK();
+}
+
 [[gnu::noinline]] hxArrayPtr write_field_names(const ::arrow::DataType& type) {
   hxArrayPtr names = make_cell(1, static_cast<size_t>(type.num_fields()));
   size_t i = 0;
@@ -30,25 +77,15 @@ size_t count_cells(const hxArray* cells) {
 
 }  // namespace
 
-ArrayResult StructToArrow(const EnvelopeFields& envelope, int level) {
-  ARROW_ASSIGN_OR_RAISE(auto validity, validity_to_arrow(envelope.valid));
-  const hxArray* names = hxGetFieldChecked(envelope.data, 0, "FieldName");
-  const hxArray* children = hxGetFieldChecked(envelope.data, 0, "FieldData");
-  const size_t count = count_cells(names);
-  if (count != count_cells(children)) {
-    return ::arrow::Status::Invalid(
-        "Expect FieldData and FieldName to have the same number of elements");
-  }
-  ::arrow::ArrayVector arrays;
-  std::vector<std::string> field_names;
-  arrays.reserve(count);
-  field_names.reserve(count);
+::arrow::Status StructToArrow(const EnvelopeFields& envelope, int level, DataPtr& data) {
+  StructParts parts;
+  ARROW_RETURN_NOT_OK(read_parts(envelope, parts));
+  const size_t count = count_cells(parts.cells);
   for (size_t i = 0; i < count; ++i) {
-    ARROW_ASSIGN_OR_RAISE(auto child, element_to_arrow(hxGetCellChecked(children, i), 0, level));
-    arrays.push_back(std::move(child));
-    field_names.push_back(util::HxArrayToString(hxGetCellChecked(names, i)));
+    ARROW_RETURN_NOT_OK(child_to_arrow(hxGetCellChecked(parts.cells, i), level, data));
+    add_child(parts, data);
   }
-  return ::arrow::StructArray::Make(arrays, field_names, std::move(validity));
+  return make_structs(parts, data);
 }
 
 ::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked) {

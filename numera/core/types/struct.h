@@ -15,7 +15,7 @@ namespace numera::io::arrow::core {
 /// A struct envelope to a struct array over its children. Cells of different numbers are Invalid
 /// before any child is converted; what is no cell gives the host's exception; children that do not
 /// make a struct (none, or of different lengths) give Arrow's status.
-ArrayResult StructToArrow(const EnvelopeFields& envelope, int level);
+::arrow::Status StructToArrow(const EnvelopeFields& envelope, int level, DataPtr& data);
 
 /// Structs to their "Data". A field name that is not UTF-8 gives the host's `hxCodecError`.
 ::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked);
