@@ -1,0 +1,239 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "numera/core/limits.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/inspect/inspect.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/extras/own/own.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/host_matchers.h"
+#include "tests/support/large_stack.h"
+#include "tests/support/nested_values.h"
+#include "tests/support/results.h"
+
+/// As tests/core/stack_test.cc, for the rest of the library and the in-memory host.
+
+namespace numera::testing {
+namespace {
+
+using namespace io::arrow::core;
+using ::arrow::Array;
+using ::arrow::Status;
+
+constexpr size_t kDeepest = kMaxNestingLevels;
+
+ArrowData ArrowFixedSizeList(ArrowData inner) {
+  const auto type = ::arrow::fixed_size_list(inner->type, 1);
+  return NestedData(type, {nullptr}, std::move(inner));
+}
+
+ArrowData ArrowListView(ArrowData inner) {
+  const auto type = ::arrow::list_view(inner->type);
+  return NestedData(type, {nullptr, ArrowBuffer({0, 0, 0, 0}), ArrowBuffer({1, 0, 0, 0})},
+                    std::move(inner));
+}
+
+ArrowData ArrowDictionary(ArrowData inner) {
+  auto codes = ::arrow::ArrayData::Make(::arrow::dictionary(::arrow::int8(), inner->type), 1,
+                                        {nullptr, ArrowBuffer({0})}, 0);
+  codes->dictionary = std::move(inner);
+  return codes;
+}
+
+ArrowData ArrowRuns(ArrowData inner) {
+  const auto type = ::arrow::run_end_encoded(::arrow::int32(), inner->type);
+  const auto ends = ArrowArray(::arrow::int32(), "[1]")->data();
+  return ::arrow::ArrayData::Make(type, 1, {nullptr}, {ends, std::move(inner)}, 0);
+}
+
+constexpr Container kFixedSizeList = {"fixed size list", ArrowFixedSizeList, nullptr, nullptr};
+constexpr Container kListView = {"list view", ArrowListView, nullptr, nullptr};
+constexpr Container kDictionary = {"dictionary", ArrowDictionary, nullptr, nullptr};
+constexpr Container kRuns = {"run-end encoded", ArrowRuns, nullptr, nullptr};
+
+const std::vector<Containers> kCastContainers = {
+    {kFixedSizeList}, {kListView},   {kDictionary},        {kDictionary, kStruct},
+    {kRuns, kList},   {kRuns, kMap}, {kDictionary, kList}, {kDictionary, kMap}};
+
+/// A map is two levels where it is encoded.
+size_t deepest_encoded(const Containers& containers) {
+  size_t levels = 0;
+  size_t containers_of_levels = 0;
+  const auto next_levels = [&] {
+    const Container& next = containers[containers_of_levels % containers.size()];
+    return next.name == kMap.name ? size_t{2} : size_t{1};
+  };
+  while (levels + next_levels() <= kDeepest) {
+    levels += next_levels();
+    ++containers_of_levels;
+  }
+  return containers_of_levels;
+}
+
+/// Lists of two chunks, each a list around one such value.
+hxArrayPtr TwoChunksOfLists(hxArrayPtr first, hxArrayPtr second) {
+  hxArrayPtr bits = StructArray({2, 1}, {"Values", "Length", "ArrowType"},
+                                {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
+                                 {Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")}});
+  return WrittenEnvelope("list_array", "list_array", std::move(bits),
+                         StructArray({2, 1}, {"Values", "StartOffsets"},
+                                     {{std::move(first), Column<std::int32_t>({0, 1})},
+                                      {std::move(second), Column<std::int32_t>({0, 1})}}));
+}
+
+TEST(StackOfOwnToArrow, HoldsTheDeepestValuesAndTheirDestruction) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    hxArrayPtr encoded = NestedEncoded(containers, kDeepest);
+    std::int64_t length = 0;
+    OnStatedStack(kStackBytes, [&] {
+      length = ValueOf(extras::own_to_arrow<Array>(std::move(encoded)))->length();
+    });
+    EXPECT_EQ(length, 1);
+  }
+}
+
+TEST(StackOfOwnToArrowTable, HoldsTheDeepestColumnsAndTheirDestruction) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    hxArrayPtr encoded = Struct({{"ArrowType", Char("table")},
+                                 {"Columns", NestedEncoded(containers, kDeepest)},
+                                 {"Names", Cell({Char("deep")})}});
+    std::int64_t rows = 0;
+    OnStatedStack(kStackBytes, [&] {
+      rows = ValueOf(extras::own_to_arrow_table(std::move(encoded)))->num_rows();
+    });
+    EXPECT_EQ(rows, 1);
+  }
+}
+
+TEST(StackOfPrint, HoldsTheDeepestValues) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr value = NestedWritten(containers, kDeepest);
+    const extras::PrintOptions all = {.max_depth = 10'000, .max_lines = 100'000};
+    std::string text;
+    OnStatedStack(kStackBytes, [&] { text = extras::print(value.get(), all); });
+    EXPECT_TRUE(text.starts_with("struct 1x1\n  ArrowType: char"));
+    EXPECT_NE(text.find("Data: double 1x1 [1.5]"), std::string::npos);
+  }
+}
+
+TEST(StackOfFirstDifference, HoldsTheDeepestValues) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr value = NestedWritten(containers, kDeepest);
+    const hxArrayPtr same = NestedWritten(containers, kDeepest);
+    const hxArrayPtr deeper = NestedWritten(containers, kDeepest + containers.size());
+    std::optional<std::string> none = "";
+    std::optional<std::string> difference;
+    OnStatedStack(kStackBytes, [&] {
+      none = extras::first_difference(value.get(), same.get());
+      difference = extras::first_difference(value.get(), deeper.get());
+    });
+    EXPECT_EQ(none, std::nullopt);
+    ASSERT_NE(difference, std::nullopt);
+    EXPECT_NE(difference->find(".ArrowType: \"array\" is not \""), std::string::npos)
+        << *difference;
+  }
+}
+
+TEST(StackOfHostArrays, HoldsCopiesAndTheDestructionOfTheDeepestValues) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    hxArrayPtr value = NestedWritten(containers, kDeepest);
+    OnStatedStack(kStackBytes, [&value] {
+      hxArrayPtr copy = hxSharedCopy(value.get());
+      hxSetField(copy.get(), 0, "Type", Char("other"));
+      value.reset();
+      copy.reset();
+    });
+    EXPECT_EQ(value, nullptr);
+  }
+}
+
+TEST(StackOfReturnedType, HoldsTheDeepestTypes) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const auto type = NestedArray(containers, deepest_encoded(containers))->type();
+    bool returns = false;
+    OnStatedStack(kTypeStackBytes, [&] {
+      const auto returned = extras::returned_type(*type);
+      returns = returned && extras::returns_as(*type, **returned);
+    });
+    EXPECT_TRUE(returns);
+  }
+}
+
+TEST(StackOfTakeIn, HoldsTheDeepestValues) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const auto array = NestedArray(containers, kDeepest);
+    Status status = Status::UnknownError("");
+    OnStatedStack(kIntakeStackBytes, [&] { status = extras::take_in(array).status(); });
+    EXPECT_EQ(status, Status::OK());
+  }
+}
+
+TEST(StackOfTakeIn, HoldsTheDeepestValuesThatAreCast) {
+  for (const Containers& containers : kCastContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const auto array = NestedArray(containers, kDeepest);
+    Status status = Status::UnknownError("");
+    OnStatedStack(kIntakeStackBytes,
+                  [&] { status = extras::take_in(array, {.cast = true}).status(); });
+    EXPECT_EQ(status, Status::OK());
+  }
+}
+
+TEST(StackOfTakeIn, HoldsTheRefusalOfWhatIsDeeper) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const auto array = NestedArray(containers, 5 * kDeepest);
+    Status status;
+    OnStatedStack(kIntakeStackBytes, [&] { status = extras::take_in(array).status(); });
+    EXPECT_EQ(status, Status::Invalid("Types: found more than 1024 in one another, expected no "
+                                      "more than that."));
+  }
+}
+
+TEST(StackOfEncode, HoldsTheDeepestValues) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr value = NestedWritten(containers, deepest_encoded(containers));
+    Status status = Status::UnknownError("");
+    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    EXPECT_EQ(status, Status::OK());
+  }
+}
+
+TEST(StackOfEncode, HoldsTheDeepestValuesOfSeveralChunks) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const size_t levels = deepest_encoded(containers) - 1;
+    const hxArrayPtr value =
+        TwoChunksOfLists(NestedWritten(containers, levels), NestedWritten(containers, levels));
+    Status status = Status::UnknownError("");
+    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    EXPECT_EQ(status, Status::OK());
+  }
+}
+
+TEST(StackOfEncode, HoldsTheRefusalOfWhatIsDeeper) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr value = NestedWritten(containers, 5 * kDeepest);
+    Status status;
+    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    EXPECT_EQ(status, Status::Invalid("Nested value: found more than 1024 levels, expected at most "
+                                      "1024."));
+  }
+}
+
+}  // namespace
+}  // namespace numera::testing
