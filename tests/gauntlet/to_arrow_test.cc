@@ -14,7 +14,7 @@
 #include "tests/gauntlet/cases.h"
 #include "tests/gauntlet/host_values.h"
 #include "tests/gauntlet/model.h"
-#include "tests/gauntlet/model_to_arrow.h"
+#include "tests/gauntlet/reading/model.h"
 #include "tests/support/host_matchers.h"
 
 namespace numera::gauntlet {
@@ -27,40 +27,6 @@ constexpr size_t kLengths[] = {0, 1, 7, 8, 9, 63, 64, 65, 1000};
 constexpr Memory kHostMemories[] = {Memory::kExact, Memory::kLonger, Memory::kShortBitmap,
                                     Memory::kShortBytes};
 constexpr Shape kShapes[] = {Shape::kColumn, Shape::kRow, Shape::kPages};
-
-std::string difference(const std::shared_ptr<::arrow::Buffer>& actual, const Region& expected) {
-  if (expected.size < 0) return actual == nullptr ? "" : "a buffer where there is none";
-  if (actual == nullptr) return "no buffer";
-  if (actual->size() != expected.size) return "a size of " + std::to_string(actual->size());
-  if (expected.size > 0 && actual->data() != expected.data) return "another address";
-  return "";
-}
-
-/// Where an array is not as the model says; empty where it is.
-std::string difference(const ArrayData& actual, const ArrowModel& expected) {
-  if (!actual.type->Equals(*expected.type)) return "type " + actual.type->ToString();
-  const std::string place = expected.type->ToString() + ": ";
-  if (actual.length != expected.length) return place + "length " + std::to_string(actual.length);
-  if (actual.offset != 0) return place + "offset " + std::to_string(actual.offset);
-  if (actual.null_count != ::arrow::kUnknownNullCount && expected.buffers[0].size >= 0) {
-    return place + "null count " + std::to_string(actual.null_count);
-  }
-  if (actual.buffers.size() != expected.buffers.size()) return place + "other buffers";
-  for (size_t i = 0; i < expected.buffers.size(); ++i) {
-    const std::string found = difference(actual.buffers[i], expected.buffers[i]);
-    if (!found.empty()) return place + found + " for buffer " + std::to_string(i);
-  }
-  if (actual.child_data.size() != expected.children.size()) return place + "other children";
-  for (size_t i = 0; i < expected.children.size(); ++i) {
-    std::string found = difference(*actual.child_data[i], expected.children[i]);
-    if (!found.empty()) return found;
-  }
-  if ((actual.dictionary != nullptr) != (expected.dictionary.size() == 1)) {
-    return place + "the dictionary";
-  }
-  if (actual.dictionary == nullptr) return "";
-  return difference(*actual.dictionary, expected.dictionary[0]);
-}
 
 struct HostCase {
   const HostType* type;
@@ -117,8 +83,11 @@ void run(const HostCase& one) {
   const hxArrayPtr envelope = make_host_value(*one.type, one.length, one.making);
   const auto result = to_arrow<::arrow::Array>(envelope.get());
   ASSERT_TRUE(result.ok()) << one.name() << ": " << result.status();
-  const std::string found = difference(*(*result)->data(), model_to_arrow(envelope.get()));
-  EXPECT_EQ(found, "") << one.name();
+  const reading::Outcome found = reading::describe(**result);
+  const reading::Outcome expected = reading::expected_array(envelope.get(), 0);
+  EXPECT_TRUE(reading::same(found, expected)) << one.name() << "\nexpected:\n"
+                                              << reading::to_string(expected) << "\nfound:\n"
+                                              << reading::to_string(found);
   expect_way_back(*result, one.name());
   if (is_short(one.making.memory)) return;
   expect_bits(**result, envelope.get(), one.name());

@@ -1,0 +1,122 @@
+#include "tests/gauntlet/reading/draft.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "numera/host/memory.h"
+#include "numera/host/string_array.h"
+
+namespace numera::gauntlet::reading {
+namespace {
+
+hxArrayPtr build_numbers(const Draft& draft) {
+  if (draft.sparse) return host::memory::CreateSparseArray(draft.dims, draft.class_id);
+  const auto complexity = draft.complex ? hxComplexity::Complex : hxComplexity::Real;
+  hxArrayPtr array = hxCreateNumericArray(draft.dims, draft.class_id, complexity);
+  const size_t room = hxGetElementSize(array.get()) * draft.count();
+  const size_t size = std::min(room, draft.bytes.size());
+  if (size > 0) std::memcpy(hxGetData(array.get()), draft.bytes.data(), size);
+  return array;
+}
+
+/// Every other text is missing.
+hxArrayPtr build_strings(const Draft& draft) {
+  auto strings = hxMakeStringArray(draft.dims);
+  for (size_t i = 0; i < draft.count(); ++i) {
+    if (i % 2 == 0) {
+      strings->set(i, u"text");
+    } else {
+      strings->set_missing(i);
+    }
+  }
+  return hxCreateStringArrayFrom(std::move(strings));
+}
+
+hxArrayPtr build_fields(const Draft& draft) {
+  std::vector<const char*> names;
+  for (const std::string& field : draft.fields) names.push_back(field.c_str());
+  return draft.class_id == hxClassID::Struct
+             ? hxCreateStructArray(draft.dims, names)
+             : host::memory::CreateObjectArray(draft.object_name, draft.dims, names);
+}
+
+void fill(hxArray* container, const std::vector<DraftPtr>& slots) {
+  for (size_t i = 0; i < slots.size(); ++i) {
+    if (slots[i] != nullptr) hxSetCell(container, i, build(slots[i].get()));
+  }
+}
+
+DraftPtr draft_of(hxClassID class_id, Dims dims) {
+  auto draft = std::make_unique<Draft>();
+  draft->class_id = class_id;
+  draft->dims = std::move(dims);
+  return draft;
+}
+
+}  // namespace
+
+size_t Draft::count() const {
+  size_t elements = 1;
+  for (const size_t extent : dims) elements *= extent;
+  return elements;
+}
+
+bool Draft::is_numeric() const {
+  return class_id >= hxClassID::Double && class_id <= hxClassID::UInt64;
+}
+
+bool Draft::is_struct() const {
+  return class_id == hxClassID::Struct ||
+         (class_id == hxClassID::Object && object_name != "string");
+}
+
+DraftPtr draft_numbers(hxClassID class_id, Dims dims, Bytes bytes) {
+  DraftPtr draft = draft_of(class_id, std::move(dims));
+  draft->bytes = std::move(bytes);
+  return draft;
+}
+
+DraftPtr draft_text(std::u16string_view text) {
+  DraftPtr draft = draft_of(hxClassID::Char, {1, text.size()});
+  draft->text = text;
+  return draft;
+}
+
+DraftPtr draft_cells(std::vector<DraftPtr> cells) {
+  DraftPtr draft = draft_of(hxClassID::Cell, {1, cells.size()});
+  draft->slots = std::move(cells);
+  return draft;
+}
+
+DraftPtr draft_struct(DraftFields fields) {
+  DraftPtr draft = draft_of(hxClassID::Struct, {1, 1});
+  for (auto& [name, value] : fields) {
+    draft->fields.push_back(std::move(name));
+    draft->slots.push_back(std::move(value));
+  }
+  return draft;
+}
+
+DraftPtr draft_structs(Dims dims, std::vector<DraftPtr> elements) {
+  DraftPtr draft = draft_of(hxClassID::Struct, std::move(dims));
+  for (const DraftPtr& element : elements) {
+    draft->fields = element->fields;
+    for (DraftPtr& slot : element->slots) draft->slots.push_back(std::move(slot));
+  }
+  return draft;
+}
+
+hxArrayPtr build(const Draft* draft) {
+  if (draft == nullptr) return nullptr;
+  if (draft->class_id == hxClassID::Char) {
+    return host::memory::CreateCharArray(draft->dims, draft->text.data());
+  }
+  if (draft->is_numeric() || draft->class_id == hxClassID::Logical) return build_numbers(*draft);
+  if (draft->class_id == hxClassID::Object && !draft->is_struct()) return build_strings(*draft);
+  hxArrayPtr container =
+      draft->class_id == hxClassID::Cell ? hxCreateCellArray(draft->dims) : build_fields(*draft);
+  fill(container.get(), draft->slots);
+  return container;
+}
+
+}  // namespace numera::gauntlet::reading
