@@ -5,8 +5,8 @@
 
 namespace numera::gauntlet::reading {
 
-/// Damages nothing, one place, two places, or most fields of one struct, so that every pair of
-/// failures comes to be in one value.
+/// Damages nothing, one place, a few places, or half of what one struct or cell array holds, so
+/// that every two failures come to be in one value: which of them wins is part of the answer.
 void damage(Random& random, DraftPtr& value);
 
 }  // namespace numera::gauntlet::reading

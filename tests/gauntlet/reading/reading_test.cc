@@ -25,7 +25,7 @@ namespace {
 namespace core = io::arrow::core;
 
 constexpr std::uint64_t kSeeds = 1'000'000;
-constexpr std::uint64_t kSampledSeeds = 25'000;
+constexpr std::uint64_t kSampledSeeds = 20'000;
 
 /// A number in the environment, and `otherwise` where there is none.
 std::uint64_t from_environment(const char* name, std::uint64_t otherwise) {

@@ -10,11 +10,10 @@ constexpr Door kDoors[] = {Door::kArray, Door::kArray,  Door::kArray, Door::kEle
                            Door::kTable, Door::kBuffer, Door::kTable};
 constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
 constexpr int kDepth = 3;
-/// Values nested about as deeply as the conversions take are costly: one in so many.
-constexpr size_t kDeepOnceIn = 6000;
+/// Values nested as deeply as the conversions take are costly: one in so many.
+constexpr size_t kDeepOnceIn = 2000;
 
 DraftPtr input_of(Random& random, Door door) {
-  if (random.once_in(kDeepOnceIn)) return deep_envelope(random, 1021 + random.below(6));
   switch (door) {
     case Door::kElement:
       return any_envelopes(random, 1 + random.below(3), random.pick(kLengths), 1);
@@ -47,6 +46,9 @@ std::string Request::name() const {
 
 Request request_of(std::uint64_t seed) {
   Random random(seed);
+  if (random.once_in(kDeepOnceIn)) {
+    return {.input = build(deep_envelope(random, 1023 + random.below(3)).get())};
+  }
   Request request{.door = random.pick(kDoors)};
   DraftPtr input = input_of(random, request.door);
   damage(random, input);
