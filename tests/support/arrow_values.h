@@ -4,6 +4,7 @@
 /// Arrow values from JSON text, and their comparison.
 
 #include <arrow/array.h>
+#include <arrow/array/util.h>
 #include <arrow/chunked_array.h>
 #include <arrow/json/from_string.h>
 #include <arrow/table.h>
@@ -12,6 +13,7 @@
 
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace numera::testing {
@@ -32,16 +34,63 @@ inline std::shared_ptr<::arrow::Buffer> ArrowBuffer(const std::vector<std::uint8
   return ::arrow::Buffer::FromString(std::string(bytes.begin(), bytes.end()));
 }
 
-/// Equal in type, length, validity and values. Prints both on failure.
+inline ::arrow::ArrayVector PartsOf(const ::arrow::Array& array) {
+  switch (array.type_id()) {
+    case ::arrow::Type::STRUCT:
+      return static_cast<const ::arrow::StructArray&>(array).fields();
+    case ::arrow::Type::LIST:
+      return {static_cast<const ::arrow::ListArray&>(array).values()};
+    case ::arrow::Type::LARGE_LIST:
+      return {static_cast<const ::arrow::LargeListArray&>(array).values()};
+    case ::arrow::Type::DICTIONARY: {
+      const auto& coded = static_cast<const ::arrow::DictionaryArray&>(array);
+      return {coded.indices(), coded.dictionary()};
+    }
+    default:
+      return {};
+  }
+}
+
+/// Of the C++ class to which a caller casts an array of its type, and so are its parts.
+inline ::testing::AssertionResult HasClassOfItsType(const ::arrow::Array& array) {
+  const auto by_arrow = ::arrow::MakeArray(array.data());
+  const ::arrow::Array& expected = *by_arrow;
+  if (typeid(array) != typeid(expected)) {
+    return ::testing::AssertionFailure()
+           << "an array of type " << *array.type() << " is of class " << typeid(array).name()
+           << ", expected " << typeid(expected).name();
+  }
+  for (const auto& part : PartsOf(array)) {
+    if (const auto result = HasClassOfItsType(*part); !result) return result;
+  }
+  return ::testing::AssertionSuccess();
+}
+
+/// Equal in type, C++ class, length, validity and values. Prints both on failure.
 inline ::testing::AssertionResult SameArray(const ::arrow::Array& actual,
                                             const ::arrow::Array& expected) {
   if (!actual.type()->Equals(*expected.type(), /*check_metadata=*/true)) {
     return ::testing::AssertionFailure()
            << "types differ:\n  actual   " << *actual.type() << "\n  expected " << *expected.type();
   }
+  if (const auto result = HasClassOfItsType(actual); !result) return result;
   if (actual.Equals(expected, ::arrow::EqualOptions::Defaults().nans_equal(true))) {
     return ::testing::AssertionSuccess();
   }
+  return ::testing::AssertionFailure() << "actual:\n"
+                                       << actual.ToString() << "\nexpected:\n"
+                                       << expected.ToString();
+}
+
+/// Equal in schema and values, each chunk of the class of its type. Prints both on failure.
+inline ::testing::AssertionResult SameTable(const ::arrow::Table& actual,
+                                            const ::arrow::Table& expected) {
+  for (const auto& column : actual.columns()) {
+    for (const auto& chunk : column->chunks()) {
+      if (const auto result = HasClassOfItsType(*chunk); !result) return result;
+    }
+  }
+  if (actual.Equals(expected, /*check_metadata=*/true)) return ::testing::AssertionSuccess();
   return ::testing::AssertionFailure() << "actual:\n"
                                        << actual.ToString() << "\nexpected:\n"
                                        << expected.ToString();
