@@ -5,8 +5,10 @@
 
 #include "numera/core/limits.h"
 #include "numera/core/to_arrow.h"
+#include "numera/core/to_arrow_table.h"
 #include "numera/core/to_numera.h"
 #include "numera/core/to_numera_datatype.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -44,13 +46,13 @@ TEST(NestingToNumera, ConvertsUpToTheLimit) {
 TEST(NestingToNumera, RefusesWhatIsDeeper) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
-    EXPECT_EQ(to_numera(NestedArray(containers, 1025)).status(), kTooDeep);
+    EXPECT_EQ(ToNumeraOnlyReads(NestedArray(containers, 1025)).status(), kTooDeep);
   }
 }
 
 TEST(NestingToNumera, RefusesADeeperTypeWithoutChunks) {
   const auto type = NestedArray({kStruct, kList}, 1025)->type();
-  EXPECT_EQ(to_numera(ArrowChunks(type, {})).status(), kTooDeep);
+  EXPECT_EQ(ToNumeraOnlyReads(ArrowChunks(type, {})).status(), kTooDeep);
 }
 
 TEST(NestingToNumera, CountsAStructWithoutFieldsAsALevel) {
@@ -98,6 +100,51 @@ TEST(NestingToArrow, RefusesWhatIsDeeper) {
     for (const size_t levels : {1025U, 10'000U}) {
       const hxArrayPtr encoded = NestedEncoded(containers, levels);
       EXPECT_EQ(to_arrow<::arrow::Array>(encoded.get()).status(), kTooDeep);
+    }
+  }
+}
+
+/// A struct array of two encoded values.
+hxArrayPtr Pair(const hxArrayPtr& first, const hxArrayPtr& second) {
+  const std::vector<const char*> names = {"ArrowType", "Type", "Data", "Valid"};
+  hxArrayPtr pair = hxCreateStructArray(Dims{2, 1}, names);
+  for (const char* name : names) {
+    hxSetField(pair.get(), 0, name, hxSharedCopy(hxGetField(first.get(), 0, name)));
+    hxSetField(pair.get(), 1, name, hxSharedCopy(hxGetField(second.get(), 0, name)));
+  }
+  return pair;
+}
+
+hxArrayPtr TableOf(hxArrayPtr columns) {
+  return Struct({{"ArrowType", Char("table")},
+                 {"Columns", std::move(columns)},
+                 {"Names", Cell({1, 2}, {Char("x"), Char("y")})}});
+}
+
+TEST(NestingToArrow, CountsTheLevelsOfEveryElementAlike) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr deepest = NestedEncoded(containers, 1024);
+    const hxArrayPtr deeper = NestedEncoded(containers, 1025);
+    const hxArrayPtr taken = Pair(deepest, deepest);
+    const hxArrayPtr refused = Pair(deeper, deeper);
+    for (const size_t index : {0U, 1U}) {
+      EXPECT_EQ(to_arrow(taken.get(), index).status(), Status::OK());
+      EXPECT_EQ(to_arrow(refused.get(), index).status(), kTooDeep);
+    }
+  }
+}
+
+TEST(NestingToArrow, CountsTheLevelsOfEveryColumnAlike) {
+  for (const Containers& containers : kReadContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const hxArrayPtr deepest = NestedEncoded(containers, 1024);
+    const hxArrayPtr deeper = NestedEncoded(containers, 1025);
+    const std::pair<hxArrayPtr, Status> cases[] = {{TableOf(Pair(deepest, deepest)), Status::OK()},
+                                                   {TableOf(Pair(deeper, deepest)), kTooDeep},
+                                                   {TableOf(Pair(deepest, deeper)), kTooDeep}};
+    for (const auto& [table, status] : cases) {
+      EXPECT_EQ(to_arrow_table(table.get()).status(), status);
     }
   }
 }

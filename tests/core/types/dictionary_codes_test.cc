@@ -14,6 +14,7 @@
 
 #include "tests/support/arrow_values.h"
 #include "tests/support/encoded_texts.h"
+#include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -70,18 +71,56 @@ TYPED_TEST(CodesWithinDictionary, FindsOneStrayCodeInEveryPlace) {
   }
 }
 
-TYPED_TEST(CodesWithinDictionary, TakesNoCodesOfAnyDictionary) {
+TYPED_TEST(CodesWithinDictionary, TakesNoCodesOfAnyDictionaryAsTheyAre) {
   const std::vector<TypeParam> none;
   for (const std::int64_t length : {0, 1, 300}) {
-    EXPECT_TRUE(codes_within_dictionary(*array_of(none, dictionary_of(length))).ok());
+    SCOPED_TRACE(length);
+    const auto array = array_of(none, dictionary_of(length));
+    EXPECT_EQ(ValueOf(codes_within_dictionary(*array))->data()->buffers, array->data()->buffers);
   }
 }
 
-TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfAnEmptyDictionary) {
+TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfADictionaryWithoutElements) {
   const std::vector<TypeParam> zero{0};
+  const auto negative = dictionary_of(0)->Copy();
+  negative->length = -1;
   EXPECT_EQ(codes_within_dictionary(*array_of(zero, dictionary_of(0))).status(),
             ::arrow::Status::Invalid("Dictionary code: found 0 at slot 0, expected an index into a "
                                      "dictionary of 0 values."));
+  EXPECT_EQ(codes_within_dictionary(*array_of(zero, negative)).status(),
+            ::arrow::Status::Invalid("Dictionary code: found 0 at slot 0, expected an index into a "
+                                     "dictionary of -1 values."));
+}
+
+/// Codes from an offset on, all of them null, and the bytes of their bitmap.
+struct BitmapCase {
+  std::int64_t offset;
+  std::int64_t length;
+  size_t bytes;
+  bool covers;
+};
+constexpr BitmapCase kBitmaps[] = {{0, 8, 1, true},  {0, 9, 2, true},  {0, 16, 2, true},
+                                   {1, 7, 1, true},  {8, 8, 2, true},  {3, 8, 2, true},
+                                   {0, 9, 1, false}, {1, 8, 1, false}, {0, 17, 2, false}};
+
+TYPED_TEST(CodesWithinDictionary, AreCopiedWhereTheirBitmapEndsEarlyAndOnlyThere) {
+  for (const BitmapCase& one : kBitmaps) {
+    SCOPED_TRACE(std::to_string(one.length) + " from " + std::to_string(one.offset) + " on, " +
+                 std::to_string(one.bytes) + " bytes");
+    const std::vector<TypeParam> codes(static_cast<size_t>(one.offset + one.length), TypeParam{1});
+    auto data = array_of(codes, dictionary_of(2))->data()->Copy();
+    data->buffers[0] = ExactBuffer(std::vector<std::uint8_t>(one.bytes));
+    data->null_count = ::arrow::kUnknownNullCount;
+    data->offset = one.offset;
+    data->length = one.length;
+    const ::arrow::DictionaryArray array(data);
+
+    const auto within = ValueOf(codes_within_dictionary(array))->data();
+
+    EXPECT_EQ(within->buffers[1] == data->buffers[1], one.covers);
+    EXPECT_EQ(within->length, one.length);
+    EXPECT_EQ(within->null_count.load(), one.length - (one.covers ? 0 : 1));
+  }
 }
 
 TEST(CopyOfCodes, HasTheExtentAndTheNullsOfTheView) {

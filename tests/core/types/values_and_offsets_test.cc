@@ -1,5 +1,6 @@
 #include "numera/core/types/values_and_offsets.h"
 
+#include <arrow/memory_pool.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -149,6 +150,24 @@ TEST(NarrowOffsets, NameTheFirstThatIsTooLarge) {
   EXPECT_EQ(NarrowOffsets(offsets.get()).status(),
             Status::Invalid("Cannot construct arrow::StringArray or arrow::BinaryArray with "
                             "3000000001 offset."));
+}
+
+TEST(NarrowOffsets, TakeOneBlockOfTheirOwnSize) {
+  const auto* const pool = ::arrow::default_memory_pool();
+  for (const size_t count : {1U, 16U, 17U, 1000U, 1024U}) {
+    SCOPED_TRACE(count);
+    const hxArrayPtr offsets = Column<std::uint64_t>(std::vector<std::uint64_t>(count));
+    const std::int64_t blocks = pool->num_allocations();
+    const std::int64_t bytes = pool->total_bytes_allocated();
+
+    const auto narrow = ValueOf(NarrowOffsets(offsets.get()));
+
+    // Arrow pads every block to 64 bytes.
+    const auto padded = static_cast<std::int64_t>((count * sizeof(std::int32_t) + 63) / 64 * 64);
+    EXPECT_EQ(narrow->size(), static_cast<std::int64_t>(count * sizeof(std::int32_t)));
+    EXPECT_EQ(pool->num_allocations() - blocks, 1);
+    EXPECT_EQ(pool->total_bytes_allocated() - bytes, padded);
+  }
 }
 
 TEST(NarrowOffsets, AreNoneForNone) {
