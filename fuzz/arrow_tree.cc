@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fuzz/arrow_copies.h"
+#include "tests/support/array_nodes.h"
 
 namespace numera::fuzz {
 namespace {
@@ -184,9 +185,12 @@ std::int64_t child_length(const DataType& type, const Needs& needs, size_t index
   }
 }
 
-void forget_nulls(ArrayData& array) {
-  array.null_count = 0;
-  array.buffers[0] = nullptr;
+/// Unknown, true, or any small number.
+std::int64_t read_null_count(ByteSource& source, const ArrayData& array) {
+  const std::uint8_t drawn = source.byte();
+  if (drawn >= 248) return drawn - 248;
+  if (drawn % 2 == 0) return ::arrow::kUnknownNullCount;
+  return testing::TrueNullCount(array).value_or(::arrow::kUnknownNullCount);
 }
 
 DataPtr read_data(ByteSource& source, const TypePtr& type, std::int64_t length,
@@ -206,17 +210,20 @@ DataPtr read_data(ByteSource& source, const TypePtr& type, std::int64_t length,
     array->child_data.push_back(
         read_data(source, type->field(i)->type(), child, damage % 16 == 1 ? damage / 16 : 0));
   }
-  if (type->id() == Type::MAP) {
-    forget_nulls(*array->child_data[0]);
-    forget_nulls(*array->child_data[0]->child_data[0]);
-  }
   if (type->id() == Type::DICTIONARY) {
     array->dictionary =
         read_data(source, static_cast<const ::arrow::DictionaryType&>(*type).value_type(), 7, 0);
   }
-  const std::uint8_t nulls = source.byte();
-  if (nulls >= 248) array->null_count = nulls - 248;
+  array->null_count = read_null_count(source, *array);
   return array;
+}
+
+/// As Arrow finds it when it counts.
+bool has_no_nulls(const ArrayData& array) {
+  const std::int64_t count = array.null_count.load();
+  if (count != ::arrow::kUnknownNullCount || array.buffers[0] == nullptr) return count <= 0;
+  const bool covered = array.buffers[0]->size() * 8 >= array.offset + array.length;
+  return covered && testing::TrueNullCount(array) == 0;
 }
 
 }  // namespace
@@ -250,6 +257,18 @@ TypePtr read_arrow_type(ByteSource& source, int levels) {
     default:
       return plain_types()[source.below(plain_types().size())];
   }
+}
+
+bool is_made_by_arrow(const ArrayData& array) {
+  if (array.type->id() == Type::STRUCT) return true;
+  if (array.type->id() != Type::MAP) {
+    return std::ranges::all_of(array.child_data,
+                               [](const DataPtr& child) { return is_made_by_arrow(*child); });
+  }
+  const ArrayData& entries = *array.child_data[0];
+  return has_no_nulls(entries) && has_no_nulls(*entries.child_data[0]) &&
+         std::ranges::all_of(entries.child_data,
+                             [](const DataPtr& child) { return is_made_by_arrow(*child); });
 }
 
 DataPtr read_arrow_data(ByteSource& source, const TypePtr& type) {

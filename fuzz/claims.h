@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/array_nodes.h"
+
 namespace numera::fuzz {
 
 /// Ends the process, which is how a fuzzer reports a finding.
@@ -25,6 +27,12 @@ void claim(bool holds, std::string_view text, const Details& details) {
 
 inline void claim(bool holds, std::string_view text) {
   if (!holds) refute(text, "");
+}
+
+/// `before` are the nodes of an input, taken before the call.
+inline void claim_only_read(const testing::ArrayNodes& before) {
+  const std::string changed = before.difference();
+  claim(changed.empty(), "the input is only read", [&] { return changed; });
 }
 
 }  // namespace numera::fuzz

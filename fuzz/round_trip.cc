@@ -37,12 +37,15 @@ bool names_are_utf8(const DataType& type) {
 /// Null where a name is no text, which is the one way to fail.
 template <class Value>
 hxArrayPtr to_host(const std::shared_ptr<Value>& value, bool names_are_text) {
+  const testing::ArrayNodes before(*value);
   try {
     auto written = to_numera(value);
+    claim_only_read(before);
     claim(written.ok(), "what is fit gets to the host",
           [&] { return written.status().ToString() + "\n" + value->ToString(); });
     return std::move(written).ValueUnsafe();
   } catch (const hxCodecError& error) {
+    claim_only_read(before);
     claim(!names_are_text, "names that are text get to the host", [&] { return error.what(); });
     return nullptr;
   }

@@ -113,7 +113,7 @@ void keep_streams(const ::arrow::Table& table, const KeepSeed& keep) {
   const auto stream = (status.ok() ? sink->Finish() : status).ValueOrDie();
   for (const std::vector<std::uint8_t>& decisions :
        {std::vector<std::uint8_t>{0, 0, 0, 0, 0, 0, 0, 0},
-        std::vector<std::uint8_t>{1, 2, 1, 7, 0, 9, 0, 0}}) {
+        std::vector<std::uint8_t>{5, 2, 1, 7, 0, 9, 0, 0}}) {
     std::vector<std::uint8_t> input = decisions;
     input.insert(input.end(), stream->data(), stream->data() + stream->size());
     keep("stream", input);

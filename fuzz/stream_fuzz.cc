@@ -55,9 +55,21 @@ using TablePtr = std::shared_ptr<::arrow::Table>;
   return ::arrow::Table::FromRecordBatches(reader->schema(), batches);
 }
 
-TablePtr exact_table(const ::arrow::Table& table, size_t shift) {
+std::shared_ptr<::arrow::ChunkedArray> uncounted(const ::arrow::ChunkedArray& column) {
+  ::arrow::ArrayVector chunks;
+  for (const auto& chunk : column.chunks()) {
+    chunks.push_back(::arrow::MakeArray(testing::Uncounted(*chunk->data())));
+  }
+  return std::make_shared<::arrow::ChunkedArray>(std::move(chunks), column.type());
+}
+
+/// `counted`: with the null counts of the stream.
+TablePtr exact_table(const ::arrow::Table& table, size_t shift, bool counted) {
   ::arrow::ChunkedArrayVector columns;
-  for (const auto& column : table.columns()) columns.push_back(exact_copy(*column, shift));
+  for (const auto& column : table.columns()) {
+    const auto copy = exact_copy(*column, shift);
+    columns.push_back(counted ? copy : uncounted(*copy));
+  }
   return ::arrow::Table::Make(table.schema(), std::move(columns), table.num_rows());
 }
 
@@ -84,8 +96,9 @@ void try_input(std::span<const std::uint8_t> input) {
                                  ::arrow::default_memory_pool()->bytes_allocated() + kMostBytes);
   const auto table = read_stream(source.rest(), &pool);
   if (!table.ok()) return;
-  const size_t shift = decisions.below(4);
-  check_taken(sliced(exact_table(**table, shift), decisions), shift % 2 == 0);
+  const size_t memory = decisions.below(8);
+  const size_t shift = memory % 4;
+  check_taken(sliced(exact_table(**table, shift, memory < 4), decisions), shift % 2 == 0);
 }
 
 }  // namespace numera::fuzz

@@ -45,7 +45,9 @@ void check_same(const ::arrow::Table& taken, const ::arrow::Table& given) {
 }  // namespace
 
 void check_taken(const std::shared_ptr<::arrow::Table>& table, bool cast) {
+  const testing::ArrayNodes before(*table);
   const auto taken = extras::take_in(table, {.cast = cast});
+  claim_only_read(before);
   if (!taken.ok()) return;
   const ::arrow::Status valid = taken->value->ValidateFull();
   claim(valid.ok(), "what is taken in is valid", [&] { return valid.ToString(); });

@@ -9,8 +9,10 @@
 #include <arrow/table.h>
 #include <arrow/type.h>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "fuzz/arrow_tree.h"
 #include "fuzz/byte_source.h"
@@ -28,11 +30,28 @@ using ArrayPtr = std::shared_ptr<::arrow::Array>;
 
 /// Whatever the array, there is a status, or the host's refusal of a name.
 void convert_as_it_is(const ArrayPtr& array) {
+  const testing::ArrayNodes before(*array);
   try {
     const auto converted = io::arrow::core::to_numera(array);
     claim(!converted.ok() || *converted != nullptr, "success gives a value");
   } catch (const hxCodecError&) {
   }
+  claim_only_read(before);
+}
+
+/// The arrays, each in a struct where Arrow cannot make one of them by itself.
+::arrow::ArrayVector made(const std::vector<std::shared_ptr<::arrow::ArrayData>>& all) {
+  const bool as_they_are =
+      std::ranges::all_of(all, [](const auto& data) { return is_made_by_arrow(*data); });
+  ::arrow::ArrayVector arrays;
+  for (const auto& data : all) {
+    const auto around = [&data] {
+      const auto type = ::arrow::struct_({::arrow::field("f", data->type)});
+      return ::arrow::ArrayData::Make(type, data->length, {nullptr}, {data});
+    };
+    arrays.push_back(::arrow::MakeArray(as_they_are ? data : around()));
+  }
+  return arrays;
 }
 
 /// Chunks are joined to a column only where the intake takes them: Arrow counts their nulls then.
@@ -51,13 +70,19 @@ void try_input(std::span<const std::uint8_t> input) {
   ByteSource source(input);
   const bool cast = source.byte() % 2 == 0;
   const auto type = read_arrow_type(source, 4);
-  ::arrow::ArrayVector valid;
+  std::vector<std::shared_ptr<::arrow::ArrayData>> all;
   for (size_t count = 1 + source.below(3); count > 0; --count) {
-    const ArrayPtr array = ::arrow::MakeArray(read_arrow_data(source, type));
-    convert_as_it_is(array);
-    if (extras::take_in(array, {.cast = true}).ok()) valid.push_back(array);
+    all.push_back(read_arrow_data(source, type));
   }
-  check_column(std::move(valid), type, cast);
+  const ::arrow::ArrayVector arrays = made(all);
+  ::arrow::ArrayVector valid;
+  for (const ArrayPtr& array : arrays) {
+    convert_as_it_is(array);
+    const testing::ArrayNodes before(*array);
+    if (extras::take_in(array, {.cast = true}).ok()) valid.push_back(array);
+    claim_only_read(before);
+  }
+  check_column(std::move(valid), arrays.front()->type(), cast);
 }
 
 }  // namespace numera::fuzz
