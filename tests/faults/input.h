@@ -4,14 +4,17 @@
 /// Inputs of conversions, and what comes out of them, as text, down to the last bit.
 
 #include <arrow/api.h>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "numera/extras/inspect/inspect.h"
 #include "numera/host/array.h"
+#include "tests/support/array_nodes.h"
 #include "tests/support/faults.h"
 
 namespace numera::testing {
@@ -55,6 +58,25 @@ std::string text_of(const std::shared_ptr<ArrowValue>& value) {
 
 inline std::string text_of(const std::shared_ptr<::arrow::Buffer>& value) {
   return value->ToString();
+}
+
+/// The bytes of an Arrow value; each time it is asked, its nodes are expected to be what they are
+/// now.
+template <class ArrowValue>
+std::function<std::string()> input_of(const std::shared_ptr<ArrowValue>& value) {
+  return [value, nodes = ArrayNodes(*value)] {
+    EXPECT_EQ(nodes.difference(), "") << "the input was changed";
+    return text_of(*value);
+  };
+}
+
+/// The same column, of whose nodes nobody knows how many nulls they have.
+inline std::shared_ptr<::arrow::ChunkedArray> uncounted(const ::arrow::ChunkedArray& column) {
+  ::arrow::ArrayVector chunks;
+  for (const auto& chunk : column.chunks()) {
+    chunks.push_back(::arrow::MakeArray(Uncounted(*chunk->data())));
+  }
+  return std::make_shared<::arrow::ChunkedArray>(std::move(chunks), column.type());
 }
 
 /// `FailEverywhere` of a conversion whose result tells itself as text.
