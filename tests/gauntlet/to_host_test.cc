@@ -13,7 +13,9 @@
 #include "numera/host/memory.h"
 #include "tests/gauntlet/cases.h"
 #include "tests/gauntlet/compact.h"
+#include "tests/gauntlet/forms.h"
 #include "tests/gauntlet/model.h"
+#include "tests/support/array_nodes.h"
 #include "tests/support/host_matchers.h"
 
 namespace numera::gauntlet {
@@ -21,6 +23,7 @@ namespace {
 
 using ::arrow::ChunkedArray;
 using io::arrow::core::to_numera;
+using testing::ArrayNodes;
 using testing::SameHostValue;
 
 /// The model's value, or null where the column must be refused.
@@ -47,42 +50,64 @@ std::shared_ptr<ChunkedArray> chunked(const Column& column) {
 }
 
 void expect_same(const ::arrow::Result<hxArrayPtr>& actual, const hxArrayPtr& expected,
-                 const Case& one, const char* way) {
+                 const std::string& name) {
   if (expected == nullptr) {
     if (!actual.status().IsInvalid()) {
-      ADD_FAILURE() << one.name() << ", " << way << ": expected Invalid, got " << actual.status();
+      ADD_FAILURE() << name << ": expected Invalid, got " << actual.status();
     }
   } else if (!actual.ok()) {
-    ADD_FAILURE() << one.name() << ", " << way << ": " << actual.status();
+    ADD_FAILURE() << name << ": " << actual.status();
   } else if (const auto same = SameHostValue(actual->get(), expected.get()); !same) {
-    ADD_FAILURE() << one.name() << ", " << way << ": " << same.message();
+    ADD_FAILURE() << name << ": " << same.message();
   }
 }
 
-void run_as_it_stands(const Case& one) {
+/// Whatever comes of it, `convert` only reads the value.
+template <class Value, class Convert>
+auto read_only(const std::shared_ptr<Value>& value, const std::string& name,
+               const Convert& convert) {
+  const ArrayNodes before(*value);
+  auto result = convert(value);
+  if (const std::string changed = before.difference(); !changed.empty()) {
+    ADD_FAILURE() << name << ": the input was changed, " << changed;
+  }
+  return result;
+}
+
+template <class Value>
+void expect_to_host(const std::shared_ptr<Value>& value, const hxArrayPtr& expected,
+                    const std::string& name) {
+  expect_same(read_only(value, name, [](const auto& given) { return to_numera(given); }), expected,
+              name);
+}
+
+void run_as_it_stands(const Case& one, Form form) {
+  const std::string name = one.name() + " / " + name_of(form);
   const size_t live = host::memory::LiveArrays();
   {
-    const Column column = one.column();
+    const Column column = in_form(one.column(), form, one.memory);
     const hxArrayPtr expected = expected_of(column);
     if (column.chunks.size() == 1) {
-      expect_same(to_numera(::arrow::MakeArray(column.chunks[0])), expected, one, "one array");
+      expect_to_host(::arrow::MakeArray(column.chunks[0]), expected, name + ", one array");
     }
-    expect_same(to_numera(chunked(column)), expected, one, "chunked");
+    expect_to_host(chunked(column), expected, name + ", chunked");
   }
-  EXPECT_EQ(host::memory::LiveArrays(), live) << one.name();
+  EXPECT_EQ(host::memory::LiveArrays(), live) << name;
 }
 
 bool is_valid(const ChunkedArray& column) { return column.ValidateFull().ok(); }
 
-void run_taken_in(const Case& one) {
+void run_taken_in(const Case& one, Form form) {
+  const std::string name = one.name() + " / " + name_of(form) + ", taken in";
   const Column column = one.column();
-  const auto given = chunked(column);
-  const auto taken = extras::take_in(given);
+  const auto given = chunked(in_form(column, form, one.memory));
+  const auto taken =
+      read_only(given, name, [](const auto& value) { return extras::take_in(value); });
   if (!is_valid(*given)) {
-    EXPECT_FALSE(taken.ok()) << one.name() << ": took in what is not valid";
+    EXPECT_FALSE(taken.ok()) << name << ": took in what is not valid";
     return;
   }
-  ASSERT_TRUE(taken.ok()) << one.name() << ": " << taken.status();
+  ASSERT_TRUE(taken.ok()) << name << ": " << taken.status();
   Column compacted{column.type, {}};
   try {
     for (const auto& chunk : column.chunks) compacted.chunks.push_back(compact(*chunk));
@@ -90,9 +115,9 @@ void run_taken_in(const Case& one) {
       compacted.chunks.push_back(::arrow::MakeArrayOfNull(column.type, 0).ValueOrDie()->data());
     }
   } catch (const Refused&) {
-    FAIL() << one.name() << ": took in what ends early";
+    FAIL() << name << ": took in what ends early";
   }
-  expect_same(to_numera(taken->value), expected_of(compacted), one, "taken in");
+  expect_to_host(taken->value, expected_of(compacted), name);
 }
 
 struct Family {
@@ -105,9 +130,12 @@ void PrintTo(const Family& family, std::ostream* out) { *out << family.name; }
 
 class ToHost : public ::testing::TestWithParam<Family> {
  protected:
-  void run(const std::function<void(const Case&)>& each) {
+  void run(const std::function<void(const Case&, Form)>& each) {
     const auto subjects = GetParam().subjects();
-    EXPECT_GE(for_each_case(subjects, each), GetParam().cases / stride());
+    const auto run_forms = [&each](const Case& one) {
+      for (const Form form : forms_of(one)) each(one, form);
+    };
+    EXPECT_GE(for_each_case(subjects, run_forms), GetParam().cases / stride());
   }
 };
 
