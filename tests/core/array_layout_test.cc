@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "numera/core/to_numera.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/encoded_texts.h"
 #include "tests/support/results.h"
@@ -39,7 +40,7 @@ template <class Change>
 Status StatusOf(const std::shared_ptr<::arrow::DataType>& type, const char* json, Change change) {
   const DataPtr child = Copy(type, json);
   change(*child);
-  return to_numera(Around(type, child)).status();
+  return ToNumeraOnlyReads(Around(type, child)).status();
 }
 
 Status Refused(const char* type, const char* message) {
@@ -80,11 +81,11 @@ TEST(ArrayLayout, RefusesChildrenThatTheTypeDoesNotHave) {
   EXPECT_EQ(StatusOf(list, "[[1]]",
                      [](ArrayData& data) { data.child_data[0] = Copy(::arrow::utf8(), "[]"); }),
             Refused("list", "child 0 of type utf8, expected int8."));
-  EXPECT_EQ(to_numera(Around(::arrow::utf8(), Copy(::arrow::int8(), "[1]"))).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(Around(::arrow::utf8(), Copy(::arrow::int8(), "[1]"))).status(),
             Refused("struct", "child 0 of type int8, expected utf8."));
   const auto no_children = ::arrow::MakeArray(
       ArrayData::Make(::arrow::struct_({field("f", ::arrow::int8())}), 1, {nullptr}, 0));
-  EXPECT_EQ(to_numera(no_children).status(), Refused("struct", "0 children, expected 1."));
+  EXPECT_EQ(ToNumeraOnlyReads(no_children).status(), Refused("struct", "0 children, expected 1."));
 }
 
 TEST(ArrayLayout, RefusesAMissingDictionary) {
@@ -131,7 +132,7 @@ TEST(ArrayLayout, BoundsArraysThatAreDeeperThanTheirTypes) {
     child = ArrayData::Make(::arrow::struct_({field("f", ::arrow::struct_({}))}), 1, {nullptr},
                             {i == 0 ? Copy(::arrow::struct_({}), "[[]]") : child}, 0);
   }
-  EXPECT_EQ(to_numera(::arrow::MakeArray(child)).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(::arrow::MakeArray(child)).status(),
             Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024."));
 }
 
@@ -156,11 +157,11 @@ TEST(ArrayLayout, LeavesTypesThatAreRefusedToTheirMessage) {
   for (const auto& array : arrays) {
     const auto unsupported = Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
                                                array->type()->ToString());
-    EXPECT_EQ(to_numera(array).status(), unsupported);
-    EXPECT_EQ(to_numera(Around(array->type(), array->data())).status(), unsupported);
+    EXPECT_EQ(ToNumeraOnlyReads(array).status(), unsupported);
+    EXPECT_EQ(ToNumeraOnlyReads(Around(array->type(), array->data())).status(), unsupported);
     const auto list = std::make_shared<::arrow::ListArray>(
         ::arrow::list(array->type()), 1, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0}), array, nullptr, 0);
-    EXPECT_EQ(to_numera(Around(list->type(), list->data())).status(), unsupported);
+    EXPECT_EQ(ToNumeraOnlyReads(Around(list->type(), list->data())).status(), unsupported);
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/host/memory.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -58,7 +59,7 @@ TEST(ToNumera, WritesTheLengthOfNullColumns) {
 TEST(ToNumera, ReadsANullArrayWithoutBuffers) {
   const auto array = ::arrow::MakeArray(::arrow::ArrayData::Make(::arrow::null(), 2, {}, 2));
   EXPECT_TRUE(SameHostValue(
-      to_numera(array).ValueOrDie().get(),
+      ToNumeraOnlyReads(array).ValueOrDie().get(),
       WrittenEnvelope("array", "null", WrittenValidity(2, {0xFF}), Scalar<std::int64_t>(2)).get()));
 }
 
@@ -74,7 +75,7 @@ TEST(ToNumera, LeavesTheInputAsItIs) {
   const auto array = ArrowArray(::arrow::int32(), "[1, null, 3]");
   const std::string before = array->ToString();
   const std::int64_t bytes = ::arrow::default_memory_pool()->bytes_allocated();
-  ASSERT_TRUE(to_numera(array).ok());
+  ASSERT_TRUE(ToNumeraOnlyReads(array).ok());
   EXPECT_EQ(array->ToString(), before);
   EXPECT_EQ(::arrow::default_memory_pool()->bytes_allocated(), bytes);
   EXPECT_EQ(array.use_count(), 1);
@@ -98,7 +99,7 @@ TEST(ToNumera, CountsTheNullsOfABitmapThatIsTooShort) {
   const auto array =
       uint8s(20, ArrowBuffer(std::vector<std::uint8_t>(20, 7)), ArrowBuffer({0xFE, 0xFF}));
   EXPECT_TRUE(
-      SameHostValue(to_numera(array).ValueOrDie().get(),
+      SameHostValue(ToNumeraOnlyReads(array).ValueOrDie().get(),
                     WrittenEnvelope("array", "uint8", WrittenValidity(20, {0xFE, 0xFF, 0xFF}),
                                     Column<std::uint8_t>(std::vector<std::uint8_t>(20, 7)))
                         .get()));
@@ -125,7 +126,7 @@ TEST(ToNumera, RefusesAnExtentBelowZeroOrTooFar) {
     SCOPED_TRACE(one.message);
     for (const auto& bitmap : {std::shared_ptr<::arrow::Buffer>(), ArrowBuffer({0})}) {
       const auto array = uint8s(one.length, ArrowBuffer({1}), bitmap, -1, one.offset);
-      EXPECT_EQ(to_numera(array).status(),
+      EXPECT_EQ(ToNumeraOnlyReads(array).status(),
                 Status::Invalid("Array: found ", one.message,
                                 ", expected neither negative and their sum within 64 bits."));
     }
@@ -139,22 +140,22 @@ TEST(ToNumera, RefusesChunksThatDoNotAddUpToTheColumn) {
     return std::make_shared<::arrow::BooleanArray>(std::int64_t{1} << 62, ArrowBuffer({1, 2, 3}));
   };
   const auto eight = std::make_shared<::arrow::BooleanArray>(8, ArrowBuffer({1}));
-  EXPECT_EQ(to_numera(std::make_shared<::arrow::ChunkedArray>(
-                          ::arrow::ArrayVector{huge(), huge(), huge(), huge(), eight}))
+  EXPECT_EQ(ToNumeraOnlyReads(std::make_shared<::arrow::ChunkedArray>(
+                                  ::arrow::ArrayVector{huge(), huge(), huge(), huge(), eight}))
                 .status(),
             expected);
   for (const std::int64_t changed : {7, 16}) {
     const auto array = std::make_shared<::arrow::BooleanArray>(8, ArrowBuffer({1, 2, 3}));
     const auto column = std::make_shared<::arrow::ChunkedArray>(array);
     array->data()->length = changed;
-    EXPECT_EQ(to_numera(column).status(), expected);
+    EXPECT_EQ(ToNumeraOnlyReads(column).status(), expected);
   }
 }
 
 TEST(ToNumera, RefusesAChunkOfAnotherType) {
   const auto column = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{
       ArrowArray(::arrow::int8(), "[1]"), ArrowArray(::arrow::int64(), "[1]")});
-  EXPECT_EQ(to_numera(column).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(column).status(),
             Status::Invalid("Chunk 1: found int64, expected int8, the type of the column."));
 }
 
@@ -178,7 +179,7 @@ TEST(ToNumera, RefusesTypesThatLackATypeWithin) {
 }
 
 TEST(ToNumera, RefusesAValuesBufferThatEndsEarly) {
-  EXPECT_EQ(to_numera(uint8s(4, ArrowBuffer({1, 2}), nullptr)).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(uint8s(4, ArrowBuffer({1, 2}), nullptr)).status(),
             Status::Invalid("Values buffer: found 2 bytes, expected enough for 4 elements."));
 }
 

@@ -5,6 +5,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/encoded_texts.h"
 #include "tests/support/envelopes.h"
@@ -156,12 +157,12 @@ TEST(BinaryToHost, RefusesOffsetsThatLeaveTheirBuffers) {
       {{-1, 3}, "Element 0: found offsets -1 and 3, expected a range that rises within 3 bytes."},
       {{0, 4}, "Element 0: found offsets 0 and 4, expected a range that rises within 3 bytes."}};
   for (const auto& [offsets, message] : cases) {
-    EXPECT_EQ(to_numera(NarrowArray(::arrow::binary(), "abc", offsets)).status(),
+    EXPECT_EQ(ToNumeraOnlyReads(NarrowArray(::arrow::binary(), "abc", offsets)).status(),
               Status::Invalid(message));
-    EXPECT_EQ(
-        to_numera(LargeArray(::arrow::large_binary(), "abc", {offsets.begin(), offsets.end()}))
-            .status(),
-        Status::Invalid(message));
+    EXPECT_EQ(ToNumeraOnlyReads(
+                  LargeArray(::arrow::large_binary(), "abc", {offsets.begin(), offsets.end()}))
+                  .status(),
+              Status::Invalid(message));
   }
 }
 
@@ -169,7 +170,7 @@ TEST(BinaryToHost, RefusesAShortOffsetsBuffer) {
   const auto offsets = ExactBuffer(std::vector<std::int32_t>{0, 1, 2});
   const auto array = ArrayOfOffsets(::arrow::binary(), 3, offsets, ExactBuffer(BytesOf("abc")));
 
-  EXPECT_EQ(to_numera(array).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(array).status(),
             Status::Invalid("Offsets buffer: found 12 bytes, expected enough for 3 elements."));
 }
 
@@ -227,9 +228,9 @@ TEST(FixedSizeBinaryToHost, MakesAnEmptyCellOfNoElements) {
 }
 
 TEST(FixedSizeBinaryToHost, RefusesAShortValuesBuffer) {
-  EXPECT_EQ(to_numera(FixedWidth(2, 2, {1, 2, 3})).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(FixedWidth(2, 2, {1, 2, 3})).status(),
             Status::Invalid("Values buffer: found 3 bytes, expected enough for 2 elements."));
-  EXPECT_EQ(to_numera(FixedWidth(2, 1, {1, 2, 3}, 1)).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(FixedWidth(2, 1, {1, 2, 3}, 1)).status(),
             Status::Invalid("Values buffer: found 3 bytes, expected enough for 2 elements."));
 }
 

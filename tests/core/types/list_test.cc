@@ -8,6 +8,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -265,7 +266,7 @@ TEST(ListToHost, RefusesOffsetsThatEndEarly) {
                  {std::numeric_limits<std::int64_t>::max(), 0, two,
                   "found 8 bytes, expected enough for 9223372036854775807 elements."}};
   for (const auto& [length, offset, offsets, message] : cases) {
-    EXPECT_EQ(to_numera(RawList(length, offset, offsets)).status(),
+    EXPECT_EQ(ToNumeraOnlyReads(RawList(length, offset, offsets)).status(),
               Status::Invalid("Offsets buffer: ", message));
   }
 }
@@ -278,7 +279,7 @@ TEST(ListToHost, ReadsOffsetsAtAnyAddress) {
 
 TEST(ListToHost, ReturnsTheFailureOfItsValues) {
   const auto lists = ArrowArray(::arrow::list(::arrow::decimal128(3, 1)), R"([["1.5"]])");
-  EXPECT_EQ(to_numera(lists).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(lists).status(),
             Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: decimal128(3, 1)"));
 }
 

@@ -12,6 +12,7 @@
 
 #include "numera/core/to_numera.h"
 #include "numera/core/types/categorical.h"
+#include "tests/core/only_read.h"
 #include "tests/core/types/dictionary_columns.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
@@ -32,8 +33,8 @@ TEST(DictionaryToHost, RefusesValuesThatAreNoText) {
        "Invalid dictionary value type: timestamp[s, tz=UTC]"}};
   for (const auto& [value_type, message] : cases) {
     const auto type = ::arrow::dictionary(::arrow::int8(), value_type);
-    EXPECT_EQ(to_numera(ArrowChunks(type, {})).status(), Status::Invalid(message));
-    EXPECT_EQ(to_numera(Dictionary(type, "[]", "[]")).status(), Status::Invalid(message));
+    EXPECT_EQ(ToNumeraOnlyReads(ArrowChunks(type, {})).status(), Status::Invalid(message));
+    EXPECT_EQ(ToNumeraOnlyReads(Dictionary(type, "[]", "[]")).status(), Status::Invalid(message));
   }
 }
 
@@ -71,7 +72,7 @@ TEST(DictionaryToHost, RefusesACodeOutsideOfTheDictionaryAmongSeveralChunks) {
     const auto type = ::arrow::dictionary(c.index_type, ::arrow::utf8());
     const auto column =
         Chunks({Dictionary(type, "[0]", R"(["a"])"), Dictionary(type, c.codes, R"(["a", "b"])")});
-    EXPECT_EQ(to_numera(column).status(), Status::Invalid(c.message));
+    EXPECT_EQ(ToNumeraOnlyReads(column).status(), Status::Invalid(c.message));
   }
 }
 
@@ -80,7 +81,7 @@ TEST(DictionaryToHost, DoesNotMergeDictionariesWithNulls) {
   const auto column =
       Chunks({Dictionary(type, "[0]", R"(["a"])"), Dictionary(type, "[0]", R"(["a", null])")});
 
-  EXPECT_EQ(to_numera(column).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(column).status(),
             Status::Invalid("Cannot yet unify dictionaries with nulls"));
 }
 
@@ -89,7 +90,7 @@ TEST(DictionaryToHost, ReportsTheRowOfACategoryThatIsNoText) {
   const auto chunk = std::make_shared<::arrow::DictionaryArray>(
       type, ArrowArray(::arrow::int8(), "[0]"), NarrowArray(::arrow::utf8(), "a\xFF", {0, 1, 2}));
 
-  EXPECT_EQ(to_numera(std::shared_ptr<::arrow::Array>(chunk)).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(std::shared_ptr<::arrow::Array>(chunk)).status(),
             Status::Invalid("Could not convert string in row 1 to UTF-16 string.\n"));
 }
 
@@ -131,8 +132,8 @@ TEST(DictionaryToHost, RefusesADictionaryThatIsNotWhatItsTypeSays) {
     const auto chunk = WithDictionary(dictionary);
     const auto good =
         Dictionary(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), "[0]", R"(["a"])");
-    EXPECT_EQ(to_numera(chunk).status(), Status::Invalid(message));
-    EXPECT_EQ(to_numera(Chunks({good, chunk})).status(), Status::Invalid(message));
+    EXPECT_EQ(ToNumeraOnlyReads(chunk).status(), Status::Invalid(message));
+    EXPECT_EQ(ToNumeraOnlyReads(Chunks({good, chunk})).status(), Status::Invalid(message));
   }
 }
 
@@ -145,8 +146,8 @@ TEST(DictionaryToHost, RefusesShortCodes) {
   const Status expected =
       Status::Invalid("Values buffer: found 1 bytes, expected enough for 2 elements.");
 
-  EXPECT_EQ(to_numera(short_codes).status(), expected);
-  EXPECT_EQ(to_numera(Chunks({chunk, short_codes})).status(), expected);
+  EXPECT_EQ(ToNumeraOnlyReads(short_codes).status(), expected);
+  EXPECT_EQ(ToNumeraOnlyReads(Chunks({chunk, short_codes})).status(), expected);
 }
 
 TEST(DictionaryToHost, ReadsNoFurtherThanAShortBitmapGoes) {

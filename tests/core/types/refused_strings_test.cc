@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "numera/core/to_numera.h"
+#include "tests/core/only_read.h"
 #include "tests/core/types/string_columns.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/encoded_texts.h"
@@ -42,7 +43,7 @@ TEST(TextToHost, RefusesInvalidUtf8ByRow) {
   for (const auto& type : kTextTypes) {
     for (const Case& c : cases) {
       SCOPED_TRACE(type->ToString() + ": " + c.trace);
-      EXPECT_EQ(to_numera(Texts(type, c.bytes, c.offsets)).status(), RowFailure(c.row));
+      EXPECT_EQ(ToNumeraOnlyReads(Texts(type, c.bytes, c.offsets)).status(), RowFailure(c.row));
     }
   }
 }
@@ -52,14 +53,15 @@ TEST(TextToHost, CountsTheRowWithinItsChunk) {
     SCOPED_TRACE(type->ToString());
     const auto column = std::make_shared<::arrow::ChunkedArray>(
         ::arrow::ArrayVector{Texts(type, "abc", {0, 1, 2, 3}), Texts(type, "\xFFz", {0, 1, 2})});
-    EXPECT_EQ(to_numera(column).status(), RowFailure(0));
+    EXPECT_EQ(ToNumeraOnlyReads(column).status(), RowFailure(0));
   }
 }
 
 TEST(TextToHost, CountsTheRowWithinASlice) {
   for (const auto& type : kTextTypes) {
     SCOPED_TRACE(type->ToString());
-    EXPECT_EQ(to_numera(Texts(type, "abc\xFF", {0, 1, 2, 3, 4})->Slice(2)).status(), RowFailure(1));
+    EXPECT_EQ(ToNumeraOnlyReads(Texts(type, "abc\xFF", {0, 1, 2, 3, 4})->Slice(2)).status(),
+              RowFailure(1));
   }
 }
 
@@ -68,7 +70,7 @@ TEST(TextToHost, RefusesInvalidUtf8UnderANull) {
   data->buffers[0] = ArrowBuffer({0b01});
   data->null_count = 1;
 
-  EXPECT_EQ(to_numera(::arrow::MakeArray(data)).status(), RowFailure(1));
+  EXPECT_EQ(ToNumeraOnlyReads(::arrow::MakeArray(data)).status(), RowFailure(1));
 }
 
 TEST(TextToHost, RefusesOffsetsThatLeaveTheirBuffers) {
@@ -105,7 +107,7 @@ TEST(TextToHost, RefusesOffsetsThatLeaveTheirBuffers) {
        "Offsets buffer: found 8 bytes, expected enough for 4611686018427387904 elements."}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.trace);
-    EXPECT_EQ(to_numera(c.array).status(), Status::Invalid(c.message));
+    EXPECT_EQ(ToNumeraOnlyReads(c.array).status(), Status::Invalid(c.message));
   }
 }
 
@@ -118,7 +120,7 @@ TEST(TextToHost, RefusesLargeOffsetsThatLeaveTheirBuffers) {
        "Element 0: found offsets 0 and 4611686018427387904, expected a range that rises within 4 "
        "bytes."}};
   for (const auto& [offsets, message] : cases) {
-    EXPECT_EQ(to_numera(LargeArray(::arrow::large_utf8(), "abcd", offsets)).status(),
+    EXPECT_EQ(ToNumeraOnlyReads(LargeArray(::arrow::large_utf8(), "abcd", offsets)).status(),
               Status::Invalid(message));
   }
 }

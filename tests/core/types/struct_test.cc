@@ -7,6 +7,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -298,7 +299,7 @@ TEST(StructToHost, LetsTheCodecReportANameThatIsNotUtf8) {
 TEST(StructToHost, ReturnsTheFailureOfAChild) {
   const auto type =
       ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float16())});
-  EXPECT_EQ(to_numera(ArrowArray(type, "[]")).status(),
+  EXPECT_EQ(ToNumeraOnlyReads(ArrowArray(type, "[]")).status(),
             Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: halffloat"));
 }
 
@@ -309,7 +310,7 @@ TEST(StructToHost, RefusesAChildThatEndsBeforeItsStruct) {
   for (const auto& [length, offset] : extents) {
     const auto structs = ::arrow::MakeArray(
         ::arrow::ArrayData::Make(type, length, {nullptr}, {child->data()}, 0, offset));
-    EXPECT_EQ(to_numera(structs).status(),
+    EXPECT_EQ(ToNumeraOnlyReads(structs).status(),
               Status::Invalid("Array of type struct: found child 0 of length 3, expected at least "
                               "4."));
   }
