@@ -28,13 +28,14 @@ using io::arrow::core::util::TableErrorStatusDetail;
 
 hxArrayPtr numbers() { return Column<double>({1, 2}); }
 
-/// A table of the columns "a" and "b" with these fields of "b".
+/// A table of the columns "a" and "b" with this "b".
 hxArrayPtr table(hxArrayPtr data, hxArrayPtr valid, hxArrayPtr kind = Char("array"),
-                 hxArrayPtr names = Cell({1, 2}, {Char("a"), Char("b")})) {
+                 hxArrayPtr names = Cell({1, 2}, {Char("a"), Char("b")}),
+                 const char* type = "double") {
   hxArrayPtr columns =
       StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
                   {{Char("array"), Char("double"), numbers(), BufferEnvelope({})},
-                   {std::move(kind), Char("double"), std::move(data), std::move(valid)}});
+                   {std::move(kind), Char(type), std::move(data), std::move(valid)}});
   return Struct(
       {{"ArrowType", Char("table")}, {"Names", std::move(names)}, {"Columns", std::move(columns)}});
 }
@@ -103,6 +104,14 @@ const BadColumn kBadColumns[] = {
      "TypeError"},
     {"short bitmap",
      [] { return table(Column<double>(std::vector<double>(9)), BufferEnvelope({1})); }, "Internal"},
+    {"negative length",
+     [] {
+       hxArrayPtr no_offsets = Struct(
+           {{"Values", Column<std::uint8_t>({})}, {"StartOffsets", Column<std::uint64_t>({})}});
+       return table(std::move(no_offsets), BufferEnvelope({1}), Char("array"),
+                    Cell({1, 2}, {Char("a"), Char("b")}), "string");
+     },
+     "Internal"},
 };
 
 TEST_F(OwnTable, NamesTheColumnThatFailsAndKeepsItsStatus) {
