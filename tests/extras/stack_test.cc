@@ -57,22 +57,15 @@ constexpr Container kDictionary = {"dictionary", ArrowDictionary, nullptr, nullp
 constexpr Container kRuns = {"run-end encoded", ArrowRuns, nullptr, nullptr};
 
 const std::vector<Containers> kCastContainers = {
-    {kFixedSizeList}, {kListView},   {kDictionary},        {kDictionary, kStruct},
-    {kRuns, kList},   {kRuns, kMap}, {kDictionary, kList}, {kDictionary, kMap}};
+    {kFixedSizeList}, {kListView}, {kDictionary, kStruct}, {kRuns, kMap}};
 
-/// A map is two levels where it is encoded.
+/// How many containers may lie in one another where they are encoded: a map is two levels.
 size_t deepest_encoded(const Containers& containers) {
-  size_t levels = 0;
-  size_t containers_of_levels = 0;
-  const auto next_levels = [&] {
-    const Container& next = containers[containers_of_levels % containers.size()];
-    return next.name == kMap.name ? size_t{2} : size_t{1};
-  };
-  while (levels + next_levels() <= kDeepest) {
-    levels += next_levels();
-    ++containers_of_levels;
+  size_t count = 0;
+  for (size_t levels = 0; levels <= kDeepest; ++count) {
+    levels += containers[count % containers.size()].arrow == ArrowMap ? 2U : 1U;
   }
-  return containers_of_levels;
+  return count - 1;
 }
 
 /// Lists of two chunks, each a list around one such value.

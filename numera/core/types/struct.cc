@@ -61,7 +61,7 @@ struct StructParts {
   const std::int64_t length = parts.children.empty() ? -1 : parts.children[0]->length;
   const auto fits = [length](const DataPtr& child) { return child->length == length; };
   if (length < 0 || !std::ranges::all_of(parts.children, fits)) return refuse_children(parts);
-  structs = ::arrow::ArrayData::Make(::arrow::struct_(std::move(parts.fields)), length,
+  structs = ::arrow::ArrayData::Make(::arrow::struct_(parts.fields), length,
                                      {std::move(parts.validity)}, std::move(parts.children));
   return ::arrow::Status::OK();
 }
