@@ -46,7 +46,7 @@ Leaf leaf(const TypePtr& type, T first, T bad, T third) {
 std::vector<Leaf> leaves() {
   using namespace ::arrow;  // NOLINT(google-build-using-namespace)
   return {
-      leaf<std::int64_t>(date64(), 86'400'000, 86'400'001, -86'400'000),
+      leaf<std::int64_t>(date64(), 86'400'000, 129'600'000, -86'400'000),
       leaf<std::int32_t>(time32(TimeUnit::SECOND), 86'399, 86'400, 1),
       leaf<std::int32_t>(time32(TimeUnit::MILLI), 86'399'999, -1, 1),
       leaf<std::int64_t>(time64(TimeUnit::MICRO), 86'399'999'999, 86'400'000'000, 1),
@@ -78,6 +78,11 @@ DataPtr lists_of(const DataPtr& child, const std::vector<std::int32_t>& offsets,
 
 const Around kArounds[] = {
     {"null struct", [](const DataPtr& leaf) { return struct_of(leaf, {0b1101}); }},
+    {"null struct of two fields",
+     [](const DataPtr& leaf) {
+       return ArrayData::Make(::arrow::struct_({field("a", leaf->type), field("b", leaf->type)}), 4,
+                              {ArrowBuffer({0b1101})}, {leaf, leaf});
+     }},
     {"field without null in a null struct",
      [](const DataPtr& leaf) { return struct_of(struct_of(leaf, {0b1111}), {0b1101}); }},
     {"null struct in a struct",
@@ -140,6 +145,13 @@ const Around kArounds[] = {
        return ArrayData::Make(::arrow::list_view(leaf->type), 3,
                               {ArrowBuffer({0b101}), ExactBuffer<std::int32_t>({2, 0, 2}),
                                ExactBuffer<std::int32_t>({1, 4, 2})},
+                              {leaf});
+     }},
+    {"element between list views",
+     [](const DataPtr& leaf) {
+       return ArrayData::Make(::arrow::list_view(leaf->type), 3,
+                              {ArrowBuffer({0b111}), ExactBuffer<std::int32_t>({0, 2, 0}),
+                               ExactBuffer<std::int32_t>({1, 2, 1})},
                               {leaf});
      }},
     {"null large list view",
@@ -251,6 +263,13 @@ TEST(IntakeBehindNulls, KeepsOneDictionaryForTheChunksThatShareIt) {
   const auto fit = take_in(column).ValueOrDie().value;
   EXPECT_EQ(fit->chunk(0)->data()->child_data[1]->dictionary,
             fit->chunk(1)->data()->child_data[1]->dictionary);
+}
+
+TEST(IntakeBehindNulls, RefusesMoreListsThanThereAreOffsets) {
+  const auto lists = lists_of(leaves()[0].bad, {0, 1, 2, 4}, 0b101)->Copy();
+  lists->buffers[0] = nullptr;
+  lists->length = std::int64_t{1} << 59;
+  EXPECT_EQ(take_in(::arrow::MakeArray(lists)).status().code(), ::arrow::StatusCode::Invalid);
 }
 
 /// A few bytes can stand for more elements than memory can count.

@@ -60,6 +60,10 @@ std::vector<Row> rows() {
       {"map of no struct", std::make_shared<MapType>(field("entries", int8())), lacks("", "map")},
       {"map of one field", std::make_shared<MapType>(field("e", struct_({field("key", int8())}))),
        lacks("", "map")},
+      {"map of a union",
+       std::make_shared<MapType>(
+           field("e", dense_union({field("key", int8()), field("value", int8())}))),
+       lacks("", "map")},
       {"dictionary", dictionary(int8(), kNone), lacks("", "dictionary")},
       {"runs", run_end_encoded(int32(), kNone), lacks("", "run_end_encoded")},
       {"extension", std::make_shared<Wrapped>(kNone), lacks("", "extension")},
