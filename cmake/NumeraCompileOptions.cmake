@@ -19,6 +19,8 @@ endfunction()
 
 # numera_compile_options(TARGET): what every target of the project is compiled with.
 function(numera_compile_options target)
+  set_target_properties(${target} PROPERTIES
+    UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
   if(NUMERA_DEVELOPER_WARNINGS)
     target_compile_options(${target} PRIVATE
       -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wsign-compare -Wshadow
@@ -45,6 +47,12 @@ function(numera_precompile target)
   if(NUMERA_PRECOMPILE)
     target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
+endfunction()
+
+# numera_compile_apart(SOURCE...): sources of this folder that repeat a name of another one of their
+# target, so that the presets which compile sources in batches compile them alone.
+function(numera_compile_apart)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
 
 # numera_export_library(NAME): makes the shared library numera_NAME, which has its sources already,
