@@ -18,23 +18,22 @@ inline constexpr int kMaxNestingLevels = 1024;
 /// builds need more: a sanitizer makes every frame larger.
 /// @{
 
-/// `to_arrow` (308 bytes a level), `to_arrow_table`, `to_numera`, `to_numera_datatype`,
+/// `to_arrow` (308 bytes per level), `to_arrow_table`, `to_numera` (432), `to_numera_datatype`,
 /// `own_to_arrow`, `own_to_arrow_table`, `print`, `first_difference`, `hxSharedCopy` and writes to
 /// shared host arrays, whether they succeed or fail, and the destruction of what they give: Arrow
-/// arrays and types (208 bytes a level) and arrays of the in-memory host (none).
+/// arrays and types (208 bytes per level) and arrays of the in-memory host (none).
 ///
-/// `to_numera` needs `kTypeStackBytes` in the two cases named there.
+/// `to_numera` needs `kTypeStackBytes` where it refuses a type.
 inline constexpr std::size_t kStackBytes = std::size_t{512} << 10;
 
-/// `to_numera` of a type that is refused, which Arrow spells out in the message, and of chunks that
-/// do not share one type object, which Arrow compares (1,216 bytes a level); `returned_type` and
-/// `returns_as`.
+/// `to_numera` where its message shows a type, which Arrow spells out (1,216 bytes per level);
+/// `returned_type` and `returns_as`.
 inline constexpr std::size_t kTypeStackBytes = std::size_t{1536} << 10;
 
-/// `take_in`, which calls Arrow's full validation (2,016 bytes a level, of maps).
+/// `take_in`, which calls Arrow's full validation (2,016 bytes per level, of maps).
 inline constexpr std::size_t kIntakeStackBytes = std::size_t{2304} << 10;
 
-/// `encode`, which goes down the value and calls Arrow's full validation (2,048 bytes a level, of
+/// `encode`, which goes down the value and calls Arrow's full validation (2,048 bytes per level, of
 /// structs).
 inline constexpr std::size_t kEncodeStackBytes = std::size_t{2304} << 10;
 /// @}

@@ -131,7 +131,8 @@ TEST(CountNulls, OfASliceFollowFromThoseOfTheArrayWhereTheyCan) {
   const auto bitmap = ArrowBuffer({0b0110});
   const std::pair<std::int64_t, std::int64_t> cases[] = {{0, 0}, {4, 2}, {2, 1}, {-1, 1}};
   for (const auto& [stored, nulls] : cases) {
-    const auto array = data_of(4, {bitmap, nullptr}, stored);
+    const auto array = data_of(4, {bitmap, nullptr}, -1);
+    array->null_count = stored;
     ArrayView slice(*array);
     slice.offset = 2;
     slice.length = 2;
@@ -166,6 +167,12 @@ TEST(CheckChunks, ShowsBothTypesInFullWhereTheyDiffer) {
   EXPECT_EQ(check_chunks(::arrow::ChunkedArray({chunk}, ::arrow::list(::arrow::int8()))),
             Status::Invalid("Chunk 0: found list<item: int16>, expected list<item: int8>, the type "
                             "of the column."));
+  const auto field = ::arrow::field("a", ::arrow::int8());
+  EXPECT_EQ(
+      check_chunks(::arrow::ChunkedArray({ArrowArray(::arrow::struct_({field, field}), "[]")},
+                                         ::arrow::struct_({field}))),
+      Status::Invalid("Chunk 0: found struct<a: int8, a: int8>, expected struct<a: int8>, the "
+                      "type of the column."));
   EXPECT_EQ(check_chunks(
                 ::arrow::ChunkedArray({ArrowArray(::arrow::utf8(), "[]")}, ::arrow::struct_({}))),
             Status::Invalid("Chunk 0: found string, expected struct<>, the type of the column."));

@@ -144,13 +144,13 @@ TEST(StackOfToNumera, HoldsAFailureOfTheInnermostValue) {
   }
 }
 
-TEST(StackOfToNumera, IsStatedApartForChunksWhoseTypesAreComparedByArrow) {
+TEST(StackOfToNumera, HoldsTheDeepestChunksWithTypesOfTheirOwn) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
     const auto column =
         Chunks({NestedArray(containers, kDeepest), NestedArray(containers, kDeepest)});
     Status status = Status::UnknownError("");
-    OnStatedStack(kTypeStackBytes, [&] { status = to_numera(column).status(); });
+    OnStatedStack(kStackBytes, [&] { status = to_numera(column).status(); });
     EXPECT_EQ(status, Status::OK());
   }
 }

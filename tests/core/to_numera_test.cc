@@ -1,6 +1,7 @@
 #include "numera/core/to_numera.h"
 
 #include <arrow/array/array_primitive.h>
+#include <arrow/extension_type.h>
 #include <arrow/memory_pool.h>
 #include <gtest/gtest.h>
 
@@ -19,6 +20,22 @@ namespace {
 
 using namespace numera::testing;
 using ::arrow::Status;
+
+/// An extension type that does not say how its values are stored.
+class WithoutStorage final : public ::arrow::ExtensionType {
+ public:
+  WithoutStorage() : ExtensionType(nullptr) {}
+  std::string extension_name() const override { return "without storage"; }
+  bool ExtensionEquals(const ExtensionType& other) const override { return this == &other; }
+  std::shared_ptr<::arrow::Array> MakeArray(std::shared_ptr<::arrow::ArrayData>) const override {
+    return nullptr;
+  }
+  ::arrow::Result<std::shared_ptr<::arrow::DataType>> Deserialize(
+      std::shared_ptr<::arrow::DataType>, const std::string&) const override {
+    return Status::NotImplemented("without storage");
+  }
+  std::string Serialize() const override { return ""; }
+};
 
 std::shared_ptr<::arrow::Array> uint8s(std::int64_t length, std::shared_ptr<::arrow::Buffer> bytes,
                                        std::shared_ptr<::arrow::Buffer> validity,
@@ -159,6 +176,22 @@ TEST(ToNumera, RefusesAChunkOfAnotherType) {
             Status::Invalid("Chunk 1: found int64, expected int8, the type of the column."));
 }
 
+const char kNoType[] =
+    "Type: found a null pointer, expected a type, with the types of all its fields and values.";
+
+TEST(ToNumera, RefusesChunksAndChildrenWhoseTypesLackATypeWithin) {
+  const auto list = ::arrow::list(::arrow::int8());
+  const auto bad = ::arrow::list(std::shared_ptr<::arrow::DataType>());
+  const auto column = std::make_shared<::arrow::ChunkedArray>(ArrowArray(list, "[[1]]"));
+  column->chunk(0)->data()->type = bad;
+  EXPECT_EQ(to_numera(column).status(), Status::Invalid(kNoType)) << "the chunk";
+  const auto child = ArrowArray(list, "[[1]]")->data()->Copy();
+  child->type = bad;
+  const auto nested = ::arrow::MakeArray(::arrow::ArrayData::Make(
+      ::arrow::struct_({::arrow::field("f", list)}), 1, {nullptr}, {child}, 0));
+  EXPECT_EQ(to_numera(nested).status(), Status::Invalid(kNoType)) << "the child";
+}
+
 TEST(ToNumera, RefusesTypesThatLackATypeWithin) {
   const std::shared_ptr<::arrow::DataType> none;
   const std::shared_ptr<::arrow::DataType> types[] = {
@@ -168,12 +201,12 @@ TEST(ToNumera, RefusesTypesThatLackATypeWithin) {
       ::arrow::struct_({::arrow::field("a", none)}),
       ::arrow::map(::arrow::utf8(), none),
       ::arrow::fixed_size_list(none, 2),
-      ::arrow::dictionary(::arrow::int8(), none)};
+      ::arrow::dictionary(::arrow::int8(), none),
+      ::arrow::list(std::make_shared<WithoutStorage>())};
   for (size_t i = 0; i < std::size(types); ++i) {
     const ::arrow::ArrayVector no_chunks;
     EXPECT_EQ(to_numera(std::make_shared<::arrow::ChunkedArray>(no_chunks, types[i])).status(),
-              Status::Invalid("Type: found a null pointer, expected a type, with the types of all "
-                              "its fields and values."))
+              Status::Invalid(kNoType))
         << "type " << i;
   }
 }

@@ -151,6 +151,14 @@ TEST(FillHostStrings, NamesTheRowThatAHostDidNotTell) {
   }
 }
 
+TEST(FillHostStrings, SetsElementsFromTheStartGivenWhereTheCallForAllThrows) {
+  const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b"])");
+  ThrowingStrings strings(4);
+  EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 1),
+            Status::OK());
+  EXPECT_THAT(strings.texts(), ::testing::ElementsAre(u"", u"a", u"b", u""));
+}
+
 TEST(FillHostStrings, NamesTheRowThatIsNoTextWhereAHostDidNotTell) {
   const auto array = Texts(::arrow::utf8(), "ab\xFF", {0, 1, 2, 3});
   ThrowingStrings strings(3);
