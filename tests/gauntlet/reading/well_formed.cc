@@ -1,6 +1,7 @@
 #include "tests/gauntlet/reading/well_formed.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace numera::gauntlet::reading {
@@ -65,10 +66,12 @@ DraftPtr text_data(Random& random, size_t length) {
   return draft_struct(std::move(fields));
 }
 
+/// A length is cut toward zero, and may be negative.
 DraftPtr logical_data(Random& random, size_t length) {
+  const double whole = static_cast<double>(length);
   DraftPtr data = any_buffer(random, bytes_of_bits(length));
   data->fields.emplace_back("Length");
-  data->slots.push_back(scalar(static_cast<double>(length) + (random.once_in(2) ? 0.75 : 0)));
+  data->slots.push_back(scalar(random.pick(std::array{whole, whole + 0.75, whole, -whole - 0.75})));
   return data;
 }
 
