@@ -49,6 +49,14 @@ function(numera_precompile target)
   endif()
 endfunction()
 
+# numera_precompile_for_tests(TARGET): the headers that most tests include, precompiled once for all
+# that are compiled in the same way.
+function(numera_precompile_for_tests target)
+  if(NUMERA_PRECOMPILE)
+    target_precompile_headers(${target} REUSE_FROM numera_test_support)
+  endif()
+endfunction()
+
 # numera_compile_apart(SOURCE...): sources of this folder that repeat a name of another one of their
 # target, so that the presets which compile sources in batches compile them alone.
 function(numera_compile_apart)
