@@ -83,7 +83,8 @@ struct Intake {
 /// column where one chunk has too many bytes or elements for them.
 ///
 /// Errors, all of which begin with the path where it is not empty:
-/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a null
+/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a
+/// null
 ///   pointer, expected a value." ("Column", "Table")
 /// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
