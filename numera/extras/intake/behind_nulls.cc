@@ -60,28 +60,28 @@ Shown elements_of(const ::arrow::ArrayData& lists, const Shown& slots, RangeOf r
   return elements;
 }
 
-using Range = std::pair<std::int64_t, std::int64_t>;
+using ElementRange = std::pair<std::int64_t, std::int64_t>;
 
 template <class Offset>
 Shown elements_of_lists(const ::arrow::ArrayData& lists, const Shown& slots) {
   return elements_of(lists, slots, [&](std::int64_t i) {
     const std::int64_t begin = load<Offset>(*lists.buffers[1], i);
     const std::int64_t end = load<Offset>(*lists.buffers[1], i + 1);
-    return begin < 0 || end < begin ? Range(0, 0) : Range(begin, end - begin);
+    return begin < 0 || end < begin ? ElementRange(0, 0) : ElementRange(begin, end - begin);
   });
 }
 
 template <class Offset>
 Shown elements_of_views(const ::arrow::ArrayData& views, const Shown& slots) {
   return elements_of(views, slots, [&](std::int64_t i) {
-    return Range(load<Offset>(*views.buffers[1], i), load<Offset>(*views.buffers[2], i));
+    return ElementRange(load<Offset>(*views.buffers[1], i), load<Offset>(*views.buffers[2], i));
   });
 }
 
 Shown elements_of_fixed_size(const ::arrow::ArrayData& lists, const ::arrow::DataType& type,
                              const Shown& slots) {
   const std::int64_t size = static_cast<const ::arrow::FixedSizeListType&>(type).list_size();
-  return elements_of(lists, slots, [size](std::int64_t i) { return Range(i * size, size); });
+  return elements_of(lists, slots, [size](std::int64_t i) { return ElementRange(i * size, size); });
 }
 
 /// The elements of the one child of a list, or all where there are no offsets to go by.
