@@ -3,8 +3,9 @@
 /// \file
 /// Arrow arrays, chunked arrays, buffers and tables to host arrays.
 ///
-/// Everything is copied into new host arrays, which the caller owns; the input is only read. On
-/// failure, by status or by exception, every host array made so far is destroyed.
+/// Everything is copied into new host arrays, which the caller owns. The input is only read; a null
+/// count that was unknown may be known afterwards, as Arrow's own functions keep it. On failure, by
+/// status or by exception, every host array made so far is destroyed.
 ///
 /// Threads: any number of threads may convert at a time, the same input too. A call works on the
 /// calling thread alone; numera/extras/parallel/ spreads the columns of a table over several.
@@ -42,12 +43,17 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// - a type that has no host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
 /// - types nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more than 1024
 ///   levels, expected at most 1024."
+/// - a type that is null, or that lacks the type of a field or of dictionary values: Invalid "Type:
+///   found a null pointer, expected a type, with the types of all its fields and values."
 /// - text that is not UTF-8, or that the host cannot store: Invalid "Could not convert string in
 ///   row R to UTF-16 string.\n", R counted from 0 in each chunk
 /// - dictionaries of anything but text: Invalid "Invalid dictionary value type: T"
-/// - chunks that are not what their column says, buffers that end before their elements do, codes
-///   outside of their dictionary: Invalid that says what was found and what was expected, such as
-///   "Values buffer: found 8 bytes, expected enough for 2 elements."
+/// - memory of another device: Invalid "Buffer: found bytes that cannot be read here, expected main
+///   memory."
+/// - chunks that are not what their column says (structs may differ in the names, nullability and
+///   metadata of their fields; each chunk is written with its own names), buffers that end before
+///   their elements do, codes outside of their dictionary: Invalid that says what was found and
+///   what was expected, such as "Values buffer: found 8 bytes, expected enough for 2 elements."
 /// - dictionaries that cannot be merged: Arrow's status
 /// - memory ends: the host's `std::bad_alloc`
 ///
