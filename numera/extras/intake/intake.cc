@@ -56,6 +56,12 @@ std::string to_string(const IntakeCast& cast) {
 ::arrow::Result<Intake<::arrow::Table>> take_in(const std::shared_ptr<::arrow::Table>& table,
                                                 const IntakeOptions& options) {
   if (table == nullptr) return null_pointer("Table");
+  if (table->schema() == nullptr) return null_pointer("Schema");
+  const size_t columns_found = table->columns().size();
+  if (std::cmp_not_equal(columns_found, table->num_columns())) {
+    return ::arrow::Status::Invalid("Table: found ", columns_found, " columns, expected ",
+                                    table->num_columns(), ", one for each field of the schema.");
+  }
   Intake<::arrow::Table> result;
   ::arrow::FieldVector fields;
   ::arrow::ChunkedArrayVector columns;

@@ -113,6 +113,16 @@ TEST(IntakeRefusals, NameThePath) {
   }
 }
 
+TEST(IntakeRefusals, MeetTablesThatAreNotWhatTheirSchemaSays) {
+  const auto schema = ::arrow::schema({field("a", int8()), field("b", int8())});
+  const auto column = std::make_shared<::arrow::ChunkedArray>(ArrowArray(int8(), "[1]"));
+  EXPECT_EQ(take_in(::arrow::Table::Make(nullptr, {column}, 1)).status(),
+            Status::Invalid("Schema: found a null pointer, expected a value."));
+  EXPECT_EQ(
+      take_in(::arrow::Table::Make(schema, {column}, 1)).status(),
+      Status::Invalid("Table: found 1 columns, expected 2, one for each field of the schema."));
+}
+
 TEST(IntakeRefusals, CarryTheColumnOfATable) {
   const auto bad = ArrowArray(::arrow::float16(), "[1]");
   const auto table =
