@@ -31,8 +31,8 @@ Folder contents_of(const std::string& path) {
 
 /// Starts the program in the hands of this process; 0 where the system does not let it.
 pid_t start_traced(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), NUMERA_PROGRAM);
-  std::vector<char*> pointers;
+  std::string program = NUMERA_PROGRAM;
+  std::vector<char*> pointers = {program.data()};
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   const pid_t process = ::fork();
