@@ -33,6 +33,13 @@ void open_as(int descriptor, const std::string& path, int flags) {
   if (file < 0 || ::dup2(file, descriptor) < 0) ::_exit(126);
 }
 
+/// The program and its arguments.
+std::vector<std::string> command(const std::vector<std::string>& arguments) {
+  std::vector<std::string> texts = {NUMERA_PROGRAM};
+  for (const std::string& argument : arguments) texts.push_back(argument);
+  return texts;
+}
+
 std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) pointers.push_back(text.data());
@@ -63,10 +70,10 @@ void PrintTo(const Outcome& run, std::ostream* stream) {
           << run.errors;
 }
 
-RunningProgram::RunningProgram(std::vector<std::string> arguments, const RunOptions& options)
+RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const RunOptions& options)
     : out_(options.out.empty() ? folder_.path("out") : options.out) {
-  arguments.insert(arguments.begin(), NUMERA_PROGRAM);
-  const std::vector<char*> pointers = pointers_to(arguments);
+  std::vector<std::string> texts = command(arguments);
+  const std::vector<char*> pointers = pointers_to(texts);
   constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
   process_ = ::fork();
   throw_where_failed(process_ < 0, "fork");
@@ -105,8 +112,7 @@ Outcome run_program(const std::vector<std::string>& arguments, const RunOptions&
 }
 
 std::string run_on_terminal(const std::vector<std::string>& arguments) {
-  std::vector<std::string> texts = arguments;
-  texts.insert(texts.begin(), NUMERA_PROGRAM);
+  std::vector<std::string> texts = command(arguments);
   const std::vector<char*> pointers = pointers_to(texts);
   int terminal = -1;
   const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);

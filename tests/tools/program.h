@@ -39,7 +39,8 @@ struct RunOptions {
 class RunningProgram {
  public:
   /// Throws where it cannot be started.
-  explicit RunningProgram(std::vector<std::string> arguments, const RunOptions& options = {});
+  explicit RunningProgram(const std::vector<std::string>& arguments,
+                          const RunOptions& options = {});
   ~RunningProgram();
   RunningProgram(const RunningProgram&) = delete;
   RunningProgram& operator=(const RunningProgram&) = delete;
