@@ -35,8 +35,8 @@ ArrayDataPtr imported(const ArrayDataPtr& chunk) {
 }
 
 void add_bitmaps(ArrayData& array) {
-  const auto& first = array.type->layout().buffers[0];
-  const bool may_have_one = first.kind == ::arrow::DataTypeLayout::BITMAP;
+  const ::arrow::DataTypeLayout layout = array.type->layout();
+  const bool may_have_one = layout.buffers[0].kind == ::arrow::DataTypeLayout::BITMAP;
   if (may_have_one && array.buffers[0] == nullptr) {
     Bytes bits(static_cast<size_t>((array.offset + array.length + 7) / 8), 0xFF);
     array.buffers[0] = make_buffer(std::move(bits), Part::kBitmap, Memory::kExact, false);
