@@ -45,7 +45,7 @@ std::int64_t count_zeros(std::span<const std::uint8_t> bits, const ArrayView& vi
 }
 
 /// Whether one type differs from the other at most in the names, the nullability and the metadata
-/// of its fields: both lie in memory alike.
+/// of its fields, and in whether the keys of maps are sorted: both lie in memory alike.
 bool is_laid_out_like(const DataType& type, const DataType& other) {
   if (&type == &other) return true;
   if (type.id() != other.id() || type.num_fields() != other.num_fields()) return false;

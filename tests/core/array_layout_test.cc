@@ -13,6 +13,7 @@
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/encoded_texts.h"
+#include "tests/support/host_matchers.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -86,6 +87,17 @@ TEST(ArrayLayout, RefusesChildrenThatTheTypeDoesNotHave) {
   const auto no_children = ::arrow::MakeArray(
       ArrayData::Make(::arrow::struct_({field("f", ::arrow::int8())}), 1, {nullptr}, 0));
   EXPECT_EQ(ToNumeraOnlyReads(no_children).status(), Refused("struct", "0 children, expected 1."));
+}
+
+TEST(ArrayLayout, LooksAtNoChildrenOfAStructWithoutFields) {
+  const auto type = ::arrow::struct_({});
+  const auto with_child = ::arrow::MakeArray(ArrayData::Make(type, 1, {nullptr}, 0));
+  with_child->data()->child_data = {nullptr};
+
+  const hxArrayPtr encoded = ValueOf(to_numera(with_child));
+
+  const hxArrayPtr expected = ValueOf(to_numera(ArrowArray(type, "[[]]")));
+  EXPECT_TRUE(SameHostValue(encoded.get(), expected.get()));
 }
 
 TEST(ArrayLayout, RefusesAMissingDictionary) {

@@ -91,7 +91,7 @@ struct StructParts {
 ::arrow::Result<hxArrayPtr> StructToHost(const ColumnView& chunked) {
   const auto write = [](hxArray* data, size_t index, const ArrayView& chunk) {
     hxArrayPtr names = write_field_names(*chunk.data->type);
-    const size_t count = chunk.data->child_data.size();
+    const auto count = static_cast<size_t>(chunk.data->type->num_fields());
     hxArrayPtr children = make_cell(1, count);
     for (size_t i = 0; i < count; ++i) {
       ARROW_RETURN_NOT_OK(store_child({children.get(), i}, chunk.struct_child(i)));
