@@ -91,7 +91,10 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   const ArrayData& entries = *map.child_data[0];
   ARROW_ASSIGN_OR_RAISE(const std::int64_t null_entries, count_nulls(entries));
   if (null_entries != 0) return messages::wrong_layout(type, "entries that may be null", "none");
-  if (entries.child_data.empty()) return Status::OK();
+  if (entries.child_data.size() != 2) {
+    return messages::wrong_layout(
+        type, "entries of " + std::to_string(entries.child_data.size()) + " children", "2");
+  }
   ARROW_ASSIGN_OR_RAISE(const std::int64_t null_keys, count_nulls(*entries.child_data[0]));
   if (null_keys != 0) return messages::wrong_layout(type, "keys that may be null", "none");
   return Status::OK();

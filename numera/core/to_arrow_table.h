@@ -40,8 +40,7 @@ NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(
 ///
 /// Errors:
 /// - a negative length with a bitmap: Invalid "Array: found offset 0 and length -1, expected
-/// neither
-///   negative and their sum within 64 bits."
+///   neither negative and their sum within 64 bits."
 /// - a bitmap that is too short: Invalid as above
 ///
 /// Cost: O(1).

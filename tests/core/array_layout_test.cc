@@ -100,6 +100,18 @@ TEST(ArrayLayout, LooksAtNoChildrenOfAStructWithoutFields) {
   EXPECT_TRUE(SameHostValue(encoded.get(), expected.get()));
 }
 
+TEST(ArrayLayout, RefusesMapsWhoseEntriesAreNoPairs) {
+  const auto map = ::arrow::map(::arrow::int8(), ::arrow::int8());
+  const auto one_field = ::arrow::struct_({field("key", ::arrow::int8())});
+  EXPECT_EQ(
+      StatusOf(map, "[[[1, 2]]]",
+               [](ArrayData& data) { data.child_data[0] = Copy(::arrow::struct_({}), "[[]]"); }),
+      Refused("map", "entries of 0 children, expected 2."));
+  EXPECT_EQ(StatusOf(map, "[[[1, 2]]]",
+                     [&](ArrayData& data) { data.child_data[0] = Copy(one_field, "[[1]]"); }),
+            Refused("map", "entries of 1 children, expected 2."));
+}
+
 TEST(ArrayLayout, RefusesAMissingDictionary) {
   EXPECT_EQ(StatusOf(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), R"(["a"])",
                      [](ArrayData& data) { data.dictionary = nullptr; }),
