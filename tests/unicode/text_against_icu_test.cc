@@ -22,6 +22,13 @@ namespace {
 using namespace numera::testing;
 using core::FillHostStrings;
 
+/// What takes minutes without optimization is run whole in release builds alone.
+#ifdef NDEBUG
+constexpr unsigned kSampledEvery = 1;
+#else
+constexpr unsigned kSampledEvery = 61;
+#endif
+
 using MaybeUtf16 = std::optional<std::u16string>;
 using MaybeUtf8 = std::optional<std::string>;
 
@@ -96,9 +103,9 @@ TEST(Utf8AgainstIcu, AgreesOnEveryTextOfTwoBytes) {
   EXPECT_EQ(comparison.differences(), "");
 }
 
-TEST(Utf8AgainstIcu, AgreesOnEveryTextOfThreeBytes) {
+TEST(Utf8AgainstIcu, AgreesOnTextsOfThreeBytes) {
   Utf8Comparison comparison;
-  for (unsigned value = 0; value < 0x1000000; ++value) {
+  for (unsigned value = 0; value < 0x1000000; value += kSampledEvery) {
     const char text[] = {static_cast<char>(value >> 16), static_cast<char>(value >> 8),
                          static_cast<char>(value)};
     comparison.check({text, 3});
@@ -150,10 +157,10 @@ class RandomTexts {
   std::mt19937_64 random_;
 };
 
-TEST(Utf8AgainstIcu, AgreesOnAMillionRandomTexts) {
+TEST(Utf8AgainstIcu, AgreesOnRandomTexts) {
   Utf8Comparison comparison;
   RandomTexts random(1);
-  for (int i = 0; i < 1'000'000; ++i) comparison.check(random.utf8());
+  for (unsigned i = 0; i < 1'000'000; i += kSampledEvery) comparison.check(random.utf8());
   EXPECT_EQ(comparison.differences(), "");
 }
 
@@ -305,9 +312,9 @@ TEST(Utf16AgainstIcu, RefusesEverySurrogateAlone) {
   }
 }
 
-TEST(Utf16AgainstIcu, AgreesOnAMillionRandomTexts) {
+TEST(Utf16AgainstIcu, AgreesOnRandomTexts) {
   RandomTexts random(3);
-  for (int i = 0; i < 1'000'000; ++i) {
+  for (unsigned i = 0; i < 1'000'000; i += kSampledEvery) {
     const std::vector<std::u16string> texts = {random.utf16()};
     ASSERT_TRUE(Gateway(texts) == IcuGateway(texts)) << i;
   }
