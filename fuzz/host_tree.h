@@ -15,9 +15,8 @@
 namespace numera::fuzz {
 
 struct HostTree {
-  hxArrayPtr root;           ///< may be null
-  bool has_sparse = false;   ///< `first_difference` finds no two sparse arrays equal
-  bool has_odd_nan = false;  ///< a NaN whose bits a literal does not keep
+  hxArrayPtr root;          ///< may be null
+  bool has_sparse = false;  ///< `first_difference` finds no two sparse arrays equal
 };
 
 /// A value of at most a few thousand arrays and slots, and of at most a few hundred thousand

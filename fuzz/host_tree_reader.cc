@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -151,17 +149,6 @@ class Reader {
     }
   }
 
-  template <class Float, class Bits>
-  void fill_floats(Float* elements, size_t count) {
-    fill(elements, count);
-    for (size_t i = 0; i < count; ++i) {
-      const bool odd = std::isnan(elements[i]) &&
-                       std::bit_cast<Bits>(elements[i]) !=
-                           std::bit_cast<Bits>(std::numeric_limits<Float>::quiet_NaN());
-      tree_.has_odd_nan = tree_.has_odd_nan || odd;
-    }
-  }
-
   hxArrayPtr read_numbers(hxComplexity complexity) {
     const hxClassID class_id = read_class();
     hxArrayPtr array = hxCreateNumericArray(read_dims(), class_id, complexity);
@@ -169,9 +156,9 @@ class Reader {
     const size_t count = hxGetNumberOfElements(array.get()) * parts;
     void* const elements = hxGetData(array.get());
     if (class_id == hxClassID::Double) {
-      fill_floats<double, std::uint64_t>(static_cast<double*>(elements), count);
+      fill(static_cast<double*>(elements), count);
     } else if (class_id == hxClassID::Single) {
-      fill_floats<float, std::uint32_t>(static_cast<float*>(elements), count);
+      fill(static_cast<float*>(elements), count);
     } else {
       switch (hxGetElementSize(array.get()) / parts) {
         case 1:

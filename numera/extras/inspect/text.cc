@@ -1,7 +1,6 @@
 #include "numera/extras/inspect/text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
 
 #include "numera/host/text_codec.h"
@@ -19,27 +18,6 @@ size_t character_length(std::u16string_view text) {
   return pair ? 2 : 1;
 }
 
-void append_byte(std::string& out, std::uint32_t byte) { out += static_cast<char>(byte); }
-
-void append_code_point(std::string& out, std::uint32_t point) {
-  if (point < 0x80) {
-    append_byte(out, point);
-    return;
-  }
-  if (point < 0x800) {
-    append_byte(out, 0xC0 | (point >> 6));
-  } else {
-    if (point < 0x10000) {
-      append_byte(out, 0xE0 | (point >> 12));
-    } else {
-      append_byte(out, 0xF0 | (point >> 18));
-      append_byte(out, 0x80 | ((point >> 12) & 0x3F));
-    }
-    append_byte(out, 0x80 | ((point >> 6) & 0x3F));
-  }
-  append_byte(out, 0x80 | (point & 0x3F));
-}
-
 void append_hexadecimal(std::string& out, unsigned value, int digits) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += kDigits[(value >> shift) & 0xF];
@@ -48,20 +26,19 @@ void append_hexadecimal(std::string& out, unsigned value, int digits) {
 // Appends one character as it stands between quotes.
 void append_character(std::string& out, std::u16string_view character) {
   const char16_t unit = character[0];
-  if (character.size() == 2) {
-    append_code_point(out, 0x10000 + ((unit & 0x3FFu) << 10) + (character[1] & 0x3FFu));
-  } else if (unit == u'"' || unit == u'\\') {
-    out += '\\';
-    append_code_point(out, unit);
+  const bool lone_surrogate =
+      character.size() == 1 && (is_high_surrogate(unit) || is_low_surrogate(unit));
+  if (unit == u'"' || unit == u'\\') {
+    out += {'\\', static_cast<char>(unit)};
   } else if (unit == u'\n') {
     out += "\\n";
   } else if (unit == u'\t') {
     out += "\\t";
-  } else if (is_control(unit) || is_high_surrogate(unit) || is_low_surrogate(unit)) {
+  } else if (is_control(unit) || lone_surrogate) {
     out += "\\u";
     append_hexadecimal(out, unit, 4);
   } else {
-    append_code_point(out, unit);
+    out += hxUTF16ToUTF8("UTF-8").convert(character.data(), character.size());
   }
 }
 

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "numera/extras/inspect/inspect.h"
-#include "numera/extras/inspect/literal.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
 
@@ -275,7 +274,6 @@ hxArrayPtr namesakes(int levels) {
 TEST(FirstDifference, SecondFieldsOfOneNameAreNotRead) {
   EXPECT_EQ(first_difference(namesakes(64).get(), namesakes(64).get()), std::nullopt);
   EXPECT_EQ(extras::print(namesakes(1).get()), "struct 1x1\n  a: double 1x1 [1]\n  a: <empty>");
-  EXPECT_EQ(extras::literal(namesakes(1).get()), "struct(a=double 1x1 [1], a=<empty>)");
 }
 
 }  // namespace
