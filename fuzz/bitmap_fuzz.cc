@@ -8,7 +8,7 @@
 #include "fuzz/byte_source.h"
 #include "fuzz/claims.h"
 #include "fuzz/fuzzer.h"
-#include "numera/core/bitmap.h"
+#include "numera/format/bitmap.h"
 #include "tests/support/bitmap_model.h"
 
 namespace numera::fuzz {
@@ -44,7 +44,7 @@ Case draw(ByteSource& source) {
 
 void check_one_copy(const Case& drawn) {
   Bytes copied = drawn.target;
-  const std::int64_t bits = io::arrow::core::copy_bitmap(
+  const std::int64_t bits = format::copy_bitmap(
       drawn.source, static_cast<std::int64_t>(drawn.length),
       {copied, static_cast<std::int64_t>(drawn.position), static_cast<std::int64_t>(drawn.total)});
   const size_t there = drawn.target.empty() ? 0 : std::min(drawn.length, 8 * drawn.source.size());
@@ -65,7 +65,7 @@ void check_chunks(const Case& drawn, ByteSource& source) {
   const std::uint8_t fill = source.below(2) == 0 ? 0x00 : 0xFF;
   Bytes written(drawn.total / 8 + (drawn.total % 8 != 0), source.byte());
   Bytes expected(written.size(), fill);
-  io::arrow::core::BitmapWriter writer(written, static_cast<std::int64_t>(drawn.total), fill);
+  format::BitmapWriter writer(written, static_cast<std::int64_t>(drawn.total), fill);
   for (size_t start = 0; start < drawn.total;) {
     const size_t length = std::min(drawn.total - start, size_t{source.byte()} + 1);
     const size_t size = std::min(drawn.source.size(), source.below(40));

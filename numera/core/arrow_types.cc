@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <iterator>
 
-#include "numera/core/host_values.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/binary.h"
@@ -18,6 +17,9 @@
 #include "numera/core/types/string.h"
 #include "numera/core/types/struct.h"
 #include "numera/core/types/timestamp.h"
+#include "numera/format/names.h"
+#include "numera/format/number_classes.h"
+#include "numera/format/values.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -26,51 +28,64 @@ using ::arrow::Type;
 
 /// The null type has no values: its "Data" is the number of its elements.
 ::arrow::Result<hxArrayPtr> null_to_numera(const ColumnView& column) {
-  return make_int64(column.length());
+  return format::make_int64(column.length());
 }
 
-constexpr ArrowTypeRow refused(Type::type id) { return {id, u"array", nullptr, nullptr, nullptr}; }
+/// Types whose values are numbers of a host class.
+template <class T>
+constexpr ArrowTypeRow number(Type::type id = format::kNumberClass<T>.arrow_type) {
+  const char* const name = format::kNumberClass<T>.name;
+  return {id, format::kArrayKind, name, name, numeric_to_numera<T>};
+}
+
+constexpr ArrowTypeRow refused(Type::type id) {
+  return {id, format::kArrayKind, nullptr, nullptr, nullptr};
+}
 
 constexpr ArrowTypeRow kRows[] = {
-    {Type::NA, u"array", u"null", "double", null_to_numera},
-    {Type::BOOL, u"array", u"logical", "logical", logical_to_numera},
-    {Type::UINT8, u"array", u"uint8", "uint8", numeric_to_numera<std::uint8_t>},
-    {Type::INT8, u"array", u"int8", "int8", numeric_to_numera<std::int8_t>},
-    {Type::UINT16, u"array", u"uint16", "uint16", numeric_to_numera<std::uint16_t>},
-    {Type::INT16, u"array", u"int16", "int16", numeric_to_numera<std::int16_t>},
-    {Type::UINT32, u"array", u"uint32", "uint32", numeric_to_numera<std::uint32_t>},
-    {Type::INT32, u"array", u"int32", "int32", numeric_to_numera<std::int32_t>},
-    {Type::UINT64, u"array", u"uint64", "uint64", numeric_to_numera<std::uint64_t>},
-    {Type::INT64, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
+    {Type::NA, format::kArrayKind, format::kNullType, "double", null_to_numera},
+    {Type::BOOL, format::kArrayKind, format::kLogicalType, "logical", logical_to_numera},
+    number<std::uint8_t>(),
+    number<std::int8_t>(),
+    number<std::uint16_t>(),
+    number<std::int16_t>(),
+    number<std::uint32_t>(),
+    number<std::int32_t>(),
+    number<std::uint64_t>(),
+    number<std::int64_t>(),
     refused(Type::HALF_FLOAT),
-    {Type::FLOAT, u"array", u"single", "single", numeric_to_numera<float>},
-    {Type::DOUBLE, u"array", u"double", "double", numeric_to_numera<double>},
-    {Type::STRING, u"array", u"string", "string", ChunkedStringArrayToHost<::arrow::StringArray>},
-    {Type::BINARY, u"array", u"binary_array", "cell", BinaryChunksToHost<::arrow::BinaryArray>},
-    {Type::FIXED_SIZE_BINARY, u"array", u"fixed_binary_array", "cell", FixedSizeBinaryChunksToHost},
-    {Type::DATE32, u"array", u"datetime", "datetime", date_to_numera},
-    {Type::DATE64, u"array", u"datetime", "datetime", date_to_numera},
-    {Type::TIMESTAMP, u"array", u"datetime", "datetime", timestamp_to_numera},
-    {Type::TIME32, u"array", u"duration", "duration", time_to_numera},
-    {Type::TIME64, u"array", u"duration", "duration", time_to_numera},
+    number<float>(),
+    number<double>(),
+    {Type::STRING, format::kArrayKind, format::kStringType, "string",
+     ChunkedStringArrayToHost<::arrow::StringArray>},
+    {Type::BINARY, format::kArrayKind, format::kBinaryType, "cell",
+     BinaryChunksToHost<::arrow::BinaryArray>},
+    {Type::FIXED_SIZE_BINARY, format::kArrayKind, format::kFixedBinaryType, "cell",
+     FixedSizeBinaryChunksToHost},
+    {Type::DATE32, format::kArrayKind, format::kDatetimeType, "datetime", date_to_numera},
+    {Type::DATE64, format::kArrayKind, format::kDatetimeType, "datetime", date_to_numera},
+    {Type::TIMESTAMP, format::kArrayKind, format::kDatetimeType, "datetime", timestamp_to_numera},
+    {Type::TIME32, format::kArrayKind, format::kDurationType, "duration", time_to_numera},
+    {Type::TIME64, format::kArrayKind, format::kDurationType, "duration", time_to_numera},
     refused(Type::INTERVAL_MONTHS),
     refused(Type::INTERVAL_DAY_TIME),
     refused(Type::DECIMAL128),
     refused(Type::DECIMAL256),
-    {Type::LIST, u"list_array", u"list_array", "cell", ListToHost},
-    {Type::STRUCT, u"struct", u"struct", "table", StructToHost},
+    {Type::LIST, format::kListKind, format::kListType, "cell", ListToHost},
+    {Type::STRUCT, format::kStructKind, format::kStructType, "table", StructToHost},
     refused(Type::SPARSE_UNION),
     refused(Type::DENSE_UNION),
-    {Type::DICTIONARY, u"array", u"categorical", "categorical", DictionaryToHost},
-    {Type::MAP, u"map", u"map", "cell", MapToHost},
+    {Type::DICTIONARY, format::kArrayKind, format::kCategoricalType, "categorical",
+     DictionaryToHost},
+    {Type::MAP, format::kMapKind, format::kMapType, "cell", MapToHost},
     refused(Type::EXTENSION),
     refused(Type::FIXED_SIZE_LIST),
-    {Type::DURATION, u"array", u"int64", "int64", numeric_to_numera<std::int64_t>},
-    {Type::LARGE_STRING, u"array", u"string", "string",
+    number<std::int64_t>(Type::DURATION),
+    {Type::LARGE_STRING, format::kArrayKind, format::kStringType, "string",
      ChunkedStringArrayToHost<::arrow::LargeStringArray>},
-    {Type::LARGE_BINARY, u"array", u"binary_array", "cell",
+    {Type::LARGE_BINARY, format::kArrayKind, format::kBinaryType, "cell",
      BinaryChunksToHost<::arrow::LargeBinaryArray>},
-    {Type::LARGE_LIST, u"list_array", u"large_list_array", "cell", ListToHost},
+    {Type::LARGE_LIST, format::kListKind, format::kLargeListType, "cell", ListToHost},
     refused(Type::INTERVAL_MONTH_DAY_NANO),
     refused(Type::RUN_END_ENCODED),
     refused(Type::STRING_VIEW),

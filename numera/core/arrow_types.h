@@ -9,10 +9,10 @@ namespace numera::io::arrow::core {
 /// What depends on an Arrow type, towards the host.
 struct ArrowTypeRow {
   ::arrow::Type::type id;
-  const char16_t* kind;          ///< "ArrowType" of the envelope
-  const char16_t* encoded_name;  ///< "Type" of the envelope; null where the type is refused
-  const char* class_name;        ///< host class of a value; null where there is none
-  Writer writer;                 ///< null where the type is refused
+  const char* kind;          ///< "ArrowType" of the envelope
+  const char* encoded_name;  ///< "Type" of the envelope; null where the type is refused
+  const char* class_name;    ///< host class of a value; null where there is none
+  Writer writer;             ///< null where the type is refused
 };
 
 /// The row of a type; every id has one.

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "numera/core/bitmap.h"
 #include "numera/core/messages.h"
+#include "numera/format/bitmap.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -33,7 +33,7 @@ std::int64_t known_null_count(const ArrayView& view) {
 bool bitmap_covers(std::span<const std::uint8_t> bits, const ArrayView& view) {
   const auto& buffers = view.data->buffers;
   return buffers.empty() || buffers[0] == nullptr ||
-         std::cmp_less_equal(bitmap_bytes(view.offset + view.length), bits.size());
+         std::cmp_less_equal(format::bitmap_bytes(view.offset + view.length), bits.size());
 }
 
 /// Zeros among the bits of the view, as far as `bits` go.

@@ -6,18 +6,18 @@
 #include <utility>
 
 #include "numera/core/dispatch.h"
-#include "numera/core/host_values.h"
 #include "numera/core/messages.h"
 #include "numera/core/util/table_error.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 hxArrayPtr field_names(const ::arrow::Schema& schema) {
-  hxArrayPtr names = make_cell(1, static_cast<size_t>(schema.num_fields()));
+  hxArrayPtr names = format::make_cell(1, static_cast<size_t>(schema.num_fields()));
   size_t i = 0;
   for (const auto& field : schema.fields()) {
-    hxSetCell(names.get(), i++, make_char_row_from_utf8(field->name()));
+    hxSetCell(names.get(), i++, format::make_char_row_from_utf8(field->name()));
   }
   return names;
 }
@@ -41,12 +41,12 @@ hxArrayPtr field_names(const ::arrow::Schema& schema) {
   if (std::cmp_not_equal(count, schema.num_fields())) {
     return messages::wrong_column_count(static_cast<std::int64_t>(count), schema.num_fields());
   }
-  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Columns", "Names"});
-  hxSetField(envelope.get(), 0, "ArrowType", make_char_row(u"table"));
-  hxSetField(envelope.get(), 0, "Names", field_names(schema));
-  hxArrayPtr columns = make_struct(count, {"ArrowType", "Type", "Data", "Valid"});
+  hxArrayPtr envelope = format::make_struct(1, format::kTable);
+  hxSetField(envelope.get(), 0, format::kArrowType, format::make_word(format::kTableKind));
+  hxSetField(envelope.get(), 0, format::kNames, field_names(schema));
+  hxArrayPtr columns = format::make_struct(count, format::kTableColumns);
   EncodedTable encoded{std::move(envelope), columns.get()};
-  hxSetField(encoded.envelope.get(), 0, "Columns", std::move(columns));
+  hxSetField(encoded.envelope.get(), 0, format::kColumns, std::move(columns));
   return encoded;
 }
 

@@ -2,28 +2,10 @@
 
 #include <arrow/type.h>
 
-#include <string>
-
 #include "numera/core/limits.h"
+#include "numera/format/values.h"
 
 namespace numera::io::arrow::core::messages {
-namespace {
-
-/// "a complex 2-by-3 double array", "no value".
-std::string describe(const hxArray* value) {
-  if (value == nullptr) return "no value";
-  std::string text = "a ";
-  if (hxIsComplex(value)) text += "complex ";
-  if (hxIsSparse(value)) text += "sparse ";
-  const char* by = "";
-  for (const size_t extent : hxGetDimensions(value)) {
-    text += by + std::to_string(extent);
-    by = "-by-";
-  }
-  return text + " " + hxGetClassName(value) + " array";
-}
-
-}  // namespace
 
 ::arrow::Status not_plain(std::string_view field, const hxArray* found) {
   return wrong_value(field, found, "a real array that is not sparse");
@@ -31,8 +13,8 @@ std::string describe(const hxArray* value) {
 
 ::arrow::Status wrong_value(std::string_view field, const hxArray* found,
                             std::string_view expected) {
-  return ::arrow::Status::TypeError("Field '", field, "': found ", describe(found), ", expected ",
-                                    expected, ".");
+  return ::arrow::Status::TypeError("Field '", field, "': found ", format::describe(found),
+                                    ", expected ", expected, ".");
 }
 
 ::arrow::Status no_elements(std::string_view field, std::string_view expected) {

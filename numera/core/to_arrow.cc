@@ -20,6 +20,8 @@
 #include "numera/core/types/struct.h"
 #include "numera/core/types/timestamp.h"
 #include "numera/core/util/text.h"
+#include "numera/format/names.h"
+#include "numera/format/values.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -33,19 +35,19 @@ struct NamedReader {
 
 /// The readers of struct "Data" by type name: the one place that knows them.
 constexpr NamedReader kReaders[] = {
-    {"string", MakeLargeStringArray},
-    {"char", MakeLargeStringArray},  // the same under another name
-    {"categorical", categorical_to_arrow},
-    {"logical", logical_to_arrow},
-    {"datetime", datetime_to_arrow},
-    {"duration", duration_to_arrow},
-    {"binary_array", MakeLargeBinaryArray},
+    {format::kStringType, MakeLargeStringArray},
+    {format::kCharType, MakeLargeStringArray},  // the same under another name
+    {format::kCategoricalType, categorical_to_arrow},
+    {format::kLogicalType, logical_to_arrow},
+    {format::kDatetimeType, datetime_to_arrow},
+    {format::kDurationType, duration_to_arrow},
+    {format::kBinaryType, MakeLargeBinaryArray},
 };
 
 ArrayResult data_to_arrow(const hxArray* data, const std::string& type_name,
                           std::shared_ptr<::arrow::Buffer> validity) {
   if (data != nullptr && hxIsNumeric(data)) return numeric_to_arrow(data, std::move(validity));
-  if (is_struct(data)) {
+  if (format::is_struct(data)) {
     for (const NamedReader& row : kReaders) {
       if (type_name == row.type_name) return row.reader(data, std::move(validity));
     }
@@ -66,24 +68,24 @@ struct Kind {
 
 /// Every kind of envelope. "array" is not nested and takes no level of its own.
 constexpr Kind kKinds[] = {
-    {"list_array", ListToArrow},
-    {"struct", StructToArrow},
-    {"array", nullptr},
+    {format::kListKind, ListToArrow},
+    {format::kStructKind, StructToArrow},
+    {format::kArrayKind, nullptr},
 };
 
 EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
-  return {.arrow_type = hxGetFieldChecked(encoded, index, "ArrowType"),
-          .type = hxGetFieldChecked(encoded, index, "Type"),
-          .data = hxGetFieldChecked(encoded, index, "Data"),
-          .valid = hxGetFieldChecked(encoded, index, "Valid")};
+  return {.arrow_type = hxGetFieldChecked(encoded, index, format::kArrowType),
+          .type = hxGetFieldChecked(encoded, index, format::kType),
+          .data = hxGetFieldChecked(encoded, index, format::kData),
+          .valid = hxGetFieldChecked(encoded, index, format::kValid)};
 }
 
 /// Of several failures the first is returned.
 ::arrow::Status check_classes(const EnvelopeFields& fields) {
-  ARROW_RETURN_NOT_OK(check_field(fields.data, "Data", hxClassID::Unknown));
-  ARROW_RETURN_NOT_OK(check_field(fields.arrow_type, "ArrowType", hxClassID::Char));
-  ARROW_RETURN_NOT_OK(check_field(fields.type, "Type", hxClassID::Char));
-  return check_field(fields.valid, "Valid", hxClassID::Struct);
+  ARROW_RETURN_NOT_OK(check_field(fields.data, format::kData, hxClassID::Unknown));
+  ARROW_RETURN_NOT_OK(check_field(fields.arrow_type, format::kArrowType, hxClassID::Char));
+  ARROW_RETURN_NOT_OK(check_field(fields.type, format::kType, hxClassID::Char));
+  return check_field(fields.valid, format::kValid, hxClassID::Struct);
 }
 
 ::arrow::Status unexpected_kind(const char* expected, const std::string& kind) {
@@ -95,7 +97,7 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
 ::arrow::Result<NestedReader> find_reader(const EnvelopeFields& fields, int outer_levels) {
   const std::string kind = HxArrayToString(fields.arrow_type);
   const auto* const row = std::ranges::find(kKinds, kind, &Kind::name);
-  if (row == std::end(kKinds)) return unexpected_kind("array", kind);
+  if (row == std::end(kKinds)) return unexpected_kind(format::kArrayKind, kind);
   if (row->reader != nullptr && outer_levels >= kMaxNestingLevels) {
     return messages::nested_too_deeply();
   }
@@ -172,11 +174,12 @@ template <>
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> to_arrow<::arrow::Buffer>(
     const hxArray* encoded) {
   ARROW_ASSIGN_OR_RAISE(const hxArray* arrow_type,
-                        checked_field(encoded, "ArrowType", hxClassID::Char));
-  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(encoded, "Values", hxClassID::UInt8));
+                        checked_field(encoded, format::kArrowType, hxClassID::Char));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values,
+                        checked_field(encoded, format::kValues, hxClassID::UInt8));
   const std::string kind = HxArrayToString(arrow_type);
-  if (kind != "buffer") return unexpected_kind("buffer", kind);
-  ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
+  if (kind != format::kBufferKind) return unexpected_kind(format::kBufferKind, kind);
+  ARROW_RETURN_NOT_OK(check_plain(values, format::kValues));
   return borrow_elements(values);
 }
 

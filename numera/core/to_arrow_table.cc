@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "numera/core/bitmap.h"
 #include "numera/core/dispatch.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
+#include "numera/format/bitmap.h"
+#include "numera/format/names.h"
 
 namespace numera::io::arrow::core {
 
@@ -19,15 +20,17 @@ namespace numera::io::arrow::core {
   if (column.buffers.empty() || column.buffers[0] == nullptr) return ::arrow::Status::OK();
   if (column.length < 0) return messages::wrong_extent(column.offset, column.length);
   const std::int64_t size = column.buffers[0]->size();
-  if (bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
+  if (format::bitmap_bytes(column.length) <= size) return ::arrow::Status::OK();
   return messages::short_buffer("Field 'Valid'", size, column.length);
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(const hxArray* encoded) {
-  ARROW_RETURN_NOT_OK(util::VerifyHxStructContains(encoded, "ArrowType", hxClassID::Char, false));
-  ARROW_ASSIGN_OR_RAISE(const hxArray* names, checked_field(encoded, "Names", hxClassID::Cell));
+  ARROW_RETURN_NOT_OK(
+      util::VerifyHxStructContains(encoded, format::kArrowType, hxClassID::Char, false));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* names,
+                        checked_field(encoded, format::kNames, hxClassID::Cell));
   ARROW_ASSIGN_OR_RAISE(const hxArray* columns,
-                        checked_field(encoded, "Columns", hxClassID::Struct));
+                        checked_field(encoded, format::kColumns, hxClassID::Struct));
   const size_t count = hxGetDimensions(columns)[0];
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector arrays;

@@ -1,14 +1,15 @@
 #include "numera/core/to_numera.h"
 
+#include <string_view>
 #include <utility>
 
 #include "numera/core/array_layout.h"
 #include "numera/core/arrow_types.h"
 #include "numera/core/chunk_memory.h"
 #include "numera/core/dispatch.h"
-#include "numera/core/host_values.h"
 #include "numera/core/types/nested.h"
 #include "numera/core/validity.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -25,17 +26,17 @@ namespace {
 [[gnu::noinline]] ::arrow::Result<EncodedColumn> complete(const ColumnView& column,
                                                           hxArrayPtr data) {
   const ArrowTypeRow& row = arrow_type_row(column.type()->id());
-  const std::u16string_view kind = row.kind;
   EncodedColumn encoded;
   encoded.data = std::move(data);
-  encoded.arrow_type = make_char_row(kind);
-  encoded.type = make_char_row(row.encoded_name);
-  ARROW_ASSIGN_OR_RAISE(encoded.valid, validity_to_numera(column, kind == u"array"));
+  encoded.arrow_type = format::make_word(row.kind);
+  encoded.type = format::make_word(row.encoded_name);
+  ARROW_ASSIGN_OR_RAISE(
+      encoded.valid, validity_to_numera(column, std::string_view(row.kind) == format::kArrayKind));
   return encoded;
 }
 
 hxArrayPtr envelope_of(EncodedColumn column) {
-  hxArrayPtr envelope = make_struct(1, {"ArrowType", "Type", "Valid", "Data"});
+  hxArrayPtr envelope = format::make_struct(1, format::kArray);
   put_fields(envelope.get(), 0, std::move(column));
   return envelope;
 }
@@ -73,10 +74,10 @@ hxArrayPtr envelope_of(EncodedColumn column) {
 }
 
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
-  hxSetField(envelopes, index, "ArrowType", std::move(column.arrow_type));
-  hxSetField(envelopes, index, "Type", std::move(column.type));
-  hxSetField(envelopes, index, "Valid", std::move(column.valid));
-  hxSetField(envelopes, index, "Data", std::move(column.data));
+  hxSetField(envelopes, index, format::kArrowType, std::move(column.arrow_type));
+  hxSetField(envelopes, index, format::kType, std::move(column.type));
+  hxSetField(envelopes, index, format::kValid, std::move(column.valid));
+  hxSetField(envelopes, index, format::kData, std::move(column.data));
 }
 
 ::arrow::Result<EncodedColumn> encode_checked(const ::arrow::ChunkedArray* column) {

@@ -1,13 +1,13 @@
 #include "numera/core/validity.h"
 
-#include "numera/core/buffer_envelope.h"
 #include "numera/core/chunk_memory.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
-BitFill fill_for(std::int64_t null_count) {
-  return null_count >= 1 ? BitFill::Ones : BitFill::NoBits;
+format::BitFill fill_for(std::int64_t null_count) {
+  return null_count >= 1 ? format::BitFill::Ones : format::BitFill::NoBits;
 }
 
 ::arrow::Result<std::int64_t> count_all_nulls(const ColumnView& column) {
@@ -21,8 +21,9 @@ BitFill fill_for(std::int64_t null_count) {
 
 ::arrow::Result<hxArrayPtr> one_bitmap(const ColumnView& column) {
   ARROW_ASSIGN_OR_RAISE(const std::int64_t nulls, count_all_nulls(column));
-  hxArrayPtr envelope = make_buffer_envelope();
-  BitmapWriter writer = store_bitmap(envelope.get(), 0, column.length(), fill_for(nulls));
+  hxArrayPtr envelope = format::make_struct(1, format::kBuffer);
+  format::BitmapWriter writer =
+      format::store_bitmap(envelope.get(), 0, column.length(), fill_for(nulls));
   if (nulls < 1) return envelope;
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_ASSIGN_OR_RAISE(const auto bits, unsliced_validity(chunk));
@@ -32,11 +33,12 @@ BitFill fill_for(std::int64_t null_count) {
 }
 
 ::arrow::Result<hxArrayPtr> bitmap_of_each_chunk(const ColumnView& column) {
-  hxArrayPtr envelopes = make_bitmap_envelopes(column.chunks().size());
+  hxArrayPtr envelopes = format::make_struct(column.chunks().size(), format::kBitmaps);
   size_t i = 0;
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_ASSIGN_OR_RAISE(const std::int64_t nulls, count_nulls(chunk));
-    BitmapWriter writer = store_bitmap(envelopes.get(), i++, chunk.length, fill_for(nulls));
+    format::BitmapWriter writer =
+        format::store_bitmap(envelopes.get(), i++, chunk.length, fill_for(nulls));
     if (nulls < 1) continue;
     ARROW_ASSIGN_OR_RAISE(const auto bits, unsliced_validity(chunk));
     writer.append(bits, chunk.length);

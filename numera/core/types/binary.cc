@@ -5,24 +5,14 @@
 #include <arrow/util/checked_cast.h>
 
 #include <cstdint>
-#include <cstring>
 #include <span>
 #include <utility>
 
 #include "numera/core/chunk_memory.h"
-#include "numera/core/host_values.h"
 #include "numera/core/types/values_and_offsets.h"
+#include "numera/format/values.h"
 
 namespace numera::io::arrow::core {
-namespace {
-
-hxArrayPtr make_byte_column(std::span<const std::uint8_t> bytes) {
-  hxArrayPtr column = make_column(hxClassID::UInt8, bytes.size());
-  if (!bytes.empty()) std::memcpy(elements<std::uint8_t>(column), bytes.data(), bytes.size());
-  return column;
-}
-
-}  // namespace
 
 ArrayResult MakeLargeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity) {
   return borrow_large_array<::arrow::LargeBinaryArray>(s, std::move(validity));
@@ -38,14 +28,15 @@ template <class ArrowArray>
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_RETURN_NOT_OK(check_offsets_fit(chunk, sizeof(Offset)));
   }
-  hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
+  hxArrayPtr cell = format::make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_ASSIGN_OR_RAISE(const auto values, variable_width_values<Offset>(chunk));
     for (size_t i = 0; i + 1 < values.offsets.size(); ++i) {
       const auto begin = static_cast<size_t>(values.offsets[i]);
       const auto end = static_cast<size_t>(values.offsets[i + 1]);
-      hxSetCell(cell.get(), slot++, make_byte_column(values.bytes.subspan(begin, end - begin)));
+      hxSetCell(cell.get(), slot++,
+                format::make_byte_column(values.bytes.subspan(begin, end - begin)));
     }
   }
   return cell;
@@ -62,13 +53,13 @@ template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::LargeBinaryArra
     ARROW_RETURN_NOT_OK(fixed_width_values(chunk, type.byte_width()));
   }
   const auto width = static_cast<size_t>(type.byte_width());
-  hxArrayPtr cell = make_cell(static_cast<size_t>(column.length()), 1);
+  hxArrayPtr cell = format::make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, type.byte_width()));
     const auto count = static_cast<size_t>(chunk.length);
     for (size_t i = 0; i < count; ++i) {
-      hxSetCell(cell.get(), slot++, make_byte_column(bytes.subspan(i * width, width)));
+      hxSetCell(cell.get(), slot++, format::make_byte_column(bytes.subspan(i * width, width)));
     }
   }
   return cell;

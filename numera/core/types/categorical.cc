@@ -17,6 +17,7 @@
 #include "numera/core/types/dictionary_codes.h"
 #include "numera/core/types/numeric.h"
 #include "numera/core/types/string.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -29,9 +30,9 @@ const ::arrow::DictionaryType& as_dictionary_type(const ::arrow::DataType& type)
 }
 
 ::arrow::Result<bool> read_ordinal(const hxArray* ordinal) {
-  ARROW_RETURN_NOT_OK(check_plain(ordinal, "Ordinal"));
+  ARROW_RETURN_NOT_OK(check_plain(ordinal, format::kOrdinal));
   if (hxGetNumberOfElements(ordinal) != 1) {
-    return messages::wrong_value("Ordinal", ordinal, "a logical array of one element");
+    return messages::wrong_value(format::kOrdinal, ordinal, "a logical array of one element");
   }
   return *static_cast<const std::uint8_t*>(hxGetData(ordinal)) != 0;
 }
@@ -82,16 +83,19 @@ template <class Offset>
 
 ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity,
                                bool useLargeStrings) {
-  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(data, "Values", hxClassID::Unknown));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values,
+                        checked_field(data, format::kValues, hxClassID::Unknown));
   ARROW_ASSIGN_OR_RAISE(const hxArray* categories,
-                        checked_field(data, "Categories", hxClassID::Struct));
-  ARROW_ASSIGN_OR_RAISE(const hxArray* ordinal, checked_field(data, "Ordinal", hxClassID::Logical));
+                        checked_field(data, format::kCategories, hxClassID::Struct));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* ordinal,
+                        checked_field(data, format::kOrdinal, hxClassID::Logical));
   ARROW_ASSIGN_OR_RAISE(const bool ordered, read_ordinal(ordinal));
-  ARROW_ASSIGN_OR_RAISE(auto indices, numeric_to_arrow(values, std::move(validity), "Values"));
+  ARROW_ASSIGN_OR_RAISE(auto indices,
+                        numeric_to_arrow(values, std::move(validity), format::kValues));
   ARROW_ASSIGN_OR_RAISE(auto dictionary, useLargeStrings ? MakeLargeStringArray(categories, nullptr)
                                                          : MakeStringArray(categories, nullptr));
   if (!::arrow::is_integer(indices->type_id())) {
-    return messages::wrong_value("Values", values, "an array of an integer class");
+    return messages::wrong_value(format::kValues, values, "an array of an integer class");
   }
   auto type =
       std::make_shared<::arrow::DictionaryType>(indices->type(), dictionary->type(), ordered);
@@ -145,12 +149,13 @@ ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buf
     return ::arrow::Status::Invalid("Invalid dictionary value type: ", value_type->ToString());
   }
   ARROW_ASSIGN_OR_RAISE(const auto single, DictionaryChunksToSingle(column, column.type()));
-  hxArrayPtr data = make_struct(1, {"Categories", "Values", "Ordinal"});
+  hxArrayPtr data = format::make_struct(1, format::kCategorical);
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr categories, categories_to_host(*single.dictionary));
-  hxSetField(data.get(), 0, "Categories", std::move(categories));
+  hxSetField(data.get(), 0, format::kCategories, std::move(categories));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr codes, data_to_numera(*single.indices));
-  hxSetField(data.get(), 0, "Values", std::move(codes));
-  hxSetField(data.get(), 0, "Ordinal", make_logical(as_dictionary_type(*single.type).ordered()));
+  hxSetField(data.get(), 0, format::kValues, std::move(codes));
+  hxSetField(data.get(), 0, format::kOrdinal,
+             format::make_logical(as_dictionary_type(*single.type).ordered()));
   return data;
 }
 

@@ -3,8 +3,6 @@
 #include <arrow/array/array_primitive.h>
 #include <arrow/type.h>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "numera/core/host_values.h"
@@ -12,32 +10,14 @@
 #include "numera/core/types/numeric.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
+#include "numera/format/records.h"
+#include "numera/format/time_units.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 using ::arrow::TimeUnit;
 using util::VerifyHxStructContains;
-
-struct UnitNames {
-  TimeUnit::type unit;
-  const char* read;
-  const char16_t* written;
-};
-
-/// Every text that is not here means milliseconds, and so does every value that is no unit.
-constexpr UnitNames kUnits[] = {
-    {TimeUnit::SECOND, "seconds", u"seconds"},
-    {TimeUnit::MILLI, "milliseconds", u"milliseconds"},
-    {TimeUnit::MICRO, "microseconds", u"microseconds"},
-    {TimeUnit::NANO, "nanoseconds", u"nanoseconds"},
-};
-constexpr const UnitNames& kMilliseconds = kUnits[1];
-
-const UnitNames& names_of(TimeUnit::type unit) {
-  const auto row = std::ranges::find(kUnits, unit, &UnitNames::unit);
-  return row != std::end(kUnits) ? *row : kMilliseconds;
-}
 
 bool takes_unit(hxClassID values, TimeUnit::type unit) {
   const bool is_coarse = unit == TimeUnit::SECOND || unit == TimeUnit::MILLI;
@@ -61,32 +41,31 @@ std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> ty
 }  // namespace
 
 TimeUnit::type parse_time_unit(const std::string& text) {
-  const auto row = std::ranges::find(kUnits, text, &UnitNames::read);
-  return row != std::end(kUnits) ? row->unit : kMilliseconds.unit;
+  return format::unit_of(text).value_or(TimeUnit::MILLI);
 }
 
-hxArrayPtr time_unit_name(TimeUnit::type unit) { return make_char_row(names_of(unit).written); }
+hxArrayPtr time_unit_name(TimeUnit::type unit) { return format::make_word(format::unit_name(unit)); }
 
 ::arrow::Result<std::shared_ptr<::arrow::DataType>> time_type_from_struct(const hxArray* encoded) {
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Units", hxClassID::Char, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Values", hxClassID::Unknown, false));
-  const auto unit = parse_time_unit(util::HxArrayToString(hxGetField(encoded, 0, "Units")));
-  const hxArray* values = hxGetField(encoded, 0, "Values");
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, format::kUnits, hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, format::kValues, hxClassID::Unknown, false));
+  const auto unit = parse_time_unit(util::HxArrayToString(hxGetField(encoded, 0, format::kUnits)));
+  const hxArray* values = hxGetField(encoded, 0, format::kValues);
   const hxClassID class_id = values == nullptr ? hxClassID::Unknown : hxGetClassID(values);
   if (class_id != hxClassID::Int32 && class_id != hxClassID::Int64) {
     return ::arrow::Status::TypeError(
         "The values field must be either an int32 array or an int64 array.");
   }
   // Arrow's factories end the process for a unit that the width does not take.
-  if (!takes_unit(class_id, unit)) return messages::wrong_time_unit(values, names_of(unit).read);
+  if (!takes_unit(class_id, unit)) return messages::wrong_time_unit(values, format::unit_name(unit));
   return class_id == hxClassID::Int32 ? ::arrow::time32(unit) : ::arrow::time64(unit);
 }
 
 ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity) {
   ARROW_ASSIGN_OR_RAISE(const hxArray* values,
-                        checked_field(encoded, "Values", hxClassID::Unknown));
+                        checked_field(encoded, format::kValues, hxClassID::Unknown));
   ARROW_ASSIGN_OR_RAISE(auto type, time_type_from_struct(encoded));
-  ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
+  ARROW_RETURN_NOT_OK(check_plain(values, format::kValues));
   if (hxGetClassID(values) == hxClassID::Int32) {
     return make_times<::arrow::Time32Type>(std::move(type), values, std::move(validity));
   }
@@ -94,21 +73,21 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
 }
 
 ::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks) {
-  hxArrayPtr date = make_struct(1, {"Values", "DateType"});
-  hxSetField(date.get(), 0, "DateType", make_char_row(u"Date"));
+  hxArrayPtr date = format::make_struct(1, format::kDates);
+  hxSetField(date.get(), 0, format::kDateType, format::make_word(format::kDate));
   const bool wide = chunks.type()->id() == ::arrow::Type::DATE64;
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
-  hxSetField(date.get(), 0, "Values", hxSharedCopy(values.get()));
+  hxSetField(date.get(), 0, format::kValues, hxSharedCopy(values.get()));
   return date;
 }
 
 ::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks) {
-  hxArrayPtr time = make_struct(1, {"Values", "Units"});
+  hxArrayPtr time = format::make_struct(1, format::kTimes);
   const bool wide = chunks.type()->id() == ::arrow::Type::TIME64;
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
-  hxSetField(time.get(), 0, "Values", hxSharedCopy(values.get()));
+  hxSetField(time.get(), 0, format::kValues, hxSharedCopy(values.get()));
   const auto unit = static_cast<const ::arrow::TimeType&>(*chunks.type()).unit();
-  hxSetField(time.get(), 0, "Units", time_unit_name(unit));
+  hxSetField(time.get(), 0, format::kUnits, time_unit_name(unit));
   return time;
 }
 

@@ -13,9 +13,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "numera/core/bitmap.h"
 #include "numera/core/chunk_memory.h"
 #include "numera/core/messages.h"
+#include "numera/format/bitmap.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -84,7 +84,7 @@ ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes,
     return bit / 8 >= bits.size() || ::arrow::bit_util::GetBit(bits.data(), bit);
   };
   ARROW_ASSIGN_OR_RAISE(std::shared_ptr<::arrow::Buffer> bitmap,
-                        ::arrow::AllocateBuffer(bitmap_bytes(chunk.length)));
+                        ::arrow::AllocateBuffer(format::bitmap_bytes(chunk.length)));
   ARROW_ASSIGN_OR_RAISE(
       std::shared_ptr<::arrow::Buffer> values,
       ::arrow::AllocateBuffer(static_cast<std::int64_t>(codes.size() * sizeof(Code))));
@@ -116,7 +116,8 @@ ArrayDataResult within_dictionary(const ArrayView& chunk) {
     ARROW_ASSIGN_OR_RAISE(bits, unsliced_validity(chunk));
   }
   const bool covered =
-      bits.empty() || std::cmp_less_equal(bitmap_bytes(chunk.offset + chunk.length), bits.size());
+      bits.empty() ||
+      std::cmp_less_equal(format::bitmap_bytes(chunk.offset + chunk.length), bits.size());
   if (!covered || !are_within(codes, chunk.data->dictionary->length)) {
     return rebuild(chunk, codes, bits);
   }

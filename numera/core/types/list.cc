@@ -11,17 +11,18 @@
 #include "numera/core/messages.h"
 #include "numera/core/types/nested.h"
 #include "numera/core/types/numeric.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
 
 ::arrow::Status check_start_offsets(const hxArray* offsets) {
   if (offsets == nullptr || hxGetClassID(offsets) != hxClassID::UInt64) {
-    return messages::wrong_value("StartOffsets", offsets, "a uint64 array");
+    return messages::wrong_value(format::kStartOffsets, offsets, "a uint64 array");
   }
-  ARROW_RETURN_NOT_OK(check_plain(offsets, "StartOffsets"));
+  ARROW_RETURN_NOT_OK(check_plain(offsets, format::kStartOffsets));
   if (hxIsEmpty(offsets)) {
-    return messages::no_elements("StartOffsets", "one more than there are lists");
+    return messages::no_elements(format::kStartOffsets, "one more than there are lists");
   }
   return ::arrow::Status::OK();
 }
@@ -34,9 +35,9 @@ struct ListParts {
 
 [[gnu::noinline]] ::arrow::Status read_parts(const EnvelopeFields& envelope, ListParts& parts) {
   ARROW_ASSIGN_OR_RAISE(parts.validity, validity_to_arrow(envelope.valid));
-  parts.offsets = hxGetFieldChecked(envelope.data, 0, "StartOffsets");
+  parts.offsets = hxGetFieldChecked(envelope.data, 0, format::kStartOffsets);
   ARROW_RETURN_NOT_OK(check_start_offsets(parts.offsets));
-  parts.values = hxGetFieldChecked(envelope.data, 0, "Values");
+  parts.values = hxGetFieldChecked(envelope.data, 0, format::kValues);
   return ::arrow::Status::OK();
 }
 
@@ -62,11 +63,11 @@ struct ListParts {
 ::arrow::Result<hxArrayPtr> ListToHost(const ColumnView& chunked) {
   const bool wide = chunked.type()->id() == ::arrow::Type::LARGE_LIST;
   const auto write = [wide](hxArray* data, size_t index, const ArrayView& chunk) {
-    ARROW_RETURN_NOT_OK(store_child({data, index, "Values"}, chunk.whole_child(0)));
+    ARROW_RETURN_NOT_OK(store_child({data, index, format::kValues}, chunk.whole_child(0)));
     return wide ? store_start_offsets<std::int64_t>(data, index, chunk)
                 : store_start_offsets<std::int32_t>(data, index, chunk);
   };
-  return write_chunks(chunked, {"Values", "StartOffsets"}, write);
+  return write_chunks(chunked, format::kLists, write);
 }
 
 // Never inlined, so that its frame does not lie under those of the children.
@@ -74,9 +75,10 @@ template <class Offset>
 [[gnu::noinline]] ::arrow::Status store_start_offsets(hxArray* data, size_t index,
                                                       const ArrayView& chunk) {
   ARROW_ASSIGN_OR_RAISE(const auto bytes, stored_offsets(chunk, sizeof(Offset)));
-  hxArrayPtr offsets = make_column(kNumericClass<Offset>, bytes.size() / sizeof(Offset));
-  std::memcpy(elements<Offset>(offsets), bytes.data(), bytes.size());
-  hxSetField(data, index, "StartOffsets", std::move(offsets));
+  hxArrayPtr offsets =
+      format::make_column(format::kNumericClass<Offset>, bytes.size() / sizeof(Offset));
+  std::memcpy(format::elements<Offset>(offsets), bytes.data(), bytes.size());
+  hxSetField(data, index, format::kStartOffsets, std::move(offsets));
   return ::arrow::Status::OK();
 }
 

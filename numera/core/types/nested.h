@@ -11,11 +11,11 @@
 #include <arrow/status.h>
 
 #include <cstddef>
-#include <initializer_list>
+#include <span>
 #include <utility>
 
 #include "numera/core/array_view.h"
-#include "numera/core/host_values.h"
+#include "numera/format/records.h"
 #include "numera/host/array.h"
 
 namespace numera::io::arrow::core {
@@ -38,8 +38,8 @@ struct Slot {
 /// `write(data, index, chunk)` fills element `index`.
 template <class Write>
 ::arrow::Result<hxArrayPtr> write_chunks(const ColumnView& column,
-                                         std::initializer_list<const char*> fields, Write write) {
-  hxArrayPtr data = make_struct(column.chunks().size(), fields);
+                                         std::span<const char* const> fields, Write write) {
+  hxArrayPtr data = format::make_struct(column.chunks().size(), fields);
   size_t index = 0;
   for (const ArrayView& chunk : column.chunks()) {
     ::arrow::Status status = write(data.get(), index++, chunk);

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "numera/core/chunk_memory.h"
-#include "numera/core/utf8_to_utf16.h"
 
 namespace numera::io::arrow::core {
 namespace {

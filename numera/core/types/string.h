@@ -9,6 +9,8 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "numera/core/dispatch.h"
 #include "numera/core/types/values_and_offsets.h"
@@ -16,6 +18,10 @@
 #include "numera/host/string_array.h"
 
 namespace numera::io::arrow::core {
+
+/// UTF-8 to UTF-16 by the host's strict codec. Any number of threads may convert. Throws
+/// `hxCodecError`.
+inline std::u16string Utf8ToUtf16(std::string_view utf8) { return hxUTF8Decoder().convert(utf8); }
 
 /// An `::arrow::LargeStringArray` over the memory of "Values" and "StartOffsets". The bytes are not
 /// looked at: whether they are UTF-8 is for the caller to know.

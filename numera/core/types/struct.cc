@@ -14,6 +14,7 @@
 #include "numera/core/host_values.h"
 #include "numera/core/types/nested.h"
 #include "numera/core/util/text.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -32,8 +33,8 @@ struct StructParts {
 
 [[gnu::noinline]] ::arrow::Status read_parts(const EnvelopeFields& envelope, StructParts& parts) {
   ARROW_ASSIGN_OR_RAISE(parts.validity, validity_to_arrow(envelope.valid));
-  parts.names = hxGetFieldChecked(envelope.data, 0, "FieldName");
-  parts.cells = hxGetFieldChecked(envelope.data, 0, "FieldData");
+  parts.names = hxGetFieldChecked(envelope.data, 0, format::kFieldName);
+  parts.cells = hxGetFieldChecked(envelope.data, 0, format::kFieldData);
   const size_t count = count_cells(parts.names);
   if (count != count_cells(parts.cells)) {
     return ::arrow::Status::Invalid(
@@ -67,10 +68,10 @@ struct StructParts {
 }
 
 [[gnu::noinline]] hxArrayPtr write_field_names(const ::arrow::DataType& type) {
-  hxArrayPtr names = make_cell(1, static_cast<size_t>(type.num_fields()));
+  hxArrayPtr names = format::make_cell(1, static_cast<size_t>(type.num_fields()));
   size_t i = 0;
   for (const auto& field : type.fields()) {
-    hxSetCell(names.get(), i++, make_char_row_from_utf8(field->name()));
+    hxSetCell(names.get(), i++, format::make_char_row_from_utf8(field->name()));
   }
   return names;
 }
@@ -92,15 +93,15 @@ struct StructParts {
   const auto write = [](hxArray* data, size_t index, const ArrayView& chunk) {
     hxArrayPtr names = write_field_names(*chunk.data->type);
     const auto count = static_cast<size_t>(chunk.data->type->num_fields());
-    hxArrayPtr children = make_cell(1, count);
+    hxArrayPtr children = format::make_cell(1, count);
     for (size_t i = 0; i < count; ++i) {
       ARROW_RETURN_NOT_OK(store_child({children.get(), i}, chunk.struct_child(i)));
     }
-    hxSetField(data, index, "FieldName", std::move(names));
-    hxSetField(data, index, "FieldData", std::move(children));
+    hxSetField(data, index, format::kFieldName, std::move(names));
+    hxSetField(data, index, format::kFieldData, std::move(children));
     return ::arrow::Status::OK();
   };
-  return write_chunks(chunked, {"FieldName", "FieldData"}, write);
+  return write_chunks(chunked, format::kStructs, write);
 }
 
 }  // namespace numera::io::arrow::core

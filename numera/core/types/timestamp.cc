@@ -11,6 +11,7 @@
 #include "numera/core/types/numeric.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
+#include "numera/format/records.h"
 
 namespace numera::io::arrow::core {
 
@@ -19,17 +20,18 @@ using util::VerifyHxStructContains;
 
 ::arrow::Result<std::shared_ptr<::arrow::DataType>> timestamp_type_from_struct(
     const hxArray* encoded) {
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "Units", hxClassID::Char, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, "TimeZone", hxClassID::Char, false));
-  const std::string units = HxArrayToString(hxGetField(encoded, 0, "Units"));
-  const std::string time_zone = HxArrayToString(hxGetField(encoded, 0, "TimeZone"));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, format::kUnits, hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, format::kTimeZone, hxClassID::Char, false));
+  const std::string units = HxArrayToString(hxGetField(encoded, 0, format::kUnits));
+  const std::string time_zone = HxArrayToString(hxGetField(encoded, 0, format::kTimeZone));
   return ::arrow::timestamp(parse_time_unit(units), time_zone);
 }
 
 ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity) {
-  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(encoded, "Values", hxClassID::Int64));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values,
+                        checked_field(encoded, format::kValues, hxClassID::Int64));
   ARROW_ASSIGN_OR_RAISE(auto type, timestamp_type_from_struct(encoded));
-  ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
+  ARROW_RETURN_NOT_OK(check_plain(values, format::kValues));
   return std::make_shared<::arrow::TimestampArray>(
       std::move(type), static_cast<std::int64_t>(hxGetNumberOfElements(values)),
       borrow_elements(values), std::move(validity), ::arrow::kUnknownNullCount, 0);
@@ -37,13 +39,14 @@ ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
 
 ::arrow::Result<hxArrayPtr> timestamp_to_numera(const ColumnView& chunks) {
   const auto& type = static_cast<const ::arrow::TimestampType&>(*chunks.type());
-  hxArrayPtr timestamp = make_struct(1, {"Values", "Units", "TimeZone", "DateType"});
-  hxSetField(timestamp.get(), 0, "DateType", make_char_row(u"Timestamp"));
+  hxArrayPtr timestamp = format::make_struct(1, format::kTimestamps);
+  hxSetField(timestamp.get(), 0, format::kDateType, format::make_word(format::kTimestamp));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, numeric_to_numera<std::int64_t>(chunks));
-  hxSetField(timestamp.get(), 0, "Values", hxSharedCopy(values.get()));
-  hxSetField(timestamp.get(), 0, "Units", time_unit_name(type.unit()));
+  hxSetField(timestamp.get(), 0, format::kValues, hxSharedCopy(values.get()));
+  hxSetField(timestamp.get(), 0, format::kUnits, time_unit_name(type.unit()));
   const std::string& time_zone = type.timezone();
-  hxSetField(timestamp.get(), 0, "TimeZone", hxCreateCharArray(time_zone.data(), time_zone.size()));
+  hxSetField(timestamp.get(), 0, format::kTimeZone,
+             hxCreateCharArray(time_zone.data(), time_zone.size()));
   return timestamp;
 }
 

@@ -1,4 +1,5 @@
 #include "numera/core/types/values_and_offsets.h"
+#include "numera/format/names.h"
 
 #include <arrow/buffer_builder.h>
 #include <arrow/memory_pool.h>
@@ -8,11 +9,11 @@
 namespace numera::io::arrow::core {
 
 ::arrow::Result<ValuesAndStartOffsets> ReadValuesAndStartOffsets(const hxArray* s) {
-  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(s, "Values", hxClassID::UInt8));
+  ARROW_ASSIGN_OR_RAISE(const hxArray* values, checked_field(s, format::kValues, hxClassID::UInt8));
   ARROW_ASSIGN_OR_RAISE(const hxArray* offsets,
-                        checked_field(s, "StartOffsets", hxClassID::UInt64));
-  ARROW_RETURN_NOT_OK(check_plain(values, "Values"));
-  ARROW_RETURN_NOT_OK(check_plain(offsets, "StartOffsets"));
+                        checked_field(s, format::kStartOffsets, hxClassID::UInt64));
+  ARROW_RETURN_NOT_OK(check_plain(values, format::kValues));
+  ARROW_RETURN_NOT_OK(check_plain(offsets, format::kStartOffsets));
   return ValuesAndStartOffsets{values, offsets};
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "numera/extras/encode/text.h"
+#include "numera/format/records.h"
 
 namespace numera::extras::encoding {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 
 ::arrow::Result<hxArrayPtr> pack_categories(const Located& categories) {
   if (has_fields(categories.value)) {
-    ARROW_ASSIGN_OR_RAISE(ReadableValue packed, packed_as_it_is(categories, u"string"));
+    ARROW_ASSIGN_OR_RAISE(ReadableValue packed, packed_as_it_is(categories, format::kStringType));
     return std::move(packed.data);
   }
   ARROW_ASSIGN_OR_RAISE(ReadableValue packed, pack_texts(categories));
@@ -31,21 +32,19 @@ namespace {
 
 ::arrow::Result<ReadableValue> read_categorical(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
-  ARROW_ASSIGN_OR_RAISE(const Located codes, field(data, 0, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located codes, field(data, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_codes(codes));
-  ARROW_ASSIGN_OR_RAISE(const Located ordinal, field(data, 0, "Ordinal"));
+  ARROW_ASSIGN_OR_RAISE(const Located ordinal, field(data, 0, format::kOrdinal));
   ARROW_RETURN_NOT_OK(check_class(ordinal, hxClassID::Logical, "a logical value"));
   ARROW_RETURN_NOT_OK(check_one_element(ordinal));
-  ARROW_ASSIGN_OR_RAISE(const Located categories, field(data, 0, "Categories"));
+  ARROW_ASSIGN_OR_RAISE(const Located categories, field(data, 0, format::kCategories));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr packed, pack_categories(categories));
-  hxArrayPtr readable = make_struct(1, {"Categories", "Values", "Ordinal"});
-  hxSetField(readable.get(), 0, "Categories", std::move(packed));
-  hxSetField(readable.get(), 0, "Values", hxSharedCopy(codes.value));
-  hxSetField(readable.get(), 0, "Ordinal", hxSharedCopy(ordinal.value));
-  return ReadableValue{.kind = u"array",
-                       .type = u"categorical",
-                       .data = std::move(readable),
-                       .length = hxGetNumberOfElements(codes.value)};
+  return ReadableValue{
+      .type = format::kCategoricalType,
+      .data = format::make_record(format::kCategorical, std::move(packed),
+                                  hxSharedCopy(codes.value), hxSharedCopy(ordinal.value)),
+      .length = hxGetNumberOfElements(codes.value),
+      .is_valid = false};
 }
 
 }  // namespace numera::extras::encoding

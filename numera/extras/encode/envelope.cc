@@ -8,6 +8,9 @@
 #include "numera/core/limits.h"
 #include "numera/extras/encode/leaf.h"
 #include "numera/extras/encode/nested.h"
+#include "numera/format/bitmap.h"
+#include "numera/format/names.h"
+#include "numera/format/values.h"
 
 namespace numera::extras::encoding {
 namespace {
@@ -18,11 +21,11 @@ using io::arrow::core::kMaxNestingLevels;
 hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
   if (a == nullptr) return hxSharedCopy(b.get());
   if (b == nullptr) return a;
-  hxArrayPtr both = make_column(hxClassID::UInt8, bitmap_bytes(length));
-  const auto* const bits_a = elements<std::uint8_t>(static_cast<const hxArray*>(a.get()));
-  const auto* const bits_b = elements<std::uint8_t>(static_cast<const hxArray*>(b.get()));
-  auto* const target = elements<std::uint8_t>(both);
-  for (size_t i = 0; i < bitmap_bytes(length); ++i) {
+  hxArrayPtr both = format::make_column(hxClassID::UInt8, format::bitmap_bytes(length));
+  const auto* const bits_a = format::elements<std::uint8_t>(static_cast<const hxArray*>(a.get()));
+  const auto* const bits_b = format::elements<std::uint8_t>(static_cast<const hxArray*>(b.get()));
+  auto* const target = format::elements<std::uint8_t>(both);
+  for (size_t i = 0; i < format::bitmap_bytes(length); ++i) {
     target[i] = static_cast<std::uint8_t>(bits_a[i] & bits_b[i]);
   }
   return both;
@@ -46,17 +49,17 @@ struct KindReader {
 };
 
 constexpr KindReader kKinds[] = {
-    {"array", read_array},
-    {"list_array", read_lists},
-    {"struct", read_structs},
-    {"map", read_maps},
+    {format::kArrayKind, read_array},
+    {format::kListKind, read_lists},
+    {format::kStructKind, read_structs},
+    {format::kMapKind, read_maps},
 };
 
 // The steps of the recursion keep their frames small: what needs room stands in functions of its
 // own, which have returned before the next level begins.
 
 ::arrow::Result<const KindReader*> find_kind(const Located& envelopes, size_t index) {
-  ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, format::kArrowType));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
   const auto* const row = std::ranges::find(kKinds, name, &KindReader::kind);
   if (row != std::ranges::end(kKinds)) return row;
@@ -64,10 +67,10 @@ constexpr KindReader kKinds[] = {
 }
 
 ::arrow::Result<Encoded> read_fields(const Located& envelopes, size_t index) {
-  ARROW_ASSIGN_OR_RAISE(const Located type, field(envelopes, index, "Type"));
-  ARROW_ASSIGN_OR_RAISE(const Located valid, field(envelopes, index, "Valid"));
+  ARROW_ASSIGN_OR_RAISE(const Located type, field(envelopes, index, format::kType));
+  ARROW_ASSIGN_OR_RAISE(const Located valid, field(envelopes, index, format::kValid));
   ARROW_RETURN_NOT_OK(check_class(valid, hxClassID::Struct, "a struct array"));
-  ARROW_ASSIGN_OR_RAISE(const Located data, field(envelopes, index, "Data"));
+  ARROW_ASSIGN_OR_RAISE(const Located data, field(envelopes, index, format::kData));
   return Encoded{type, valid, data};
 }
 
@@ -85,23 +88,23 @@ constexpr KindReader kKinds[] = {
 }
 
 ::arrow::Result<Envelope> check_stored(ReadableValue readable, const Located& origin) {
-  const bool nested = is_nested(readable);
+  const bool is_valid = readable.is_valid;
   Envelope envelope = make_envelope(std::move(readable));
-  if (!nested) ARROW_RETURN_NOT_OK(read_back(envelope.value.get(), 0, origin));
+  if (!is_valid) ARROW_RETURN_NOT_OK(validate(envelope.value.get(), 0, origin));
   return envelope;
 }
 
 }  // namespace
 
 ::arrow::Result<hxArrayPtr> read_validity(const Located& valid, size_t index, size_t length) {
-  ARROW_ASSIGN_OR_RAISE(const Located kind, field(valid, index, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(valid, index, format::kArrowType));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
-  if (name != "buffer") return invalid(kind, "'" + name + "'", "'buffer'");
-  ARROW_ASSIGN_OR_RAISE(const Located bits, field(valid, index, "Values"));
+  if (name != format::kBufferKind) return invalid(kind, "'" + name + "'", "'buffer'");
+  ARROW_ASSIGN_OR_RAISE(const Located bits, field(valid, index, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(bits, hxClassID::UInt8, "a uint8 array"));
   const size_t bytes = hxGetNumberOfElements(bits.value);
   if (bytes == 0) return nullptr;
-  if (bytes < bitmap_bytes(length)) {
+  if (bytes < format::bitmap_bytes(length)) {
     return invalid(bits, std::to_string(bytes) + " bytes",
                    "bits for " + std::to_string(length) + " elements");
   }

@@ -13,8 +13,7 @@
 namespace numera::extras::encoding {
 
 /// Element `index` of a struct array of encoded arrays, which lies within `outer_levels` nested
-/// values. A nested value is checked with all that is in it; any other is checked by `read_back`
-/// once it is stored.
+/// values. Where the result is not `is_valid`, `validate` has to look at it once it is stored.
 ::arrow::Result<ReadableValue> read_element(const Located& envelopes, size_t index,
                                             int outer_levels);
 

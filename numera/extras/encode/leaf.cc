@@ -7,6 +7,8 @@
 #include "numera/extras/encode/categories.h"
 #include "numera/extras/encode/text.h"
 #include "numera/extras/encode/time.h"
+#include "numera/format/number_classes.h"
+#include "numera/format/records.h"
 #include "numera/host/string_array.h"
 
 namespace numera::extras::encoding {
@@ -15,45 +17,14 @@ namespace {
 constexpr const char* kPlainValues =
     "numbers, logical values, text, a cell of texts or of bytes, or an encoded value";
 
-std::u16string_view numeric_type_name(hxClassID class_id) {
-  switch (class_id) {
-    case hxClassID::Double:
-      return u"double";
-    case hxClassID::Single:
-      return u"single";
-    case hxClassID::Int8:
-      return u"int8";
-    case hxClassID::UInt8:
-      return u"uint8";
-    case hxClassID::Int16:
-      return u"int16";
-    case hxClassID::UInt16:
-      return u"uint16";
-    case hxClassID::Int32:
-      return u"int32";
-    case hxClassID::UInt32:
-      return u"uint32";
-    case hxClassID::Int64:
-      return u"int64";
-    case hxClassID::UInt64:
-      return u"uint64";
-    case hxClassID::Unknown:
-    case hxClassID::Cell:
-    case hxClassID::Struct:
-    case hxClassID::Logical:
-    case hxClassID::Char:
-    case hxClassID::Void:
-    case hxClassID::Function:
-    case hxClassID::Object:
-      return {};
-  }
-  return {};
+const char* numeric_type_name(hxClassID class_id) {
+  return format::with_number_class(
+      class_id, [](const auto& row) { return row.name; }, [] { return ""; });
 }
 
 ::arrow::Result<ReadableValue> read_numbers(const Located& numbers) {
   ARROW_RETURN_NOT_OK(check_numbers(numbers));
-  return ReadableValue{.kind = u"array",
-                       .type = numeric_type_name(hxGetClassID(numbers.value)),
+  return ReadableValue{.type = numeric_type_name(hxGetClassID(numbers.value)),
                        .data = hxSharedCopy(numbers.value),
                        .length = hxGetNumberOfElements(numbers.value)};
 }
@@ -61,21 +32,21 @@ std::u16string_view numeric_type_name(hxClassID class_id) {
 ::arrow::Result<ReadableValue> pack_logical(const Located& values) {
   if (hxIsSparse(values.value)) return wrong_class(values, "logical values that are not sparse");
   const size_t length = hxGetNumberOfElements(values.value);
-  const auto* const source = elements<std::uint8_t>(values.value);
-  hxArrayPtr bits = make_zero_column(hxClassID::UInt8, bitmap_bytes(length));
-  auto* const target = elements<std::uint8_t>(bits);
+  const auto* const source = format::elements<std::uint8_t>(values.value);
+  hxArrayPtr bits = format::make_zero_column(hxClassID::UInt8, format::bitmap_bytes(length));
+  auto* const target = format::elements<std::uint8_t>(bits);
   for (size_t i = 0; i < length; ++i) {
     const unsigned bit = source[i] != 0 ? 1U << (i % 8) : 0U;
     target[i / 8] = static_cast<std::uint8_t>(target[i / 8] | bit);
   }
-  return ReadableValue{.kind = u"array",
-                       .type = u"logical",
-                       .data = make_packed_logical(std::move(bits), length),
-                       .length = length};
+  return ReadableValue{
+      .type = format::kLogicalType,
+      .data = format::make_packed_logical(std::move(bits), static_cast<std::int64_t>(length)),
+      .length = length};
 }
 
 bool holds_bytes(const hxArray* cells, const std::string& type_name) {
-  if (type_name == "binary_array" || type_name == "fixed_binary_array") return true;
+  if (type_name == format::kBinaryType || type_name == format::kFixedBinaryType) return true;
   if (hxIsEmpty(cells)) return false;
   const hxArray* const first = hxGetCell(cells, 0);
   return first != nullptr && hxGetClassID(first) == hxClassID::UInt8;
@@ -85,42 +56,42 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
 ::arrow::Result<ReadableValue> read_nulls(const Located& count) {
   ARROW_RETURN_NOT_OK(check_numbers(count, hxClassID::Int64, "an int64 number of elements"));
   ARROW_RETURN_NOT_OK(check_one_element(count));
-  const std::int64_t length = *elements<std::int64_t>(count.value);
+  const std::int64_t length = *format::elements<std::int64_t>(count.value);
   if (length < 0) return invalid(count, std::to_string(length), "a number of elements");
   const auto size = static_cast<size_t>(length);
-  return ReadableValue{.kind = u"array",
-                       .type = u"double",
-                       .data = make_zero_column(hxClassID::Double, size),
-                       .length = size,
-                       .valid = make_zero_column(hxClassID::UInt8, bitmap_bytes(size))};
+  return ReadableValue{
+      .type = format::kNumberClass<double>.name,
+      .data = format::make_zero_column(hxClassID::Double, size),
+      .length = size,
+      .valid = format::make_zero_column(hxClassID::UInt8, format::bitmap_bytes(size))};
 }
 
 ::arrow::Result<ReadableValue> packed_logical_as_it_is(const Located& packed) {
   ARROW_RETURN_NOT_OK(check_one_element(packed));
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
-  ARROW_ASSIGN_OR_RAISE(const Located kind, field(packed, 0, "ArrowType"));
+  ARROW_ASSIGN_OR_RAISE(const Located kind, field(packed, 0, format::kArrowType));
   ARROW_RETURN_NOT_OK(text_of(kind));
-  ARROW_ASSIGN_OR_RAISE(const Located length, field(packed, 0, "Length"));
+  ARROW_ASSIGN_OR_RAISE(const Located length, field(packed, 0, format::kLength));
   ARROW_RETURN_NOT_OK(check_numbers(length, hxClassID::Double, "a double"));
   ARROW_RETURN_NOT_OK(check_one_element(length));
-  const double found = *elements<double>(length.value);
+  const double found = *format::elements<double>(length.value);
   const double bits = 8.0 * static_cast<double>(hxGetNumberOfElements(values.value));
   if (!(found >= 0 && found <= bits)) {
     return invalid(length, std::to_string(found), "a number of bits that 'Values' has");
   }
-  return ReadableValue{.kind = u"array",
-                       .type = u"logical",
+  return ReadableValue{.type = format::kLogicalType,
                        .data = hxSharedCopy(packed.value),
-                       .length = static_cast<size_t>(found)};
+                       .length = static_cast<size_t>(found),
+                       .is_valid = false};
 }
 
 ::arrow::Result<ReadableValue> packed_text_as_it_is(const Located& packed) {
-  return packed_as_it_is(packed, u"string");
+  return packed_as_it_is(packed, format::kStringType);
 }
 
 ::arrow::Result<ReadableValue> packed_bytes_as_they_are(const Located& packed) {
-  return packed_as_it_is(packed, u"binary_array");
+  return packed_as_it_is(packed, format::kBinaryType);
 }
 
 struct StructReader {
@@ -130,13 +101,13 @@ struct StructReader {
 
 /// What a struct "Data" holds, by "Type".
 constexpr StructReader kStructReaders[] = {
-    {"string", packed_text_as_it_is},
-    {"char", packed_text_as_it_is},
-    {"binary_array", packed_bytes_as_they_are},
-    {"logical", packed_logical_as_it_is},
-    {"datetime", read_datetime},
-    {"duration", read_time_of_day},
-    {"categorical", read_categorical},
+    {format::kStringType, packed_text_as_it_is},
+    {format::kCharType, packed_text_as_it_is},
+    {format::kBinaryType, packed_bytes_as_they_are},
+    {format::kLogicalType, packed_logical_as_it_is},
+    {format::kDatetimeType, read_datetime},
+    {format::kDurationType, read_time_of_day},
+    {format::kCategoricalType, read_categorical},
 };
 
 }  // namespace
@@ -155,7 +126,7 @@ constexpr StructReader kStructReaders[] = {
 
 ::arrow::Result<ReadableValue> read_data(const Located& data, const Located& type) {
   ARROW_ASSIGN_OR_RAISE(const std::string type_name, text_of(type));
-  if (type_name == "null") return read_nulls(data);
+  if (type_name == format::kNullType) return read_nulls(data);
   if (!has_fields(data.value)) return read_plain(data, type_name);
   const auto* const row = std::ranges::find(kStructReaders, type_name, &StructReader::type_name);
   if (row != std::ranges::end(kStructReaders)) return row->read(data);

@@ -2,28 +2,12 @@
 
 #include <vector>
 
+#include "numera/format/values.h"
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
 
 namespace numera::extras::encoding {
 namespace {
-
-// "a complex 2-by-3 double array", "no value".
-std::string describe(const hxArray* value) {
-  if (value == nullptr) return "no value";
-  std::string text = "a ";
-  if (hxIsComplex(value)) text += "complex ";
-  if (hxIsSparse(value)) text += "sparse ";
-  const char* by = "";
-  for (const size_t extent : hxGetDimensions(value)) {
-    text += by + std::to_string(extent);
-    by = "-by-";
-  }
-  const char* const name = hxGetClassName(value);
-  if (name != nullptr && *name != '\0') return text + " " + name + " array";
-  // The interface names no class for function handles.
-  return text + " array of class " + std::to_string(static_cast<std::int32_t>(hxGetClassID(value)));
-}
 
 void append_step(const Located& place, std::string& text) {
   const std::string index = std::to_string(place.index);
@@ -43,6 +27,10 @@ void append_step(const Located& place, std::string& text) {
                     std::string(expected) + "."};
 }
 
+::arrow::Status not_plain(const Located& place) {
+  return wrong_class(place, "real numbers that are not sparse");
+}
+
 }  // namespace
 
 std::string path_of(const Located& place) {
@@ -57,7 +45,7 @@ std::string path_of(const Located& place) {
 }
 
 ::arrow::Status wrong_class(const Located& place, std::string_view expected) {
-  return failure(::arrow::StatusCode::TypeError, place, describe(place.value), expected);
+  return failure(::arrow::StatusCode::TypeError, place, format::describe(place.value), expected);
 }
 
 ::arrow::Status invalid(const Located& place, std::string_view found, std::string_view expected) {
@@ -69,9 +57,7 @@ std::string path_of(const Located& place) {
 }
 
 bool has_fields(const hxArray* value) {
-  if (value == nullptr || hxIsStringArray(value)) return false;
-  const hxClassID class_id = hxGetClassID(value);
-  return class_id == hxClassID::Struct || class_id == hxClassID::Object;
+  return format::is_struct(value) && !hxIsStringArray(value);
 }
 
 ::arrow::Result<Located> field(const Located& record, size_t index, const char* name) {
@@ -96,13 +82,13 @@ bool has_fields(const hxArray* value) {
 }
 
 ::arrow::Status check_numbers(const Located& place) {
-  if (hxIsNumeric(place.value) && !hxIsComplex(place.value) && !hxIsSparse(place.value)) return {};
-  return wrong_class(place, "real numbers that are not sparse");
+  if (hxIsNumeric(place.value) && format::is_plain(place.value)) return {};
+  return not_plain(place);
 }
 
 ::arrow::Status check_numbers(const Located& place, hxClassID class_id, std::string_view expected) {
   ARROW_RETURN_NOT_OK(check_class(place, class_id, expected));
-  return check_numbers(place);
+  return format::is_plain(place.value) ? ::arrow::Status::OK() : not_plain(place);
 }
 
 ::arrow::Status check_one_element(const Located& place) {

@@ -9,6 +9,7 @@
 
 #include "numera/extras/encode/envelope.h"
 #include "numera/extras/encode/join.h"
+#include "numera/format/records.h"
 
 namespace numera::extras::encoding {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 // They must not fall and must stay within the values.
 template <class T>
 ::arrow::Status check_offsets(const Located& offsets, size_t values) {
-  const std::span source(elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
+  const std::span source(format::elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
   std::uint64_t last = 0;
   for (size_t i = 0; i < source.size(); ++i) {
     // As an unsigned number a negative one lies beyond any values.
@@ -33,9 +34,9 @@ template <class T>
 template <class T>
 ::arrow::Result<hxArrayPtr> widen(const Located& offsets, size_t values) {
   ARROW_RETURN_NOT_OK(check_offsets<T>(offsets, values));
-  const std::span source(elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
-  hxArrayPtr widened = make_column(hxClassID::UInt64, source.size());
-  std::ranges::transform(source, elements<std::uint64_t>(widened),
+  const std::span source(format::elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
+  hxArrayPtr widened = format::make_column(hxClassID::UInt64, source.size());
+  std::ranges::transform(source, format::elements<std::uint64_t>(widened),
                          [](T offset) { return static_cast<std::uint64_t>(offset); });
   return widened;
 }
@@ -58,33 +59,32 @@ template <class T>
 
 // One chunk of lists over values that are readable already.
 ::arrow::Result<ReadableValue> make_lists(const Encoded& encoded, size_t chunk, Envelope values) {
-  ARROW_ASSIGN_OR_RAISE(const Located offsets, field(encoded.data, chunk, "StartOffsets"));
+  ARROW_ASSIGN_OR_RAISE(const Located offsets, field(encoded.data, chunk, format::kStartOffsets));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr widened, read_offsets(offsets, values.length));
   const size_t length = hxGetNumberOfElements(widened.get()) - 1;
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, length));
-  hxArrayPtr data = make_struct(1, {"Values", "StartOffsets"});
-  hxSetField(data.get(), 0, "Values", std::move(values.value));
-  hxSetField(data.get(), 0, "StartOffsets", std::move(widened));
-  return ReadableValue{.kind = u"list_array",
-                       .type = u"large_list_array",
+  hxArrayPtr data =
+      format::make_record(format::kLists, std::move(values.value), std::move(widened));
+  return ReadableValue{.type = format::kLargeListType,
                        .data = std::move(data),
                        .length = length,
-                       .valid = std::move(valid)};
+                       .valid = std::move(valid),
+                       .kind = format::kListKind};
 }
 
 // The entries of maps: structs without nulls of their own.
 Envelope make_entries(Envelope keys, Envelope items) {
-  hxArrayPtr names = make_cell(1, 2);
-  hxSetCell(names.get(), 0, make_char(u"key"));
-  hxSetCell(names.get(), 1, make_char(u"value"));
-  hxArrayPtr children = make_cell(1, 2);
+  hxArrayPtr names = format::make_cell(1, 2);
+  hxSetCell(names.get(), 0, format::make_word(format::kKey));
+  hxSetCell(names.get(), 1, format::make_word(format::kValue));
+  hxArrayPtr children = format::make_cell(1, 2);
   hxSetCell(children.get(), 0, std::move(keys.value));
   hxSetCell(children.get(), 1, std::move(items.value));
-  hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
-  hxSetField(data.get(), 0, "FieldName", std::move(names));
-  hxSetField(data.get(), 0, "FieldData", std::move(children));
-  return make_envelope(
-      {.kind = u"struct", .type = u"struct", .data = std::move(data), .length = keys.length});
+  hxArrayPtr data = format::make_record(format::kStructs, std::move(names), std::move(children));
+  return make_envelope({.type = format::kStructType,
+                        .data = std::move(data),
+                        .length = keys.length,
+                        .kind = format::kStructKind});
 }
 
 ::arrow::Status check_length(const Located& place, size_t length, size_t expected,
@@ -102,20 +102,21 @@ Envelope make_entries(Envelope keys, Envelope items) {
 }
 
 ::arrow::Result<ReadableValue> read_list_chunk(const Encoded& encoded, size_t chunk, int level) {
-  ARROW_ASSIGN_OR_RAISE(Envelope child, read_chunk_child(encoded, chunk, "Values", level));
+  ARROW_ASSIGN_OR_RAISE(Envelope child, read_chunk_child(encoded, chunk, format::kValues, level));
   return make_lists(encoded, chunk, std::move(child));
 }
 
 ::arrow::Result<ReadableValue> make_maps(const Encoded& encoded, size_t chunk, Envelope keys,
                                          Envelope items) {
-  ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, format::kValues));
   ARROW_RETURN_NOT_OK(check_length(place, items.length, keys.length, "as there are keys"));
   return make_lists(encoded, chunk, make_entries(std::move(keys), std::move(items)));
 }
 
 ::arrow::Result<ReadableValue> read_map_chunk(const Encoded& encoded, size_t chunk, int level) {
-  ARROW_ASSIGN_OR_RAISE(Envelope keys, read_chunk_child(encoded, chunk, "Keys", level + 1));
-  ARROW_ASSIGN_OR_RAISE(Envelope items, read_chunk_child(encoded, chunk, "Values", level + 1));
+  ARROW_ASSIGN_OR_RAISE(Envelope keys, read_chunk_child(encoded, chunk, format::kKeys, level + 1));
+  ARROW_ASSIGN_OR_RAISE(Envelope items,
+                        read_chunk_child(encoded, chunk, format::kValues, level + 1));
   return make_maps(encoded, chunk, std::move(keys), std::move(items));
 }
 
@@ -126,9 +127,9 @@ struct StructFields {
 
 // As many names as children, at least one, and every name a text.
 ::arrow::Result<StructFields> find_fields(const Encoded& encoded, size_t chunk) {
-  ARROW_ASSIGN_OR_RAISE(const Located names, field(encoded.data, chunk, "FieldName"));
+  ARROW_ASSIGN_OR_RAISE(const Located names, field(encoded.data, chunk, format::kFieldName));
   ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
-  ARROW_ASSIGN_OR_RAISE(const Located children, field(encoded.data, chunk, "FieldData"));
+  ARROW_ASSIGN_OR_RAISE(const Located children, field(encoded.data, chunk, format::kFieldData));
   ARROW_RETURN_NOT_OK(check_class(children, hxClassID::Cell, "a cell of encoded arrays"));
   const size_t count = hxGetNumberOfElements(children.value);
   if (count == 0) return invalid(children, "no fields", "at least one");
@@ -151,7 +152,7 @@ struct StructFields {
 // The children of one chunk of structs, all of as many elements as the first.
 ::arrow::Result<Envelope> read_children(const Located& children, int level) {
   const size_t count = hxGetNumberOfElements(children.value);
-  Envelope readable{make_cell(1, count)};
+  Envelope readable{format::make_cell(1, count)};
   for (size_t i = 0; i < count; ++i) {
     ARROW_ASSIGN_OR_RAISE(Envelope child, read_cell_child(children, i, level));
     if (i == 0) readable.length = child.length;
@@ -166,14 +167,13 @@ struct StructFields {
 ::arrow::Result<ReadableValue> make_structs(const Encoded& encoded, size_t chunk,
                                             const hxArray* names, Envelope children) {
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr valid, read_validity(encoded.valid, chunk, children.length));
-  hxArrayPtr data = make_struct(1, {"FieldName", "FieldData"});
-  hxSetField(data.get(), 0, "FieldName", hxSharedCopy(names));
-  hxSetField(data.get(), 0, "FieldData", std::move(children.value));
-  return ReadableValue{.kind = u"struct",
-                       .type = u"struct",
+  hxArrayPtr data =
+      format::make_record(format::kStructs, hxSharedCopy(names), std::move(children.value));
+  return ReadableValue{.type = format::kStructType,
                        .data = std::move(data),
                        .length = children.length,
-                       .valid = std::move(valid)};
+                       .valid = std::move(valid),
+                       .kind = format::kStructKind};
 }
 
 ::arrow::Result<ReadableValue> read_struct_chunk(const Encoded& encoded, size_t chunk, int level) {

@@ -5,6 +5,7 @@
 #include "numera/core/limits.h"
 #include "numera/extras/encode/encode.h"
 #include "numera/extras/whole_type.h"
+#include "numera/format/names.h"
 #include "numera/host/text_codec.h"
 
 namespace numera::extras {
@@ -45,9 +46,9 @@ std::optional<TypePtr> returned_struct(const ::arrow::FieldVector& fields, int l
 
 std::optional<TypePtr> returned_map(const ::arrow::MapType& type, int levels) {
   if (levels == 0) return std::nullopt;
-  const auto entry = returned_struct(
-      {::arrow::field("key", type.key_type()), ::arrow::field("value", type.item_type())},
-      levels - 1);
+  const auto entry = returned_struct({::arrow::field(format::kKey, type.key_type()),
+                                      ::arrow::field(format::kValue, type.item_type())},
+                                     levels - 1);
   if (!entry) return std::nullopt;
   return ::arrow::large_list(*entry);
 }

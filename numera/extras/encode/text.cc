@@ -8,7 +8,9 @@
 #include <string>
 #include <utility>
 #include <variant>
+#include <vector>
 
+#include "numera/format/records.h"
 #include "numera/host/message_id_exception.h"
 #include "numera/host/string_array.h"
 #include "numera/unicode/convert_utf16_to_utf8.h"
@@ -53,7 +55,7 @@ hxArrayPtr as_string_column(const hxArray* value) {
     if (!is_char_row(text.value)) return wrong_class(text, "a char row");
   }
   if (is_column(cells.value)) return hxSharedCopy(cells.value);
-  hxArrayPtr column = make_cell(length, 1);
+  hxArrayPtr column = format::make_cell(length, 1);
   for (size_t i = 0; i < length; ++i) {
     hxSetCell(column.get(), i, hxSharedCopy(hxGetCell(cells.value, i)));
   }
@@ -88,20 +90,13 @@ hxArrayPtr bits_of_present(const hxStringArray& strings) {
   for (size_t i = 0; i < length; ++i) {
     if (strings.element(i)) continue;
     if (bits == nullptr) {
-      bits = make_column(hxClassID::UInt8, bitmap_bytes(length));
-      std::memset(elements<std::uint8_t>(bits), 0xFF, bitmap_bytes(length));
+      bits = format::make_column(hxClassID::UInt8, format::bitmap_bytes(length));
+      std::memset(format::elements<std::uint8_t>(bits), 0xFF, format::bitmap_bytes(length));
     }
-    std::uint8_t& byte = elements<std::uint8_t>(bits)[i / 8];
+    std::uint8_t& byte = format::elements<std::uint8_t>(bits)[i / 8];
     byte = static_cast<std::uint8_t>(byte & ~(1U << (i % 8)));
   }
   return bits;
-}
-
-hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
-  hxArrayPtr data = make_struct(1, {"Values", "StartOffsets"});
-  hxSetField(data.get(), 0, "Values", std::move(values));
-  hxSetField(data.get(), 0, "StartOffsets", std::move(offsets));
-  return data;
 }
 
 }  // namespace
@@ -116,9 +111,9 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
     return not_utf16(texts, error);
   }
   auto& [values, offsets] = outputs;
-  ReadableValue readable{.kind = u"array", .type = u"string", .data = nullptr};
+  ReadableValue readable{.type = format::kStringType, .data = nullptr};
   readable.length = hxGetNumberOfElements(offsets.get()) - 1;
-  readable.data = packed(std::move(values), std::move(offsets));
+  readable.data = format::make_record(format::kPacked, std::move(values), std::move(offsets));
   if (hxIsStringArray(input.get())) {
     readable.valid = bits_of_present(hxGetStringArray(input.get()));
   }
@@ -127,8 +122,9 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
 
 ::arrow::Result<ReadableValue> pack_bytes(const Located& cells) {
   const size_t length = hxGetNumberOfElements(cells.value);
-  hxArrayPtr offsets = make_column(hxClassID::UInt64, length + 1);
-  auto* const ends = elements<std::uint64_t>(offsets);
+  hxArrayPtr offsets = format::make_column(hxClassID::UInt64, length + 1);
+  auto* const ends = format::elements<std::uint64_t>(offsets);
+  std::vector<const void*> blocks(length);
   ends[0] = 0;
   for (size_t i = 0; i < length; ++i) {
     ARROW_ASSIGN_OR_RAISE(const Located bytes, cell(cells, i));
@@ -138,29 +134,30 @@ hxArrayPtr packed(hxArrayPtr values, hxArrayPtr offsets) {
     constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::int64_t>::max();
     if (size > kMaxBytes - ends[i]) return invalid(cells, "2^63 bytes or more", "fewer");
     ends[i + 1] = ends[i] + size;
+    blocks[i] = hxGetData(bytes.value);
   }
-  hxArrayPtr values = make_column(hxClassID::UInt8, ends[length]);
-  auto* const target = elements<std::uint8_t>(values);
+  hxArrayPtr values = format::make_column(hxClassID::UInt8, ends[length]);
+  auto* const target = format::elements<std::uint8_t>(values);
   for (size_t i = 0; i < length; ++i) {
     const size_t size = ends[i + 1] - ends[i];
-    if (size > 0) std::memcpy(target + ends[i], hxGetData(hxGetCell(cells.value, i)), size);
+    if (size > 0) std::memcpy(target + ends[i], blocks[i], size);
   }
-  ReadableValue readable{
-      .kind = u"array", .type = u"binary_array", .data = nullptr, .length = length};
-  readable.data = packed(std::move(values), std::move(offsets));
-  return readable;
+  return ReadableValue{
+      .type = format::kBinaryType,
+      .data = format::make_record(format::kPacked, std::move(values), std::move(offsets)),
+      .length = length};
 }
 
-::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, std::u16string_view type) {
+::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, const char* type) {
   ARROW_RETURN_NOT_OK(check_one_element(packed));
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(packed, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
-  ARROW_ASSIGN_OR_RAISE(const Located offsets, field(packed, 0, "StartOffsets"));
+  ARROW_ASSIGN_OR_RAISE(const Located offsets, field(packed, 0, format::kStartOffsets));
   ARROW_RETURN_NOT_OK(check_numbers(offsets, hxClassID::UInt64, "a uint64 array"));
   const size_t ends = hxGetNumberOfElements(offsets.value);
   if (ends == 0) return invalid(offsets, "no elements", "one more than there are texts");
   return ReadableValue{
-      .kind = u"array", .type = type, .data = hxSharedCopy(packed.value), .length = ends - 1};
+      .type = type, .data = hxSharedCopy(packed.value), .length = ends - 1, .is_valid = false};
 }
 
 }  // namespace numera::extras::encoding

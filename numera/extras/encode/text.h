@@ -21,6 +21,6 @@ namespace numera::extras::encoding {
 ::arrow::Result<ReadableValue> pack_bytes(const Located& cells);
 
 /// A struct that is packed already, as it stands.
-::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, std::u16string_view type);
+::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, const char* type);
 
 }  // namespace numera::extras::encoding

@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "numera/format/records.h"
+#include "numera/format/time_units.h"
 #include "numera/host/text_codec.h"
 
 namespace numera::extras::encoding {
@@ -16,7 +18,7 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 // before stays: a lone character of Latin-1 is no UTF-8.
 std::optional<std::u16string> decode_bytes(const hxArray* text) {
   const size_t length = hxGetNumberOfElements(text);
-  const auto* const units = elements<char16_t>(text);
+  const auto* const units = format::elements<char16_t>(text);
   std::string bytes;
   bool ascii = true;
   for (size_t i = 0; i < length; ++i) {
@@ -34,28 +36,30 @@ std::optional<std::u16string> decode_bytes(const hxArray* text) {
 
 hxArrayPtr readable_time_zone(const hxArray* written) {
   const std::optional<std::u16string> decoded = decode_bytes(written);
-  return decoded ? make_char(*decoded) : hxSharedCopy(written);
+  return decoded ? format::make_char_row(*decoded) : hxSharedCopy(written);
 }
 
 bool is_date(const Located& data) {
-  return hxGetFieldNumber(data.value, "Units") < 0 && hxGetFieldNumber(data.value, "DateType") >= 0;
+  return hxGetFieldNumber(data.value, format::kUnits) < 0 &&
+         hxGetFieldNumber(data.value, format::kDateType) >= 0;
 }
 
 // Days reach further in seconds than an int32 can count them, so nothing is lost.
 hxArrayPtr days_as_seconds(const hxArray* days) {
   const size_t length = hxGetNumberOfElements(days);
-  const auto* const source = elements<std::int32_t>(days);
-  hxArrayPtr seconds = make_column(hxClassID::Int64, length);
-  auto* const target = elements<std::int64_t>(seconds);
+  const auto* const source = format::elements<std::int32_t>(days);
+  hxArrayPtr seconds = format::make_column(hxClassID::Int64, length);
+  auto* const target = format::elements<std::int64_t>(seconds);
   for (size_t i = 0; i < length; ++i) target[i] = kSecondsPerDay * source[i];
   return seconds;
 }
 
 ::arrow::Result<ReadableValue> read_dates(const Located& data) {
-  ARROW_ASSIGN_OR_RAISE(const Located date_type, field(data, 0, "DateType"));
+  ARROW_ASSIGN_OR_RAISE(const Located date_type, field(data, 0, format::kDateType));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(date_type));
-  if (name != "Date") return invalid(date_type, "'" + name + "'", "'Date', or 'Units' beside it");
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  if (name != format::kDate)
+    return invalid(date_type, "'" + name + "'", "'Date', or 'Units' beside it");
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values));
   const hxClassID class_id = hxGetClassID(values.value);
   if (class_id != hxClassID::Int32 && class_id != hxClassID::Int64) {
@@ -63,10 +67,11 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
   }
   const bool days = class_id == hxClassID::Int32;
   return ReadableValue{
-      .kind = u"array",
-      .type = u"datetime",
+      .type = format::kDatetimeType,
       .data = make_datetime(days ? days_as_seconds(values.value) : hxSharedCopy(values.value),
-                            make_char(days ? u"seconds" : u"milliseconds"), make_char(u"")),
+                            format::make_word(format::unit_name(days ? ::arrow::TimeUnit::SECOND
+                                                                     : ::arrow::TimeUnit::MILLI)),
+                            format::make_word("")),
       .length = hxGetNumberOfElements(values.value)};
 }
 
@@ -75,14 +80,13 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
 ::arrow::Result<ReadableValue> read_datetime(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
   if (is_date(data)) return read_dates(data);
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::Int64, "an int64 array"));
-  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, "Units"));
+  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, format::kUnits));
   ARROW_RETURN_NOT_OK(text_of(units));
-  ARROW_ASSIGN_OR_RAISE(const Located time_zone, field(data, 0, "TimeZone"));
+  ARROW_ASSIGN_OR_RAISE(const Located time_zone, field(data, 0, format::kTimeZone));
   ARROW_RETURN_NOT_OK(text_of(time_zone));
-  return ReadableValue{.kind = u"array",
-                       .type = u"datetime",
+  return ReadableValue{.type = format::kDatetimeType,
                        .data = make_datetime(hxSharedCopy(values.value), hxSharedCopy(units.value),
                                              readable_time_zone(time_zone.value)),
                        .length = hxGetNumberOfElements(values.value)};
@@ -90,23 +94,19 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
 
 ::arrow::Result<ReadableValue> read_time_of_day(const Located& data) {
   ARROW_RETURN_NOT_OK(check_one_element(data));
-  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, "Values"));
+  ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values));
-  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, "Units"));
+  ARROW_ASSIGN_OR_RAISE(const Located units, field(data, 0, format::kUnits));
   ARROW_RETURN_NOT_OK(text_of(units));
-  return ReadableValue{.kind = u"array",
-                       .type = u"duration",
+  return ReadableValue{.type = format::kDurationType,
                        .data = hxSharedCopy(data.value),
-                       .length = hxGetNumberOfElements(values.value)};
+                       .length = hxGetNumberOfElements(values.value),
+                       .is_valid = false};
 }
 
 hxArrayPtr make_datetime(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
-  hxArrayPtr data = make_struct(1, {"Values", "Units", "TimeZone", "DateType"});
-  hxSetField(data.get(), 0, "Values", std::move(values));
-  hxSetField(data.get(), 0, "Units", std::move(units));
-  hxSetField(data.get(), 0, "TimeZone", std::move(time_zone));
-  hxSetField(data.get(), 0, "DateType", make_char(u"Timestamp"));
-  return data;
+  return format::make_record(format::kTimestamps, std::move(values), std::move(units),
+                             std::move(time_zone), format::make_word(format::kTimestamp));
 }
 
 }  // namespace numera::extras::encoding

@@ -1,7 +1,6 @@
 #include "numera/extras/inspect/number.h"
 
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -9,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "numera/extras/inspect/element_type.h"
+#include "numera/format/number_classes.h"
 
 namespace numera::extras::inspect {
 namespace {
@@ -36,16 +35,14 @@ std::string to_text(T value) {
 
 // One part of an element: parts are counted through the whole block.
 std::string part_text(hxClassID class_id, const std::uint8_t* block, size_t part) {
-  const auto text = [&]<class T>() -> std::string {
-    if constexpr (std::is_same_v<T, bool>) {
-      return block[part] != 0 ? "true" : "false";
-    } else {
-      T value;
-      std::memcpy(&value, block + part * sizeof(T), sizeof(T));
-      return to_text(value);
-    }
+  const auto text = [&]<class T>(const format::NumberClass<T>&) {
+    T value;
+    std::memcpy(&value, block + part * sizeof(T), sizeof(T));
+    return to_text(value);
   };
-  return with_element_type(class_id, text, [] { return std::string("?"); });
+  // Truth values are the only others, a byte each.
+  return format::with_number_class(
+      class_id, text, [&] { return std::string(block[part] != 0 ? "true" : "false"); });
 }
 
 const std::uint8_t* block_of(const hxArray* array) {
@@ -73,9 +70,8 @@ std::string bits_text(const hxArray* array, size_t element) {
   for (size_t part = 0; part < parts; ++part, byte += size) {
     if (part > 0) text += ' ';
     for (size_t i = 0; i < size; ++i) {
-      const size_t at = std::endian::native == std::endian::little ? size - 1 - i : i;
-      text += kDigits[byte[at] >> 4];
-      text += kDigits[byte[at] & 0xF];
+      text += kDigits[byte[size - 1 - i] >> 4];
+      text += kDigits[byte[size - 1 - i] & 0xF];
     }
   }
   return text;

@@ -1,6 +1,7 @@
 #include "numera/extras/inspect/value.h"
 
 #include "numera/extras/inspect/text.h"
+#include "numera/format/values.h"
 #include "numera/host/string_array.h"
 
 namespace numera::extras::inspect {
@@ -8,31 +9,11 @@ namespace numera::extras::inspect {
 Content content_of(const hxArray* array) {
   if (hxIsStringArray(array)) return Content::kStrings;
   if (hxIsSparse(array)) return Content::kNothing;
-  switch (hxGetClassID(array)) {
-    case hxClassID::Cell:
-      return Content::kCells;
-    case hxClassID::Struct:
-    case hxClassID::Object:
-      return Content::kFields;
-    case hxClassID::Char:
-      return Content::kChars;
-    case hxClassID::Logical:
-    case hxClassID::Double:
-    case hxClassID::Single:
-    case hxClassID::Int8:
-    case hxClassID::UInt8:
-    case hxClassID::Int16:
-    case hxClassID::UInt16:
-    case hxClassID::Int32:
-    case hxClassID::UInt32:
-    case hxClassID::Int64:
-    case hxClassID::UInt64:
-      return Content::kNumbers;
-    case hxClassID::Unknown:
-    case hxClassID::Void:
-    case hxClassID::Function:
-      return Content::kNothing;
-  }
+  const hxClassID class_id = hxGetClassID(array);
+  if (class_id == hxClassID::Cell) return Content::kCells;
+  if (class_id == hxClassID::Char) return Content::kChars;
+  if (format::is_struct(array)) return Content::kFields;
+  if (class_id == hxClassID::Logical || hxIsNumeric(array)) return Content::kNumbers;
   return Content::kNothing;
 }
 

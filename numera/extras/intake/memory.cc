@@ -7,10 +7,10 @@
 #include <limits>
 #include <utility>
 
+#include "numera/format/bitmap.h"
+
 namespace numera::extras::intake {
 namespace {
-
-std::int64_t bytes_for(std::int64_t bits) { return bits / 8 + (bits % 8 != 0); }
 
 std::shared_ptr<::arrow::Buffer> cut_bytes(const std::shared_ptr<::arrow::Buffer>& buffer,
                                            std::int64_t begin, std::int64_t size) {
@@ -39,7 +39,7 @@ BufferResult allocate(Work& work, std::int64_t count, std::int64_t width) {
 BufferResult cut_bits(Work& work, const std::shared_ptr<::arrow::Buffer>& bits, std::int64_t offset,
                       std::int64_t length) {
   if (bits == nullptr) return nullptr;
-  if (offset % 8 == 0) return cut_bytes(bits, offset / 8, bytes_for(length));
+  if (offset % 8 == 0) return cut_bytes(bits, offset / 8, format::bitmap_bytes(length));
   return ::arrow::internal::CopyBitmap(work.pool, bits->data(), offset, length);
 }
 

@@ -15,6 +15,7 @@
 #include "numera/extras/in_column.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/own/owned_memory.h"
+#include "numera/format/names.h"
 
 namespace numera::extras {
 namespace {
@@ -47,11 +48,11 @@ using core::util::VerifyHxStructContains;
 
 ::arrow::Result<std::shared_ptr<::arrow::Table>> own_to_arrow_table(hxArrayPtr encoded) {
   const own::Owner owner = std::move(encoded);
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "ArrowType", hxClassID::Char, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "Names", hxClassID::Cell, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), "Columns", hxClassID::Struct, false));
-  const hxArray* names = hxGetFieldChecked(owner.get(), 0, "Names");
-  const hxArray* columns = hxGetFieldChecked(owner.get(), 0, "Columns");
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kArrowType, hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kNames, hxClassID::Cell, false));
+  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kColumns, hxClassID::Struct, false));
+  const hxArray* names = hxGetFieldChecked(owner.get(), 0, format::kNames);
+  const hxArray* columns = hxGetFieldChecked(owner.get(), 0, format::kColumns);
   const size_t count = hxGetDimensions(columns)[0];
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector arrays;

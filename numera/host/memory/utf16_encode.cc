@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstdint>
 
 #include "numera/host/memory/utf_transcode.h"
@@ -136,8 +137,7 @@ bool encode_words(Encoding& text) {
 Transcoded utf16_to_utf8(std::u16string_view text, std::span<char> bytes) noexcept {
   Encoding encoding{text.data(), text.data() + text.size(), bytes.data(),
                     bytes.data() + bytes.size()};
-  bool valid = true;
-  if constexpr (kReadsWords) valid = encode_words(encoding);
+  bool valid = encode_words(encoding);
   while (valid && encoding.next != encoding.end) valid = step(encoding);
   const TextFault fault = valid                     ? TextFault::None
                           : is_high(*encoding.next) ? TextFault::UnpairedHighSurrogate

@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -162,8 +163,7 @@ bool decode_words(Decoding& text) {
 Transcoded utf8_to_utf16(std::string_view text, std::span<char16_t> units) noexcept {
   const auto* const begin = reinterpret_cast<const Byte*>(text.data());
   Decoding decoding{begin, begin + text.size(), units.data(), units.data() + units.size()};
-  bool valid = true;
-  if constexpr (kReadsWords) valid = decode_words(decoding);
+  bool valid = decode_words(decoding);
   while (valid && decoding.next != decoding.end) valid = step(decoding);
   return {static_cast<size_t>(decoding.next - begin),
           static_cast<size_t>(decoding.out - units.data()),

@@ -5,7 +5,6 @@
 /// the first of them in its lowest bits.
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -13,9 +12,6 @@
 namespace numera::host::memory {
 
 inline constexpr size_t kWordBytes = sizeof(std::uint64_t);
-
-/// Elsewhere the first byte of a word lies in its highest bits, and texts are read byte by byte.
-inline constexpr bool kReadsWords = std::endian::native == std::endian::little;
 
 inline std::uint64_t load_word(const void* source) {
   std::uint64_t word;

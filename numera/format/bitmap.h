@@ -1,12 +1,16 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <span>
 
-namespace numera::io::arrow::core {
+namespace numera::format {
 
 /// Bytes that hold `bits` bits.
-constexpr std::int64_t bitmap_bytes(std::int64_t bits) { return bits / 8 + (bits % 8 != 0); }
+template <std::integral Count>
+constexpr Count bitmap_bytes(Count bits) {
+  return bits / 8 + (bits % 8 != 0 ? 1 : 0);
+}
 
 /// Where a run of bits goes.
 struct BitmapTarget {
@@ -44,4 +48,4 @@ class BitmapWriter {
   std::int64_t position_ = 0;
 };
 
-}  // namespace numera::io::arrow::core
+}  // namespace numera::format

@@ -1,4 +1,4 @@
-#include "numera/core/bitmap.h"
+#include "numera/format/bitmap.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 
 #include "tests/support/bitmap_model.h"
 
-namespace numera::io::arrow::core {
+namespace numera::format {
 namespace {
 
 using numera::testing::Bytes;
@@ -218,4 +218,4 @@ TEST(BitmapWriter, WritesNothingToNoBytes) {
 }
 
 }  // namespace
-}  // namespace numera::io::arrow::core
+}  // namespace numera::format

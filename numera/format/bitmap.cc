@@ -1,14 +1,10 @@
-#include "numera/core/bitmap.h"
+#include "numera/format/bitmap.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
-namespace numera::io::arrow::core {
+namespace numera::format {
 namespace {
-
-static_assert(std::endian::native == std::endian::little,
-              "bits of a word are numbered like those of its bytes");
 
 constexpr std::uint8_t low_bits(std::int64_t count) {
   return static_cast<std::uint8_t>((1U << count) - 1U);
@@ -123,4 +119,4 @@ void BitmapWriter::append(std::span<const std::uint8_t> source, std::int64_t len
   position_ += length;
 }
 
-}  // namespace numera::io::arrow::core
+}  // namespace numera::format
