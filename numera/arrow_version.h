@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Refuses to compile against another major version of Apache Arrow than the library was built
-/// with: the two differ in their binary interface. The package files name the version.
+/// Stops the compilation if the Arrow headers have a different major version than the one that the
+/// library was built with: their binary interfaces differ. The package files set the version.
 
 #include <arrow/util/config.h>
 

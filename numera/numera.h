@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Everything public of the host interface, the conversions and the text conversion.
+/// Includes the public headers of the host interface, the conversions and the text conversion.
 
 #include "numera/core/encoded_table.h"
 #include "numera/core/limits.h"

@@ -7,8 +7,8 @@
 
 namespace numera {
 
-/// "major.minor.patch", known when a program is compiled. This line is the only place where it
-/// stands: the build, the package files and the programs read it from here.
+/// "major.minor.patch", known at compile time. The version is defined only on this line: the build,
+/// the package files and the programs read it from here.
 inline constexpr std::string_view kVersion = "0.1.0";
 
 }  // namespace numera

@@ -2,7 +2,7 @@
 
 /// \file
 /// The host's exceptions with a message identifier, and its argument-count errors. Any number of
-/// threads may read one exception at a time.
+/// threads may read the same exception at the same time.
 
 #include <cstdint>
 #include <exception>
@@ -15,24 +15,24 @@
 
 #include "numera/export.h"
 
-/// A failure that the host reports by a message identifier. On purpose no `std::exception`: a
-/// thrown object derives from both.
+/// A failure that the host reports by a message identifier. It does not derive from
+/// `std::exception` on purpose: a thrown object derives from both.
 class NUMERA_EXPORT MessageIdException {
  public:
-  /// `identifier` is "catalog:key"; `message` is kept as it is given.
+  /// `identifier` is "catalog:key"; `message` is stored unchanged.
   MessageIdException(std::string identifier, std::u16string message)
       : identifier_(std::move(identifier)), message_(std::move(message)) {}
   virtual ~MessageIdException() = default;
 
-  /// "catalog:key", by which a program tells one failure from another. Lives as long as this.
+  /// "catalog:key", which programs use to distinguish failures. Lives as long as this object.
   const std::string& identifier() const { return identifier_; }
-  /// What a person is shown. Lives as long as this.
+  /// The text shown to users. Lives as long as this object.
   const std::u16string& message() const { return message_; }
 
  protected:
-  /// A part alone is never copied: a catch by value would lose the rest of the exception.
+  /// Protected, so that a catch by value cannot slice the exception.
   MessageIdException(const MessageIdException&) = default;
-  /// Like the copy, for derived classes alone.
+  /// Protected like the copy constructor.
   MessageIdException& operator=(const MessageIdException&) = default;
 
  private:
@@ -40,20 +40,20 @@ class NUMERA_EXPORT MessageIdException {
   std::u16string message_;
 };
 
-/// What a message tells about one failure: a number, such as that of an element, or a text, whose
-/// encoding the tag of the exception may state.
+/// A detail of one failure: a number, such as an element number, or a text. The tag of the
+/// exception may state the encoding of the text.
 using hxMessageArgument = std::variant<std::uint64_t, std::string>;
 
 /// The exception of one message. `Tag` names it by `static constexpr` members `catalog` and `key`.
 ///
-/// `StandardBase` is the class that a caller who knows nothing of identifiers catches it by; one
-/// that takes a `std::string` is given the identifier. `message()` is the identifier followed by
-/// the arguments in parentheses, a text byte for byte, since the wording belongs to the message
-/// catalogue of the host.
+/// `StandardBase` is the class that callers catch if they do not use identifiers. If it can be
+/// constructed from a `std::string`, it receives the identifier. `message()` is the identifier
+/// followed by the arguments in parentheses, because the wording belongs to the message catalogue
+/// of the host. Text arguments are copied byte by byte.
 template <class Tag, class StandardBase = std::exception>
 class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdException {
  public:
-  /// The exception of `Tag` with what its message tells, in the order that `Tag` states.
+  /// The exception of `Tag` with the arguments of its message, in the order that `Tag` states.
   explicit hxTaggedException(std::vector<hxMessageArgument> arguments = {})
       : StandardBase(make_base()),
         MessageIdException(make_identifier(), make_message(arguments)),
@@ -61,7 +61,7 @@ class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdExc
 
   /// The identifier, "catalog:key". Lives as long as the exception.
   const char* what() const noexcept override { return identifier().c_str(); }
-  /// What was given at construction. Lives as long as the exception.
+  /// The arguments given at construction. Lives as long as the exception.
   std::span<const hxMessageArgument> arguments() const { return arguments_; }
 
  private:
@@ -97,23 +97,23 @@ class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdExc
   std::vector<hxMessageArgument> arguments_;
 };
 
-/// Tag: a function is asked for more outputs than it has. No arguments.
+/// Tag: the caller requests more outputs than the function has. No arguments.
 struct NUMERA_EXPORT hxTooManyOutputs {
   static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
   static constexpr const char* key = "TooManyOutputs";   ///< after the last colon
 };
-/// Tag: a function is given fewer inputs than it needs. No arguments.
+/// Tag: the caller passes fewer inputs than the function needs. No arguments.
 struct NUMERA_EXPORT hxTooFewInputs {
   static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
   static constexpr const char* key = "TooFewInputs";     ///< after the last colon
 };
-/// Tag: a function is given more inputs than it takes. No arguments.
+/// Tag: the caller passes more inputs than the function accepts. No arguments.
 struct NUMERA_EXPORT hxTooManyInputs {
   static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
   static constexpr const char* key = "TooManyInputs";    ///< after the last colon
 };
 
-/// Throws the host's error for more outputs than there are: `hxTaggedException<hxTooManyOutputs>`.
+/// Throws the host's error for too many outputs: `hxTaggedException<hxTooManyOutputs>`.
 [[noreturn]] NUMERA_EXPORT void hxErrorMaxLhs();
 /// Throws the host's error for too few inputs: `hxTaggedException<hxTooFewInputs>`.
 [[noreturn]] NUMERA_EXPORT void hxErrorMinRhs();

@@ -1,8 +1,9 @@
 #pragma once
 
 /// \file
-/// String arrays: arrays whose elements are UTF-16 texts or missing. A host derives its own. Any
-/// number of threads may read one at a time, through the `const` members, while none writes it.
+/// String arrays: arrays whose elements are UTF-16 texts or missing. A host derives its own class.
+/// Any number of threads may read a string array through its `const` members while no thread writes
+/// it.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,42 +17,43 @@
 #include "numera/host/array.h"
 #include "numera/host/text_codec.h"
 
-/// The codec that reads the library's UTF-8: one per shared object that calls this (its body stands
-/// in this header), made on first use and only read afterwards, by any number of threads.
+/// The codec that decodes the library's UTF-8. Each shared object that calls this function has one
+/// instance, since the function is inline. It is created on first use and then only read, by any
+/// number of threads.
 inline const hxUTF8ToUTF16& hxUTF8Decoder() {
   static const hxUTF8ToUTF16 codec("UTF-8");
   return codec;
 }
 
 /// The elements of a string array. A new one holds empty texts. Operations with an index throw
-/// `std::out_of_range` where there is no such element; those that store throw `std::bad_alloc`.
+/// `std::out_of_range` if there is no such element. Operations that store throw `std::bad_alloc`.
 class NUMERA_EXPORT hxStringArray {
  public:
   virtual ~hxStringArray() = default;
 
-  /// At least two, fixed at construction. The view lives as long as this.
+  /// At least two, fixed at construction. The view lives as long as this object.
   virtual std::span<const size_t> dimensions() const = 0;
   /// Number of elements, missing ones included: the product of the dimensions.
   virtual size_t size() const = 0;
-  /// Element `i` in storage order; nullopt where it is missing. The view lives until the next
+  /// Element `i` in storage order; nullopt if it is missing. The view is valid until the next
   /// change of the array.
   virtual std::optional<std::u16string_view> element(size_t i) const = 0;
-  /// Copies the text, code unit by code unit: NUL and unpaired surrogates are kept. The element is
-  /// not missing from then on.
+  /// Copies the text unchanged: NUL and unpaired surrogates are kept. Afterwards the element is not
+  /// missing.
   virtual void set(size_t i, std::u16string_view text) = 0;
-  /// A missing element has no text; what it held before is not seen again.
+  /// Makes the element missing. Its previous text can no longer be read.
   virtual void set_missing(size_t i) = 0;
 
-  /// Sets the elements first, first + 1, ... from UTF-8 texts that lie back to back: text k is
-  /// bytes [offsets[k], offsets[k + 1]). `offsets` has one entry more than there are texts, never
-  /// falls, and stays within `bytes`.
+  /// Sets the elements first, first + 1, ... from contiguous UTF-8 texts: text k is bytes
+  /// [offsets[k], offsets[k + 1]). `offsets` has one entry more than there are texts, never
+  /// decreases, and stays within `bytes`.
   ///
   /// Returns the index in this array (first + k) of the first text that is not valid UTF-8, or
-  /// none. After a failure the elements from `first` on are unspecified.
+  /// nullopt. After a failure the elements from `first` on are unspecified.
   ///
-  /// These bodies set one element after another, and return the index of one that cannot be set
-  /// for another reason as well. A host overrides them where it can do better; an override may
-  /// throw where it cannot say which text failed.
+  /// The default implementation sets one element after another. It also returns the index of an
+  /// element that cannot be set for another reason. A host overrides it if it can do better; an
+  /// override may throw if it cannot tell which text failed.
   virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                             const std::uint8_t* bytes) {
     return assign_one_by_one(first, offsets, bytes);
@@ -76,7 +78,7 @@ class NUMERA_EXPORT hxStringArray {
       try {
         set(first + k, hxUTF8Decoder().convert(text));
       } catch (const std::logic_error&) {
-        throw;  // a range outside of the array is no fault of the text
+        throw;  // an index out of range is not a fault of the text
       } catch (...) {
         return first + k;
       }
@@ -85,16 +87,16 @@ class NUMERA_EXPORT hxStringArray {
   }
 };
 
-/// A new string array object of the given dimensions, at least two, every element the empty text;
-/// owned by the caller. Throws `std::bad_alloc`.
+/// New string elements of the given dimensions, at least two; every element is the empty text. The
+/// caller owns the result. Throws `std::bad_alloc`.
 NUMERA_EXPORT std::unique_ptr<hxStringArray> hxMakeStringArray(std::span<const size_t> dims);
-/// Makes an array of it, which owns it: class `hxClassID::Object`, class name "string", no fields.
-/// No text is copied. Throws `std::invalid_argument` for a null pointer, and `std::bad_alloc`; the
-/// strings are destroyed then.
+/// Creates an array that owns `strings`: class `hxClassID::Object`, class name "string", no fields.
+/// No text is copied. Throws `std::invalid_argument` for a null pointer, and `std::bad_alloc`; then
+/// `strings` is destroyed.
 NUMERA_EXPORT hxArrayPtr hxCreateStringArrayFrom(std::unique_ptr<hxStringArray> strings);
-/// `array` is not null. True for what `hxCreateStringArrayFrom` has made and for copies of it; the
-/// class alone does not tell, since other objects have it too.
+/// True for results of `hxCreateStringArrayFrom` and their copies. The class is not enough to tell,
+/// since other objects have it too. `array` is not null.
 NUMERA_EXPORT bool hxIsStringArray(const hxArray* array) noexcept;
-/// The elements, borrowed while the array lives. Throws `std::invalid_argument` "Array is not
-/// string array.", for a null array too.
+/// The elements, borrowed; they live as long as the array. Throws `std::invalid_argument` "Array is
+/// not string array.", also for a null array.
 NUMERA_EXPORT const hxStringArray& hxGetStringArray(const hxArray* array);

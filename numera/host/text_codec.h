@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The host's strict text codecs. A codec refuses what it cannot decode instead of replacing it:
+/// The host's strict text codecs. A codec rejects invalid text and never replaces parts of it:
 /// unpaired surrogates, overlong forms, surrogate code points in UTF-8, truncated sequences and
 /// values above U+10FFFF.
 
@@ -13,14 +13,14 @@
 
 #include "numera/export.h"
 
-/// A text that a codec refuses. `what()` says what is wrong with it, in the host's words, and at
-/// which byte or code unit, counted from 0.
+/// A codec rejected a text. `what()` describes the fault in the host's words and gives its
+/// position: the byte or code unit, counted from 0.
 class NUMERA_EXPORT hxCodecError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Converts UTF-8 to UTF-16. Conversion only reads the codec, so one instance serves all threads.
+/// Converts UTF-8 to UTF-16. Conversion does not change the codec: all threads can share one.
 class NUMERA_EXPORT hxUTF8ToUTF16 {
  public:
   /// `encoding` names the source, "UTF-8". Throws `std::invalid_argument` for any other.
@@ -29,7 +29,7 @@ class NUMERA_EXPORT hxUTF8ToUTF16 {
   hxUTF8ToUTF16(const hxUTF8ToUTF16&) = delete;
   hxUTF8ToUTF16& operator=(const hxUTF8ToUTF16&) = delete;
 
-  /// The whole text, NUL kept. Throws `hxCodecError` and `std::bad_alloc`. Linear in its length.
+  /// Converts all of `text`; NUL is kept. Throws `hxCodecError` and `std::bad_alloc`. Linear time.
   std::u16string convert(std::string_view text) const;
 
  private:
@@ -37,7 +37,7 @@ class NUMERA_EXPORT hxUTF8ToUTF16 {
   std::unique_ptr<Implementation> implementation_;
 };
 
-/// Converts UTF-16 to UTF-8. Conversion only reads the codec, so one instance serves all threads.
+/// Converts UTF-16 to UTF-8. Conversion does not change the codec: all threads can share one.
 class NUMERA_EXPORT hxUTF16ToUTF8 {
  public:
   /// `encoding` names the target, "UTF-8". Throws `std::invalid_argument` for any other.
@@ -46,7 +46,8 @@ class NUMERA_EXPORT hxUTF16ToUTF8 {
   hxUTF16ToUTF8(const hxUTF16ToUTF8&) = delete;
   hxUTF16ToUTF8& operator=(const hxUTF16ToUTF8&) = delete;
 
-  /// `length` code units, NUL kept. Throws `hxCodecError` and `std::bad_alloc`. Linear in `length`.
+  /// Converts `length` code units; NUL is kept. Throws `hxCodecError` and `std::bad_alloc`. Linear
+  /// time.
   std::string convert(const char16_t* text, size_t length) const;
 
  private:
