@@ -1,14 +1,16 @@
 # Finds Apache Arrow: an installed package, or the libraries and headers inside a pyarrow wheel.
-# Used by the project's own build and, installed, by everyone who finds its package.
+# Used by the build of this project and, once installed, by projects that find its package.
 #
 # numera_find_arrow(LIBRARY...), each of arrow, parquet, defines the imported targets
 # numera_LIBRARY_dependency and sets
-#   numera_arrow_version   the version found, such as 26.0.1; empty where there is none
+#   numera_arrow_version   the version found, such as 26.0.1; empty if none was found
 #   numera_arrow_wheel     the folder of the wheel; empty for an installed package
 #
-# An Arrow that the calling project has found already wins, so that no process gets two of them;
-# then the wheel that numera itself was built with (numera_arrow_built_with, set by the package
-# file), an installed package, and the wheel of a Python.
+# Order of search:
+# 1. an Arrow that the calling project has already found, so that no process loads two
+# 2. the wheel that numera was built with (numera_arrow_built_with, set by the package file)
+# 3. an installed package
+# 4. the wheel of a Python
 
 set(NUMERA_ARROW_PYTHON "" CACHE FILEPATH
     "Python interpreter whose pyarrow wheel is used where no Arrow is installed")
@@ -36,7 +38,7 @@ function(numera_find_arrow)
   set(numera_arrow_wheel "${wheel}" PARENT_SCOPE)
 endfunction()
 
-# Sets version where every one of the libraries is installed.
+# Sets version if all of the libraries are installed.
 function(numera_arrow_from_package)
   set(installed "")
   foreach(library IN LISTS ARGN)
@@ -58,7 +60,8 @@ function(numera_arrow_from_package)
   set(version ${Arrow_VERSION} PARENT_SCOPE)
 endfunction()
 
-# Sets wheel to the folder of pyarrow in the project's virtual environment or the current Python.
+# Sets wheel to the folder of pyarrow in NUMERA_ARROW_PYTHON if set; otherwise in the project's
+# virtual environment or the current Python.
 function(numera_python_wheel)
   if(NUMERA_ARROW_PYTHON)
     set(python ${NUMERA_ARROW_PYTHON})
@@ -76,7 +79,7 @@ function(numera_python_wheel)
   endif()
 endfunction()
 
-# Sets version, read from the wheel's headers. A wheel names its libraries by their soname alone.
+# Sets version, read from the wheel's headers. In a wheel, libraries have only their soname as name.
 function(numera_arrow_from_wheel)
   file(STRINGS ${wheel}/include/arrow/util/config.h line REGEX "define ARROW_VERSION_STRING ")
   string(REGEX MATCH "[0-9]+\\.[0-9]+\\.[0-9]+" found "${line}")

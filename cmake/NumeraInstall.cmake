@@ -1,5 +1,4 @@
-# What `cmake --install` puts in place: headers, libraries, a package file for CMake and two for
-# pkg-config.
+# Rules for `cmake --install`: headers, libraries, the CMake package files and two pkg-config files.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -22,15 +21,15 @@ install(EXPORT numera NAMESPACE numera:: FILE numera-targets.cmake
 configure_package_config_file(cmake/numera-config.cmake.in numera-config.cmake
   INSTALL_DESTINATION ${numera_cmake_dir}
   NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
-# Before 1.0 a minor version may break.
+# Before 1.0, minor versions may be incompatible.
 write_basic_package_version_file(numera-config-version.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/numera-config.cmake
               ${PROJECT_BINARY_DIR}/numera-config-version.cmake
               cmake/NumeraArrow.cmake
         DESTINATION ${numera_cmake_dir})
 
-# An installed Arrow has a pkg-config file of its own. A wheel has none, lies where no loader looks,
-# and lacks the plain names of its libraries.
+# An installed Arrow has its own pkg-config file. A wheel has none. Its folder is not on the search
+# path of the loader, and its libraries have no plain names such as libarrow.so.
 if(numera_arrow_wheel)
   set(numera_pc_requires "")
   set(numera_pc_arrow_cflags "-I${numera_arrow_wheel}/include")

@@ -14,7 +14,7 @@
 namespace numera::io::arrow::unicode {
 namespace {
 
-/// Two dimensions, the second of them 0 or 1.
+/// Requires two dimensions, the second being 0 or 1.
 template <class Tag>
 void require_column(std::span<const size_t> dims) {
   if (dims.size() != 2 || dims[1] > 1) throw hxTaggedException<Tag>();
@@ -48,8 +48,8 @@ EncodedTexts encode_cells(const hxArray* cell) {
   return encode_texts(hxGetNumberOfElements(cell), text);
 }
 
-/// The rows of a char matrix as the elements of a string array. Rows are gathered some at a time,
-/// since the units of one row lie as far apart as the matrix has rows.
+/// The rows of a char matrix as the elements of a string array. Gathers several rows at a time to
+/// use the cache well: consecutive code units of one row have a stride of R in an R-by-C matrix.
 std::unique_ptr<hxStringArray> gather_rows(const hxArray* matrix) {
   constexpr size_t kMostRows = 32;
   constexpr size_t kMostUnits = 1 << 16;

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Host text to UTF-8 bytes and offsets, the form in which texts go to Arrow. Any number of threads
-/// may convert at a time, the same texts too, each into outputs of its own.
+/// Converts host text to UTF-8 bytes and offsets, the form that Arrow uses. Any number of threads
+/// may convert at the same time, even the same texts, each into its own outputs.
 
 #include "numera/export.h"
 #include "numera/host/array.h"
@@ -10,30 +10,31 @@
 
 namespace numera::io::arrow::unicode {
 
-/// Converts one host value in the form of a host's gateway functions: `inputs` holds `inputCount`
-/// borrowed values, and `outputs` receives the first `outputCount` results.
+/// Converts one host value, with the signature of a host's gateway functions: `inputs` holds
+/// `inputCount` borrowed values, and `outputs` receives the first `outputCount` results.
 ///
 /// inputs[0] is one of
-/// - a string array of N-by-1 elements; a missing element gives no bytes, like an empty one,
+/// - a string array of N-by-1 elements; a missing element becomes an empty text,
 /// - an N-by-1 cell array of char rows,
-/// - an R-by-C char matrix: R texts of C code units each, trailing blanks kept.
-/// Arrays of no columns have no elements.
+/// - an R-by-C char matrix: R texts of C code units each; trailing blanks are kept.
+/// String and cell arrays without columns have no texts.
 ///
-/// outputs[0] becomes the bytes, a (T + 1)-by-1 uint8 array: the texts back to back and one zero
-/// byte behind them. outputs[1] becomes the offsets, an (N + 1)-by-1 uint64 array: text i is bytes
-/// [offsets[i], offsets[i + 1]). What the outputs held before is destroyed.
+/// outputs[0] receives the bytes, a (T + 1)-by-1 uint8 array: the T bytes of all texts without
+/// gaps, then one zero byte. outputs[1] receives the offsets, an (N + 1)-by-1 uint64 array: text i
+/// is bytes [offsets[i], offsets[i + 1]). Previous values of the outputs are destroyed.
 ///
-/// Errors are thrown, and the outputs are as before then:
-/// - more than 2 outputs, other than 1 input: by `hxErrorMaxLhs`, `hxErrorMaxRhs`, `hxErrorMinRhs`
-/// - any other input: `hxTaggedException` of a tag of exceptions.h. The cells are looked at one
-///   after another, each before it is converted.
-/// - what the host throws, a failed allocation say, unchanged
+/// Errors are thrown and leave the outputs unchanged:
+/// - more than 2 outputs, or not exactly 1 input: thrown by `hxErrorMaxLhs`, `hxErrorMaxRhs` or
+///   `hxErrorMinRhs`
+/// - any other input: `hxTaggedException` with a tag of exceptions.h. Cells are checked in order,
+///   each before it is converted.
+/// - exceptions of the host, such as a failed allocation, pass through unchanged
 ///
-/// Cost: two passes over the texts, one to measure and one to convert them. Texts that lie back to
-/// back in the host's memory are converted in pieces of many texts: ASCII straight into the result,
-/// any other by the host's codec. Only where the codec refuses a piece are all texts converted one
-/// by one, for the first to blame. The rows of a char matrix are gathered into a string array
-/// first.
+/// Cost: one pass over the texts measures them, a second pass converts them. Texts that are
+/// contiguous in the host's memory are converted many at a time: ASCII directly into the result,
+/// other texts by the host's codec. If the codec rejects a piece, all texts are converted again one
+/// by one to find the first invalid text. The rows of a char matrix are first gathered into a
+/// string array.
 ///
 /// \code
 ///   hxArrayPtr outputs[2];

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Texts to UTF-8 bytes and offsets, whatever host value they stand in.
+/// Converts the texts of any host value to UTF-8 bytes and offsets.
 
 #include <array>
 #include <cstddef>
@@ -22,10 +22,10 @@ namespace numera::io::arrow::unicode {
 
 struct EncodedTexts {
   hxArrayPtr bytes;    ///< uint8 column with a zero byte at its end
-  hxArrayPtr offsets;  ///< uint64 column of one entry more than there are texts
+  hxArrayPtr offsets;  ///< uint64 column with one entry more than there are texts
 };
 
-/// A column of zeros, and its elements.
+/// A column of zeros and a pointer to its elements.
 template <class T>
 std::pair<hxArrayPtr, T*> make_zeros(hxClassID class_id, size_t length) {
   hxArrayPtr column =
@@ -34,13 +34,13 @@ std::pair<hxArrayPtr, T*> make_zeros(hxClassID class_id, size_t length) {
   return {std::move(column), elements};
 }
 
-/// ASCII, one byte a code unit.
+/// Copies ASCII text, one byte per code unit.
 inline void narrow_ascii(std::u16string_view text, std::uint8_t* bytes) {
   for (size_t i = 0; i < text.size(); ++i) bytes[i] = static_cast<std::uint8_t>(text[i]);
 }
 
-/// Converts a run to the `size` bytes that it was measured to take; false where the codec makes it
-/// another number.
+/// Converts a run to exactly `size` bytes, its measured length. Returns false if the codec returns
+/// a different number of bytes.
 inline bool encode_run(const TextRun& run, const hxUTF16ToUTF8& codec, size_t size,
                        std::uint8_t* bytes) {
   if (run.ascii) {
@@ -53,7 +53,7 @@ inline bool encode_run(const TextRun& run, const hxUTF16ToUTF8& codec, size_t si
   return true;
 }
 
-/// The bytes of all texts; null where one of them is refused, which says nothing of which it is.
+/// The bytes of all texts. Returns null if any text is rejected, without telling which one.
 template <class Text>
 hxArrayPtr encode_runs(size_t count, const Text& text, const hxUTF16ToUTF8& codec,
                        std::uint64_t* ends) {
@@ -74,7 +74,7 @@ hxArrayPtr encode_runs(size_t count, const Text& text, const hxUTF16ToUTF8& code
   }
 }
 
-/// The same, each text by itself: the first that is refused is the one that the exception names.
+/// The same, one text at a time. The exception names the first text that is rejected.
 template <class Text>
 hxArrayPtr encode_one_by_one(size_t count, const Text& text, const hxUTF16ToUTF8& codec,
                              std::uint64_t* ends) {
@@ -94,8 +94,9 @@ hxArrayPtr encode_one_by_one(size_t count, const Text& text, const hxUTF16ToUTF8
   return std::move(bytes);
 }
 
-/// Encodes `count` texts. `text(i)` gives text i as a `std::u16string_view` that outlives the call,
-/// or throws what is wrong with it. It is asked for in order; once, unless a text is refused.
+/// Encodes `count` texts. `text(i)` returns text i as a `std::u16string_view` that outlives the
+/// call, or throws an exception if text i is invalid. It is called in order, once per text; if a
+/// text is rejected, the texts are requested again from the first one.
 template <class Text>
 EncodedTexts encode_texts(size_t count, const Text& text) {
   auto [offsets, ends] = make_zeros<std::uint64_t>(hxClassID::UInt64, count + 1);

@@ -3,7 +3,7 @@
 /// \file
 /// Tags of the exceptions that `convertUTF16ToUTF8` throws, each as `hxTaggedException<Tag>`
 /// with the identifier "catalog:key". The wording of a message belongs to the message catalogue of
-/// the host; where a tag names no arguments, there are none.
+/// the host. A tag without documented arguments has none.
 
 #include "numera/export.h"
 
@@ -15,33 +15,33 @@ struct NUMERA_EXPORT InvalidTextInput {
   static constexpr const char* key = "InvalidTextInput";             ///< after the last colon
 };
 
-/// A char array has not two dimensions.
+/// A char array does not have two dimensions.
 struct NUMERA_EXPORT InvalidCharDimensions {
   static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
   static constexpr const char* key = "InvalidCharDimensions";        ///< after the last colon
 };
 
-/// A string array has not two dimensions, or more than one column.
+/// A string array does not have two dimensions, or has more than one column.
 struct NUMERA_EXPORT InvalidStringDimensions {
   static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
   static constexpr const char* key = "InvalidStringDimensions";      ///< after the last colon
 };
 
-/// A cell array has not two dimensions, or more than one column.
+/// A cell array does not have two dimensions, or has more than one column.
 struct NUMERA_EXPORT InvalidCellstrDimensions {
   static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
   static constexpr const char* key = "InvalidCellstrDimensions";     ///< after the last colon
 };
 
-/// A cell is empty or holds anything but a char row: a value of another class, of more than two
-/// dimensions, or of more than one row.
+/// A cell is empty or does not hold a char row: its value has another class, more than two
+/// dimensions, or more than one row.
 struct NUMERA_EXPORT InvalidCellArray {
   static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
   static constexpr const char* key = "InvalidCellArray";             ///< after the last colon
 };
 
 /// A text is not valid UTF-16. Arguments: the number of the element, counted from 1
-/// (`std::uint64_t`), and what the codec says (`std::string`).
+/// (`std::uint64_t`), and the message of the codec (`std::string`).
 struct NUMERA_EXPORT UnrecognizedUTF16Character {
   static constexpr const char* catalog = "NUMERA:io:arrow:unicode";  ///< before the last colon
   static constexpr const char* key = "UnrecognizedUTF16Character";   ///< after the last colon

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Texts that lie back to back in memory, so that they can be converted in one piece, and what each
-/// of them takes in UTF-8.
+/// Finds runs of texts that are contiguous in memory and can be converted together. Measures the
+/// UTF-8 length of each text.
 
 #include <algorithm>
 #include <cstddef>
@@ -14,21 +14,22 @@
 
 namespace numera::io::arrow::unicode {
 
-/// Texts back to back: those behind the run before, up to text `end`, which is not among them.
+/// A run of contiguous texts. It begins where the previous run ends; `end` is the index after its
+/// last text.
 struct TextRun {
   std::u16string_view units;
   size_t end;
   bool ascii;
 };
 
-/// Without an early exit, so that it becomes vector code.
+/// Has no early exit, so that the compiler can vectorize it.
 inline bool is_ascii(std::u16string_view text) {
   char16_t bits = 0;
   for (const char16_t unit : text) bits |= unit;
   return bits < 0x80;
 }
 
-/// \name Eight code units that are compared and counted together
+/// \name Vectors of eight code units
 /// @{
 inline constexpr size_t kUnitLanes = 8;
 using UnitLanes [[gnu::vector_size(2 * kUnitLanes)]] = std::uint16_t;
@@ -40,7 +41,7 @@ inline UnitLanes load_units(const char16_t* units) {
   return lanes;
 }
 
-/// The first `length` units of a block, and zeros behind them. Units up to `end` may be read.
+/// Loads the first `length` units and fills the rest with zeros. Units before `end` may be read.
 inline UnitLanes load_some_units(const char16_t* units, size_t length, const char16_t* end) {
   constexpr UnitLanes kPlaces = {0, 1, 2, 3, 4, 5, 6, 7};
   UnitLanes lanes{};
@@ -51,17 +52,17 @@ inline UnitLanes load_some_units(const char16_t* units, size_t length, const cha
   return kPlaces < static_cast<std::uint16_t>(length) ? load_units(units) : lanes;
 }
 
-/// Bytes that each unit takes in UTF-8 beyond one, negative. Either half of a surrogate pair takes
-/// two in all.
+/// Minus the number of UTF-8 bytes that each unit takes beyond its first byte. Each half of a
+/// surrogate pair takes two bytes.
 inline CountLanes minus_more_bytes(UnitLanes units) {
   return (units >= 0x80) + ((units >= 0x800) & ((units & 0xF800) != 0xD800));
 }
 /// @}
 
-/// Bytes of a valid text in UTF-8. Units up to `end`, at or behind the end of the text, may be read
-/// and count nothing.
+/// UTF-8 length in bytes of a valid text. Units between the end of the text and `end` may be read
+/// but are not counted.
 inline size_t utf8_length(std::u16string_view text, const char16_t* end) {
-  constexpr size_t kMostUnits = 4000 * kUnitLanes;  // all lanes together count to 16 bits
+  constexpr size_t kMostUnits = 4000 * kUnitLanes;  // so that the sum of all lanes fits 16 bits
   size_t bytes = text.size();
   while (!text.empty()) {
     const char16_t* units = text.data();
@@ -79,8 +80,8 @@ inline size_t utf8_length(std::u16string_view text, const char16_t* end) {
   return bytes;
 }
 
-/// Adds the run of texts `first` up to `end`, if there are any. `ends` tells how many units each of
-/// them has, and from then on where its bytes end.
+/// Adds the run of texts [first, end) unless it is empty. On entry, `ends` holds the ends of these
+/// texts as if they were ASCII; on return, their ends in UTF-8 bytes.
 inline void add_run(std::vector<TextRun>& runs, std::u16string_view units, size_t first, size_t end,
                     std::uint64_t* ends) {
   if (first == end) return;
@@ -97,11 +98,11 @@ inline void add_run(std::vector<TextRun>& runs, std::u16string_view units, size_
   }
 }
 
-/// What is converted at a time stays in a cache near the processor.
+/// Limits the length of a run so that its data stays in the processor cache.
 inline constexpr std::ptrdiff_t kMostUnitsOfRun = std::ptrdiff_t{1} << 14;
 
-/// Gathers texts, each of which `text(i)` gives, into runs, and fills in where the UTF-8 bytes of
-/// each end. `ends` has one entry more than there are texts, the first of them 0.
+/// Groups the texts that `text(i)` returns into runs and computes where the UTF-8 bytes of each
+/// text end. `ends` has one entry more than there are texts; its first entry is 0.
 template <class Text>
 std::vector<TextRun> gather_runs(size_t count, const Text& text, std::uint64_t* ends) {
   std::vector<TextRun> runs;
@@ -112,7 +113,8 @@ std::vector<TextRun> gather_runs(size_t count, const Text& text, std::uint64_t* 
   for (size_t i = 0; i < count; ++i) {
     const std::u16string_view units = text(i);
     if (!units.empty()) {
-      // A low surrogate begins a run, so that it finds no high one of the text before.
+      // A text that starts with a low surrogate starts a run: otherwise the surrogate could pair
+      // with a high one at the end of the previous text.
       const bool low = (units.front() & 0xFC00) == 0xDC00;
       if (units.data() != end || end - begin >= kMostUnitsOfRun || low) {
         add_run(runs, {begin, end}, first, i, ends);
