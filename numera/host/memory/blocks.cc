@@ -21,11 +21,11 @@
 namespace numera::host::memory {
 namespace {
 
-// Asked at every allocation, therefore reached without a call (thread_cache.cc).
+// Read at every allocation, so its TLS model avoids a function call (see thread_cache.cc).
 [[gnu::tls_model(
     "initial-exec")]] thread_local constinit std::optional<size_t> allocations_until_failure;
 
-// Room in front of a block of `allocate` for its size, as aligned as the block has to be.
+// Bytes in front of a block of `allocate`. They store its size and keep the block aligned.
 constexpr size_t kPrefix = alignof(std::max_align_t);
 static_assert(sizeof(size_t) <= kPrefix);
 
@@ -47,7 +47,7 @@ void* with_prefix(void* whole_block, size_t bytes) {
   return static_cast<std::byte*>(whole_block) + kPrefix;
 }
 
-// An allocator rounds an empty block up to one byte; nobody may read that one either.
+// An empty block takes one byte; it is poisoned, so that reading it is an error too.
 void* checked_block(size_t bytes) {
   void* block = nullptr;
   const size_t at_least_one = std::max<size_t>(bytes, 1);
@@ -58,7 +58,7 @@ void* checked_block(size_t bytes) {
   return block;
 }
 
-// Under a memory checker the heap knows the sizes of blocks, and nothing lies in front of them.
+// For use under a memory checker: blocks have no prefix, and the heap knows their sizes.
 void* heap_resized(void* block, size_t bytes) {
   const auto old_bytes = static_cast<std::ptrdiff_t>(malloc_usable_size(block));
   void* const resized = std::realloc(block, std::max<size_t>(bytes, 1));
@@ -72,7 +72,7 @@ void heap_release(void* block) {
   std::free(block);
 }
 
-// Null where the block cannot be resized in its place or by moving pages.
+// Null if the old or the new block is a small one, which `resize_large_block` does not handle.
 void* resized_large(void* block, size_t bytes) {
   const size_t old_whole = size_of_whole(block);
   const size_t new_whole = bytes + kPrefix;

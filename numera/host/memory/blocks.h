@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The one source of this host's memory. Every block comes from here, so that a failure can be
-/// injected into each allocation and a memory checker sees each block.
+/// Allocates all memory of this host. Tests can thus inject a failure into each allocation, and a
+/// memory checker sees each block.
 
 #include <cstddef>
 #include <memory>
@@ -20,8 +20,8 @@
 
 namespace numera::host::memory {
 
-/// Under a memory checker every part of an array is a block of its own of exactly the size asked
-/// for, so that a read past it, or after its end of life, is caught.
+/// Under a memory checker, every part of an array is a separate block of exactly the requested
+/// size. The checker then catches reads past the end and reads after the block is freed.
 #ifdef NUMERA_HOST_CHECKED_MEMORY
 inline constexpr bool kSeparateBlocks = true;
 #else
@@ -30,34 +30,34 @@ inline constexpr bool kSeparateBlocks = false;
 
 inline constexpr size_t kElementAlignment = 64;
 
-/// Stands for an allocation that the standard library makes on the host's behalf. Throws
-/// `std::bad_alloc` where a failure was asked for.
+/// Counts one allocation, including those that the standard library makes for the host. Throws
+/// `std::bad_alloc` if a failure was requested for it.
 void count_allocation();
 
 /// A block aligned for every scalar type. Throws `std::bad_alloc`.
 void* allocate(size_t bytes);
-/// Moves a block of `allocate`, or makes one of null; large blocks move without being copied.
-/// Throws `std::bad_alloc`; the block is as before then.
+/// Resizes a block of `allocate`; allocates a new one if `block` is null. Pages of large blocks are
+/// moved, not copied. Throws `std::bad_alloc` and then leaves the block unchanged.
 void* reallocate(void* block, size_t bytes);
 void release(void* block) noexcept;
 
 /// A block of elements, aligned to `kElementAlignment`.
 struct ElementBlock {
   void* data = nullptr;
-  size_t bytes = 0;  ///< as asked for
+  size_t bytes = 0;  ///< as requested
 };
 enum class Fill { None, Zero };
 ElementBlock allocate_elements(size_t bytes, Fill fill);
 void release(ElementBlock block) noexcept;
 
-/// The two below them all: a block aligned to `kElementAlignment` that is not counted as an
-/// allocation, and neither among the live bytes. Throws `std::bad_alloc`.
+/// The lowest level: a block aligned to `kElementAlignment`. It counts neither as an allocation nor
+/// in the live bytes. Throws `std::bad_alloc`.
 void* take_block(size_t bytes);
 void give_block(void* block, size_t bytes) noexcept;
-/// What a block of `take_block` adds to the live bytes.
+/// The size of a block of `take_block(bytes)`, for the count of live bytes.
 std::ptrdiff_t block_bytes(size_t bytes) noexcept;
 
-/// `a * b`; throws `std::bad_alloc` where it is more than any block could hold.
+/// `a * b`; throws `std::bad_alloc` if the product exceeds `PTRDIFF_MAX`.
 size_t checked_product(size_t a, size_t b);
 
 struct BlockDeleter {
@@ -65,7 +65,8 @@ struct BlockDeleter {
 };
 using OwnedBlock = std::unique_ptr<void, BlockDeleter>;
 
-/// Lets standard containers take host memory. Elements made without a value stay unwritten.
+/// Lets standard containers use host memory. Elements constructed without a value are left
+/// uninitialized.
 template <class T>
 struct HostAllocator {
   using value_type = T;

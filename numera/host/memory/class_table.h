@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What is fixed for each class of array.
+/// Fixed properties of each array class.
 
 #include <cstddef>
 
@@ -10,12 +10,12 @@
 namespace numera::host::memory {
 
 struct ClassFacts {
-  const char* name;      ///< null where the class cannot be made under a fixed name
-  size_t element_bytes;  ///< 0: elements are no plain values
+  const char* name;      ///< null if the class has no fixed name or cannot be created
+  size_t element_bytes;  ///< 0 if elements are not plain values
   bool numeric;
 };
 
-/// Facts of a class; of one that is not in the interface, those of `hxClassID::Unknown`.
+/// Facts of a class; those of `hxClassID::Unknown` for a class that is not in the interface.
 constexpr ClassFacts class_facts(hxClassID class_id) {
   switch (class_id) {
     case hxClassID::Cell:

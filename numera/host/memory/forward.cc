@@ -1,5 +1,5 @@
 /// \file
-/// The host interface, forwarded to the in-memory host. Nothing else in this host defines a name
+/// Forwards the host interface to the in-memory host. No other file of this host defines a function
 /// of the interface.
 
 #include <utility>
@@ -93,7 +93,7 @@ const hxStringArray& hxGetStringArray(const hxArray* array) {
   return host::get_string_array(array);
 }
 
-// The codecs keep nothing between two conversions.
+// The codecs have no state.
 class hxUTF8ToUTF16::Implementation {};
 hxUTF8ToUTF16::hxUTF8ToUTF16(const char* encoding) { host::check_encoding(encoding); }
 hxUTF8ToUTF16::~hxUTF8ToUTF16() = default;

@@ -8,7 +8,7 @@
 namespace numera::host::memory {
 namespace {
 
-// A signal handler may only touch an atomic that takes no lock.
+// A signal handler may only access lock-free atomics.
 static_assert(std::atomic<bool>::is_always_lock_free);
 std::atomic<bool> interrupt_pending{false};
 

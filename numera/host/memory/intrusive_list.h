@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// A list of things that carry their own links, so that joining and leaving cost no allocation.
+/// A list whose items contain their own links: insertion and removal do not allocate.
 
 namespace numera::host::memory {
 
-/// `T` has the members `previous` and `next`, of which the list alone takes care.
+/// `T` has the members `previous` and `next`, which only the list may use.
 template <class T>
 struct IntrusiveList {
   T* first = nullptr;

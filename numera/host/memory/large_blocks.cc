@@ -26,7 +26,7 @@ size_t step_of(size_t bytes) {
   return std::max(std::bit_floor(bytes), kSmallest) / kStepsPerDoubling;
 }
 
-// A kept block carries its links in its own first bytes.
+// A kept block stores its list links in its own first bytes.
 struct ByAge {
   ByAge* previous;
   ByAge* next;
@@ -75,8 +75,8 @@ void to_system(void* block, size_t class_bytes) {
   }
 }
 
-// Gives the oldest blocks back until no more than `bound` bytes are kept; returns their bytes. The
-// lock is not held while the system works, but is when this returns.
+// Gives the oldest blocks back to the system until at most `bound` bytes are kept. Returns the
+// bytes given back. Releases the lock during system calls; holds it again on return.
 size_t keep_at_most(size_t bound, std::unique_lock<std::mutex>& lock) {
   size_t returned = 0;
   while (kept_bytes > bound) {

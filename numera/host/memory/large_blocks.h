@@ -1,35 +1,34 @@
 #pragma once
 
 /// \file
-/// Blocks too large for a slab. Blocks given back are kept for the next request of their size,
-/// since the first write to fresh memory costs several times what the write itself does.
+/// Blocks too large for a slab. Freed blocks are kept and reused for requests of the same size,
+/// because the first write to fresh memory costs several times as much as the write itself.
 ///
-/// Sizes are rounded up to classes of which 32 lie between two powers of two: a block is at most
-/// 1/32 larger than asked for, and fits every request of its class. All of this may be called on
-/// any thread; one lock guards what is kept, and no system call is made while it is held.
+/// Sizes are rounded up to size classes, 32 between each power of two and the next. A block is thus
+/// at most 1/32 larger than requested and fits every request of its class. All functions may be
+/// called on any thread. One lock guards the kept blocks; no system call is made while it is held.
 
 #include <cstddef>
 
 namespace numera::host::memory {
 
-/// Size of the class that a request of `bytes`, at least 2048, belongs to.
+/// Block size of the class of a request of `bytes`. `bytes` is at least 2048.
 size_t large_block_bytes(size_t bytes) noexcept;
 
 struct LargeBlock {
   void* data;
-  bool zeroed;  ///< fresh from the system, and zero therefore
+  bool zeroed;  ///< fresh from the system and therefore all zeros
 };
 
-/// A block of `large_block_bytes(bytes)`, aligned to 64 bytes, and to a huge page where it is no
-/// smaller than one. Throws `std::bad_alloc`. O(1) but for the system's own cost.
+/// A block of `large_block_bytes(bytes)`, aligned to 64 bytes; a block of at least a huge page is
+/// aligned to a huge page. Throws `std::bad_alloc`. O(1) apart from the cost of system calls.
 LargeBlock take_large_block(size_t bytes);
-/// Keeps the block, and gives the oldest kept ones back to the system while more than
-/// `kMaxKeptBytes` are kept.
+/// Keeps the block for reuse. Gives the oldest kept blocks back to the system so that at most
+/// `kMaxKeptBytes` are kept. A block that is larger than this goes back at once.
 void give_large_block(void* block, size_t bytes) noexcept;
 
-/// A block of another size with the contents of `block`, as far as they fit. Pages of blocks
-/// mapped from the system are moved, not copied. Throws `std::bad_alloc`; the block is as before
-/// then.
+/// Resizes `block` and keeps its contents as far as they fit. Pages of blocks mapped from the
+/// system are moved, not copied. Throws `std::bad_alloc` and then leaves the block unchanged.
 void* resize_large_block(void* block, size_t old_bytes, size_t bytes);
 
 /// Gives all kept blocks back to the system; returns their bytes.

@@ -8,7 +8,7 @@
 namespace numera::host::memory {
 namespace {
 
-// Up to this many fields are found by looking at one after another.
+// Up to this many fields are searched linearly.
 constexpr size_t kFewFields = 8;
 
 size_t rounded_up(size_t size) {
@@ -98,7 +98,7 @@ int find_field(const Layout& layout, const char* name) noexcept {
   const auto names = layout.field_names;
   if (layout.fields_by_name.empty()) {
     for (size_t i = 0; i < names.size(); ++i) {
-      // Most names differ in their first letter, which costs no call to see.
+      // Most names differ in their first letter: this comparison avoids the call.
       if (names[i][0] == name[0] && std::strcmp(names[i], name) == 0) return static_cast<int>(i);
     }
     return -1;

@@ -1,8 +1,9 @@
 #pragma once
 
 /// \file
-/// The part of an array that never changes, in one block with the dimensions and names it refers
-/// to. Dimensions come last, so that a read past them leaves the block where it ends there.
+/// The immutable part of an array, in one block with the dimensions and names that it refers to.
+/// Dimensions come last: if the block ends there, a read past them is a read past the block, which
+/// a memory checker reports.
 
 #include <cstddef>
 #include <memory>
@@ -12,8 +13,8 @@
 
 namespace numera::host::memory {
 
-/// Product of the dimensions. Throws `std::invalid_argument` for fewer than two of them and
-/// `std::bad_alloc` where it overflows.
+/// Product of the dimensions. Throws `std::invalid_argument` for fewer than two dimensions and
+/// `std::bad_alloc` if the product overflows.
 size_t count_elements(std::span<const size_t> dims);
 
 void drop_layout(Layout* layout) noexcept;
@@ -22,25 +23,25 @@ struct DropLayout {
 };
 using HeldLayout = std::unique_ptr<Layout, DropLayout>;
 
-/// The layout of a description, held for the caller. A thread remembers the layouts it made
-/// last, so that arrays of a shape share one: making an array costs no more than a comparison.
-/// Throws `std::invalid_argument` for a null field name or more fields than an `int` counts, and
+/// Returns a reference to the layout of a description. Each thread caches the layouts it made last,
+/// so that arrays of the same shape share one. A cache hit costs only a comparison. Throws
+/// `std::invalid_argument` for a null field name or more fields than an `int` can count, and
 /// `std::bad_alloc`.
 HeldLayout hold_layout(const Description& description, size_t element_count);
-/// Drops the layouts that this thread remembers.
+/// Empties the layout cache of this thread.
 void forget_layouts() noexcept;
 
-/// Holds a layout once more.
+/// Returns one more reference to a layout.
 HeldLayout hold_same_layout(Layout* layout) noexcept;
 
 /// Bytes of the block that `build_layout` fills, a multiple of the alignment of a pointer. Throws
-/// `std::invalid_argument` for a null field name or more fields than an `int` counts.
+/// `std::invalid_argument` for a null field name or more fields than an `int` can count.
 size_t layout_size(const Description& description);
-/// A layout that has `holders` of them.
+/// Builds a layout at `place` with the reference count `holders`.
 Layout* build_layout(void* place, const Description& description, size_t element_count,
                      size_t holders);
 
-/// Number of the first field of the name, or -1.
+/// Number of the first field with this name, or -1.
 int find_field(const Layout& layout, const char* name) noexcept;
 
 }  // namespace numera::host::memory

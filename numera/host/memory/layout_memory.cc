@@ -8,25 +8,25 @@
 namespace numera::host::memory {
 namespace {
 
-// A thread holds a remembered layout many times over from the start, and hands these holds out, so
-// that no array of the shape has to touch the shared count.
+// A thread takes many references to a cached layout at once and hands them out one by one. Creating
+// an array of this shape then does not touch the shared reference count.
 constexpr size_t kHoldsInStock = size_t{1} << 20;
 
 struct Remembered {
   Layout* layout;
-  size_t stock;  ///< holds that are at hand
+  size_t stock;  ///< references not handed out
 };
 
 // Enough for byte strings of every short length at once.
 constexpr size_t kPlaces = 256;
 using Places = std::array<Remembered, kPlaces>;
-// Null before this thread's first use and after its end. As in thread_cache.cc, the pointer is
-// reached without a call.
+// Null before this thread's first use and after its end. The TLS model avoids a function call, as
+// in thread_cache.cc.
 [[gnu::tls_model("initial-exec")]] thread_local constinit Places* remembered = nullptr;
 thread_local constinit bool ended = false;
 
-// Structs that stand for columns have a few names. More of them would take longer to compare, and
-// more memory to remember.
+// Structs that represent columns have few field names. Layouts with more names are not cached: they
+// take longer to compare and more memory.
 constexpr size_t kMostNames = 8;
 
 bool is_remembered(const Description& description) {
@@ -44,7 +44,7 @@ Remembered& place_of(const Layout& layout) {
   return place_of(layout.class_id, layout.dims, layout.field_names.size());
 }
 
-// Dimensions are few: a call to compare them costs more than they do.
+// Arrays have few dimensions: a loop is cheaper than a function call.
 bool equal(std::span<const size_t> a, std::span<const size_t> b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
@@ -53,7 +53,7 @@ bool equal(std::span<const size_t> a, std::span<const size_t> b) {
   return true;
 }
 
-// A name may be null, which a layout never has.
+// A wanted name may be null; a name of a layout is never null.
 bool equal(std::span<const char* const> names, std::span<const char* const> wanted) {
   if (names.size() != wanted.size()) return false;
   for (size_t i = 0; i < names.size(); ++i) {
@@ -92,7 +92,8 @@ Layout* make_layout(const Description& description, size_t element_count, size_t
   return build_layout(take_block(layout_size(description)), description, element_count, holders);
 }
 
-// Whether this thread remembers layouts from now on: not after its end, and not without memory.
+// Creates the layout cache of this thread. Returns false after the end of the thread, or if there
+// is no memory.
 [[gnu::noinline]] bool begin_to_remember() noexcept {
   if (ended) return false;
   auto* const places = new (std::nothrow) Places{};
@@ -110,7 +111,7 @@ void remember(Remembered& place, const Description& description, size_t element_
 }
 
 HeldLayout hold_from_stock(Remembered& place) noexcept {
-  // The last hold is the thread's own.
+  // The last reference belongs to the cache itself.
   if (place.stock == 1) {
     place.layout->holders.fetch_add(kHoldsInStock, std::memory_order_relaxed);
     place.stock += kHoldsInStock;

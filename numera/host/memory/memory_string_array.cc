@@ -15,7 +15,7 @@ constexpr size_t kWordBits = 64;
 
 std::uint64_t bit_of(size_t i) { return std::uint64_t{1} << (i % kWordBits); }
 
-// The first of the texts of a chunk that is not valid; there is one. `units` has room for each.
+// Index of the first invalid text of a chunk. There must be one. `units` has room for any text.
 template <class Offset>
 size_t find_invalid_text(std::span<const Offset> offsets, std::string_view chunk,
                          std::span<char16_t> units) {
@@ -119,8 +119,8 @@ std::optional<size_t> MemoryStringArray::append_texts(size_t first, std::span<co
   return std::nullopt;
 }
 
-// Adds `length` code units for texts up to `end`. Where the arena has to grow, and texts are still
-// to come, it does so by what those would take if they were as long as the texts before them.
+// Adds `length` code units for texts up to `end`. If the arena must grow and more texts will
+// follow, it reserves space for them too, assuming the average length of the texts so far.
 char16_t* MemoryStringArray::extend_for(size_t end, size_t length) {
   const size_t needed = arena_.size() + length;
   if (end == size_) {
@@ -137,7 +137,7 @@ void MemoryStringArray::check_index(size_t i) const {
   if (i >= size_) throw std::out_of_range("String index is out of range.");
 }
 
-// Back to empty texts, keeping the room of the arena.
+// Resets all texts to empty and keeps the capacity of the arena.
 void MemoryStringArray::clear() {
   arena_.truncate(0);
   begins_[0] = 0;
@@ -146,7 +146,7 @@ void MemoryStringArray::clear() {
   HostVector<size_t>().swap(lengths_);
 }
 
-// The texts between those set so far and `i` are empty from now on.
+// Makes the texts from `filled_` to `i` - 1 empty.
 void MemoryStringArray::fill_gap(size_t i) {
   const size_t end = begins_[filled_];
   while (filled_ < i) begins_[++filled_] = end;
@@ -168,7 +168,7 @@ void MemoryStringArray::scatter() {
 
 void MemoryStringArray::place(size_t i, std::u16string_view text) {
   if (text.size() <= lengths_[i]) {
-    // The text may lie in this arena, over the place it goes to.
+    // The text may be part of this arena and overlap its target.
     std::char_traits<char16_t>::move(arena_.units() + begins_[i], text.data(), text.size());
     garbage_ += lengths_[i] - text.size();
   } else {
@@ -178,7 +178,8 @@ void MemoryStringArray::place(size_t i, std::u16string_view text) {
     begins_[i] = begin;
   }
   lengths_[i] = text.size();
-  // More garbage than texts, too: otherwise short texts would pay for the walk over all of them.
+  // The second condition avoids walking over all texts to reclaim little memory when texts are
+  // short.
   if (garbage_ > arena_.size() / 2 && garbage_ > size_) compact();
 }
 

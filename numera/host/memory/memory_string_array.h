@@ -15,12 +15,13 @@
 
 namespace numera::host::memory {
 
-/// All texts lie in one arena, none in an allocation of its own.
+/// All texts are stored in one arena; no text has its own allocation.
 ///
-/// Texts set in order lie back to back, and text i ends where text i + 1 begins. The first text set
-/// out of order turns this into a begin and a length a text. From then on a text is overwritten in
-/// place where it fits and added at the end where it does not; the arena is rewritten when more
-/// than half of it is of no use, so that a set costs no more than its text on average.
+/// Texts set in order are contiguous: text i ends where text i + 1 begins. The first text set out
+/// of order switches the array to a begin and a length per text. From then on, a new text
+/// overwrites the old one in place if it fits; otherwise it is added at the end. The arena is
+/// compacted when more than half of it is unused, so that a set costs amortized time linear in its
+/// text.
 ///
 /// `set` and `element` throw `std::out_of_range` "String index is out of range.".
 class MemoryStringArray final : public hxStringArray {
@@ -36,10 +37,10 @@ class MemoryStringArray final : public hxStringArray {
   void set(size_t i, std::u16string_view text) override;
   void set_missing(size_t i) override;
 
-  /// All texts in one piece: one pass over the bytes measures them, another converts them straight
-  /// into the arena. Only where that fails are they looked at one by one, for the first to blame.
-  /// The whole array at once replaces all of it; texts behind those set so far are added; any
-  /// other range is set text by text.
+  /// Converts all texts together: one pass over the bytes measures them, a second pass converts
+  /// them directly into the arena. If this fails, the texts are checked one by one to find the
+  /// first invalid one. A range that covers the whole array replaces all texts. A range behind the
+  /// texts set so far is appended. Any other range is set text by text.
   std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                     const std::uint8_t* bytes) override;
   std::optional<size_t> assign_utf8(size_t first, std::span<const std::int64_t> offsets,
@@ -67,11 +68,11 @@ class MemoryStringArray final : public hxStringArray {
   HostVector<size_t> dims_;
   size_t size_;
   TextArena arena_;
-  HostVector<size_t> begins_;   ///< in order: one entry more than texts, known up to `filled_`
-  size_t filled_ = 0;           ///< in order: texts set so far; those behind are empty
-  HostVector<size_t> lengths_;  ///< out of order only
-  size_t garbage_ = 0;          ///< out of order: code units of the arena in no text
-  HostVector<std::uint64_t> missing_;  ///< a bit a text, none at all while no text is missing
+  HostVector<size_t> begins_;   ///< size_ + 1 entries; in order: valid up to `filled_`
+  size_t filled_ = 0;           ///< in order: number of texts set so far; later texts are empty
+  HostVector<size_t> lengths_;  ///< empty unless texts were set out of order
+  size_t garbage_ = 0;          ///< out of order: unused code units of the arena
+  HostVector<std::uint64_t> missing_;  ///< one bit per text; empty until a text is set missing
 };
 
 }  // namespace numera::host::memory

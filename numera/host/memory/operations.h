@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// The operations of the in-memory host under its own names. Each does what the operation of the
-/// host interface does that forwards to it: `create_cell_array` is `hxCreateCellArray`.
+/// The operations of the in-memory host under its own names. For example, `create_cell_array`
+/// implements `hxCreateCellArray`.
 ///
-/// The interface's own names are not defined here, so that a program can put something of its own
-/// between the interface and this host.
+/// The interface functions are not defined here. A program can thus insert its own layer between
+/// the interface and this host.
 
 #include <cstddef>
 #include <memory>
@@ -59,7 +59,7 @@ hxArrayPtr create_string_array_from(std::unique_ptr<hxStringArray> strings);
 bool is_string_array(const hxArray* array) noexcept;
 const hxStringArray& get_string_array(const hxArray* array);
 
-/// Throws `std::invalid_argument` for a codec of any encoding but "UTF-8".
+/// Throws `std::invalid_argument` if `encoding` is not "UTF-8".
 void check_encoding(const char* encoding);
 std::u16string decode_utf8(std::string_view text);
 std::string encode_utf8(const char16_t* text, size_t length);

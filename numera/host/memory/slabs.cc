@@ -21,25 +21,25 @@ static_assert(kChunkBytes / kSlabBytes == 32);
 
 constexpr size_t kBitsPerWord = 64;
 
-/// The beginning of each slab.
+/// The header of each slab.
 struct Slab {
   Slab* previous;
   Slab* next;
   size_t size_index;
   size_t block_count;
   size_t free_count;
-  size_t first_word;  ///< no word before this one has a bit
-  /// Bit i: a block that begins 64 * i bytes behind the beginning of the slab is free.
+  size_t first_word;  ///< all words before this one are 0
+  /// Bit i: the block at offset 64 * i of the slab is free.
   std::array<std::uint64_t, kSlabBytes / kBlockStep / kBitsPerWord> free;
 };
 
 struct Chunk {
   Chunk* previous;
   Chunk* next;
-  std::uint32_t free_slabs;  ///< a bit each
+  std::uint32_t free_slabs;  ///< one bit per slab
 };
 
-// Every slab leaves the room that its chunk takes in the first one.
+// Only the first slab of a chunk uses `chunk`. All slabs reserve space for it.
 struct Head {
   Slab slab;
   Chunk chunk;
@@ -63,7 +63,7 @@ std::byte* start_of(Chunk* chunk) {
 
 Chunk* new_chunk() {
   void* const memory = take_large_block(kChunkBytes).data;
-  // A program with a few small arrays touches a few small pages.
+  // Not for the first chunk: a program with a few small arrays should touch only a few small pages.
   if (chunk_count > 0) advise_huge_pages(memory, kChunkBytes);
   ++chunk_count;
   Chunk* const chunk = &(::new (memory) Head)->chunk;

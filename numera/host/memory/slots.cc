@@ -77,7 +77,7 @@ const hxArray* get_cell_checked(const hxArray* array, size_t index) {
   return array->slots()[index];
 }
 
-// Filling an empty slot and replacing a value are one: an empty slot has nothing to destroy.
+// Implements both `hxSetCell` and `hxReplaceCell`: destroying the null of an empty slot is safe.
 void set_cell(hxArray* array, size_t slot, hxArrayPtr value) {
   if (array == nullptr || array->layout->content != Content::Slots) {
     throw std::invalid_argument(kNotCell);

@@ -13,7 +13,7 @@
 namespace numera::host::memory {
 namespace {
 
-// Elements up to this size lie in the block of their array.
+// Elements up to this size are stored in the block of their array.
 constexpr size_t kInlineBytes = 1024;
 
 struct ArrayBlock {
@@ -31,7 +31,8 @@ size_t room_in_front(size_t inline_bytes) {
   return (inline_bytes + alignof(ArrayBlock) - 1) / alignof(ArrayBlock) * alignof(ArrayBlock);
 }
 
-// Frees the block of elements whose contents are gone, and with it perhaps the header of an array.
+// Frees the block of elements whose contents are already freed. The block may include the header of
+// an array.
 void free_block(Elements* elements, std::ptrdiff_t arrays = 0) noexcept {
   const size_t front = elements->own_data ? 0 : room_in_front(elements->bytes);
   const size_t bytes = front + (elements->with_header ? sizeof(ArrayBlock) : sizeof(Elements));
@@ -45,8 +46,8 @@ std::span<hxArray*> slots_of(const hxArray* array) {
 
 hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept;
 
-// Frees what elements that no array refers to hold. Containers in their slots join the list of
-// doomed ones instead of being destroyed on the spot: the depth of a nested array costs no stack.
+// Frees the contents of elements that no array refers to. Containers in their slots are added to
+// the list `doomed` and destroyed later. Stack use thus does not depend on the nesting depth.
 hxArray* free_contents(Content content, std::span<hxArray* const> slots, Elements* elements,
                        hxArray* doomed) noexcept {
   for (hxArray* const child : slots) {
@@ -67,8 +68,8 @@ bool drop(Elements* elements, size_t holds) noexcept {
          elements->holders.fetch_sub(holds, std::memory_order_acq_rel) == holds;
 }
 
-// Ends an array's use of elements. The last one that leaves frees what they hold, and only then
-// lets go of their block.
+// Drops the reference of an array to elements. The last array frees the contents first and then
+// drops the reference to the block.
 hxArray* leave(const hxArray* array, Elements* elements, std::span<hxArray* const> slots,
                hxArray* doomed) noexcept {
   const size_t before = elements->holders.fetch_sub(1, std::memory_order_acq_rel);
@@ -102,8 +103,8 @@ void destroy_all(hxArray* doomed) noexcept {
   }
 }
 
-// A block with the header of a new array, whose own elements have the given holders and, in front
-// of them, the given room.
+// Allocates a block with the header of a new array, its `Elements` with the given `holders`, and
+// `inline_bytes` in front of them.
 hxArrayPtr new_header(HeldLayout layout, size_t inline_bytes, size_t holders) {
   const size_t front = room_in_front(inline_bytes);
   const size_t bytes = front + sizeof(ArrayBlock);
@@ -140,7 +141,7 @@ void drop_data(Elements* elements) {
   elements->own_data = 0;
 }
 
-// Elements without a header, held by one array. They cost two allocations.
+// Elements without a header, referred to by one array. They cost two allocations.
 Elements* new_elements(size_t bytes, Fill fill) {
   count_allocation();
   BlockOwner data{allocate_elements(bytes, fill)};
@@ -177,7 +178,7 @@ Elements* copy_numbers(const hxArray* array) {
   return copy;
 }
 
-// Large elements, which cost an allocation of their own.
+// Large elements have their own allocation.
 hxArrayPtr new_array_of_large(HeldLayout layout, size_t bytes, Fill fill) {
   BlockOwner data{allocate_elements(bytes, fill)};
   hxArrayPtr array = new_header(std::move(layout), 0, Elements::kHeader | Elements::kUsers | 1);
@@ -191,7 +192,7 @@ hxArrayPtr new_array_of_small(HeldLayout layout, size_t bytes, Fill fill) {
   return array;
 }
 
-// Every part in a block of its own, at the cost of an allocation each.
+// Every part is a separate block and costs one allocation.
 hxArrayPtr new_array_of_parts(HeldLayout layout, size_t bytes, Fill fill) {
   count_allocation();
   Elements* const elements = new_elements(bytes, fill);
@@ -200,7 +201,7 @@ hxArrayPtr new_array_of_parts(HeldLayout layout, size_t bytes, Fill fill) {
     array->elements = elements;
     return array;
   } catch (...) {
-    // No slot is filled yet.
+    // All slots are still empty, so only the elements themselves are freed.
     free_contents(Content::Numbers, {}, elements, nullptr);
     free_block(elements);
     throw;
@@ -217,7 +218,7 @@ hxArrayPtr new_array(const Description& description, Fill fill) {
   count_allocation();
   if (kSeparateBlocks) {
     hxArrayPtr array = new_array_of_parts(std::move(layout), bytes, fill);
-    // The data of texts is what the caller supplies.
+    // The caller supplies the data of texts.
     if (description.content == Content::Texts) drop_data(array->elements);
     return array;
   }
@@ -237,11 +238,11 @@ hxArrayPtr shared_copy(const hxArray* array) {
 void unshare(hxArray* array) {
   if (array->elements->arrays() == 1) return;
   const Content content = array->layout->content;
-  if (content == Content::Texts) return;  // nothing writes them
+  if (content == Content::Texts) return;  // texts in an array are never written
   const std::span<hxArray*> slots = slots_of(array);
   Elements* const own = content == Content::Slots ? copy_slots(array) : copy_numbers(array);
   Elements* const shared = std::exchange(array->elements, own);
-  // The other arrays may have gone while the copy was made.
+  // The other arrays may have been destroyed during the copy.
   destroy_all(leave(array, shared, slots, nullptr));
 }
 

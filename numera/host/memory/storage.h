@@ -1,19 +1,19 @@
 #pragma once
 
 /// \file
-/// How an array lies in memory.
+/// Memory layout of an array.
 ///
 /// An array is a header (`hxArray`) that refers to a layout, which never changes, and to elements,
-/// which do. Shared copies are further headers of the same layout and elements; both count those
-/// who hold them. An array that is written while its elements are shared takes elements of its own
-/// and keeps its layout, so dimensions and names handed out stay valid.
+/// which may change. A shared copy is another header that refers to the same layout and elements.
+/// Both have a reference count. If an array is written while its elements are shared, it gets its
+/// own elements. It keeps its layout, so pointers to dimensions and names stay valid.
 ///
-/// A header and its first elements are one block, and small elements lie in front of them:
+/// The header and the first `Elements` are one block. Small element data precedes them:
 ///
-///     [ elements up to 1 KiB ] Elements hxArray
+///     [ element data up to 1 KiB ] Elements hxArray
 ///
-/// so that a column of 16 bytes takes 64 in all. Layouts are blocks of their own, which the arrays
-/// of one shape that a thread makes share (layout.h).
+/// For example, a column of 16 bytes takes 64 bytes in total. Layouts are separate blocks; arrays
+/// of the same shape that one thread creates share them (layout.h).
 
 #include <atomic>
 #include <cstddef>
@@ -29,8 +29,8 @@ namespace numera::host::memory {
 enum class Content : unsigned char { Numbers, Slots, Texts };
 
 struct Layout {
-  std::atomic<size_t> holders;
-  size_t block_bytes;  ///< of the block that it begins
+  std::atomic<size_t> holders;  ///< reference count
+  size_t block_bytes;           ///< size of the block that starts with this layout
   hxClassID class_id;
   Content content;
   bool complex;
@@ -44,13 +44,14 @@ struct Layout {
 };
 
 struct Elements {
-  /// The arrays that refer to these elements, and a bit each for what keeps their block: that there
-  /// are any such arrays, and the header that lies behind the elements.
+  /// Reference count. The low 62 bits count the arrays that refer to these elements. Two bits keep
+  /// the block alive: `kUsers` is set while any array refers to the elements, `kHeader` while the
+  /// header behind the elements is in use.
   std::atomic<size_t> holders;
-  void* data;  ///< numbers; or slots, `hxArray*` each; or the `hxStringArray`
+  void* data;  ///< numbers, slots (each a `hxArray*`), or the `hxStringArray`
   size_t bytes : 62;
-  size_t own_data : 1;     ///< the data is a block of its own, and not in front of this
-  size_t with_header : 1;  ///< was made with a header behind it
+  size_t own_data : 1;     ///< the data is a separate block, not in front of this struct
+  size_t with_header : 1;  ///< was created with a header behind it
 
   static constexpr size_t kMostBytes = (size_t{1} << 62) - 1;
   static constexpr size_t kHeader = size_t{1} << 63;
@@ -59,28 +60,28 @@ struct Elements {
   size_t arrays() const { return holders.load(std::memory_order_acquire) & ~(kHeader | kUsers); }
 };
 
-/// What an array is made from.
+/// The parameters of a new array.
 struct Description {
   hxClassID class_id;
   Content content;
   std::span<const size_t> dims;
   size_t element_bytes;
-  const char* class_name = nullptr;               ///< of a fixed class
-  std::string_view object_name = {};              ///< of an object; copied
+  const char* class_name = nullptr;               ///< for a fixed class; not copied
+  std::string_view object_name = {};              ///< class name of an object; copied
   std::span<const char* const> field_names = {};  ///< copied
   bool complex = false;
   bool sparse = false;
 };
 
-/// A new array. Slots are empty whatever `fill` says; the caller supplies the texts. Throws
+/// A new array. Slots are always empty, whatever `fill` is; the caller supplies the texts. Throws
 /// `std::invalid_argument` for fewer than two dimensions or a null field name, and
 /// `std::bad_alloc`.
 hxArrayPtr new_array(const Description& description, Fill fill);
 
-/// Gives the array elements of its own where it shares them. Throws `std::bad_alloc`.
+/// If the array shares its elements, replaces them by its own copy. Throws `std::bad_alloc`.
 void unshare(hxArray* array);
 
-/// Arrays that exist now.
+/// Number of arrays that exist now.
 size_t live_arrays() noexcept;
 
 }  // namespace numera::host::memory
@@ -89,7 +90,7 @@ class hxArray {
  public:
   numera::host::memory::Layout* layout;
   numera::host::memory::Elements* elements;
-  hxArray* next_doomed;  ///< links the arrays that wait for destruction
+  hxArray* next_doomed;  ///< next in the list of arrays to destroy
 
   void* data() const { return elements->data; }
   std::span<hxArray*> slots() const {

@@ -19,7 +19,7 @@ std::byte* map_anywhere_near(void* wanted, size_t bytes) {
   return block == MAP_FAILED ? nullptr : static_cast<std::byte*>(block);
 }
 
-// More than is needed, cut to where a huge page begins.
+// Maps more than needed and unmaps the excess, so that the block starts at a huge page boundary.
 std::byte* map_and_cut(size_t bytes) {
   std::byte* const room = map_anywhere_near(nullptr, bytes + kHugePage);
   if (room == nullptr) return nullptr;
@@ -29,7 +29,7 @@ std::byte* map_and_cut(size_t bytes) {
   return room + before;
 }
 
-// The system maps below what it mapped before: as a rule the place just below is free as well.
+// The system maps each block below the previous one, so the addresses just below are usually free.
 std::byte* map_aligned(size_t bytes) {
   std::byte* block = map_anywhere_near(nullptr, bytes);
   for (int attempt = 0; attempt < 2; ++attempt) {
@@ -58,7 +58,7 @@ void* remap_block(void* block, size_t old_bytes, size_t bytes) noexcept {
   }
   void* const place = map_block(bytes);
   if (place == nullptr) return nullptr;
-  // Over the fresh pages, so that the block begins where a huge page does.
+  // Moves the pages over the fresh mapping, so that the block starts at a huge page boundary.
   if (mremap(block, old_bytes, bytes, MREMAP_MAYMOVE | MREMAP_FIXED, place) != MAP_FAILED) {
     if (bytes >= kHugeBytes) advise_huge_pages(place, bytes);
     return place;
@@ -71,7 +71,7 @@ void advise_huge_pages(void* block, size_t bytes) noexcept {
   const size_t before = (kHugePage - beyond_huge_page(block)) % kHugePage;
   if (bytes < before + kHugePage) return;
   if (before == 0) {
-    // All of it: advice to a part would split the mapping, and what is split cannot be remapped.
+    // Advises the whole block: advice for a part splits the mapping, and mremap then fails.
     madvise(block, bytes, MADV_HUGEPAGE);
     return;
   }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Large blocks from the system, and back to it.
+/// Maps large blocks from the system and unmaps them.
 
 #include <cstddef>
 
@@ -9,19 +9,20 @@ namespace numera::host::memory {
 
 inline constexpr size_t kHugePage = size_t{2} * 1024 * 1024;
 
-/// Blocks from this size on are mapped on their own, smaller ones are the heap's.
+/// Blocks of at least this size are mapped separately; smaller blocks come from the heap.
 inline constexpr size_t kMappedBytes = size_t{128} * 1024;
 
-/// A block of zeros, or null. One of at least a huge page begins where a huge page does; one of
-/// several asks for huge pages, since the first write to fresh memory costs a fault a page. It is
-/// advice: a system without huge pages goes on with small ones. The end that fills no huge page
-/// keeps small ones, so that no block takes more memory than it was made for.
+/// A block of zeros, or null on failure. A block of at least one huge page starts at a huge page
+/// boundary. A block of at least two requests huge pages, since the first write to fresh memory
+/// costs one page fault per page. The request is advice: a system without huge pages uses small
+/// ones. The end of a block that does not fill a huge page uses small pages, so that a block takes
+/// no more memory than requested.
 void* map_block(size_t bytes) noexcept;
 void unmap_block(void* block, size_t bytes) noexcept;
-/// A block of another size as `map_block` makes it, with the pages of `block`, which are moved and
-/// not copied; null where that fails, and `block` is as before then.
+/// Resizes a block of `map_block`. Pages are moved, not copied. Returns null on failure and then
+/// leaves `block` unchanged.
 void* remap_block(void* block, size_t old_bytes, size_t bytes) noexcept;
-/// Asks for huge pages.
+/// Requests huge pages.
 void advise_huge_pages(void* block, size_t bytes) noexcept;
 
 }  // namespace numera::host::memory

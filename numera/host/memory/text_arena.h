@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Many texts in one block of UTF-16 code units.
+/// Stores many texts in one block of UTF-16 code units.
 
 #include <algorithm>
 #include <cstddef>
@@ -18,25 +18,26 @@ class TextArena {
   char16_t* units() { return static_cast<char16_t*>(block_.get()); }
   const char16_t* units() const { return static_cast<const char16_t*>(block_.get()); }
 
-  /// Room for `capacity` code units in all and not more. Throws `std::bad_alloc`, as `extend` and
-  /// `append` do; the arena is as before then.
+  /// Ensures a total capacity of `capacity` code units, without extra room. Throws
+  /// `std::bad_alloc`, as `extend` and `append` do, and then leaves the arena unchanged.
   void reserve(size_t capacity) {
     if (capacity > capacity_) resize_block(capacity);
   }
 
-  /// Makes room for `needed` code units where there is none: for `expected` in all, which is no
-  /// less, and for a little more than there was at least.
+  /// If the capacity is below `needed`, grows it to `expected`, which is not less than `needed`, or
+  /// by 1/32, whichever is more.
   void grow(size_t needed, size_t expected) {
     if (needed > capacity_) resize_block(std::max(expected, capacity_ + capacity_ / 32));
   }
 
-  /// Room for `capacity` code units, no fewer than there are, and hardly any more.
+  /// Grows or shrinks the capacity to `capacity`, which is not less than `size()`. Up to 1/32 of
+  /// extra capacity may stay.
   void fit(size_t capacity) {
     if (capacity > capacity_ || capacity_ - capacity > capacity / 32) resize_block(capacity);
   }
 
-  /// Adds code units that the caller writes, and returns the first. Room grows by half at least,
-  /// so that many small steps cost as much as one large one.
+  /// Adds `length` uninitialized code units, which the caller must write, and returns a pointer to
+  /// the first. Capacity grows by at least half, so that the amortized cost is linear.
   char16_t* extend(size_t length) {
     if (length > capacity_ - size_) {
       const size_t needed = size_ + length;
@@ -48,7 +49,7 @@ class TextArena {
     return begin;
   }
 
-  /// Adds a text, which may lie in this very arena.
+  /// Adds a text, which may be part of this arena.
   void append(std::u16string_view text);
 
   void truncate(size_t size) { size_ = size; }

@@ -14,8 +14,8 @@
 namespace numera::host::memory {
 namespace {
 
-// Blocks of a size at hand, at most; half of them are taken or returned at a time. Sizes are small:
-// a thread holds 2 MiB back at the very most.
+// Maximum number of cached blocks per size; half of them are taken or returned at a time. Blocks
+// are small: a thread caches 2.1 MiB at most.
 constexpr size_t kAtHand = 64;
 
 struct Shelf {
@@ -23,7 +23,7 @@ struct Shelf {
   std::array<void*, kAtHand> blocks;
 };
 
-// A count of one thread that others may read: no need for an operation that locks it.
+// A counter that only one thread writes and others may read. It needs no atomic read-modify-write.
 using ThreadCount = std::atomic<std::ptrdiff_t>;
 
 void add(ThreadCount& count, std::ptrdiff_t step) {
@@ -43,9 +43,9 @@ constinit IntrusiveList<ThreadCache> active_caches;
 constinit ThreadCount arrays_of_ended{0};
 constinit ThreadCount bytes_of_ended{0};
 
-// Null before this thread's first use and after its end. A variable of this model is reached
-// without a call. In return, a program that loads the library late has little room for its
-// thread-local variables, all of them together: what is large stands behind a pointer.
+// Null before this thread's first use and after its end. This TLS model makes access possible
+// without a function call. Its cost: if a program loads the library late, there is little space for
+// all thread-local variables together. Large data is therefore stored behind a pointer.
 [[gnu::tls_model("initial-exec")]] thread_local constinit ThreadCache* cache = nullptr;
 thread_local constinit bool ended = false;
 
@@ -66,7 +66,8 @@ struct EndOfThread {
   }
 };
 
-// Gives this thread a cache, unless the thread has come to its end or there is no memory.
+// Creates the cache of this thread. Returns null after the end of the thread, or if there is no
+// memory.
 [[gnu::noinline]] ThreadCache* new_cache() noexcept {
   if (ended) return nullptr;
   auto* const made = new (std::nothrow) ThreadCache{};
@@ -78,7 +79,7 @@ struct EndOfThread {
   return cache = made;
 }
 
-// Null where this thread does without.
+// Null if this thread has no cache and cannot create one.
 ThreadCache* own_cache() noexcept { return cache != nullptr ? cache : new_cache(); }
 
 void* take_one_from_slabs(size_t size_index) {
@@ -108,7 +109,7 @@ void give_small_block(void* block, size_t bytes) noexcept {
   if (own == nullptr) return return_small_blocks({&block, 1});
   Shelf& shelf = own->shelves[block_size_index(bytes)];
   if (shelf.count == kAtHand) {
-    // The half given longest ago.
+    // Returns the older half.
     return_small_blocks(std::span(shelf.blocks).first(kAtHand / 2));
     std::copy_n(shelf.blocks.begin() + kAtHand / 2, kAtHand / 2, shelf.blocks.begin());
     shelf.count = kAtHand / 2;

@@ -7,7 +7,7 @@
 namespace numera::host::memory {
 namespace {
 
-// What is left to read and where to write. Steps move both on.
+// The remaining input and output. Each step advances both.
 struct Encoding {
   const char16_t* next;
   const char16_t* end;
@@ -26,7 +26,7 @@ bool is_surrogate(std::uint64_t unit) { return (unit & 0xF800) == 0xD800; }
 bool is_high(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool is_low(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-// One character, unit by unit. False where there is none.
+// Encodes one character, unit by unit. Returns false if it is invalid.
 bool step(Encoding& text) {
   const unsigned unit = text.next[0];
   const auto put = [&text](size_t place, unsigned byte) {
@@ -64,7 +64,7 @@ void narrow(const char16_t* units, char* bytes, size_t count) {
   for (size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(units[i]);
 }
 
-// Four units of two bytes each.
+// Encodes four units of two bytes each.
 bool step_by_four_pairs(Encoding& text, std::uint64_t word) {
   if ((word & in_each_quarter(0xF800)) != 0 || !no_quarter_is_ascii(word)) return false;
   store_word(text.out, in_each_quarter(0x80C0) | (word >> 6 & in_each_quarter(0x001F)) |
@@ -79,7 +79,8 @@ std::uint64_t three_bytes(std::uint64_t unit) {
   return 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16;
 }
 
-// Two units of three bytes each; the two bytes behind them are written again by later steps.
+// Encodes two units of three bytes each. Also writes two bytes behind them; later steps overwrite
+// these.
 bool step_by_two_triples(Encoding& text, std::uint64_t word) {
   const std::uint64_t first = word & 0xFFFF;
   const std::uint64_t second = word >> 16 & 0xFFFF;
@@ -89,7 +90,8 @@ bool step_by_two_triples(Encoding& text, std::uint64_t word) {
   return true;
 }
 
-// One unit of two or three bytes; those behind them are written again by later steps.
+// Encodes one unit of two or three bytes. Also writes bytes behind them; later steps overwrite
+// these.
 bool step_by_one_short(Encoding& text, std::uint64_t word) {
   const std::uint64_t unit = word & 0xFFFF;
   if (unit < 0x800) {
@@ -103,7 +105,7 @@ bool step_by_one_short(Encoding& text, std::uint64_t word) {
   return true;
 }
 
-// As far as whole words can be read and written. False where there is no character.
+// Encodes as long as whole words can be read and written. Returns false at an invalid character.
 bool encode_words(Encoding& text) {
   while (text.left() >= kWordUnits && text.room() >= kWordBytes) {
     const std::uint64_t word = load_word(text.next);
@@ -120,7 +122,7 @@ bool encode_words(Encoding& text) {
         text.advance(kLongStep, kLongStep);
       }
     } else if ((word & 0xFF80) == 0) {
-      // Bytes behind the ASCII at the beginning of the word are written again by later steps.
+      // Only the leading ASCII units count. Later steps overwrite the bytes behind them.
       const auto ascii = static_cast<size_t>(std::countr_zero(wide)) / 16;
       narrow(text.next, text.out, kWordUnits);
       text.advance(ascii, ascii);

@@ -10,7 +10,7 @@ namespace {
 
 using Byte = unsigned char;
 
-// What is left to read and where to write. Steps move both on.
+// The remaining input and output. Each step advances both.
 struct Decoding {
   const Byte* next;
   const Byte* end;
@@ -28,7 +28,7 @@ struct Decoding {
 bool continues(unsigned byte) { return (byte & 0xC0u) == 0x80u; }
 bool is_surrogate(std::uint64_t value) { return value - 0xD800u < 0x800u; }
 
-// Names what is wrong with the sequence at the beginning of `text`, which is no character.
+// Names the fault of the invalid sequence at the beginning of `text`.
 TextFault classify(const Byte* text, size_t length) {
   const unsigned lead = text[0];
   if (continues(lead) || lead >= 0xF8) return TextFault::InvalidByte;
@@ -43,8 +43,8 @@ TextFault classify(const Byte* text, size_t length) {
   return lead == 0xED ? TextFault::SurrogateCodePoint : TextFault::CodePointTooLarge;
 }
 
-// Bytes of the sequence at the beginning of `text`, which is no ASCII, or 0 where it is no
-// character. Of a character `value` becomes the code point.
+// Decodes the non-ASCII character at the beginning of `text`. Returns its length in bytes and sets
+// `value` to its code point. Returns 0 if the sequence is invalid.
 size_t decode_one(const Byte* text, size_t length, std::uint32_t& value) {
   const unsigned lead = text[0];
   const size_t bytes = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
@@ -59,7 +59,7 @@ size_t decode_one(const Byte* text, size_t length, std::uint32_t& value) {
   return valid ? bytes : 0;
 }
 
-// One character of any length, byte by byte. False where there is none.
+// Decodes one character of any length, byte by byte. Returns false if it is invalid.
 bool step(Decoding& text) {
   if (text.next[0] < 0x80) {
     *text.out = text.next[0];
@@ -86,7 +86,8 @@ void widen(const Byte* bytes, char16_t* units, size_t count) {
   for (size_t i = 0; i < count; ++i) units[i] = bytes[i];
 }
 
-// Four sequences of two bytes: leads in the low, continuations in the high half of each quarter.
+// Decodes four sequences of two bytes. Each 16-bit quarter has its lead byte in the low half and
+// its continuation byte in the high half.
 bool step_by_four_pairs(Decoding& text, std::uint64_t word) {
   if ((word & in_each_quarter(0xC0E0)) != in_each_quarter(0x80C0)) return false;
   const std::uint64_t units =
@@ -103,7 +104,7 @@ std::uint64_t value_of_three(std::uint64_t word) {
 
 bool is_value_of_three(std::uint64_t value) { return value >= 0x800 && !is_surrogate(value); }
 
-// Two sequences of three bytes.
+// Decodes two sequences of three bytes.
 bool step_by_two_triples(Decoding& text, std::uint64_t word) {
   if ((word & 0xC0C0F0C0C0F0) != 0x8080E08080E0) return false;
   const std::uint64_t first = value_of_three(word);
@@ -114,7 +115,7 @@ bool step_by_two_triples(Decoding& text, std::uint64_t word) {
   return true;
 }
 
-// One sequence of two or three bytes.
+// Decodes one sequence of two or three bytes.
 bool step_by_one_short(Decoding& text, std::uint64_t word) {
   if ((word & 0xC0E0) == 0x80C0 && (word & 0x1E) != 0) {
     *text.out = static_cast<char16_t>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
@@ -128,8 +129,8 @@ bool step_by_one_short(Decoding& text, std::uint64_t word) {
   return true;
 }
 
-// As far as whole words can be read, and as many units as a word of ASCII gives can be written.
-// False where there is no character.
+// Decodes as long as a whole word can be read and `kWordBytes` units, the result of a word of
+// ASCII, can be written. Returns false at an invalid character.
 bool decode_words(Decoding& text) {
   while (text.left() >= kWordBytes && text.room() >= kWordBytes) {
     const std::uint64_t word = load_word(text.next);
@@ -146,7 +147,7 @@ bool decode_words(Decoding& text) {
         text.advance(kLongStep, kLongStep);
       }
     } else if ((word & 0x80) == 0) {
-      // Units behind the ASCII at the beginning of the word are written again by later steps.
+      // Only the leading ASCII bytes count. Later steps overwrite the units behind them.
       const auto ascii = static_cast<size_t>(std::countr_zero(high)) / 8;
       widen(text.next, text.out, kWordBytes);
       text.advance(ascii, ascii);

@@ -7,7 +7,7 @@
 namespace numera::host::memory {
 namespace {
 
-// Sixteen bytes that are compared and counted together, whatever the processor calls that.
+// Vectors of 16 bytes, independent of the instruction set.
 constexpr size_t kLanes = 16;
 using Lanes [[gnu::vector_size(kLanes)]] = signed char;
 using Counts [[gnu::vector_size(kLanes)]] = unsigned char;
@@ -20,15 +20,16 @@ Lanes load(const unsigned char* bytes) {
   return lanes;
 }
 
-// The code units that each byte begins, negative: none, one, or two for a sequence of four.
+// Minus the number of code units that each byte starts: 0 for a continuation byte, 2 for the lead
+// of a four-byte sequence, otherwise 1.
 Lanes minus_units(Lanes bytes) {
-  constexpr signed char kFirstLead = -64;        // 0xC0; below are the continuations
-  constexpr signed char kFirstLeadOfFour = -16;  // 0xF0; from 0 on, ASCII
+  constexpr signed char kFirstLead = -64;        // 0xC0; continuation bytes are below
+  constexpr signed char kFirstLeadOfFour = -16;  // 0xF0; ASCII bytes are 0 and above
   return (bytes >= kFirstLead) + ((bytes >= kFirstLeadOfFour) & (bytes < 0));
 }
 
-// The first `length` bytes of a block, and bytes that begin nothing behind them. Bytes up to `end`
-// may be read.
+// Loads the first `length` bytes and fills the rest with continuation bytes, which count as 0.
+// Bytes before `end` may be read.
 Lanes load_some(const unsigned char* bytes, size_t length, const unsigned char* end) {
   constexpr Lanes kPlaces = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   constexpr signed char kContinuation = -128;
@@ -49,9 +50,9 @@ size_t sum(Counts counts) {
   return sums * 0x0001000100010001 >> 48;
 }
 
-constexpr size_t kMostBytes = 120 * kLanes;  // of which a lane can count two a round
+constexpr size_t kMostBytes = 120 * kLanes;  // each of 120 rounds adds at most 2 to an 8-bit lane
 
-// Of at most `kMostBytes`.
+// Code units of at most `kMostBytes` bytes.
 inline size_t measure_piece(const unsigned char* bytes, size_t length, const unsigned char* end) {
   Counts counts{};
   const auto count = [&counts](Lanes lanes) {
@@ -62,7 +63,7 @@ inline size_t measure_piece(const unsigned char* bytes, size_t length, const uns
   return sum(counts);
 }
 
-// Code units of `length` bytes. Bytes up to `end` may be read.
+// Code units of `length` bytes. Bytes before `end` may be read.
 inline size_t measure(const unsigned char* bytes, size_t length, const unsigned char* end) {
   size_t units = 0;
   for (; length > kMostBytes; length -= kMostBytes, bytes += kMostBytes) {
@@ -102,9 +103,9 @@ size_t measure_utf16(std::u16string_view text) noexcept {
   size_t bytes = 0;
   while (!text.empty()) {
     const std::u16string_view step = text.substr(0, kStep);
-    std::uint16_t more = 0;  // than one byte a unit
+    std::uint16_t more = 0;  // bytes beyond one per unit
     for (const char16_t unit : step) {
-      // Two bytes for either half of a surrogate pair.
+      // Each half of a surrogate pair takes two bytes.
       const bool surrogate = (unit & 0xF800u) == 0xD800u;
       more = static_cast<std::uint16_t>(more + (unit >= 0x80) + ((unit >= 0x800) & !surrogate));
     }

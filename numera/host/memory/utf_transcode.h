@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Strict conversion between UTF-8 and UTF-16, into memory of the caller. Nothing here allocates.
+/// Strict conversion between UTF-8 and UTF-16 into the caller's memory. Except for `describe`,
+/// nothing here allocates.
 
 #include <cstddef>
 #include <span>
@@ -22,23 +23,22 @@ enum class TextFault {
 };
 
 struct Transcoded {
-  size_t read;     ///< bytes or code units read; at a fault, where it begins
+  size_t read;     ///< bytes or code units read; after a fault, its position
   size_t written;  ///< code units or bytes written
   TextFault fault = TextFault::None;
 };
 
-/// Converts until the end or the first fault. `units` has room for `measure_utf8(text)` units;
-/// where it has more, units behind those written may change. Texts that fill several machine words
-/// are read a word at a time.
+/// Converts until the end or the first fault. `units` has room for at least `measure_utf8(text)`
+/// units; units behind those written may change. Long texts are read one machine word at a time.
 Transcoded utf8_to_utf16(std::string_view text, std::span<char16_t> units) noexcept;
-/// Converts until the end or the first fault. `bytes` has room for `measure_utf16(text)` bytes;
-/// where it has more, bytes behind those written may change.
+/// Converts until the end or the first fault. `bytes` has room for at least `measure_utf16(text)`
+/// bytes; bytes behind those written may change.
 Transcoded utf16_to_utf8(std::u16string_view text, std::span<char> bytes) noexcept;
 
-/// One code unit a byte. `text` is ASCII.
+/// Writes one code unit per byte. `text` is ASCII.
 void widen_ascii(std::string_view text, char16_t* units) noexcept;
 
-/// What is wrong and where, counted from 0: "Overlong sequence at byte 3.".
+/// The fault and its position, counted from 0: "Overlong sequence at byte 3.".
 std::string describe(const Transcoded& result);
 
 }  // namespace numera::host::memory

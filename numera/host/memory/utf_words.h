@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Texts read and written a machine word at a time. A word holds eight bytes or four code units,
-/// the first of them in its lowest bits.
+/// Reads and writes texts one machine word at a time. A word holds eight bytes or four code units,
+/// the first in its lowest bits.
 
 #include <array>
 #include <cstddef>
