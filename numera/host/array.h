@@ -180,6 +180,6 @@ NUMERA_EXPORT void hxSetField(hxArray* array, size_t index, const char* name, hx
 /// @}
 
 /// Throws the host's interrupt exception if the user has asked to stop the running computation. The
-/// host defines the type; the library does not catch it. Table conversions call this once per
+/// host defines its type; the library passes it through. Table conversions call this once per
 /// column, on the caller's thread, so it should be cheap when nothing is pending.
 NUMERA_EXPORT void hxThrowIfInterruptPending();

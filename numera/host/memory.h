@@ -32,7 +32,7 @@ NUMERA_EXPORT hxArrayPtr CreateCharArray(std::span<const size_t> dims, const cha
 NUMERA_EXPORT hxArrayPtr CreateSparseArray(std::span<const size_t> dims, hxClassID class_id);
 
 /// Asks the running computation of every thread to stop: `hxThrowIfInterruptPending` throws
-/// `InterruptException` until `ClearInterrupt`. Both may be called in a signal handler.
+/// `InterruptException` until `ClearInterrupt`. A signal handler may call both functions.
 NUMERA_EXPORT void RequestInterrupt() noexcept;
 /// Withdraws the request for all threads. A throw does not withdraw it: call this before you start
 /// the next computation.

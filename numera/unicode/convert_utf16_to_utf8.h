@@ -20,8 +20,9 @@ namespace numera::io::arrow::unicode {
 /// String and cell arrays without columns have no texts.
 ///
 /// outputs[0] receives the bytes, a (T + 1)-by-1 uint8 array: the T bytes of all texts without
-/// gaps, then one zero byte. outputs[1] receives the offsets, an (N + 1)-by-1 uint64 array: text i
-/// is bytes [offsets[i], offsets[i + 1]). Previous values of the outputs are destroyed.
+/// gaps, then one zero byte. outputs[1] receives the offsets of N texts, an (N + 1)-by-1 uint64
+/// array: text i is bytes [offsets[i], offsets[i + 1]). Previous values of the outputs are
+/// destroyed.
 ///
 /// Errors are thrown and leave the outputs unchanged:
 /// - more than 2 outputs, or not exactly 1 input: thrown by `hxErrorMaxLhs`, `hxErrorMaxRhs` or

@@ -30,8 +30,8 @@ inline constexpr bool kSeparateBlocks = false;
 
 inline constexpr size_t kElementAlignment = 64;
 
-/// Counts one allocation, including those that the standard library makes for the host. Throws
-/// `std::bad_alloc` if a failure was requested for it.
+/// Counts one allocation. The host also calls this for allocations that the standard library makes
+/// for it. Throws `std::bad_alloc` if a failure was requested.
 void count_allocation();
 
 /// A block aligned for every scalar type. Throws `std::bad_alloc`.

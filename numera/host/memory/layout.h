@@ -2,8 +2,7 @@
 
 /// \file
 /// The immutable part of an array, in one block with the dimensions and names that it refers to.
-/// Dimensions come last: if the block ends there, a read past them is a read past the block, which
-/// a memory checker reports.
+/// Dimensions come last, so that a memory checker catches a read past them.
 
 #include <cstddef>
 #include <memory>

@@ -12,8 +12,8 @@
 ///
 ///     [ element data up to 1 KiB ] Elements hxArray
 ///
-/// For example, a column of 16 bytes takes 64 bytes in total. Layouts are separate blocks; arrays
-/// of the same shape that one thread creates share them (layout.h).
+/// For example, a column with 16 bytes of data is one block of 64 bytes. Layouts are separate
+/// blocks. Arrays of the same shape share one if the same thread creates them (layout.h).
 
 #include <atomic>
 #include <cstddef>

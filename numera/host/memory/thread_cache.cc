@@ -15,7 +15,7 @@ namespace numera::host::memory {
 namespace {
 
 // Maximum number of cached blocks per size; half of them are taken or returned at a time. Blocks
-// are small: a thread caches 2.1 MiB at most.
+// are small: a thread caches about 2 MiB at most.
 constexpr size_t kAtHand = 64;
 
 struct Shelf {

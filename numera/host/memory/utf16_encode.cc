@@ -64,7 +64,7 @@ void narrow(const char16_t* units, char* bytes, size_t count) {
   for (size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(units[i]);
 }
 
-// Encodes four units of two bytes each.
+// Encodes four units that take two bytes each.
 bool step_by_four_pairs(Encoding& text, std::uint64_t word) {
   if ((word & in_each_quarter(0xF800)) != 0 || !no_quarter_is_ascii(word)) return false;
   store_word(text.out, in_each_quarter(0x80C0) | (word >> 6 & in_each_quarter(0x001F)) |
@@ -79,8 +79,8 @@ std::uint64_t three_bytes(std::uint64_t unit) {
   return 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16;
 }
 
-// Encodes two units of three bytes each. Also writes two bytes behind them; later steps overwrite
-// these.
+// Encodes two units that take three bytes each. Also writes the next two bytes; later steps
+// overwrite these.
 bool step_by_two_triples(Encoding& text, std::uint64_t word) {
   const std::uint64_t first = word & 0xFFFF;
   const std::uint64_t second = word >> 16 & 0xFFFF;
@@ -90,8 +90,8 @@ bool step_by_two_triples(Encoding& text, std::uint64_t word) {
   return true;
 }
 
-// Encodes one unit of two or three bytes. Also writes bytes behind them; later steps overwrite
-// these.
+// Encodes one unit that takes two or three bytes. Always writes four bytes; later steps overwrite
+// the extra ones.
 bool step_by_one_short(Encoding& text, std::uint64_t word) {
   const std::uint64_t unit = word & 0xFFFF;
   if (unit < 0x800) {
