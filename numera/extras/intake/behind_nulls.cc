@@ -17,7 +17,7 @@ namespace {
 
 using ::arrow::Type;
 
-/// For each element of an array whether a slot shows it.
+/// Per array element: whether it is shown, that is, whether a non-null parent slot refers to it.
 using Shown = std::vector<bool>;
 
 DataResult mend(const Work& work, const Data& array, const ::arrow::DataType& type,
@@ -27,7 +27,7 @@ Shown all_of(const ::arrow::ArrayData& array) {
   return Shown(static_cast<size_t>(array.length), true);
 }
 
-/// Those that are shown and not null.
+/// The elements that are shown and not null.
 Shown without_nulls(const ::arrow::ArrayData& array, Shown shown) {
   if (array.buffers[0] == nullptr) return shown;
   for (size_t i = 0; i < shown.size(); ++i) {
@@ -37,12 +37,12 @@ Shown without_nulls(const ::arrow::ArrayData& array, Shown shown) {
   return shown;
 }
 
-/// The elements that the given slots refer to. `range_of(i)` is the begin and the size of slot i,
-/// whatever they are: offsets are not validated yet.
+/// The child elements that the given slots refer to. `range_of(i)` is the begin and the size of
+/// slot i. Both may be out of bounds: offsets are not validated yet.
 template <class RangeOf>
 Shown elements_of(const ::arrow::ArrayData& lists, const Shown& slots, RangeOf range_of) {
   const std::int64_t count = lists.child_data[0]->length;
-  // How many ranges begin at an element, less those that end there.
+  // Per element: ranges that begin there minus ranges that end there.
   std::vector<std::int64_t> steps(static_cast<size_t>(count) + 1, 0);
   for (size_t i = 0; i < slots.size(); ++i) {
     if (!slots[i]) continue;
@@ -84,7 +84,8 @@ Shown elements_of_fixed_size(const ::arrow::ArrayData& lists, const ::arrow::Dat
   return elements_of(lists, slots, [size](std::int64_t i) { return ElementRange(i * size, size); });
 }
 
-/// The elements of the one child of a list, or all where there are no offsets to go by.
+/// The shown elements of a list's only child; all of them if a buffer of offsets or sizes is
+/// missing.
 Shown shown_elements(const ::arrow::ArrayData& lists, const ::arrow::DataType& type,
                      const Shown& slots) {
   for (size_t i = 1; i < lists.buffers.size(); ++i) {
@@ -104,8 +105,8 @@ Shown shown_elements(const ::arrow::ArrayData& lists, const ::arrow::DataType& t
   }
 }
 
-/// Whether an array of the type is looked into. Runs are not: they have more elements than memory
-/// can count. What is looked into has no more than its buffers have bits.
+/// Whether arrays of the type are searched. Run-end encoded arrays are not: flags for all their
+/// elements may not fit into memory. All other arrays have at least one bit of buffer per element.
 bool may_hold_bad_values(const ::arrow::DataType& type) {
   switch (type.id()) {
     case Type::DICTIONARY:
@@ -124,8 +125,8 @@ bool may_hold_bad_values(const ::arrow::DataType& type) {
                              [](const auto& field) { return may_hold_bad_values(*field->type()); });
 }
 
-/// The array with its children mended, or itself where none has to be. `shown_of(child)` says which
-/// elements slots of the array show.
+/// The array with repaired children, or `array` itself if no child changes. `shown_of(child)` tells
+/// which elements of the child are shown.
 template <class ShownOf>
 DataResult with_children(const Work& work, const Data& array, ShownOf shown_of) {
   Data mended = array;

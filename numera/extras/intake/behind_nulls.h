@@ -6,12 +6,12 @@
 
 namespace numera::extras::intake {
 
-/// The array with 0 in place of every date, time of day and decimal that is none of its type and
-/// that no slot shows: a null struct, list or map stands around it, or no list refers to it.
-/// Arrow's full validation refuses such values all the same. Whatever is fit stays as it is, and an
-/// array where nothing has to be replaced is returned itself.
+/// Replaces hidden invalid values by 0: dates, times of day and decimals that are not valid for
+/// their type, and that lie below a null struct, list or map or are not referred to by any list.
+/// Arrow's full validation refuses even hidden values. Valid values stay as they are. If nothing
+/// has to be replaced, the result is `array` itself.
 ///
-/// `array` has passed Arrow's `Validate`, not the full one.
+/// `array` has passed Arrow's `Validate`, but not `ValidateFull`.
 DataResult without_bad_values_behind_nulls(const Work& work, const Data& array);
 
 }  // namespace numera::extras::intake

@@ -18,8 +18,8 @@ namespace {
   return status.WithMessage(path, ": ", status.message());
 }
 
-/// Arrow's full validation also refuses what stands behind nulls. Where it does, the chunk that is
-/// returned holds 0 there.
+/// Arrow's full validation also refuses invalid values that nulls hide. The returned chunk holds 0
+/// in their place.
 ::arrow::Result<std::shared_ptr<::arrow::Array>> validate(
     const Work& work, const std::shared_ptr<::arrow::Array>& chunk) {
   ::arrow::Status status = chunk->ValidateFull();
@@ -46,14 +46,14 @@ namespace {
   return validate(work, chunk);
 }
 
-/// A column without chunks has the type and the casts of an empty array. A nested one gets that
-/// array as its chunk: the host knows the types of its elements by its chunks alone.
+/// A column without chunks gets the type and the casts of an empty array. If it is nested, it also
+/// gets that array as its chunk: the host learns the element types from chunks only.
 ::arrow::Result<TakenColumn> take_in_valid(Work& work, const std::string& path,
                                            const std::shared_ptr<::arrow::DataType>& type,
                                            const ::arrow::ArrayVector& chunks) {
   TakenColumn taken;
   if (chunks.empty()) {
-    // Arrow's MakeEmptyArray knows no builder of nested extension types.
+    // Arrow's MakeEmptyArray has no builder for nested extension types.
     ARROW_ASSIGN_OR_RAISE(const auto empty, ::arrow::MakeArrayOfNull(type, 0, work.pool));
     ARROW_ASSIGN_OR_RAISE(const Data data, take_in_data(work, path, *empty->data()));
     taken.type = data->type;
@@ -70,8 +70,8 @@ namespace {
   return taken;
 }
 
-/// With 64-bit offsets where 32 bits do not do. A few bytes can stand for more elements than there
-/// is room to count, in run-end encoded values for instance.
+/// Uses 64-bit offsets if 32 bits are not enough. A few bytes, for example of run-end encoded
+/// values, can stand for more elements than memory can hold: that is a CapacityError.
 ::arrow::Result<TakenColumn> take_in_narrow_or_wide(const std::string& path,
                                                     const std::shared_ptr<::arrow::DataType>& type,
                                                     const ::arrow::ArrayVector& chunks,

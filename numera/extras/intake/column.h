@@ -19,8 +19,7 @@ struct TakenColumn {
   std::vector<IntakeCast> casts;
 };
 
-/// Takes in chunks of `type`. `work` says how: its `cast`, `views`, `pool` and `narrow_limit` are
-/// read.
+/// Takes in chunks of `type`. Reads `cast`, `views`, `pool` and `narrow_limit` of `work`.
 ::arrow::Result<TakenColumn> take_in_column(const std::string& path,
                                             const std::shared_ptr<::arrow::DataType>& type,
                                             const ::arrow::ArrayVector& chunks, const Work& work);

@@ -17,7 +17,7 @@ using ::arrow::Type;
 
 bool is_text(const ::arrow::ArrayData& values) { return ::arrow::is_string(values.type->id()); }
 
-/// Texts without the nulls among them, and the place there of each that there was.
+/// Removes nulls from `texts`. `places` receives the new index per old text, `kNowhere` for a null.
 template <class Offset>
 DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
                          std::vector<std::int64_t>* places) {
@@ -33,7 +33,7 @@ DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
   });
 }
 
-/// The host's categories are all there: a null among them would become the empty text.
+/// Host categories cannot be null: a null category would become the empty text.
 ::arrow::Status drop_nulls(Work& work, TakenDictionary* taken) {
   if (!is_text(*taken->values) || taken->values->GetNullCount() == 0) return {};
   const auto drop = taken->values->type->id() == Type::STRING ? without_nulls<std::int32_t>
@@ -41,7 +41,7 @@ DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
   return drop(work, *taken->values, &taken->codes).Value(&taken->values);
 }
 
-/// A dictionary that several fields share is taken in once, and its casts are noted for each.
+/// A dictionary that several fields share is taken in once. Its casts are noted once per field.
 ::arrow::Result<TakenDictionary*> take_values(Work& work, const std::string& path,
                                               const Data& dictionary) {
   const std::string here = path + "<dictionary>";
@@ -60,8 +60,7 @@ DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
   return &taken;
 }
 
-/// Calls `use` with a value of the index type. `id` is that of an integer, since no other can be
-/// the index of a dictionary.
+/// Calls `use` with a value of the index type `id`, which is always an integer type.
 template <class Use>
 auto with_index(Type::type id, Use use) {
   switch (id) {
@@ -89,15 +88,15 @@ std::vector<std::int64_t> places(const ::arrow::ArrayData& indices) {
   std::vector<std::int64_t> result(static_cast<size_t>(indices.length), kNowhere);
   for (std::int64_t i = 0; i < indices.length; ++i) {
     if (is_null(indices, i)) continue;
-    // An int8 index is a number, no character.
+    // An int8 index is a number, not a character.
     // NOLINTNEXTLINE(bugprone-signed-char-misuse)
     result[static_cast<size_t>(i)] = static_cast<std::int64_t>(load<Index>(*indices.buffers[1], i));
   }
   return result;
 }
 
-/// Replaces every code by that of `codes`; where there is none, the slot becomes null. No new code
-/// is above the old one.
+/// Replaces every code c by `codes[c]`. If that is `kNowhere`, the slot becomes null. A new code is
+/// never larger than the old one, so it fits the index type.
 template <class Index>
 ::arrow::Status recode(Work& work, const std::vector<std::int64_t>& codes,
                        ::arrow::ArrayData* array) {

@@ -35,8 +35,7 @@ bool is_within_precision(const ::arrow::DataType& type, const Decimal& value) {
   return value.FitsInPrecision(static_cast<const ::arrow::DecimalType&>(type).precision());
 }
 
-/// Whether the element at a place of the buffer is a value of the type. Arrow's full validation
-/// asks the same.
+/// Whether element `place` is a valid value of the type, as Arrow's full validation sees it.
 bool is_value(const ::arrow::DataType& type, const ::arrow::Buffer& values, std::int64_t place) {
   switch (type.id()) {
     case Type::DATE64:

@@ -9,12 +9,12 @@
 
 namespace numera::extras::intake {
 
-/// Whether not every bit pattern is a value of the type: dates of 64 bits, times of day, decimals.
+/// Whether some bit patterns are not valid values: true for date64, times of day and decimals.
 bool has_bad_values(::arrow::Type::type id);
 
-/// The array with 0 for every element that is not `shown` and no value of its type: a date64 that
-/// is no whole day, a time of day beyond the day, a decimal beyond its precision. The array itself
-/// where there is none. `type` is that of its memory.
+/// Replaces by 0 every element that is not `shown` and not a valid value: a date64 that is not a
+/// whole day, a time of day outside the day, a decimal beyond its precision. Returns `array` itself
+/// if there is none. `type` is the storage type if `array` is an extension array.
 DataResult with_zero_for_bad_values(const Work& work, const Data& array,
                                     const ::arrow::DataType& type, const std::vector<bool>& shown);
 

@@ -17,7 +17,7 @@ namespace {
 using ::arrow::Type;
 using Places = std::span<const std::int64_t>;
 
-/// A bitmap with bit i set where `is_set(place)` is true of place i; the number of the others.
+/// A bitmap whose bit i is `is_set(places[i])`. `unset` receives the number of bits that are 0.
 template <class IsSet>
 BufferResult make_bits(Work& work, Places places, IsSet is_set, std::int64_t* unset) {
   const auto count = static_cast<std::int64_t>(places.size());
@@ -32,7 +32,7 @@ BufferResult make_bits(Work& work, Places places, IsSet is_set, std::int64_t* un
   return bits;
 }
 
-/// The result with its validity, and as many empty buffers as `values` has.
+/// The result with its validity bitmap and as many buffers as `values`. The other buffers are null.
 DataResult make_slots(Work& work, const ::arrow::ArrayData& values, Places places) {
   auto out = std::make_shared<::arrow::ArrayData>(values.type,
                                                   static_cast<std::int64_t>(places.size()), 0);
@@ -78,7 +78,7 @@ DataResult make_slots(Work& work, const ::arrow::ArrayData& values, Places place
   return ::arrow::Status::OK();
 }
 
-/// The range of an element among the values that its offsets point into; empty where it is null.
+/// The range given by the offsets of an element; empty if the element is null.
 template <class Offset>
 std::pair<std::int64_t, std::int64_t> range_of(const ::arrow::ArrayData& values,
                                                std::int64_t place) {
@@ -155,7 +155,7 @@ template <class From, class To>
   return ::arrow::Status::OK();
 }
 
-/// Maps have no form with 64-bit offsets.
+/// Arrow has no map type with 64-bit offsets.
 ::arrow::Status gather_maps(Work& work, const ::arrow::ArrayData& values, Places places,
                             ::arrow::ArrayData* out) {
   const std::int64_t size = sum_of_ranges<std::int32_t>(values, places);
@@ -168,7 +168,7 @@ template <class From, class To>
 
 using Gather = ::arrow::Status (*)(Work&, const ::arrow::ArrayData&, Places, ::arrow::ArrayData*);
 
-/// How to gather the values of a type that is fit for the host.
+/// How to gather values of a type that the host accepts.
 Gather gather_of(Type::type id, bool wide) {
   switch (id) {
     case Type::BOOL:

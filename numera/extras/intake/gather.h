@@ -9,11 +9,11 @@
 
 namespace numera::extras::intake {
 
-/// A place that no element is taken from: the result has a null there.
+/// Stands for a null in `places`.
 inline constexpr std::int64_t kNowhere = -1;
 
-/// A new array of the elements of `values`, which is taken in already, at the given places: 0 up
-/// to its length, or `kNowhere`. Null lists and texts become empty ones.
+/// A new array whose element i is `values[places[i]]`, or null where `places[i]` is `kNowhere`.
+/// `values` has already been taken in. Null lists and texts get an empty range.
 DataResult gather(Work& work, const ::arrow::ArrayData& values,
                   std::span<const std::int64_t> places);
 

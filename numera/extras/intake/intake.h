@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// Arrow data from outside made fit for `to_numera`.
+/// Prepares Arrow data from outside for `to_numera`.
 ///
-/// `to_numera` trusts what it is given, and reads validity and truth values from the first bit of
-/// their buffers, whatever the offset of a slice. `take_in` checks the data completely and removes
-/// offsets at every depth, in children and dictionaries too; on request it also casts what
+/// `to_numera` trusts its input. It reads validity and truth values from the first bit of their
+/// buffers, even if a slice has an offset. `take_in` checks the data completely and removes offsets
+/// at every depth, in children and dictionaries too. On request it also casts types that
 /// `to_numera` refuses. docs/intake.md has the rule of every Arrow type.
 ///
 /// \code
@@ -14,7 +14,7 @@
 ///   return numera::io::arrow::core::to_numera(taken.value);
 /// \endcode
 ///
-/// Any number of threads may take in at a time, the same data too.
+/// Any number of threads may call `take_in` at the same time, even with the same data.
 
 #include <arrow/array/array_base.h>
 #include <arrow/chunked_array.h>
@@ -33,80 +33,85 @@ namespace numera::extras {
 
 /// What `take_in` may change. By default, the type stays as it is.
 struct IntakeOptions {
-  /// Casts what `to_numera` refuses, as far as there is a rule for it.
+  /// Casts types that `to_numera` refuses, if there is a rule for them.
   bool cast = false;
-  /// Casts views, of text, bytes and lists, to their plain types even where `cast` is false.
-  /// Nothing is lost by that: only the memory is laid out in another way.
+  /// Casts views of text, bytes and lists to their plain types, even if `cast` is false. No value
+  /// changes, only the memory layout.
   bool views = false;
 };
 
-/// One value, at whatever depth, that was cast.
+/// One cast, at any depth.
 struct IntakeCast {
-  /// Where it is: a table's column by its name, and from there (or from the array itself, whose
-  /// path is empty) ".name" for a field of a struct, "[]" for the elements of a list, "{key}" and
-  /// "{item}" for those of a map, "<dictionary>" for a dictionary, "<values>" for run-end encoded
-  /// values and "<storage>" for those of an extension type.
+  /// Where it is: the name of the table column (empty for an array or a chunked array), then
+  /// ".name" for a field of a struct, "[]" for the elements of a list, "{key}" and "{item}" for the
+  /// keys and items of a map, "<dictionary>" for the values of a dictionary, "<values>" for run-end
+  /// encoded values and "<storage>" for the storage of an extension type.
   std::string path;
-  std::shared_ptr<::arrow::DataType> from;  ///< as it came in, its children too
-  std::shared_ptr<::arrow::DataType> to;    ///< what it became
+  std::shared_ptr<::arrow::DataType> from;  ///< the type before, with its original children
+  std::shared_ptr<::arrow::DataType> to;    ///< the type after
 };
 
-/// A line for a person: "trips[].fare: decimal128(9, 2) to double", and without "path: " where the
-/// path is empty. `from` and `to` are not null.
+/// One readable line: "trips[].fare: decimal128(9, 2) to double". The part "path: " is left out if
+/// the path is empty. `from` and `to` must not be null.
 NUMERA_EXPORT std::string to_string(const IntakeCast& cast);
 
-/// What was taken in, and what had to be cast for it. `T` is `::arrow::Array`,
+/// The result of `take_in` and the casts that were made. `T` is `::arrow::Array`,
 /// `::arrow::ChunkedArray` or `::arrow::Table`.
 template <class T>
 struct Intake {
-  /// Never null. It shares buffers with the input, which it keeps alive.
+  /// Never null. Shares buffers with the input and keeps them alive.
   std::shared_ptr<T> value;
-  /// In the order of fields, the inner value before the one around it; each once, whatever the
-  /// number of chunks.
+  /// In field order, inner casts before outer ones. Each is listed once, whatever the number of
+  /// chunks.
   std::vector<IntakeCast> casts;
 };
 
-/// The same value, fit for `to_numera`: valid (`ValidateFull`), offset 0 at every depth, no longer
-/// bitmap than its elements need, list and map offsets that start at 0 and children cut to what
-/// they use, null counts right or unknown (-1). Without `options.cast` its type is unchanged.
+/// The same value, fit for `to_numera`:
+/// - it passes `ValidateFull`
+/// - offsets are 0 at every depth, and list and map offsets start at 0
+/// - bitmaps are no longer than their elements need, and children are cut to the elements in use
+/// - null counts are right or unknown (-1)
+/// - its type is unchanged, unless `options` allow casts
 ///
-/// Buffers are shared with the input wherever they can be, and an array that is fit already keeps
-/// all of them: bitmaps and truth values are copied where they do not start at a byte, offsets of
-/// lists and maps where the first is not 0, text where a null slot holds no UTF-8 (it becomes
-/// empty), and values where they are cast.
+/// Buffers are shared with the input where possible. An array that is already fit keeps all of
+/// them. Copies are made of:
+/// - bitmaps and truth values that do not start at a byte boundary
+/// - list and map offsets that do not start at 0
+/// - text with invalid UTF-8 in a null slot; that slot becomes empty
+/// - values that are cast
 ///
-/// Nulls among the texts of a dictionary move to the slots that point at them. A date64, a time of
-/// day or a decimal that full validation refuses becomes 0 where no slot shows it, since a null
-/// struct, list or map stands around it.
+/// A null among the texts of a dictionary is removed, and the slots that refer to it become null. A
+/// date64, a time of day or a decimal that full validation refuses becomes 0 if it is hidden: below
+/// a null struct, list or map, or not referred to by any list.
 ///
-/// A cast to text, bytes or lists gives 32-bit offsets, and 64-bit ones ("large") in the whole
-/// column where one chunk has too many bytes or elements for them.
+/// A cast to text, bytes or lists gives 32-bit offsets. If one chunk has too many bytes or elements
+/// for them, the whole column gets 64-bit offsets ("large").
 ///
-/// Errors, all of which begin with the path where it is not empty:
-/// - null pointers, at any depth, in types too: Invalid, for the argument itself "Array: found a
-/// null
-///   pointer, expected a value." ("Column", "Table")
-/// - a type that `to_numera` refuses and for which there is no rule, or no leave to cast: TypeError
+/// Errors, each of which begins with the path if that is not empty:
+/// - a null pointer, at any depth, in types too: Invalid. For the argument itself the text is
+///   "Array: found a null pointer, expected a value." ("Column", "Table")
+/// - a type that `to_numera` refuses and that has no rule or may not be cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
-/// - memory of another device than the CPU: Invalid
+/// - memory of a device other than the CPU: Invalid
 /// - whatever else `ValidateFull` finds: its status
-/// - a map whose elements are too many for 32-bit offsets once cast, or whose keys are null then:
-///   Invalid
+/// - a map that, after a cast, has null keys or too many entries for 32-bit offsets: Invalid
 ///
-/// Cost: validation reads every element once. Peak memory is what is copied or cast, and 8 bytes
-/// for each element of a list view, a run-end encoded value or a dictionary that is taken apart or
-/// holds nulls, and for each element of a list where validation finds a value that nulls may hide.
+/// Cost: validation reads every element once. Peak memory is what is copied or cast, plus 8 bytes
+/// per element of:
+/// - a list view or a run-end encoded value
+/// - a dictionary array that is cast, or whose dictionary has nulls
+/// - a list where full validation fails at a value that nulls may hide
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
     const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
 
 /// Chunk by chunk; all chunks get the same type. A list, struct or map column without chunks gets
-/// an empty one: without it the host would not know the types of its elements.
+/// an empty chunk: without it the host would not know the types of its elements.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
 
-/// Column by column; names, nullability and metadata stay. Before every column
-/// `hxThrowIfInterruptPending` is called; its exception passes through. The status of a column that
-/// fails carries a `TableErrorStatusDetail` with its name and index.
+/// Column by column. Names, nullability and metadata stay. `hxThrowIfInterruptPending` is called
+/// before every column; its exception passes through. If a column fails, the status carries a
+/// `TableErrorStatusDetail` with its name and index.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Table>> take_in(
     const std::shared_ptr<::arrow::Table>& table, const IntakeOptions& options = {});
 

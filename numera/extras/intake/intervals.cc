@@ -34,7 +34,7 @@ void write_duration(std::int64_t months, std::int64_t days, std::int64_t time, i
   if (text->size() == 1) *text += "0D";
 }
 
-/// `write(i, &text)` is given the place of an element in the buffer.
+/// In `write(i, &text)`, `i` is the index of the element in the buffer, array offset included.
 template <class Write>
 DataResult make_durations(Work& work, const ::arrow::ArrayData& array, Write write) {
   ARROW_ASSIGN_OR_RAISE(const Data slots, without_offset(work, array));

@@ -12,8 +12,8 @@
 namespace numera::extras::intake {
 namespace {
 
-/// `length` + 1 offsets from `array.offset` on, as they stand. An array without elements may lack
-/// them.
+/// The `length` + 1 offsets from `array.offset` on, unchanged. An array without elements may have
+/// no offsets; it gets one offset of 0.
 template <class Offset>
 BufferResult cut_offsets(Work& work, const ::arrow::ArrayData& array) {
   constexpr std::int64_t kWidth = sizeof(Offset);
@@ -26,7 +26,7 @@ BufferResult cut_offsets(Work& work, const ::arrow::ArrayData& array) {
   return made;
 }
 
-/// The same offsets, but beginning at 0.
+/// The same offsets, shifted to start at 0.
 template <class Offset>
 BufferResult rebase_offsets(Work& work, std::shared_ptr<::arrow::Buffer> offsets,
                             std::int64_t length) {
@@ -39,11 +39,11 @@ BufferResult rebase_offsets(Work& work, std::shared_ptr<::arrow::Buffer> offsets
   return rebased;
 }
 
-/// Whether a null slot holds a text that is no UTF-8. Arrow's validation passes such slots over,
-/// and the host converts what they hold.
+/// Whether a null slot holds text that is not valid UTF-8. Arrow's validation skips null slots, but
+/// the host converts their text.
 template <class Offset>
 bool hides_bad_text(const ::arrow::ArrayData& texts) {
-  ::arrow::util::InitializeUTF8();  // until then everything is valid
+  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
   for (std::int64_t i = 0; i < texts.length; ++i) {
     if (!is_null(texts, i)) continue;
     if (!::arrow::util::ValidateUTF8(text_at<Offset>(texts, i))) return true;
@@ -51,7 +51,7 @@ bool hides_bad_text(const ::arrow::ArrayData& texts) {
   return false;
 }
 
-/// The same texts, those at null slots empty.
+/// The same texts, but empty at null slots.
 template <class Offset>
 DataResult without_hidden_texts(Work& work, const ::arrow::ArrayData& texts) {
   return make_text_of<Offset>(work, texts.type, texts,
@@ -63,15 +63,15 @@ Data cut_child(const Data& child, std::int64_t offset, std::int64_t length) {
   return child->Slice(offset, length);
 }
 
-/// Keys that a dictionary or runs stand for may turn out to be null. Arrow ends the process of whom
-/// makes a map of them.
+/// Keys from a dictionary or from run-end encoded values can be null. Arrow ends the process if a
+/// map is made of null keys.
 ::arrow::Status check_keys(const ::arrow::ArrayData& entries) {
   const std::int64_t nulls = entries.GetNullCount() + entries.child_data[0]->GetNullCount();
   if (nulls == 0) return ::arrow::Status::OK();
   return ::arrow::Status::Invalid("Map: found ", nulls, " null keys, expected none.");
 }
 
-/// The entries of a map are no level of their own: keys and items have paths.
+/// The entries of a map add nothing to the path; keys and items do.
 DataResult take_entries(Work& work, const std::string& path, const ::arrow::ArrayData& entries) {
   static constexpr const char* kPlaces[] = {"{key}", "{item}"};
   ARROW_ASSIGN_OR_RAISE(Data out, without_offset(work, entries));
@@ -123,7 +123,7 @@ template <class Offset>
 DataResult take_list(Work& work, const std::string& path, const ::arrow::ArrayData& array) {
   ARROW_ASSIGN_OR_RAISE(Data out, without_offset(work, array));
   ARROW_ASSIGN_OR_RAISE(auto offsets, cut_offsets<Offset>(work, array));
-  // Arrow's validation does not look at the one offset of an array without elements.
+  // Arrow's validation does not check the single offset of an array without elements.
   const std::int64_t first = array.length == 0 ? 0 : load<Offset>(*offsets, 0);
   const std::int64_t last = array.length == 0 ? 0 : load<Offset>(*offsets, array.length);
   ARROW_ASSIGN_OR_RAISE(out->buffers[1],

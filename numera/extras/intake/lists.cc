@@ -17,7 +17,7 @@ struct Range {
   std::int64_t size;
 };
 
-/// The elements of every view; none where it is null, whatever it says then.
+/// The element range of every view. A null view gets an empty range, whatever its offset and size.
 template <class Offset>
 std::vector<Range> ranges_of(const ::arrow::ArrayData& views, const ::arrow::ArrayData& slots) {
   std::vector<Range> ranges(static_cast<size_t>(views.length), Range{0, 0});
@@ -29,7 +29,7 @@ std::vector<Range> ranges_of(const ::arrow::ArrayData& views, const ::arrow::Arr
   return ranges;
 }
 
-/// The smallest range around all of them.
+/// The smallest range that covers all of them.
 Range span_of(const std::vector<Range>& ranges) {
   std::int64_t begin = std::numeric_limits<std::int64_t>::max();
   std::int64_t end = 0;
@@ -50,7 +50,7 @@ bool follow_one_another(const std::vector<Range>& ranges, std::int64_t begin) {
   });
 }
 
-/// Offsets of lists of the given sizes, and 64-bit ones where the work is wide or `large`.
+/// Offsets of lists of the given sizes: 64-bit if `large` or `work.wide`, else 32-bit.
 template <class SizeOf>
 BufferResult make_offsets(Work& work, bool large, std::int64_t length, SizeOf size_of) {
   const bool is_wide = large || work.wide;
@@ -70,7 +70,8 @@ BufferResult make_offsets(Work& work, bool large, std::int64_t length, SizeOf si
   }
 }
 
-/// A list array with the validity of `slots` and the field of its type.
+/// A list array with the validity of `slots`. Its field is that of `slots`, with the type of
+/// `elements`.
 Data make_list(Work& work, bool large, const ::arrow::ArrayData& slots,
                std::shared_ptr<::arrow::Buffer> offsets, Data elements) {
   const auto field = slots.type->field(0)->WithType(elements->type);

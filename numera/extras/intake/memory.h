@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Reading, cutting and making the buffers of arrays that are known to be valid.
+/// Reads, cuts and allocates buffers of arrays that are known to be valid.
 
 #include <arrow/array/data.h>
 #include <arrow/buffer.h>
@@ -18,7 +18,7 @@ namespace numera::extras::intake {
 
 using BufferResult = ::arrow::Result<std::shared_ptr<::arrow::Buffer>>;
 
-/// Element `index` of a buffer that need not be aligned.
+/// Element `index` of a buffer, which may be unaligned.
 template <class T>
 T load(const ::arrow::Buffer& buffer, std::int64_t index) {
   T value;
@@ -32,27 +32,28 @@ void store(::arrow::Buffer& buffer, std::int64_t index, T value) {
               sizeof(T));
 }
 
-/// A new buffer for `count` elements of `width` bytes. CapacityError where no memory has so many.
+/// A new buffer for `count` elements of `width` bytes. CapacityError if its size exceeds 64 bits.
 BufferResult allocate(Work& work, std::int64_t count, std::int64_t width);
 
-/// `length` bits from bit `offset` on, with no byte more than they need. The bytes are those of the
-/// input where `offset` is a multiple of 8.
+/// `length` bits from bit `offset` on, in no more bytes than they need. Shares the input's memory
+/// if `offset` is a multiple of 8.
 BufferResult cut_bits(Work& work, const std::shared_ptr<::arrow::Buffer>& bits, std::int64_t offset,
                       std::int64_t length);
 
-/// The elements of `width` bytes from `offset` on; the buffer itself where that is 0.
+/// `length` elements of `width` bytes from element `offset` on. If `offset` is 0, the buffer
+/// itself, uncut.
 std::shared_ptr<::arrow::Buffer> cut_elements(const std::shared_ptr<::arrow::Buffer>& buffer,
                                               std::int64_t offset, std::int64_t length,
                                               std::int64_t width);
 
-/// A copy of the array that has no offset, its validity cut to match. All its other buffers and
-/// children are still as they were.
+/// A copy of the array with offset 0 and its validity bitmap cut to match. All other buffers and
+/// the children are still uncut.
 DataResult without_offset(Work& work, const ::arrow::ArrayData& array);
 
 /// Whether element `index` of an array without offset is null.
 bool is_null(const ::arrow::ArrayData& array, std::int64_t index);
 
-/// The array whose type is like `type` but has the types of the children.
+/// `type`, with the types of the children of `array`.
 std::shared_ptr<::arrow::DataType> with_child_types(const std::shared_ptr<::arrow::DataType>& type,
                                                     const ::arrow::ArrayData& array);
 

@@ -20,7 +20,7 @@ constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr std::int64_t kExactIntegers = std::int64_t{1} << 53;
 
-/// The nearest double to digits * 10^-scale, whatever their number.
+/// The double nearest to digits * 10^-scale, for any number of digits.
 double from_digits(const std::string& digits, std::int32_t scale) {
   const std::string text = digits + "e" + std::to_string(-std::int64_t{scale});
   double value = 0;
@@ -30,7 +30,7 @@ double from_digits(const std::string& digits, std::int32_t scale) {
   return digits.front() == '-' ? -magnitude : magnitude;
 }
 
-/// Where both operands are exact, one division or multiplication rounds once.
+/// If a double holds both operands exactly, a single division or multiplication rounds once.
 double from_int64(std::int64_t unscaled, std::int32_t scale) {
   const bool exact =
       unscaled >= -kExactIntegers && unscaled <= kExactIntegers && scale >= -22 && scale <= 22;
@@ -57,7 +57,7 @@ double to_double(const ::arrow::Decimal256& decimal, std::int32_t scale) {
   return from_digits(decimal.ToIntegerString(), scale);
 }
 
-/// Doubles with the array's validity; `value(i)` is asked for the elements that are not null.
+/// Doubles with the array's validity. `value(i)` is called only for elements that are not null.
 template <class Value>
 DataResult make_doubles(Work& work, const ::arrow::ArrayData& array, Value value) {
   ARROW_ASSIGN_OR_RAISE(const Data slots, without_offset(work, array));

@@ -53,8 +53,8 @@ DataResult make_text_of(Work& work, std::shared_ptr<::arrow::DataType> type,
                                   slots.null_count);
 }
 
-/// Text or bytes with the validity of `slots`, which has no offset. `text_of(i)`, a view that lives
-/// until the next call, is asked for twice and for elements that are not null alone.
+/// Text or bytes with the validity of `slots`, which has no offset. `text_of(i)` is called twice
+/// per non-null element, and never for nulls. The view that it returns lives until the next call.
 template <class TextOf>
 DataResult make_text(Work& work, std::shared_ptr<::arrow::DataType> narrow,
                      std::shared_ptr<::arrow::DataType> wide, const ::arrow::ArrayData& slots,

@@ -93,7 +93,7 @@ std::string place_of(const std::string& path) { return path.empty() ? "" : path 
 
 constexpr const char* kAskForCasts = "; casts were not asked for";
 
-/// The text that a dictionary is kept of; views become plain text within it.
+/// Whether a dictionary of this value type is kept: text, or text views if views may be cast.
 bool is_text(const ::arrow::DataType& type, Leave leave) {
   return type.id() == Type::STRING || type.id() == Type::LARGE_STRING ||
          (type.id() == Type::STRING_VIEW && leave.views);
@@ -125,7 +125,7 @@ bool holds_types(const ::arrow::DataType& type) {
   return ::arrow::Status::OK();
 }
 
-/// The one type that a dictionary or an extension stands for; null for every other type.
+/// The value type of a dictionary or the storage type of an extension; null for every other type.
 const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   if (type.id() == Type::DICTIONARY) {
     return static_cast<const ::arrow::DictionaryType&>(type).value_type().get();
@@ -136,7 +136,8 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   return nullptr;
 }
 
-/// `levels` more types may hold others. A type that stands for a plain one is no level.
+/// Allows `levels` more levels of nesting. A dictionary or an extension of a plain type is not a
+/// level.
 ::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
                       int levels) {
   if (!has_inner_types(type)) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What becomes of every Arrow type: the one table of rules.
+/// The table of rules: what happens to each Arrow type.
 
 #include <arrow/status.h>
 #include <arrow/type.h>
@@ -15,21 +15,21 @@
 namespace numera::extras::intake {
 
 enum class Fate : std::uint8_t {
-  kKept,        ///< fit for `to_numera`, as far as its children are
-  kKeptOfText,  ///< the same where its values are text, else cast
-  kCast,        ///< refused unless casts are asked for
-  kRefused,     ///< there is no rule
+  kKept,        ///< fit for `to_numera` if its children are
+  kKeptOfText,  ///< kept if its values are text, else cast
+  kCast,        ///< cast if casts are allowed, else refused
+  kRefused,     ///< always refused: there is no rule
 };
 
 struct Rule {
   ::arrow::Type::type id;
-  const char* type;  ///< as the documentation names it
+  const char* type;  ///< the name in the documentation
   Fate fate;
-  const char* cast_to;  ///< as the documentation says it; empty where nothing is cast
+  const char* cast_to;  ///< the target in the documentation; empty if nothing is cast
   Take take;
 };
 
-/// A row for every type, in the order of their ids.
+/// One row per type, in the order of type ids.
 std::span<const Rule> rules();
 
 /// What may be cast.
@@ -41,8 +41,8 @@ struct Leave {
 /// The path of a field of a struct.
 std::string field_path(const std::string& path, const std::string& name);
 
-/// TypeError that names the first type, at any depth, for which there is no rule or no leave to
-/// cast; Invalid where types are nested too deeply.
+/// Checks a type at every depth. TypeError names the first type that has no rule or may not be
+/// cast. Invalid if types nest too deeply or an inner type is a null pointer.
 ::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, Leave leave);
 
 }  // namespace numera::extras::intake

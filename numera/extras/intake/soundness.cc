@@ -15,7 +15,7 @@ namespace {
 
 using ::arrow::Status;
 
-/// A map takes two levels of arrays, and an extension or a dictionary may stand around each.
+/// A map takes two levels of arrays, and each may be wrapped in an extension or a dictionary.
 constexpr int kMaxLevels = 4 * io::arrow::core::kMaxNestingLevels;
 
 Status check_buffer(const std::shared_ptr<::arrow::Buffer>& buffer) {
@@ -32,7 +32,7 @@ Status check_buffer(const std::shared_ptr<::arrow::Buffer>& buffer) {
   return Status::OK();
 }
 
-/// Arrow's validation of these leaves the offset out.
+/// Arrow's validation of fixed-size lists ignores the offset.
 Status check_fixed_size_list(const ::arrow::ArrayData& array) {
   if (array.type->id() != ::arrow::Type::FIXED_SIZE_LIST) return Status::OK();
   if (array.child_data.size() != 1 || array.child_data[0] == nullptr) return Status::OK();
@@ -43,7 +43,7 @@ Status check_fixed_size_list(const ::arrow::ArrayData& array) {
                          array.offset + array.length, " lists.");
 }
 
-/// Arrow's validation of these reads their buffers without asking whether there are any.
+/// Arrow's validation of views reads their buffers without checking that they exist.
 Status check_views(const ::arrow::ArrayData& array) {
   const auto id = array.type->id();
   if (id != ::arrow::Type::STRING_VIEW && id != ::arrow::Type::BINARY_VIEW) return Status::OK();

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// How the arrays of a type are taken in: functions for the table of rules. All results have offset
-/// 0 at every depth.
+/// The functions that take in arrays, for the table of rules. All results have offset 0 at every
+/// depth.
 
 #include <string>
 
@@ -15,14 +15,14 @@ namespace numera::extras::intake {
 DataResult take_null(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 DataResult take_bits(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 DataResult take_fixed_width(Work& work, const std::string& path, const ::arrow::ArrayData& array);
-/// Text and bytes; the values stay where they are, and offsets may begin above 0.
+/// Text and bytes. The values stay in place, so offsets may start above 0.
 template <class Offset>
 DataResult take_text(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 /// Lists and maps.
 template <class Offset>
 DataResult take_list(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 DataResult take_struct(Work& work, const std::string& path, const ::arrow::ArrayData& array);
-/// Dictionaries of other than text are cast to their values.
+/// Dictionaries whose values are not text are cast to their values.
 DataResult take_dictionary(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 /// @}
 
@@ -35,8 +35,8 @@ DataResult cast_decimal(Work& work, const std::string& path, const ::arrow::Arra
 DataResult cast_half_float(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 DataResult cast_view(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 
-/// ISO 8601 durations with a sign of its own for every part, none converted into another: "P14M",
-/// "P-3DT0.005S", "P1M2DT-0.000000003S", "P0D".
+/// ISO 8601 durations: "P14M", "P-3DT0.005S", "P1M2DT-0.000000003S", "P0D". Every part has its own
+/// sign. No part is converted into another.
 DataResult cast_month_interval(Work& work, const std::string& path,
                                const ::arrow::ArrayData& array);
 DataResult cast_day_time_interval(Work& work, const std::string& path,
@@ -44,10 +44,10 @@ DataResult cast_day_time_interval(Work& work, const std::string& path,
 DataResult cast_month_day_nano_interval(Work& work, const std::string& path,
                                         const ::arrow::ArrayData& array);
 
-/// The elements stay as they are where the views follow one another without gap or overlap.
+/// The elements are not rearranged if the views follow one another without gap or overlap.
 template <class Offset>
 DataResult cast_list_view(Work& work, const std::string& path, const ::arrow::ArrayData& array);
-/// Only offsets are made: null slots keep their elements.
+/// Only offsets are created. Null slots keep their elements.
 DataResult cast_fixed_size_list(Work& work, const std::string& path,
                                 const ::arrow::ArrayData& array);
 DataResult cast_run_end_encoded(Work& work, const std::string& path,

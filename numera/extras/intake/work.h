@@ -25,32 +25,33 @@ using DataResult = ::arrow::Result<Data>;
 
 struct TakenDictionary {
   Data values;
-  /// The new code of every value that there was, -1 for a null; empty where codes stay.
+  /// The new code per old value, -1 for a null. Empty if the codes do not change.
   std::vector<std::int64_t> codes;
-  std::vector<IntakeCast> casts;  ///< with paths from the dictionary on
+  std::vector<IntakeCast> casts;  ///< their paths start at the dictionary
 };
 
 struct Work {
   ::arrow::MemoryPool* pool = ::arrow::default_memory_pool();
   bool cast = false;
   bool views = false;
-  /// What 32-bit offsets can reach; smaller in tests.
+  /// The largest 32-bit offset; smaller in tests.
   std::int64_t narrow_limit = std::numeric_limits<std::int32_t>::max();
-  /// Casts give 64-bit offsets: 32 bits were not enough for a chunk of the column.
+  /// Casts give 64-bit offsets, because 32 bits were not enough for a chunk of the column.
   bool wide = false;
-  /// Set where a cast failed that would go through with `wide`.
+  /// Set if a cast failed that would succeed with `wide`.
   bool needs_wide = false;
-  /// Casts of the first chunk; those of the others are the same.
+  /// Whether `note` records casts. Only for the first chunk: the other chunks have the same casts.
   bool records = true;
   std::vector<IntakeCast> casts;
-  /// Dictionaries taken in so far, by the input: chunks that share one still do afterwards.
+  /// Dictionaries taken in so far, by input dictionary. Chunks that share one also share the
+  /// result.
   std::unordered_map<const ::arrow::ArrayData*, TakenDictionary> dictionaries;
 
   void note(const std::string& path, std::shared_ptr<::arrow::DataType> from,
             std::shared_ptr<::arrow::DataType> to) {
     if (records) casts.push_back({path, std::move(from), std::move(to)});
   }
-  /// OK where `count` bytes or elements are within reach of the offsets of a cast.
+  /// OK if the offsets of a cast can address `count` bytes or elements.
   ::arrow::Status check_reach(std::int64_t count) {
     if (wide || count <= narrow_limit) return ::arrow::Status::OK();
     needs_wide = true;
@@ -58,10 +59,10 @@ struct Work {
   }
 };
 
-/// How a rule takes in one array of its types, with a valid offset and length.
+/// Takes in one array of the rule's type, with a valid offset and length.
 using Take = DataResult (*)(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 
-/// Takes in an array that `check_type` and `ValidateFull` found good: by the rule of its type.
+/// Takes in an array by the rule of its type. `check_type` and `ValidateFull` have passed before.
 DataResult take_in_data(Work& work, const std::string& path, const ::arrow::ArrayData& array);
 
 }  // namespace numera::extras::intake

@@ -24,7 +24,7 @@ std::int64_t run_end(const ::arrow::ArrayData& ends, std::int64_t run) {
   }
 }
 
-/// The first run that ends behind element `index`.
+/// The first run that ends after element `index`.
 std::int64_t run_of(const ::arrow::ArrayData& ends, std::int64_t index) {
   std::int64_t low = 0;
   std::int64_t high = ends.length;
