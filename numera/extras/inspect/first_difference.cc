@@ -16,14 +16,14 @@ namespace {
 
 using inspect::Content;
 
-// What differs, and at which element of the value, "(3)", or nowhere in particular.
+// A difference, and the element that it is at: "(3)", or "" for the value as a whole.
 struct Difference {
   std::string element;
   std::string text;
 };
 using Finding = std::optional<Difference>;
 
-// Two containers on the way from the values compared to the slots that are compared now.
+// Two containers on the path from the values compared to the slots that are compared now.
 struct Frame {
   const hxArray* a;
   const hxArray* b;
@@ -40,10 +40,10 @@ std::string element_index(const hxArray* array, size_t element) {
   return "(" + inspect::index_text(hxGetDimensions(array), element) + ")";
 }
 
-// Two texts that differ, from their start or, where that is the same for long, from the difference.
+// Shows two different texts from their start or, if they share a long start, from the difference.
 Difference text_difference(std::string element, std::u16string_view a, std::u16string_view b) {
   constexpr size_t kLongStart = 16;
-  // Even if each code unit at the start is escaped, the difference is shown.
+  // Wide enough to show the difference, even if every code unit before it is escaped.
   constexpr size_t kColumns = 6 * kLongStart + 14;
   const auto at =
       static_cast<size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
@@ -131,7 +131,7 @@ Finding compare_content(const hxArray* a, const hxArray* b) {
   return Difference{"", "the elements of " + inspect::class_text(a) + " cannot be compared"};
 }
 
-// The difference between two values apart from what their slots hold.
+// The difference between two values, ignoring what their slots hold.
 Finding compare_without_slots(const hxArray* a, const hxArray* b, const char* null_text) {
   constexpr size_t kElements = 5;
   constexpr size_t kColumns = 60;
@@ -161,7 +161,7 @@ size_t slots_to_compare(const hxArray* a, const hxArray* b) {
   return has_slots ? inspect::slot_count(a) : 0;
 }
 
-// Path of the slot at which the innermost frame stands.
+// The path to the current slot of the innermost frame.
 std::string path_text(const std::vector<Frame>& frames) {
   std::string path;
   for (const Frame& frame : frames) {

@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// A host value made visible: printed as a tree, and compared with another one.
+/// Prints a host value as a tree, and compares two host values.
 ///
-/// Both read the value through the host interface alone and change nothing: any number of threads
-/// may look at one value at a time, as long as none writes it. Both work without recursion, so that
-/// no depth of nesting exhausts the stack. Indexes count from 0.
+/// Both functions only read, through the host interface alone. Any number of threads may read one
+/// value at the same time, as long as none writes it. Neither function recurses, so deep nesting
+/// cannot exhaust the stack. Indexes count from 0.
 
 #include <cstddef>
 #include <optional>
@@ -16,19 +16,19 @@
 
 namespace numera::extras {
 
-/// How much of a value is printed. What a limit cuts off is marked with "...".
+/// How much of a value is printed. "..." marks what a limit cuts off.
 struct PrintOptions {
-  /// Levels below the value itself. The elements of a struct array take a level of their own.
+  /// Levels below the value itself. The elements of a struct array count as a level.
   size_t max_depth = 20;
-  /// Elements listed of each array, on its line or below it. Fields are always listed.
+  /// Elements listed per array, on its line or below it. Fields are always listed.
   size_t max_elements = 20;
-  /// Columns of a line, a code point taking one. Names and the first element are never left out.
+  /// Columns per line. A code point takes one. Names and the first element are never left out.
   size_t max_width = 100;
-  /// Lines in all.
+  /// Lines in total.
   size_t max_lines = 1000;
 };
 
-/// The value as an indented tree; null gives "<null>". Lines end in a newline, but the last one.
+/// The value as an indented tree; null gives "<null>". Every line but the last ends in a newline.
 ///
 ///     struct 1x1
 ///       ArrowType: char 1x5 "array"
@@ -44,40 +44,44 @@ struct PrintOptions {
 ///         {0}: logical 1x2 [true false]
 ///         {1}: complex single 1x1 [1+2i]
 ///
-/// - Every value opens with its class and its size: "string" for a string array, `object "NAME"`
-///   for every other object, "class NUMBER" for a class that the interface gives no access to,
-///   "complex " or "sparse " or both before the class of such numbers. The elements of a sparse
-///   array are not listed.
-/// - Elements are listed row after row and page after page; rows are set apart by ";" where there
-///   are several rows and several columns. Numbers are the shortest that read back to the same
-///   bits, but for NaN, whose bits are not shown.
-/// - Texts are UTF-8 in quotes; `\"`, `\\`, `\n`, `\t` and, for other control characters and
-///   unpaired surrogates, `\uD83D`. A cut one ends in `"...`. A char array of one row is one text,
-///   any other a list of its rows.
-/// - A field name that is no identifier stands in quotes, its bytes that are no UTF-8 as `\xFF`. A
-///   struct array without elements lists its field names and no values.
+/// - Every value starts with its class and size. The class is "string" for a string array and
+///   `object "NAME"` for every other object. It is "class NUMBER" for a class that the interface
+///   gives no access to. "sparse ", "complex " or both precede the class of sparse or complex
+///   numbers. The elements of a sparse array are not listed.
+/// - Elements are listed row by row and page by page. ";" separates rows if there are several rows
+///   and several columns. A number is the shortest text that reads back to the same bits, except
+///   for NaN, whose bits are not shown.
+/// - Texts are UTF-8 in quotes. Escapes are `\"`, `\\`, `\n`, `\t` and, for other control
+///   characters and unpaired surrogates, `\uD83D`. A text that is cut ends in `"...`. A char array
+///   of one row is one text; any other is a list of its rows.
+/// - A field name that is not an identifier is quoted. If it is not UTF-8, its bytes beyond ASCII
+///   appear as `\xFF`. A struct array without elements lists its field names and no values.
 ///
-/// Throws `std::bad_alloc`. Cost: grows with what is printed and with the number of fields, not
-/// with the number of elements or the length of texts.
+/// Throws `std::bad_alloc`. Cost: grows with the printed text and the number of fields, not with
+/// the number of elements or the length of texts.
 NUMERA_EXPORT std::string print(const hxArray* value, const PrintOptions& options = {});
 
-/// The first difference between two values, or none where they are equal.
+/// The first difference between two values, or none if they are equal.
 ///
-/// Equal values have the same class (complexity, sparseness and name of an object included), the
-/// same size, the same field names in the same order, the same bits in every element (NaN equals
-/// NaN of the same bits, -0 differs from 0), the same code units and the same missing texts; so do
-/// the values in their slots, and the same slots are empty. Objects are compared like structs. A
-/// value equals itself, and two null pointers are equal; apart from that, sparse arrays and classes
-/// that the interface gives no access to count as different, since their elements cannot be read.
+/// Equal values have:
+/// - the same class, including complexity, sparseness and the class name of an object
+/// - the same size, and the same field names in the same order
+/// - the same bits in every element: NaN equals NaN of the same bits, -0 differs from 0
+/// - the same code units and the same missing texts
+/// - the same empty slots, and equal values in all other slots
 ///
-/// The difference is one line that opens with the path of the place, unless that is the value
+/// Objects are compared like structs. A value equals itself, and two null pointers are equal. Apart
+/// from that, sparse arrays and classes that the interface gives no access to count as different,
+/// because their elements cannot be read.
+///
+/// The difference is one line. It starts with the path of the place, unless that is the value
 /// itself: `.Data.Values(3): 1.5 is not 2.5`, `.Columns(2).Data{4}: <empty> is not cell 0x0`,
 /// `.Type: "single" is not "double"`, `.Valid: size 3x1 is not 1x3`. An array with rows and columns
-/// is indexed by both: `(1,0)`; one element alone takes no index. Values are compared in storage
-/// order, each one wholly before the next.
+/// is indexed by both: `(1,0)`. A single element takes no index. Values are compared in storage
+/// order, each one completely before the next.
 ///
-/// Throws `std::bad_alloc`. Cost: linear in the size of the values up to the difference; blocks are
-/// compared at the speed of memory, and those that both values share not at all.
+/// Throws `std::bad_alloc`. Cost: linear in the size of the values up to the difference. Blocks are
+/// compared at memory speed; blocks that both values share are not compared.
 NUMERA_EXPORT std::optional<std::string> first_difference(const hxArray* a, const hxArray* b);
 
 }  // namespace numera::extras

@@ -21,8 +21,8 @@ std::string to_text(T value) {
   if constexpr (std::is_floating_point_v<T>) {
     if (std::isnan(value)) return "NaN";
     if (std::isinf(value)) return value < 0 ? "-Inf" : "Inf";
-    // The shortest text of 100000 is 1e+05. Whole numbers keep their digits as long as all digits
-    // are their own.
+    // The shortest text of 100000 is 1e+05. Whole numbers are written in full while every digit is
+    // significant.
     constexpr T kManyDigits = std::is_same_v<T, float> ? static_cast<T>(1e7) : static_cast<T>(1e15);
     const bool whole = std::trunc(value) == value && std::abs(value) < kManyDigits;
     end = whole ? std::to_chars(begin, begin + text.size(), value, std::chars_format::fixed)
@@ -33,7 +33,7 @@ std::string to_text(T value) {
   return {begin, end.ptr};
 }
 
-// One part of an element: parts are counted through the whole block.
+// One part (real or imaginary) of an element. `part` counts from the start of the block.
 std::string part_text(hxClassID class_id, const std::uint8_t* block, size_t part) {
   const auto text = [&]<class T>(const format::NumberClass<T>&) {
     T value;

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The texts of numbers and truth values. The arrays hold numbers (`Content::kNumbers`), and the
-/// element exists.
+/// The texts of numbers and truth values. The arrays must hold numbers (`Content::kNumbers`), and
+/// the element must exist.
 
 #include <cstddef>
 #include <string>
@@ -11,13 +11,13 @@
 
 namespace numera::extras::inspect {
 
-/// Bytes from one element to the next. The parts of a complex element lie side by side.
+/// Bytes per element. The two parts of a complex element are adjacent.
 size_t number_size(const hxArray* array);
 
 /// The shortest text that reads back to the same value: "-0", "2.5", "NaN", "1+2i", "true".
 std::string number_text(const hxArray* array, size_t element);
 
-/// The bits in hexadecimal, "3FF8000000000000"; a complex element gives those of both parts.
+/// The bits in hexadecimal: "3FF8000000000000". A complex element gives the bits of both parts.
 std::string bits_text(const hxArray* array, size_t element);
 
 }  // namespace numera::extras::inspect

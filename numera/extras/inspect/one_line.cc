@@ -23,8 +23,8 @@ struct Limits {
 
 size_t less(size_t columns, size_t taken) { return columns > taken ? columns - taken : 0; }
 
-// "[a b; c ... 7 more]". `item(position, columns)` gives the text at a position; where it can be
-// cut, it takes no more than `columns`. `separator(position)` stands before it.
+// "[a b; c ... 7 more]". `item(position, columns)` gives the text at a position, cut to `columns`
+// if it can be cut. `separator(position)` precedes it.
 template <class Item, class Separator>
 std::string list_text(size_t count, const Limits& limits, Item item, Separator separator) {
   const auto rest = [count](size_t listed) {
@@ -32,7 +32,7 @@ std::string list_text(size_t count, const Limits& limits, Item item, Separator s
   };
   std::string list = "[";
   size_t used = 1;
-  size_t kept_size = list.size();  // as much of the list as leaves room for its end
+  size_t kept_size = list.size();  // the largest size at which the end of the list still fits
   size_t kept = 0;
   for (size_t i = 0; i < std::min(count, limits.max_elements); ++i) {
     const std::string end = (i + 1 < count ? " " : "") + rest(i + 1);
@@ -53,12 +53,12 @@ std::string list_text(size_t count, const Limits& limits, Item item, Separator s
   return list + rest(kept);
 }
 
-// The code units of one row of a char array, as many as may be shown in `columns`.
+// The code units of one row of a char array, as many as `max_columns` may need.
 std::u16string row_units(std::u16string_view units, std::span<const size_t> dims, size_t row,
                          size_t max_columns) {
   const size_t height = dims[0];
   const size_t page = height * dims[1];
-  // A column shows at most the two units of a pair. One unit more tells that the text is cut.
+  // A column shows at most two units, a surrogate pair. One more unit tells that the text is cut.
   const size_t shown = max_columns < dims[1] / 2 ? 2 * max_columns + 1 : dims[1];
   std::u16string text;
   for (size_t column = 0; column < shown; ++column) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A value on one line: class, size and, where they are no values themselves, its first elements.
+/// A value on one line: class, size and its first elements, unless these are values themselves.
 
 #include <cstddef>
 #include <string>
@@ -10,8 +10,9 @@
 
 namespace numera::extras::inspect {
 
-/// `double 3x1 [1 2.5 NaN]`, `cell 2x1`; null gives `null_text`. Lists at most `max_elements`, and
-/// no more than fit into `max_columns`, but as much as a text of twelve columns in any case.
+/// `double 3x1 [1 2.5 NaN]`, `cell 2x1`; null gives `null_text`. Lists at most `max_elements`
+/// elements, and no more than fit into `max_columns`. A text, or the first element of a list,
+/// always gets at least twelve columns.
 std::string one_line(const hxArray* array, const char* null_text, size_t max_elements,
                      size_t max_columns);
 

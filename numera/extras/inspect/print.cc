@@ -13,7 +13,7 @@ namespace {
 
 using inspect::Content;
 
-// A line that waits to be written; what stands below it follows from it.
+// A line still to be written. The lines below it are derived from it.
 struct Line {
   enum class Kind : std::uint8_t {
     kValue,    // the label, then the value on one line, or <null> or <empty>
@@ -27,8 +27,8 @@ struct Line {
   size_t element = 0;
 };
 
-// The lines still to be written are a stack, the next one on top. Those below a line are pushed in
-// the order in which they are written and then turned round.
+// The lines still to be written form a stack, the next one on top. The lines below a line are
+// pushed in print order and then reversed.
 class Tree {
  public:
   explicit Tree(const PrintOptions& options) : options_(options) {}
@@ -83,7 +83,7 @@ class Tree {
     }
   }
 
-  // The fields of one element, or their names where there is no element.
+  // The fields of one element, or their names if there is no element.
   void push_fields(const Line& line) {
     const bool none = hxIsEmpty(line.value);
     const size_t fields = inspect::field_count(line.value);

@@ -10,7 +10,7 @@
 
 namespace numera::extras::inspect {
 
-/// An array cut into rows, which are listed one after another, page after page.
+/// Lists an array row by row and page by page.
 class Rows {
  public:
   explicit Rows(std::span<const size_t> dims)
@@ -23,7 +23,7 @@ class Rows {
     return position - in_page + in_page / width_ + in_page % width_ * height_;
   }
 
-  /// Whether a mark sets the element at `position` apart from the one before.
+  /// Whether a row separator stands before the element at `position`.
   bool starts_row(size_t position) const { return separated_ && position % width_ == 0; }
 
  private:

@@ -12,7 +12,7 @@ bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF;
 bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 bool is_control(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// Code units that the character at the start of a text takes.
+// Code units of the first character of a text.
 size_t character_length(std::u16string_view text) {
   const bool pair = text.size() > 1 && is_high_surrogate(text[0]) && is_low_surrogate(text[1]);
   return pair ? 2 : 1;
@@ -23,7 +23,7 @@ void append_hexadecimal(std::string& out, unsigned value, int digits) {
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += kDigits[(value >> shift) & 0xF];
 }
 
-// Appends one character as it stands between quotes.
+// Appends one character, escaped for use between quotes.
 void append_character(std::string& out, std::u16string_view character) {
   const char16_t unit = character[0];
   const bool lone_surrogate =
@@ -57,7 +57,7 @@ std::string quote(std::u16string_view text, size_t max_columns) {
   constexpr std::string_view kCut = "\"...";
   std::string out = "\"";
   size_t used = 1;
-  size_t cut = 1;  // how much of `out` leaves room to be cut there
+  size_t cut = 1;  // the largest size of `out` at which `kCut` still fits
   while (!text.empty()) {
     const size_t before = out.size();
     const size_t length = character_length(text);

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// What printing and comparing share: what a value holds, and the texts of its parts. No pointer
-/// is null here.
+/// Shared by printing and comparing: what a value holds, and the texts of its parts. No pointer may
+/// be null.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,11 +14,11 @@
 
 namespace numera::extras::inspect {
 
-/// What can be read out of a value.
+/// What can be read from a value.
 enum class Content : std::uint8_t { kNumbers, kChars, kStrings, kCells, kFields, kNothing };
 
-/// Truth values are numbers. Of sparse arrays nothing can be read: the interface does not say how
-/// their elements lie.
+/// Truth values count as numbers. Nothing can be read from sparse arrays: the interface does not
+/// say how their elements are stored.
 Content content_of(const hxArray* array);
 
 /// "double", "sparse complex single", `object "Point"`, "class 16".
@@ -36,9 +36,9 @@ std::string index_text(std::span<const size_t> dims, size_t element);
 /// The code units of a char array in storage order.
 std::u16string_view code_units(const hxArray* array);
 
-/// The value in a slot, borrowed; null where it is empty. Slots of a struct or an object lie
-/// element by element. Fields are read by their names: null for a second one of a name, since what
-/// the first one holds would be visited twice on every level, and so 2^n times in n of them.
+/// The value in a slot, borrowed; null if the slot is empty. Slots of a struct or an object are
+/// ordered element by element. Fields are read by name. If several fields have the same name, all
+/// but the first give null: otherwise two such fields per level would make 2^n visits in n levels.
 const hxArray* slot_value(const hxArray* container, size_t slot);
 size_t slot_count(const hxArray* container);
 size_t field_count(const hxArray* array);
