@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Failures of a table's columns.
+/// Errors of table columns.
 
 #include <arrow/status.h>
 
@@ -12,7 +12,7 @@
 
 namespace numera::extras {
 
-/// A failure with the name and the 0-based index of the column that it is about.
+/// Adds the name and the 0-based index of the failing column to a status.
 inline ::arrow::Status in_column(const ::arrow::Status& status, const std::string& name,
                                  int index) {
   using io::arrow::core::util::TableErrorCode;

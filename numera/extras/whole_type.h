@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Types that lack another: Arrow makes lists, fields and dictionaries of a null pointer, and reads
-/// through it.
+/// Finds types with a null pointer in place of an inner type. Arrow lets such lists, fields and
+/// dictionaries be created, and dereferences the pointer later.
 
 #include <arrow/extension_type.h>
 #include <arrow/type.h>
@@ -12,7 +12,8 @@
 
 namespace numera::extras {
 
-/// Whether no type directly within this one is a null pointer, and a map has keys and items.
+/// Whether no direct inner type is a null pointer. The entries of a map must be a struct with two
+/// fields.
 inline bool has_inner_types(const ::arrow::DataType& type) {
   using ::arrow::Type;
   if (type.id() == Type::DICTIONARY) {
@@ -31,8 +32,8 @@ inline bool has_inner_types(const ::arrow::DataType& type) {
          std::ranges::all_of(entries.fields(), has_type);
 }
 
-/// Whether no type at any depth is a null pointer, and no more than `levels` types are in one
-/// another.
+/// Whether no type at any depth is a null pointer, and types nest at most `levels` deep, this one
+/// included.
 inline bool is_whole(const ::arrow::DataType& type, int levels) {
   using ::arrow::Type;
   if (levels == 0 || !has_inner_types(type)) return false;

@@ -31,7 +31,8 @@ using core::util::VerifyHxStructContains;
   return core::check_table_column(**array);
 }
 
-/// The same, failures named. Whatever the host throws for want of memory is not the column's fault.
+/// The same, but a failure names the column. `std::bad_alloc` passes through: lack of memory is not
+/// the column's fault.
 ::arrow::Status read_named_column(const hxArray* names, const hxArray* columns, size_t index,
                                   std::string* name, std::shared_ptr<::arrow::Array>* array) {
   try {

@@ -6,7 +6,7 @@
 namespace numera::extras::own {
 namespace {
 
-/// Slices of it hold it as their parent, and with it the host value.
+/// Slices hold this buffer as their parent, and so keep the host value alive.
 class OwnedBuffer final : public ::arrow::Buffer {
  public:
   OwnedBuffer(std::shared_ptr<::arrow::Buffer> borrowed, Owner owner)
@@ -16,7 +16,7 @@ class OwnedBuffer final : public ::arrow::Buffer {
 
  private:
   Owner owner_;
-  // Goes before its owner does. Memory of Arrow's own, such as narrowed offsets, lives through it.
+  // Destroyed before `owner_`. It keeps Arrow's own memory alive, such as narrowed offsets.
   std::shared_ptr<::arrow::Buffer> borrowed_;
 };
 
@@ -28,7 +28,7 @@ std::shared_ptr<::arrow::Buffer> owned(std::shared_ptr<::arrow::Buffer> borrowed
   return std::make_shared<OwnedBuffer>(std::move(borrowed), owner);
 }
 
-// Put together part by part: Arrow's own copy of an array ends the process where memory ends.
+// Built member by member: Arrow's own copy of an array terminates the process if memory runs out.
 std::shared_ptr<::arrow::ArrayData> owned(const ::arrow::ArrayData& borrowed, const Owner& owner) {
   std::vector<std::shared_ptr<::arrow::Buffer>> buffers;
   buffers.reserve(borrowed.buffers.size());

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Numbered pieces of work on their way from the thread that hands them out to those that do them.
+/// Passes numbered pieces of work from one thread to the threads that do them.
 
 #include <arrow/status.h>
 
@@ -20,28 +20,29 @@ struct Failure {
   std::exception_ptr exception;
 };
 
-/// Pieces 0, 1, 2 and so on, given by one thread and taken by others, in this order. All members
-/// may be called by all threads, but `give` by one.
+/// Pieces 0, 1, 2 and so on. One thread gives them, others take them, in this order. Any thread may
+/// call any member, but only one thread may call `give`.
 class Handout {
  public:
-  /// At most so many pieces wait to be taken; half of them taken, there is room again, so that the
-  /// giving thread is not woken for each.
+  /// At most `most_waiting` pieces wait to be taken. Once there are so many, the giving thread
+  /// waits until half of them have been taken, so that it is not woken for every piece.
   explicit Handout(size_t most_waiting) : most_waiting_(most_waiting) {}
 
-  /// Waits until another piece may be given. False where none is wanted, since one has failed.
+  /// Waits until another piece may be given. False if none is wanted because a piece has failed.
   bool wait_for_room();
   /// Gives the next piece.
   void give();
-  /// No more will come.
+  /// Says that no more pieces will come.
   void close() noexcept;
 
-  /// Waits for the next piece. None where no more will come, or where one of a lower number has
-  /// failed: only what comes before a failure can still change the outcome.
+  /// Waits for the next piece. None if no more will come, or if a piece with a lower number has
+  /// failed: only pieces before a failure can still change the outcome.
   std::optional<size_t> take();
-  /// Notes that a piece has failed. Of several the lowest counts.
+  /// Records that a piece has failed. The failure with the lowest number counts.
   void fail(size_t piece, Failure failure);
 
-  /// The failure of the lowest piece: its status, or its exception thrown. OK where there is none.
+  /// Returns the status, or throws the exception, of the failed piece with the lowest number. OK if
+  /// none failed.
   ::arrow::Status outcome();
 
  private:

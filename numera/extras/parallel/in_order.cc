@@ -15,7 +15,7 @@ namespace {
 using Before = std::function<void(size_t)>;
 using Work = std::function<::arrow::Status(size_t)>;
 
-/// Does what is handed out until there is no more. Nothing is thrown out of a thread.
+/// Takes and does pieces until there are no more. No exception leaves the thread.
 void work_off(Handout& handout, const Work& work) noexcept {
   while (const auto piece = handout.take()) {
     try {
@@ -27,7 +27,7 @@ void work_off(Handout& handout, const Work& work) noexcept {
   }
 }
 
-/// Threads that take from a handout. They end when it is closed, at the latest with this object.
+/// Threads that take from a handout. They end when it is closed; the destructor closes it.
 class Workers {
  public:
   Workers(size_t count, Handout& handout, const Work& work) : handout_(handout) {
@@ -36,7 +36,7 @@ class Workers {
       while (threads_.size() < count) {
         threads_.emplace_back([&handout, &work] { work_off(handout, work); });
       }
-    } catch (const std::system_error&) {  // the system gives no more: go on with those there are
+    } catch (const std::system_error&) {  // no more threads available: continue with those that run
     } catch (...) {
       join();
       throw;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Independent pieces of work on several threads, with the outcome of a loop over them.
+/// Runs independent pieces of work on several threads, with the outcome of a loop over them.
 
 #include <arrow/status.h>
 
@@ -10,12 +10,12 @@
 
 namespace numera::extras::parallel {
 
-/// `for (i = 0; i < count; ++i) { before(i); work(i); }`, where up to `threads` other threads do
-/// the work and the calling thread does what comes before, for at most `ahead` pieces that no
-/// thread has taken yet. Work may begin before that of a lower index has ended. A failure, by
-/// status or by exception, ends the loop; the one of the lowest index comes out, when every thread
-/// has ended. With one thread, one piece, or no thread from the system, the calling thread does
-/// all.
+/// `for (i = 0; i < count; ++i) { before(i); work(i); }` on several threads. Up to `threads` other
+/// threads call `work`. The calling thread calls `before`, for at most `ahead` pieces that no
+/// thread has taken yet. `work(i)` may begin before the work of a lower index has ended. A failure,
+/// by status or by exception, ends the loop. The failure of the lowest index comes out, after every
+/// thread has ended. With one thread, one piece, or no thread from the system, the calling thread
+/// does everything.
 ::arrow::Status in_order(size_t count, size_t threads, size_t ahead,
                          const std::function<void(size_t)>& before,
                          const std::function<::arrow::Status(size_t)>& work);

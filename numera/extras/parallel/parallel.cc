@@ -12,8 +12,9 @@
 namespace numera::extras {
 namespace {
 
-/// Columns that wait for a thread. With one for each, no thread waits for the next; where columns
-/// are so short that waking a thread takes longer than a column, it is woken for many of them.
+/// How many columns may wait for a thread: at least one per thread, so that no thread waits for its
+/// next column. More if columns are short: waking a thread can take longer than converting a
+/// column, so each wake-up must cover many columns.
 size_t columns_ahead(const ::arrow::Table& table, size_t threads) {
   constexpr std::int64_t kRowsAhead = 65536;
   const std::int64_t rows = std::max<std::int64_t>(table.num_rows(), 1);
