@@ -12,8 +12,8 @@
 
 namespace numera::extras {
 
-/// Whether no direct inner type is a null pointer. The entries of a map must be a struct with two
-/// fields.
+/// Whether no direct inner type is a null pointer. For a map, the entries must also be a struct
+/// with two fields.
 inline bool has_inner_types(const ::arrow::DataType& type) {
   using ::arrow::Type;
   if (type.id() == Type::DICTIONARY) {

@@ -84,8 +84,7 @@ Shown elements_of_fixed_size(const ::arrow::ArrayData& lists, const ::arrow::Dat
   return elements_of(lists, slots, [size](std::int64_t i) { return ElementRange(i * size, size); });
 }
 
-/// The shown elements of a list's only child; all of them if a buffer of offsets or sizes is
-/// missing.
+/// The shown elements of a list's only child; all of them if offsets or sizes are missing.
 Shown shown_elements(const ::arrow::ArrayData& lists, const ::arrow::DataType& type,
                      const Shown& slots) {
   for (size_t i = 1; i < lists.buffers.size(); ++i) {

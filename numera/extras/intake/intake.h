@@ -100,7 +100,7 @@ struct Intake {
 /// per element of:
 /// - a list view or a run-end encoded value
 /// - a dictionary array that is cast, or whose dictionary has nulls
-/// - a list where full validation fails at a value that nulls may hide
+/// - a list that is searched for values hidden by nulls, because full validation failed
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
     const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
 

@@ -63,8 +63,8 @@ Data cut_child(const Data& child, std::int64_t offset, std::int64_t length) {
   return child->Slice(offset, length);
 }
 
-/// Keys from a dictionary or from run-end encoded values can be null. Arrow ends the process if a
-/// map is made of null keys.
+/// Keys from a dictionary or from run-end encoded values can be null. Arrow terminates the process
+/// if a map is made with null keys.
 ::arrow::Status check_keys(const ::arrow::ArrayData& entries) {
   const std::int64_t nulls = entries.GetNullCount() + entries.child_data[0]->GetNullCount();
   if (nulls == 0) return ::arrow::Status::OK();

@@ -70,8 +70,7 @@ BufferResult make_offsets(Work& work, bool large, std::int64_t length, SizeOf si
   }
 }
 
-/// A list array with the validity of `slots`. Its field is that of `slots`, with the type of
-/// `elements`.
+/// A list array with the validity and the field of `slots`. The field gets the type of `elements`.
 Data make_list(Work& work, bool large, const ::arrow::ArrayData& slots,
                std::shared_ptr<::arrow::Buffer> offsets, Data elements) {
   const auto field = slots.type->field(0)->WithType(elements->type);

@@ -1,8 +1,7 @@
 #pragma once
 
 /// \file
-/// The functions that take in arrays, for the table of rules. All results have offset 0 at every
-/// depth.
+/// Functions that take in arrays, for the table of rules. All results have offset 0 at all depths.
 
 #include <string>
 

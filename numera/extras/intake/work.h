@@ -43,8 +43,7 @@ struct Work {
   /// Whether `note` records casts. Only for the first chunk: the other chunks have the same casts.
   bool records = true;
   std::vector<IntakeCast> casts;
-  /// Dictionaries taken in so far, by input dictionary. Chunks that share one also share the
-  /// result.
+  /// Dictionaries taken in so far, by input dictionary. Chunks that share one share its result.
   std::unordered_map<const ::arrow::ArrayData*, TakenDictionary> dictionaries;
 
   void note(const std::string& path, std::shared_ptr<::arrow::DataType> from,

@@ -16,7 +16,7 @@ class OwnedBuffer final : public ::arrow::Buffer {
 
  private:
   Owner owner_;
-  // Destroyed before `owner_`. It keeps Arrow's own memory alive, such as narrowed offsets.
+  // Destroyed before `owner_`. Also keeps Arrow's own memory alive, such as narrowed offsets.
   std::shared_ptr<::arrow::Buffer> borrowed_;
 };
 

@@ -15,7 +15,7 @@ namespace {
 using Before = std::function<void(size_t)>;
 using Work = std::function<::arrow::Status(size_t)>;
 
-/// Takes and does pieces until there are no more. No exception leaves the thread.
+/// Takes pieces and does them until there are none left. No exception leaves the thread.
 void work_off(Handout& handout, const Work& work) noexcept {
   while (const auto piece = handout.take()) {
     try {
