@@ -10,9 +10,10 @@
 namespace numera::tools {
 namespace {
 
-/// The messages of a stream. One that was cut between two of them looks like one that was closed
-/// without the marker of its end, which every writer of files puts there. What stands before the
-/// cut may look like the marker: only a reader that advances has met one.
+/// Reads the messages of a stream and refuses a stream without an end marker. Every writer of files
+/// writes that marker. A file that was cut between two messages lacks it, but Arrow reads it as
+/// complete. The bytes before the cut may look like the marker. So the marker counts as read only
+/// if the reader advanced past it.
 class MarkedMessages : public ::arrow::ipc::MessageReader {
  public:
   explicit MarkedMessages(File file)
@@ -48,7 +49,7 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
 }
 
 ::arrow::Result<bool> is_old_ipc_stream(const File& file) {
-  constexpr std::int64_t kLongest = 1 << 24;  // below, the length has a NUL, as no text does
+  constexpr std::int64_t kLongest = 1 << 24;  // a smaller length has a NUL byte, which no text has
   std::int32_t length = 0;
   ARROW_ASSIGN_OR_RAISE(const std::int64_t read, file->ReadAt(0, sizeof length, &length));
   length = ::arrow::bit_util::FromLittleEndian(length);

@@ -19,7 +19,7 @@ using ::arrow::Array;
 using ::arrow::Type;
 using Row = std::optional<std::int64_t>;
 
-/// The first row that is null on one side only, or whose values `same(i)` tells apart.
+/// The first row that is null on one side only, or for which `same(i)` is false.
 template <class Same>
 Row first_row(const Array& went, const Array& came, const Same& same) {
   for (std::int64_t i = 0; i < went.length(); ++i) {
@@ -33,7 +33,7 @@ bool is_text_or_bytes(Type::type id) {
   return ::arrow::is_base_binary_like(id) || id == Type::FIXED_SIZE_BINARY;
 }
 
-/// Text or bytes of a row, also through a dictionary.
+/// The text or bytes of a row. Looks up the values of a dictionary.
 std::string_view bytes_at(const Array& array, std::int64_t i) {
   switch (array.type_id()) {
     case Type::STRING:
@@ -48,7 +48,7 @@ std::string_view bytes_at(const Array& array, std::int64_t i) {
       const auto& categories = static_cast<const ::arrow::DictionaryArray&>(array);
       return bytes_at(*categories.dictionary(), categories.GetValueIndex(i));
     }
-    default:  // the callers ask for these types only
+    default:  // callers pass no other types
       return {};
   }
 }
@@ -75,7 +75,7 @@ bool same_fields(const ::arrow::StructArray& went, const ::arrow::StructArray& c
   return true;
 }
 
-/// What fields hold where their struct is null does not count.
+/// Ignores the values of the fields in rows where the struct is null.
 Row compare_structs(const Array& went_array, const Array& came_array) {
   const auto& went = static_cast<const ::arrow::StructArray&>(went_array);
   const auto& came = static_cast<const ::arrow::StructArray&>(came_array);
@@ -104,7 +104,7 @@ Row compare_as_they_are(const Array& went, const Array& came) {
   return 0;
 }
 
-/// The counts of durations, without their unit.
+/// The durations as int64 values, without their unit.
 std::shared_ptr<Array> counts_of(const Array& durations) {
   const auto data = durations.data()->Copy();
   data->type = ::arrow::int64();

@@ -31,11 +31,11 @@ class Conversion {
     }
     Progress progress(source_.rows);
     ARROW_ASSIGN_OR_RAISE(auto batch, source_.next());
-    if (batch == nullptr) {  // columns without rows have a way back, too
+    if (batch == nullptr) {  // a file without rows is converted, too
       ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_.schema));
     }
     while (batch != nullptr) {
-      hxThrowIfInterruptPending();  // the columns may all be refused before the host is asked
+      hxThrowIfInterruptPending();  // if all columns are refused, no host call checks for it
       ARROW_RETURN_NOT_OK(add(*batch));
       progress.show(rows_);
       ARROW_ASSIGN_OR_RAISE(batch, source_.next());
@@ -59,7 +59,7 @@ class Conversion {
     print_leg(out, "to Arrow:     ", legs_.to_arrow);
   }
 
-  /// Says what is not well.
+  /// Invalid if a column failed, or if `strict` is set and a column changed its type.
   ::arrow::Status check() const {
     const auto failed = std::ranges::count_if(
         columns_, [](const WayBack& column) { return !column.failure.empty(); });
@@ -70,7 +70,7 @@ class Conversion {
     return options_.strict ? check_types() : ::arrow::Status::OK();
   }
 
-  /// Makes the output appear.
+  /// Puts the output file in place.
   ::arrow::Status finish() { return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish(); }
 
  private:

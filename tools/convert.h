@@ -13,17 +13,17 @@ namespace numera::tools {
 struct ConvertOptions {
   std::string file;
   SourceOptions source;
-  bool cast = false;    ///< cast what has no host form
-  size_t threads = 1;   ///< that convert to the host; 0: one a processor
+  bool cast = false;    ///< cast types that have no host form
+  size_t threads = 1;   ///< threads that convert to the host; 0: one per processor
   bool strict = false;  ///< a change of type is a failure
-  bool show = false;    ///< print the first rows as the host values that they become, too
-  std::string output;   ///< where the way back is written; empty: nowhere
+  bool show = false;    ///< print the first rows as host values, too
+  std::string output;   ///< file for the returned columns; empty: none
 };
 
-/// Takes a file to the host and back, batch by batch, and prints a row a column and what it took,
-/// and the first rows where they are asked for; the output appears behind all that.
-/// Invalid where a column cannot go or return, or returns otherwise than it went; then no output is
-/// written. An interrupt passes through as the host's exception, and leaves no output either.
+/// Converts a file to the host and back, batch by batch. Prints one row per column, then bytes and
+/// seconds per direction, and with `show` the first rows. The output file appears after all
+/// printing. Returns Invalid if a column cannot be converted or returns different; then no output
+/// is written. An interrupt passes through as the host's exception and leaves no output either.
 ::arrow::Status convert(const ConvertOptions& options, std::ostream& out);
 
 }  // namespace numera::tools

@@ -15,7 +15,7 @@ namespace {
 
 using Batch = std::shared_ptr<::arrow::RecordBatch>;
 
-/// A file is read block by block, and a row lies in two of them at most.
+/// The file is read in blocks. A row may span at most two of them.
 constexpr std::int32_t kFirstBlock = 1 << 20;
 constexpr std::int32_t kLargestBlock = 1 << 26;
 constexpr std::int64_t kGrowth = 4;
@@ -25,8 +25,8 @@ bool is_row_too_long(const ::arrow::Status& status) {
          status.message().find("straddles two block boundaries") != std::string::npos;
 }
 
-/// The rows of a file. Where one is longer than a block, the file is read again in larger ones, and
-/// what was given is left out.
+/// The rows of a file. If a row is longer than a block, the file is read again in larger blocks,
+/// and the rows returned before are skipped.
 class CsvRows {
  public:
   CsvRows(File file, int skipped_lines, bool ignore_empty_lines)
@@ -91,7 +91,7 @@ class CsvRows {
         .Value(&reader_);
   }
 
-  /// One that is as long as the file needs no growth.
+  /// Invalid if the block already is as long as the file or as the largest block.
   ::arrow::Status enlarge_block() {
     if (block_ >= std::min<std::int64_t>(kLargestBlock, size_)) {
       return ::arrow::Status::Invalid("a row behind the first ", given_rows_,
@@ -101,11 +101,11 @@ class CsvRows {
     return ::arrow::Status::OK();
   }
 
-  /// Rows are counted off by reading them: Arrow's own skipping counts empty lines, too.
+  /// Rows are skipped by reading them, because Arrow's `skip_rows` also counts empty lines.
   ::arrow::Status read_again() {
     ARROW_RETURN_NOT_OK(enlarge_block());
     ARROW_RETURN_NOT_OK(make_reader());
-    if (!reader_->schema()->Equals(*schema_)) {  // types are kept by name
+    if (!reader_->schema()->Equals(*schema_)) {  // the types are set by column name
       return ::arrow::Status::Invalid(
           "a row behind the first ", given_rows_,
           " is longer than 1 MiB, and columns of one name differ in type");
@@ -122,7 +122,7 @@ class CsvRows {
   std::shared_ptr<::arrow::Schema> schema_;  ///< guessed from the first block
   std::shared_ptr<::arrow::csv::StreamingReader> reader_;
   std::int64_t given_rows_ = 0;
-  std::int64_t known_rows_ = 0;  ///< those of the given rows that come again
+  std::int64_t known_rows_ = 0;  ///< rows given before that the reader has yet to skip
 };
 
 ::arrow::Result<std::shared_ptr<CsvRows>> open_rows(const File& file, int skipped_lines,
@@ -132,7 +132,7 @@ class CsvRows {
   return rows;
 }
 
-/// In a CSV of one column an empty line is a null, but none before the heading.
+/// In a CSV with one column, an empty line is a null. Empty lines before the heading are none.
 ::arrow::Result<int> empty_lines_before_heading(::arrow::io::RandomAccessFile& file) {
   constexpr std::int64_t kMostBytes = 1 << 16;
   ARROW_ASSIGN_OR_RAISE(const auto start, file.ReadAt(0, kMostBytes));

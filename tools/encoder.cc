@@ -18,11 +18,11 @@ namespace {
 using Batch = std::shared_ptr<::arrow::RecordBatch>;
 using Output = std::shared_ptr<::arrow::io::OutputStream>;
 
-/// A row group is gathered before it is written, column by column: encoders of all columns at once
-/// would need several times as much. Small ones are not worth it, since the footer of the file
-/// grows with their number and is held to the end.
+/// A row group is collected first and then written column by column. Encoders for all columns at
+/// once would need several times as much memory. Groups are not smaller, because the footer grows
+/// with their number and stays in memory to the end.
 constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
-constexpr std::int64_t kGroupRows = 262144;  // few bytes of categories may stand for many
+constexpr std::int64_t kGroupRows = 262144;  // few bytes of dictionary indices may stand for many
 
 class ParquetWriter {
  public:
@@ -92,7 +92,7 @@ class IpcWriter {
   ::arrow::Status close() { return writer_->Close(); }
 
  private:
-  /// `column` with its dictionaries, at any depth, led over to those of `last` and what is new.
+  /// `column` with each dictionary, at any depth, replaced by that of `last` plus the new values.
   static ::arrow::Result<std::shared_ptr<::arrow::Array>> extend(
       const std::shared_ptr<::arrow::Array>& last, const std::shared_ptr<::arrow::Array>& column) {
     const auto both =
@@ -103,7 +103,7 @@ class IpcWriter {
 
   Output output_;
   std::shared_ptr<::arrow::ipc::RecordBatchWriter> writer_;
-  ::arrow::ArrayVector dictionaries_;  ///< columns without rows: the dictionaries written so far
+  ::arrow::ArrayVector dictionaries_;  ///< empty columns with the dictionaries written so far
 };
 
 template <class Writer>

@@ -11,18 +11,18 @@
 
 namespace numera::tools {
 
-/// What writes batches of one schema in one format. Parquet gathers a row group of some
-/// 16 MiB; an Arrow IPC file keeps the dictionaries.
+/// Writes batches of one schema in one format. Parquet collects a row group of about 16 MiB in
+/// memory; Arrow IPC keeps the dictionaries in memory.
 struct Encoder {
   std::function<::arrow::Status(const std::shared_ptr<::arrow::RecordBatch>&)> write;
-  /// Writes what stands behind the last batch. There has been one.
+  /// Writes the end of the file. At least one batch was written before.
   std::function<::arrow::Status()> close;
 };
 
 using MakeEncoder = Encoder (*)(std::shared_ptr<::arrow::io::OutputStream>);
 
-/// The format that the end of a file's name stands for: Parquet for ".parquet"; an Arrow IPC
-/// file, a record batch a batch, for ".arrow", ".feather" and ".ipc". Invalid for any other.
+/// The format for the end of a file name. ".parquet" is Parquet. ".arrow", ".feather" and ".ipc"
+/// are an Arrow IPC file with one record batch per batch. Invalid for any other.
 ::arrow::Result<MakeEncoder> find_encoder(std::string_view path);
 
 }  // namespace numera::tools

@@ -18,10 +18,10 @@ namespace {
 
 namespace core = numera::io::arrow::core;
 
-/// Room for every row asked for, but not for a text of megabytes.
+/// Enough for every row asked for, but not for a text of megabytes.
 constexpr size_t kWidestLine = 100'000;
 
-/// "Type" of a column of this type; "-" where the type is refused.
+/// "Type" of an encoded column of this type; "-" if the type is refused.
 std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   const auto nothing = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{}, type);
   const auto encoded = core::to_numera(nothing);

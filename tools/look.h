@@ -10,16 +10,16 @@
 
 namespace numera::tools {
 
-/// Prints a row a column: name, Arrow type, encoded type name, host class, rows, chunks, nulls.
+/// Prints one row per column: name, Arrow type, encoded type name, host class, rows, chunks, nulls.
 ::arrow::Status print_types(const std::string& file, const SourceOptions& options,
                             std::ostream& out);
 
 struct ShowOptions {
   std::int64_t rows = 10;
-  bool cast = false;  ///< cast what has no host form
+  bool cast = false;  ///< cast types that have no host form
 };
 
-/// Prints the first rows of a file as the encoded host table that they become.
+/// Prints the first rows of a file as an encoded host table.
 ::arrow::Status print_values(const std::string& file, const SourceOptions& options,
                              const ShowOptions& show, std::ostream& out);
 

@@ -24,7 +24,7 @@ using namespace numera::tools;
 
 enum Exit { kSuccess = 0, kFailure = 1, kUsage = 2, kSignal = 128 };
 
-/// The signal that asked for an end.
+/// The signal that asked the program to stop.
 volatile std::sig_atomic_t end_signal = 0;
 
 struct Arguments {
@@ -92,8 +92,8 @@ int report(const std::string& file, const std::string& reason) {
   return kFailure;
 }
 
-/// The detail of an error of the system is its reason; that of a table names the column, which the
-/// message does, too.
+/// The message, followed by the detail of a system error, which is its reason. The detail of a
+/// table error only names the column, which the message does, too.
 std::string reason_of(const arrow::Status& status) {
   using numera::io::arrow::core::util::TableErrorStatusDetail;
   const auto& detail = status.detail();
@@ -122,13 +122,13 @@ int run_and_report(const Commands& commands, const Arguments& arguments) {
   }
 }
 
-/// Says what is wrong with the arguments, which may hold anything.
+/// Prints what is wrong with the arguments. They may hold any bytes.
 int report_usage(const CLI::App& program, const CLI::ParseError& error) {
   std::stringstream text;
   const std::vector<std::string> unknown = program.remaining();
   if (unknown.empty()) {
     program.exit(error, text, text);
-  } else {  // otherwise only the lack of a command would be told
+  } else {  // else the message only says that a command is missing
     program.exit(CLI::ExtrasError(program.get_name(), unknown), text, text);
   }
   for (std::string line; std::getline(text, line);) {
@@ -137,20 +137,20 @@ int report_usage(const CLI::App& program, const CLI::ParseError& error) {
   return kUsage;
 }
 
-/// A file that is opened never takes the place of a standard stream that the program was started
-/// without: what goes there would go into the file.
+/// Opens each standard stream that the program was started without. Otherwise a file opened later
+/// would get its descriptor, and output for the stream would go into that file.
 void occupy_standard_streams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) >= 0) continue;
-    // The lowest number that is free, and of no use in its place: what is written is refused.
+    // open() returns the lowest free descriptor. The wrong access mode makes each use of it fail.
     const int flags = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
     if (::open("/dev/null", flags) != stream) std::_Exit(kFailure);
   }
 }
 
-/// An end that is asked for comes between two columns, so that nothing half-written stays. What
-/// cannot be written is an error of writing, be it a file that may not grow or a closed pipe. What
-/// the program was started to ignore, as by nohup, it ignores.
+/// The program stops between two columns, so that no half-written file stays. Write errors, such as
+/// a file that may not grow or a closed pipe, are reported as errors and raise no signal. A signal
+/// that was ignored at the start, as under nohup, stays ignored.
 void heed_signals() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const auto before = std::signal(signal, [](int number) {
@@ -166,7 +166,7 @@ void heed_signals() {
 
 int main(int argc, char** argv) {
   occupy_standard_streams();
-  // Arrow's other pools keep what was freed: half as much memory again, where memory is bounded.
+  // Arrow's other memory pools keep freed memory. They would add half to a bounded memory use.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
   CLI::App program("Takes the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",

@@ -11,20 +11,20 @@
 namespace numera::tools {
 namespace {
 
-/// The numbers of the leaves below a field: what Parquet calls its columns.
+/// Adds the numbers of the leaves below a field. Parquet calls these leaves columns.
 void add_leaves(const parquet::arrow::SchemaField& field, std::vector<int>& leaves) {
   if (field.is_leaf()) leaves.push_back(field.column_index);
   for (const auto& child : field.children) add_leaves(child, leaves);
 }
 
-/// A column of the file as Arrow knows it.
+/// A column of the Arrow schema.
 struct Column {
   std::string name;
   std::vector<int> leaves;
 };
 
-/// One row group after another, each batch by batch. A column with another number of rows than the
-/// footer says is refused, since Arrow ends the row group with the shortest.
+/// Reads the row groups in order, each batch by batch. Refuses a column whose number of rows
+/// differs from the footer: Arrow would end the row group with the shortest column.
 class RowGroups {
  public:
   RowGroups(std::shared_ptr<parquet::arrow::FileReader> file, std::vector<Column> columns)
@@ -65,7 +65,7 @@ class RowGroups {
     return file_->GetRecordBatchReader({number()}, leaves_).Value(&batches_);
   }
 
-  /// Where nothing repeats, a row has one value; what lies behind the last row would not be read.
+  /// Without repetition, each row has one value. Values after the last row would not be read.
   ::arrow::Status check_values(const Column& column) const {
     for (const int leaf : column.leaves) {
       if (group_->schema()->Column(leaf)->max_repetition_level() > 0) continue;
@@ -75,7 +75,7 @@ class RowGroups {
     return ::arrow::Status::OK();
   }
 
-  /// Reads the columns of the row group by themselves: the first that fails is the reason.
+  /// Reads each column of the row group alone. The first one that fails gives the reason.
   ::arrow::Status explained(const ::arrow::Status& failure) const {
     for (const Column& column : columns_) {
       const auto rows = rows_of(column);
@@ -112,11 +112,11 @@ class RowGroups {
   std::shared_ptr<std::int64_t> opened_ = std::make_shared<std::int64_t>(0);
   std::unique_ptr<parquet::RowGroupMetaData> group_;
   std::unique_ptr<::arrow::RecordBatchReader> batches_;
-  std::int64_t rows_ = 0;  ///< of the row group, so far
+  std::int64_t rows_ = 0;  ///< rows of the row group read so far
 };
 
 ::arrow::Status check_rows_of_groups(const parquet::FileMetaData& footer) {
-  std::uint64_t sum = 0;  // wraps where a footer lies
+  std::uint64_t sum = 0;  // may wrap if the footer is wrong
   for (int i = 0; i < footer.num_row_groups(); ++i) {
     sum += static_cast<std::uint64_t>(footer.RowGroup(i)->num_rows());
   }
@@ -126,7 +126,7 @@ class RowGroups {
                                   footer.num_rows(), " of the footer");
 }
 
-/// Checksums of pages are verified where there are any.
+/// Verifies the checksums of pages that have them.
 ::arrow::Result<std::shared_ptr<parquet::arrow::FileReader>> open_reader(
     const File& file, const SourceOptions& options) {
   parquet::ReaderProperties properties;

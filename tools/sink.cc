@@ -23,7 +23,7 @@ constexpr std::string_view kSuffix = ".part";
   return ::arrow::Status::IOError(std::generic_category().message(errno));
 }
 
-/// The permissions of the file that is replaced, or those of any new one.
+/// The permissions of the file that is replaced, or the default of a new file.
 mode_t mode_for(const std::string& path) {
   struct stat target = {};
   if (::stat(path.c_str(), &target) == 0) return target.st_mode & 0777U;
@@ -32,8 +32,8 @@ mode_t mode_for(const std::string& path) {
   return 0666U & ~mask;
 }
 
-/// Beside the target, under its name with six characters and ".part" behind. Where that is longer
-/// than the system allows, less of the name is in front.
+/// A name beside the target: the target's name, six random characters and ".part". If that is
+/// longer than the system allows, the target's name is cut.
 std::string pattern_of_part(const std::filesystem::path& target) {
   std::string name = target.filename();
   const size_t room = NAME_MAX - kAddedToName.size();
@@ -41,7 +41,7 @@ std::string pattern_of_part(const std::filesystem::path& target) {
   return target.parent_path() / (name + std::string(kAddedToName));
 }
 
-/// Where links lead to, be there a file or not. As many as the system follows.
+/// The file that links lead to, whether it exists or not. Follows 40 links, as the system does.
 std::string behind_links(const std::string& path) {
   std::filesystem::path target = path;
   std::error_code error;
@@ -96,7 +96,7 @@ Sink::~Sink() {
   return ::access(path_.c_str(), W_OK) == 0 ? ::arrow::Status::OK() : last_error();
 }
 
-/// Where it can be renamed, under a name that nobody has.
+/// Creates the file beside the target, so that it can be renamed, under an unused name.
 ::arrow::Status Sink::create_part() {
   std::string name = pattern_of_part(target_);
   const int file = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
@@ -110,7 +110,7 @@ Sink::~Sink() {
   return ::arrow::io::FileOutputStream::Open(file).Value(&output_);
 }
 
-/// What a name leads to is on the disk before the name leads to it.
+/// The data is on disk before the target's name leads to it.
 ::arrow::Status Sink::put_in_place() {
   ARROW_RETURN_NOT_OK(encoder_.close());
   if (::fsync(output_->file_descriptor()) != 0) return last_error();

@@ -12,13 +12,13 @@
 
 namespace numera::tools {
 
-/// A file that appears only when it is complete: it is written beside its target and renamed at the
-/// end. Until then, and after any failure, an existing target stays as it is. A link stays a link:
-/// what it leads to is the target.
+/// A file that appears only when it is complete. It is written beside its target and renamed at the
+/// end. Until then, and after any failure, an existing target stays unchanged. If the target is a
+/// link, the link stays and the file it leads to is replaced.
 class Sink {
  public:
-  /// The end of `path` says which format is written. `input` is the file that is read: writing over
-  /// it is refused. So is what is there and is no regular file, or not writable.
+  /// The end of `path` selects the format. `input` is the file that is read; writing over it is
+  /// refused. So is an existing target that is not a regular file or not writable.
   static ::arrow::Result<std::unique_ptr<Sink>> open(const std::string& path,
                                                      const std::string& input);
 
@@ -28,8 +28,8 @@ class Sink {
 
   /// All batches have the schema of the first.
   ::arrow::Status write(const std::shared_ptr<::arrow::RecordBatch>& batch);
-  /// Makes the file appear, with the permissions of the one that it replaces. There has been a
-  /// batch.
+  /// Puts the file in place, with the permissions of the file it replaces. At least one batch was
+  /// written before.
   ::arrow::Status finish();
 
  private:
@@ -41,8 +41,8 @@ class Sink {
   ::arrow::Status name_target(const ::arrow::Status& status) const;
 
   std::string path_;
-  std::string target_;  ///< the file behind the links that `path_` may be
-  std::string part_;    ///< empty while there is none
+  std::string target_;  ///< `path_` with its links followed
+  std::string part_;    ///< the unfinished file; empty if there is none
   std::shared_ptr<::arrow::io::FileOutputStream> output_;
   Encoder encoder_;
 };

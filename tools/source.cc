@@ -24,15 +24,15 @@ struct Format {
   Open open;
 };
 
-/// An IPC stream opens with the mark of its first message.
+/// An IPC stream starts with the continuation marker of its first message.
 constexpr Format kFormats[] = {
     {"PAR1", open_parquet}, {"ARROW1", open_ipc_file}, {"\xFF\xFF\xFF\xFF", open_ipc_stream}};
 
 constexpr std::int64_t kLookedAt = 65536;
 
-/// Text without NUL. What is looked at may end in the middle of a character.
+/// Whether it is UTF-8 without NUL. Unless `whole` is set, `start` may end within a character.
 bool looks_like_csv(std::string_view start, bool whole) {
-  ::arrow::util::InitializeUTF8();  // until then everything is valid
+  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
   if (start.find('\0') != std::string_view::npos) return false;
   for (size_t cut = 0; cut < 4 && cut <= start.size(); ++cut) {
     const auto text = start.substr(0, start.size() - cut);
@@ -57,7 +57,7 @@ bool looks_like_csv(std::string_view start, bool whole) {
       "it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no CSV");
 }
 
-/// Opening a pipe would wait for its writer.
+/// Checks before the file is opened, because opening a pipe waits for a writer.
 ::arrow::Status check_is_file(const std::string& path) {
   struct stat found = {};
   if (::stat(path.c_str(), &found) != 0)
@@ -84,8 +84,8 @@ struct Version {
   return Version{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
 }
 
-/// Refuses, behind the last batch, what has become another file since `opened`: a CSV that lost
-/// lines is one, too.
+/// After the last batch, refuses a file that changed since `opened`. A CSV that lost lines would
+/// otherwise look complete.
 Source unless_changed(Source source, std::shared_ptr<::arrow::io::ReadableFile> file,
                       const Version& opened) {
   auto pull = std::move(source.next);
@@ -100,7 +100,7 @@ Source unless_changed(Source source, std::shared_ptr<::arrow::io::ReadableFile> 
   return source;
 }
 
-/// Cuts batches that are larger than asked for.
+/// Slices batches of more than `rows` rows.
 Source in_batches_of(Source source, std::int64_t rows) {
   auto pull = std::move(source.next);
   source.next = [pull = std::move(pull), rows,
@@ -125,7 +125,7 @@ Source in_batches_of(Source source, std::int64_t rows) {
   ARROW_ASSIGN_OR_RAISE(const auto file, ::arrow::io::ReadableFile::Open(path));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
   ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
-  ARROW_RETURN_NOT_OK(file->Seek(0));  // what reads from front to end has looked at nothing yet
+  ARROW_RETURN_NOT_OK(file->Seek(0));  // some readers start at the current position
   ARROW_ASSIGN_OR_RAISE(Source source, open(file, options));
   source = unless_changed(std::move(source), file, opened);
   return in_batches_of(std::move(source), options.batch_rows);

@@ -14,23 +14,23 @@
 namespace numera::tools {
 
 struct SourceOptions {
-  std::vector<std::string> columns;  ///< by name, in this order; none: all of the file
-  std::int64_t batch_rows = 65536;   ///< most rows of a batch
+  std::vector<std::string> columns;  ///< names, in this order; empty: all columns
+  std::int64_t batch_rows = 65536;   ///< most rows per batch
 };
 
 /// A file that is read batch by batch, so that memory is bounded whatever its size.
 struct Source {
   std::shared_ptr<::arrow::Schema> schema;
-  /// The next batch, or null behind the last one.
+  /// The next batch, or null after the last one.
   std::function<::arrow::Result<std::shared_ptr<::arrow::RecordBatch>>()> next;
-  /// Rows in all, where the file says so.
+  /// The total number of rows, if the file states it.
   std::optional<std::int64_t> rows;
   /// Row groups, record batches or blocks read so far.
   std::shared_ptr<std::int64_t> chunks;
 };
 
-/// Opens a Parquet, Arrow IPC or CSV file, or an Arrow IPC stream in a file, told apart by content.
-/// A status says in one line why it cannot be read; so does one of `next`.
+/// Opens a Parquet, Arrow IPC or CSV file, or an Arrow IPC stream in a file. The content tells
+/// which. If the file cannot be read, the status says why in one line, here and from `next`.
 ::arrow::Result<Source> open_source(const std::string& path, const SourceOptions& options);
 
 }  // namespace numera::tools

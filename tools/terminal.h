@@ -9,8 +9,8 @@ namespace numera::tools {
 /// Whether results go to a terminal that wants colours (NO_COLOR is not set).
 bool output_has_colour();
 
-/// One line on standard error that says how far a command is; nothing at all unless that is a
-/// terminal. The line is wiped at the end, and by `clear` before other output.
+/// One line on standard error that shows the progress of a command. Prints nothing unless standard
+/// error is a terminal. The destructor wipes the line; call `clear` before other output.
 class Progress {
  public:
   explicit Progress(std::optional<std::int64_t> rows);

@@ -14,13 +14,13 @@ unsigned to_number(char byte) { return static_cast<unsigned char>(byte); }
 
 bool opens_character(char byte) { return (to_number(byte) & 0xC0U) != 0x80U; }
 
-/// Code points of a UTF-8 text: its width on a terminal, near enough for names.
+/// The number of code points: for names, close enough to the width on a terminal.
 size_t width_of(const std::string& text) {
   return static_cast<size_t>(std::ranges::count_if(text, opens_character));
 }
 
-/// The bytes of the first character, where it is one that a terminal shows and does not obey; 0 of
-/// a control character, of C1 too, and of what is no UTF-8.
+/// The length in bytes of the first character if a terminal displays it. 0 for a control character
+/// (C1 included) and for invalid UTF-8.
 size_t length_of_shown(std::string_view text) {
   const unsigned first = to_number(text.front());
   if (first < 0x80U) return first < 0x20U || first == 0x7FU ? 0 : 1;
@@ -55,7 +55,7 @@ void TextTable::print(std::ostream& out, bool colour) const {
 }
 
 std::string one_line(std::string_view text) {
-  ::arrow::util::InitializeUTF8();  // until then everything is valid
+  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
   std::string line;
   while (!text.empty()) {
     const size_t length = length_of_shown(text);

@@ -23,12 +23,12 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-/// The text with "?" for every byte of a control character, which would break a line or command a
-/// terminal, and of what is no UTF-8.
+/// The text with "?" for every byte of a control character or of invalid UTF-8. A control character
+/// could break the line or command the terminal.
 std::string one_line(std::string_view text);
 
-/// A text of one line that keeps its first 400 and its last 200 bytes, whole characters, where it
-/// is longer.
+/// A line of more than 600 bytes, cut to its first 400 and last 200 bytes at whole characters. A
+/// shorter line stays as it is.
 std::string shortened(const std::string& line);
 
 /// 1234567 as "1,234,567".

@@ -20,8 +20,8 @@ namespace {
 namespace core = numera::io::arrow::core;
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// Runs a conversion and adds its time. What the host refuses by an exception, which the library
-/// lets pass, becomes a status like every other refusal.
+/// Runs a conversion and adds its time. The library lets exceptions of the host pass. Here they
+/// become a status, like every other refusal.
 template <class Function>
 auto timed(double& seconds, const Function& convert) -> decltype(convert()) {
   const auto start = std::chrono::steady_clock::now();
@@ -36,7 +36,7 @@ auto timed(double& seconds, const Function& convert) -> decltype(convert()) {
   }
 }
 
-/// A table of the columns that are still on their way.
+/// The columns that no step has refused yet, as a table.
 struct Group {
   std::vector<size_t> columns;
   TablePtr table;
@@ -59,7 +59,7 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
 }
 
 ::arrow::Status convert(const Group& group, size_t threads, std::vector<Trip>& trips, Legs& legs) {
-  double seconds_to_host = 0;  // counted where all of it succeeds
+  double seconds_to_host = 0;  // added only if all steps succeed
   double seconds_to_arrow = 0;
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, timed(seconds_to_host, [&] {
                           return extras::parallel_to_numera(group.table, threads);
@@ -82,7 +82,7 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
   return ::arrow::Status::OK();
 }
 
-/// Why a table of one column is refused. A path in it starts in the column: its user knows no
+/// Why a table of one column is refused. Paths start at the column, because the user knows no
 /// table.
 std::string reason_in_column(const ::arrow::Status& status) {
   constexpr std::string_view kColumn = ".Columns";
@@ -91,7 +91,7 @@ std::string reason_in_column(const ::arrow::Status& status) {
   return reason;
 }
 
-/// Through the intake, as one array.
+/// Passes the column through the intake, as one array.
 void take_in(const std::shared_ptr<::arrow::Array>& column, bool cast, Trip& trip) {
   auto taken = extras::take_in(column, {.cast = cast});
   if (!taken.ok()) {
@@ -115,7 +115,7 @@ std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOp
   }
   Group all = group_of(batch, trips, columns);
   if (convert(all, options.threads, trips, legs).ok()) return trips;
-  // One of them is refused: which one, each tells for itself.
+  // A column was refused. Convert each alone to find out which.
   for (const size_t i : all.columns) {
     const ::arrow::Status status = convert(group_of(batch, trips, {i}), 1, trips, legs);
     if (!status.ok()) trips[i].refusal = reason_in_column(status);

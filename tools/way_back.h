@@ -11,16 +11,16 @@
 
 namespace numera::tools {
 
-/// What is known of a column's way to the host and back after the batches so far.
+/// The result for one column after the batches so far.
 struct WayBack {
   std::string encoded_type = "-";
   std::int64_t nulls = 0;
   std::string casts;  ///< "cast price: decimal128(9, 2) to double, "
   std::shared_ptr<::arrow::DataType> returned;
-  std::string failure;  ///< why it did not return as it went; empty so far
+  std::string failure;  ///< why the column failed; empty if it did not
 
-  /// Adds what became of `input`, behind `rows_before` rows. What came back is compared with what
-  /// went: the input, or what it was cast to.
+  /// Adds the result for `input`, which starts at row `rows_before`. Compares what came back with
+  /// the input, or with what the input was cast to.
   void add(const std::shared_ptr<::arrow::Array>& input, const Trip& trip,
            std::int64_t rows_before);
 
@@ -28,7 +28,7 @@ struct WayBack {
   std::string text(const ::arrow::DataType& went) const;
 };
 
-/// Whether two types are the same but for nullability, metadata and the name of list elements.
+/// Whether two types are equal except for nullability, metadata and the names of list elements.
 bool same_type(const ::arrow::DataType& one, const ::arrow::DataType& other);
 
 }  // namespace numera::tools
