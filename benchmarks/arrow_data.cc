@@ -56,7 +56,7 @@ BufferPtr make_offsets(std::int64_t length, std::int64_t width) {
   return make_values<std::int32_t>(0, length + 1, [=](std::int64_t i) { return i * width; });
 }
 
-/// The text, with the number in decimal in place of its '#' signs.
+/// Texts made from `text`, with the element's number in decimal in place of the '#' signs.
 ArrayPtr numbered(std::shared_ptr<::arrow::DataType> type, std::string_view text,
                   std::int64_t begin, std::int64_t length, Nulls nulls) {
   const auto width = static_cast<std::int64_t>(text.size());

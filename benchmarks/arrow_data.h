@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// The Arrow values that the benchmarks convert. peer_data.py makes the same ones in Python.
+/// The Arrow values that the benchmarks convert. peer_data.py makes the same values in Python.
 ///
-/// Every maker gives the elements `begin` up to `begin + length` of one endless column, so that a
+/// Every function returns the elements `begin` to `begin + length` of one endless column. So a
 /// column can be made chunk by chunk and at any length.
 
 #include <arrow/status.h>
@@ -14,10 +14,11 @@
 
 namespace numera::benchmarks {
 
-/// Ends the run where the data of a row cannot be made.
+/// Aborts the run if the status is an error.
 void require(const ::arrow::Status& status);
 
-/// `Some`: every tenth element. A null lies over the value that would be there without it.
+/// `Some`: every tenth element is null. The values under the nulls stay what they are without
+/// nulls.
 enum class Nulls { None, Some, All };
 
 using MakeArray = ArrayPtr (*)(std::int64_t begin, std::int64_t length, Nulls nulls);
@@ -37,24 +38,24 @@ ArrayPtr mixed_texts(std::int64_t begin, std::int64_t length, Nulls nulls);
 /// 16 bytes, "bytes 0000000042".
 ArrayPtr byte_strings(std::int64_t begin, std::int64_t length, Nulls nulls);
 
-/// int32 codes into the 100 categories "category 0" and so on. Those of an array begin with the
-/// category whose number is the place of its chunk: begin / length.
+/// int32 codes into the 100 categories "category 0" and so on. The categories of an array start
+/// with the number of its chunk: begin / length.
 ArrayPtr categories(std::int64_t begin, std::int64_t length, Nulls nulls);
 
 ArrayPtr lists(std::int64_t begin, std::int64_t length, Nulls nulls);    ///< of 8 doubles each
 ArrayPtr structs(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< of an int64 and a text
 ArrayPtr maps(std::int64_t begin, std::int64_t length, Nulls nulls);  ///< 2 of text to int64 each
 
-/// Elements that are lists of one element each, or structs of one field, down to doubles.
+/// Lists of one element each, or structs of one field, nested `levels` deep, with doubles inside.
 ArrayPtr nested_lists(std::int64_t length, int levels);
 ArrayPtr nested_structs(std::int64_t length, int levels);
 
-/// How a column of a given length differs from the one chunk of values that is measured first.
+/// How a column differs from the base row: one chunk, no nulls, no slice.
 struct Shape {
   std::int64_t length;
   Nulls nulls = Nulls::None;
   std::int64_t chunks = 1;
-  bool sliced = false;  ///< elements 7 and following of a longer array
+  bool sliced = false;  ///< the elements from index 7 of a longer array
 };
 
 ColumnPtr make_column(MakeArray make, const Shape& shape);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The axes along which a row is varied: each alone, from the row that is measured first.
+/// The variants of a row. Each changes one property of the base row.
 
 #include <cstdint>
 #include <string>
@@ -12,17 +12,17 @@
 namespace numera::benchmarks {
 
 struct Variant {
-  std::string suffix;  ///< of the row's name; none for the row that is measured first
+  std::string suffix;  ///< suffix of the row's name; empty for the base row
   Shape shape;
 };
 
-/// With `quick`, a hundredth.
+/// The length; with `quick`, a hundredth of it.
 std::int64_t base_length(std::int64_t length, bool quick);
 
-/// Lengths from 1 to 10,000,000 but the base's own; with `quick`, to 1,000.
+/// Lengths from 1 to 10,000,000 without `base`; with `quick`, up to 1,000.
 std::vector<std::int64_t> lengths_beside(std::int64_t base, bool quick);
 
-/// The base first, then length, nulls, chunks and a slice.
+/// The base row first, then variants of length, nulls, chunks and slice.
 std::vector<Variant> variants(std::int64_t length, bool quick);
 
 }  // namespace numera::benchmarks

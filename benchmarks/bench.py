@@ -22,7 +22,7 @@ PEERS = ("pyarrow", "pandas", "polars", "duckdb", "nanoarrow", "numpy")
 
 
 def run_alone(program, names, folder, quick):
-    """The rows without peers, all in one process; those named are left out."""
+    """The rows without peers, all measured in one process. Leaves out the rows in `names`."""
     file = folder / "ours.json"
     pattern = "(?!(?:" + "|".join(map(re.escape, names)) + ")$).*"
     command = [program, f"--rows={pattern}", f"--json={file}", *(["--quick"] if quick else [])]
@@ -31,9 +31,9 @@ def run_alone(program, names, folder, quick):
 
 
 def peak_over_result(program, entries):
-    """The most host memory held during a conversion, over what its result holds.
+    """The peak of host memory during a conversion, divided by the memory of its result.
 
-    Not of small results: there the ratio says how blocks are rounded up, and no more.
+    Small results are left out, because their ratio only shows how allocations are rounded up.
     """
     peaks = {}
     for entry in entries:
@@ -50,7 +50,7 @@ def is_base(name):
 
 
 def in_order(entries, program):
-    """In the order of the program, whichever part measured them."""
+    """The entries in the order in which the program lists its rows; other entries come last."""
     listed = subprocess.run([program, "--list"], check=True, capture_output=True, text=True)
     places = {name: place for place, name in enumerate(listed.stdout.split())}
     return sorted(entries, key=lambda entry: places.get(entry["name"], len(places)))
@@ -101,7 +101,7 @@ def main():
         for line in summary.wrong_limits(whole):
             print(f"bench: a limit is beaten; {line}")
         if not arguments.no_document:
-            import report  # needs matplotlib, which nothing else does
+            import report  # the only part that needs matplotlib
             report.write(ROOT / "docs", whole, entries)
     found = summary.faults(whole)
     for fault in found:

@@ -1,4 +1,4 @@
-// Texts of the host to UTF-8, and written values to readable ones.
+// Host texts to UTF-8, and written values to readable ones.
 
 #include <array>
 #include <string>
@@ -18,7 +18,7 @@ namespace core = numera::io::arrow::core;
 
 constexpr std::int64_t kMillion = 1'000'000;
 
-/// A written value, and all of its texts in one piece.
+/// A written value, and the code units of all its texts as one string.
 struct Written {
   hxArrayPtr encoded;
   std::u16string units;

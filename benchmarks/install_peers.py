@@ -1,4 +1,4 @@
-"""Installs what requirements.txt pins, each package alone, for the case that not all can be had."""
+"""Installs the packages of requirements.txt one by one, so that a missing one stops no other."""
 
 import pathlib
 import subprocess
@@ -9,7 +9,7 @@ REQUIREMENTS = pathlib.Path(__file__).with_name("requirements.txt")
 
 
 def requirements(text):
-    """Each with the lines of its hashes."""
+    """The requirements, each with the lines of its hashes."""
     blocks = []
     for line in text.splitlines():
         if line.startswith("#"):

@@ -15,7 +15,7 @@
 namespace numera::benchmarks {
 namespace {
 
-/// Every word of the bits moved by as many bits as the place where they go to demands.
+/// Copies the bits word by word, shifted to the bit position of the target.
 void shift_words(const std::uint8_t* source, std::int64_t bits, std::uint8_t* target, int shift) {
   for (std::int64_t at = 8; at < bits / 8 - 8; at += 8) {
     std::uint64_t before;
@@ -34,7 +34,7 @@ void add_bits(Blocks& blocks, const ColumnPtr& column, size_t buffer) {
     const ::arrow::ArrayData& data = *chunk->data();
     if (data.buffers[buffer] == nullptr) continue;
     const std::uint8_t* const bits = data.buffers[buffer]->data() + data.offset / 8;
-    // A single chunk is copied from the first bit of its buffer, whatever its offset, as is stated.
+    // A single chunk is copied without a shift, whatever its offset.
     const std::int64_t shift = column->num_chunks() == 1 ? 0 : (begin - data.offset) & 7;
     if (shift == 0) {
       const auto bytes = static_cast<size_t>((data.length + begin % 8) / 8);
@@ -70,7 +70,7 @@ bool are_below(const ::arrow::ArrayData& codes, std::int64_t count) {
   return signs >= 0;
 }
 
-/// Codes into up to 127 categories, each by way of a map to those of the merged dictionary.
+/// Translates codes into up to 127 categories with a map to the codes of the merged dictionary.
 void transpose(const ::arrow::ArrayData& codes, const std::int32_t* map, std::int64_t count,
                std::uint8_t* target) {
   std::array<std::uint8_t, 127> bytes{};
@@ -90,7 +90,7 @@ std::int64_t bytes_in(const Strings& strings) {
     return strings.total_values_length();
 }
 
-/// A header and the bytes of each element; `places` receives where each is.
+/// Writes a header and the bytes of each element. `places` receives the address of each.
 template <class Strings>
 std::uint8_t** add_slab(Blocks& blocks, const ::arrow::Array& chunk, std::uint8_t** places) {
   constexpr std::int64_t kHeaderBytes = 64;
@@ -113,7 +113,7 @@ ColumnPtr single_chunk(const std::shared_ptr<::arrow::ArrayData>& data) {
 
 Blocks no_values(const ColumnPtr&) { return {}; }
 
-/// The codes of each chunk as they are.
+/// The codes of each chunk, unchanged.
 Blocks unmerged_codes(const ColumnPtr& column) {
   const auto& type = static_cast<const ::arrow::DictionaryType&>(*column->type());
   Blocks blocks;
@@ -148,7 +148,7 @@ void append(Blocks& blocks, Blocks more) {
 
 Blocks leaves_of(const ColumnPtr& column, Limit texts);
 
-/// The offsets of a list or map, if that is what it is, and the leaves of all children.
+/// The offsets of a list or map (a struct has none), and the leaves of all children.
 Blocks nested_leaves(const ::arrow::ArrayData& data, Limit texts) {
   Blocks blocks;
   if (data.buffers.size() > 1) {

@@ -1,4 +1,4 @@
-// Measures the rows whose names match, prints a line each and writes all repetitions as JSON.
+// Measures the rows whose names match. Prints one line per row and writes all repetitions as JSON.
 
 #include <benchmark/benchmark.h>
 
@@ -19,9 +19,9 @@ namespace {
 struct Options {
   bool quick = false;
   bool list = false;
-  std::string rows = ".*";  ///< a regular expression that a name matches whole
+  std::string rows = ".*";  ///< a regular expression for the whole name
   std::string json;         ///< the file to write
-  std::vector<char*> rest;  ///< for the benchmark library
+  std::vector<char*> rest;  ///< arguments for the benchmark library
 };
 
 constexpr const char* kUsage =
@@ -48,12 +48,12 @@ Options read_options(int argc, char** argv) {
   return options;
 }
 
-/// Defaults, which the caller's own arguments override.
+/// Passes defaults to the benchmark library. The caller's own arguments override them.
 bool initialize(Options& options) {
   static char repetitions[] = "--benchmark_repetitions=7";
   static char one_repetition[] = "--benchmark_repetitions=1";
   static char interleaving[] = "--benchmark_enable_random_interleaving=true";
-  // At least one round whose memory is fresh and whose time does not count.
+  // At least one round that is not timed, because its memory is fresh.
   static char warmup[] = "--benchmark_min_warmup_time=0.001";
   static char min_time[] = "--benchmark_min_time=0.02";
   static char short_min_time[] = "--benchmark_min_time=0.0005";

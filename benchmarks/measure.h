@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Runs one row: the product, its limit and a raw copy, in repetitions that are shuffled, so that
-/// whatever else the machine does meets all of them alike.
+/// Runs one row: the product, its limit and a raw copy. The repetitions are shuffled, so that other
+/// work on the machine affects all three alike.
 
 #include <optional>
 #include <string>
@@ -12,8 +12,8 @@
 
 namespace numera::benchmarks {
 
-/// Milliseconds of processor time, system calls and all threads included, or by the clock where the
-/// row says so; one entry a repetition.
+/// One entry per repetition, in milliseconds. Processor time, including system calls and all
+/// threads, or wall-clock time if the row says so.
 using Times = std::vector<double>;
 
 struct Measurement {
@@ -21,14 +21,14 @@ struct Measurement {
   std::int64_t elements;
   std::int64_t bytes;
   Times ours;
-  Times limit;      ///< empty where there is none
-  Times warm_copy;  ///< as many bytes copied between two blocks that are in use already
-  Times freeing;    ///< of results; measured only where asked for
+  Times limit;      ///< empty if the row has no limit
+  Times warm_copy;  ///< copy of as many bytes between two blocks already in use
+  Times freeing;    ///< destruction of results; measured only if asked for
 };
 
 Measurement measure(const Row& row, bool with_freeing);
 
-/// The lower middle one of those there are.
+/// The median; of two middle values the lower one.
 double median(Times times);
 double minimum(const Times& times);
 

@@ -1,6 +1,6 @@
-// The most host memory that each conversion holds at a time, over what its result holds at the end.
+// The peak of host memory during one conversion, and the memory that its result holds at the end.
 //
-// Each row runs in a process of its own, so that no memory kept from one serves the next.
+// Each row runs in its own process, so that no row reuses memory kept from another.
 
 #include <iostream>
 #include <string>

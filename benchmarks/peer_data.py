@@ -1,4 +1,4 @@
-"""The data of the peers: what arrow_data.h makes for the rows of the C++ program, made in Python."""
+"""The data of the peers: the same values as in arrow_data.h, made in Python."""
 
 import numpy as np
 import pyarrow as pa
@@ -7,7 +7,7 @@ import pyarrow.parquet
 
 
 def _bytes_with_numbers(text, begin, count):
-    """`count` times the text, each with its number in decimal in place of its '#' signs."""
+    """`count` copies of the text, each with its number in decimal in place of the '#' signs."""
     template = np.frombuffer(text.encode(), dtype=np.uint8)
     digits = text.count("#")
     rows = np.tile(template, (count, 1))

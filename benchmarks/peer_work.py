@@ -1,7 +1,7 @@
 """What each peer does for a row of the benchmarks.
 
-A `Work` is the nearest that a peer offers to the conversion of the row: Arrow data to values that
-a user can work on without Arrow, or back. It says what it does and what it leaves out.
+A `Work` is a peer's closest equivalent to the conversion of the row: from Arrow data to values that
+a user can use without Arrow, or back. Its note says what it copies and what it leaves out.
 """
 
 import dataclasses
@@ -12,7 +12,7 @@ import pathlib
 import sys
 from typing import Any, Callable
 
-# One thread each; read when the packages are loaded.
+# One thread per package. The packages read these variables when they are loaded.
 os.environ["POLARS_MAX_THREADS"] = "1"
 for variable in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS"):
     os.environ[variable] = "1"
@@ -56,9 +56,9 @@ class Work:
 @dataclasses.dataclass
 class Row:
     name: str
-    peer: str  # the one that the targets name
-    make: Callable[[bool], list[Work]]  # with `quick`, of a hundredth of the elements
-    # Elements, bytes and work of our own where that is done in Python, not by the C++ program.
+    peer: str  # the peer that the performance targets name
+    make: Callable[[bool], list[Work]]  # with `quick`, for a hundredth of the elements
+    # Elements, bytes and our own work, for rows that Python runs instead of the C++ program.
     own: Callable[[bool], tuple[int, int, Work]] | None = None
 
 
@@ -74,7 +74,7 @@ def _count(elements, quick):
 
 
 def _works(column, pyarrow_work, *, pandas_dtype=None, polars_call=None, nanoarrow_work=None):
-    """The usual ways out of each library for one column; those that fail are left out later."""
+    """The usual export of one column from each library. Works that fail are left out later."""
     works = [pyarrow_work]
     if pandas is not None and pandas_dtype is not None:
         series = pandas.Series(pandas.arrays.ArrowExtensionArray(column))
@@ -143,7 +143,7 @@ def _booleans(make):
 
 
 def _plain(make):
-    """Numbers that NumPy has a type for."""
+    """Numbers with a NumPy type."""
     def works(quick):
         array = make(_count(10**7, quick))
         return _works(_chunked(array),
@@ -278,8 +278,8 @@ def _wrap_table(quick):
 
 
 def _gateway(text, elements):
-    """Texts from objects. Python keeps the UTF-8 of a text once it was asked for, so that each
-    measurement gets texts of its own."""
+    """Texts from Python objects. Python caches the UTF-8 of a text, so each measurement gets new
+    texts."""
     def works(quick):
         count = _count(elements, quick)
 

@@ -20,7 +20,7 @@ import python_rows
 from summary import median
 
 TIMES = ("ours", "limit", "warm_copy", "freeing")
-SHORTEST = 0.02  # seconds that the calls of one measurement take together
+SHORTEST = 0.02  # minimum seconds for all calls of one measurement
 
 
 def processor_milliseconds(work, calls, value):
@@ -45,7 +45,7 @@ def measure(work, calls):
 
 
 class Measured:
-    """One peer at one row."""
+    """Measures one peer for one row."""
 
     def __init__(self, work):
         self.work = work
@@ -53,10 +53,10 @@ class Measured:
         self.failure = None
         self.calls = 1
         try:
-            first = measure(work, 1)  # what is loaded on first use is there from now on
+            first = measure(work, 1)  # loads what the peer loads on first use
             if work.fresh is None and first < SHORTEST * 1e3:
                 self.calls = max(1, round(SHORTEST * 1e3 / max(measure(work, 1), 1e-3)))
-        except Exception as error:  # whatever a peer throws, the others go on
+        except Exception as error:  # a failing peer does not stop the others
             self.failure = f"{type(error).__name__}: {error}"
 
     def run(self):
@@ -69,7 +69,7 @@ class Measured:
 
 
 def run_ours(program, name, quick):
-    """The row's entry in the JSON of the C++ program: one figure each, the median of three."""
+    """The row's JSON entry from the C++ program, with a single time for each measurement."""
     with tempfile.TemporaryDirectory() as folder:
         file = pathlib.Path(folder) / "row.json"
         command = [program, f"--rows={re.escape(name)}", f"--json={file}",
@@ -85,7 +85,7 @@ def run_ours(program, name, quick):
 
 
 def own_rounds(row, program, quick):
-    """An entry without times, and a function that adds those of a round to it."""
+    """The entry of a row, and a function that measures one round and returns its times."""
     if row.own is None:
         entry = run_ours(program, row.name, quick)
         return entry, lambda: run_ours(program, row.name, quick)

@@ -1,4 +1,4 @@
-"""The plots of docs/performance.md, as SVG files that differ only where a figure does."""
+"""The plots of docs/performance.md. The SVG files differ only if a figure differs."""
 
 import re
 
@@ -10,7 +10,7 @@ from matplotlib.ticker import FuncFormatter, NullFormatter
 
 import summary
 
-# Okabe and Ito's colours, told apart by colour-blind readers as well.
+# The colours of Okabe and Ito, which colour-blind readers can tell apart, too.
 BLUE, ORANGE, GREEN, RED, SKY, PURPLE, GREY = (
     "#0072B2", "#E69F00", "#009E73", "#D55E00", "#56B4E9", "#CC79A7", "#555555")
 STYLES = [(BLUE, "o"), (ORANGE, "s"), (GREEN, "^"), (RED, "D"), (SKY, "v"), (PURPLE, "P"),
@@ -43,7 +43,7 @@ def rows_on_axis(axes, names):
 
 
 def draw_limits(rows, path):
-    """How many times the least work each conversion takes, a line a row."""
+    """Time of each conversion over its limit, one line per row."""
     figure, axes = plt.subplots(figsize=(8.5, 0.27 * len(rows) + 1.1))
     ratios = [row["ratio_to_limit"] for row in rows]
     most = max(4.0, min(max(ratios), 6.0))
@@ -61,7 +61,7 @@ def draw_limits(rows, path):
 
 
 def draw_peers(entries, path):
-    """How many times our own time each peer takes, a line a row."""
+    """Time of each peer over our own, one line per row."""
     figure, axes = plt.subplots(figsize=(8.5, 0.29 * len(entries) + 1.6))
     for place, entry in enumerate(entries):
         ours = summary.median(entry["ours"])

@@ -1,4 +1,4 @@
-"""Rows of the Python package, for environments that have it: what a call costs from Python."""
+"""Rows that measure calls from Python, for environments that have the package."""
 
 import importlib.util
 
@@ -7,7 +7,7 @@ from peer_work import Row, Work
 
 
 def _row(name, make, theirs):
-    """`theirs` takes the array and gives the work of pyarrow at it."""
+    """`theirs` takes the array and returns the work that pyarrow does on it."""
     def own(quick):
         import numera
         array = make(quick)

@@ -1,4 +1,4 @@
-"""Writes docs/performance.md and its plots from what was measured."""
+"""Writes docs/performance.md and its plots from the measurements."""
 
 import plots
 import summary
@@ -41,7 +41,7 @@ A name says direction, type, and the one thing that differs from the row without
 
 
 def number(value):
-    """Milliseconds, or a ratio, in three or more digits."""
+    """Milliseconds or a ratio, with about three digits."""
     if value is None:
         return ""
     if value >= 100:

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The rows of the benchmarks: each is a conversion, measured beside its limit, which is the least
-/// work that gives the same bytes to the same owner.
+/// The rows of the benchmarks. Each row is a conversion, measured beside its limit: the least work
+/// that gives the same bytes to the same owner.
 
 #include <benchmark/benchmark.h>
 
@@ -21,22 +21,22 @@ namespace numera::benchmarks {
 
 using Measured = std::function<void(benchmark::State&)>;
 
-/// A row whose input has been made. All of its functions share the input.
+/// A row with its input. All functions share the input.
 struct ReadyRow {
   std::int64_t elements;
-  std::int64_t bytes;  ///< of the values that are converted, as they lie in the input
+  std::int64_t bytes;  ///< size of the input values
   Measured product;
-  Measured limit;                               ///< none where there is nothing to compare with
-  std::function<std::shared_ptr<void>()> make;  ///< one result, kept as long as the pointer
+  Measured limit;                               ///< none if there is nothing to compare with
+  std::function<std::shared_ptr<void>()> make;  ///< makes one result; the pointer owns it
 };
 
 struct Row {
   std::string name;
-  bool by_clock = false;  ///< for work of several threads, whose processor time says nothing
+  bool by_clock = false;  ///< wall-clock time; processor time does not fit several threads
   std::function<ReadyRow()> prepare;
 };
 
-/// Makes a result and destroys it, time and again.
+/// Repeatedly makes a result and destroys it.
 template <class Input, class Work>
 Measured repeat(std::shared_ptr<const Input> input, Work work) {
   return [input = std::move(input), work](benchmark::State& state) {
@@ -48,8 +48,8 @@ Measured repeat(std::shared_ptr<const Input> input, Work work) {
   };
 }
 
-/// A row of `product`, given what `make_input` returns, beside `limit`, given the same. Elements of
-/// a table are counted instead.
+/// A row that runs `product` and `limit`, each on what `make_input` returns. For a table, the row
+/// counts the elements of the table instead of `elements`.
 template <class MakeInput, class Product, class Limit = std::nullptr_t>
 Row make_row(std::string name, std::int64_t elements, MakeInput make_input, Product product,
              Limit limit = nullptr) {
@@ -70,7 +70,7 @@ Row make_row(std::string name, std::int64_t elements, MakeInput make_input, Prod
 }
 
 /// \name Rows of one part of the library
-/// With `quick`, of few elements: the names stay.
+/// With `quick`, the rows have few elements and the same names.
 /// @{
 void add_to_host_rows(std::vector<Row>& rows, bool quick);
 void add_table_rows(std::vector<Row>& rows, bool quick);
@@ -82,7 +82,7 @@ void add_gateway_rows(std::vector<Row>& rows, bool quick);
 void add_encode_rows(std::vector<Row>& rows, bool quick);
 /// @}
 
-/// All rows, in the order in which they are shown.
+/// All rows, in display order.
 std::vector<Row> all_rows(bool quick);
 
 }  // namespace numera::benchmarks

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// How many bytes the values of an input take.
+/// The size of the values of an input in bytes.
 
 #include <arrow/array.h>
 #include <arrow/chunked_array.h>
@@ -24,8 +24,7 @@ std::int64_t bytes_of(const TablePtr& table);
 
 std::int64_t elements_of(const TablePtr& table);  ///< of all columns
 
-/// Elements of numbers, truth values and characters, and the code units of string arrays, at every
-/// depth.
+/// The bytes of all numbers, booleans, characters and code units of string arrays, at every depth.
 std::int64_t bytes_of(const hxArrayPtr& value);
 
 }  // namespace numera::benchmarks

@@ -1,4 +1,4 @@
-"""Puts what was measured together: summary.json for comparisons, details.json with all the rest."""
+"""Combines the measurements: summary.json for comparisons, details.json with all times."""
 
 import json
 import math
@@ -20,7 +20,7 @@ TARGET_ROWS = (
     "to_arrow/one_call_1e7", "to_arrow/table_1000_columns", "gateway/text_ascii",
     "gateway/text_mixed")
 
-# A limit is the least work. One that the library beats by more than the noise is a wrong limit.
+# A limit is the least work. If the library beats it by more than the noise, the limit is wrong.
 WRONG_LIMIT_BELOW = 0.95
 
 SMALLEST_AND_LARGEST = (100_000, 10_000_000)
@@ -58,7 +58,7 @@ def summary_row(entry, peaks):
 
 
 def freeing_row(entry):
-    """Freeing a result; what stands for its limit is the making of it, freeing left out."""
+    """The cost of freeing a result. Its limit is the cost of making it, without freeing it."""
     freeing = median(entry["freeing"])
     making = median(entry["ours"]) - freeing
     values = (entry["name"] + "/freeing", entry["elements"], entry["bytes"], rounded(freeing),
@@ -67,7 +67,7 @@ def freeing_row(entry):
 
 
 def slope(small, large):
-    """Of log cost over log size, between two pairs of size and cost."""
+    """The slope of log cost over log size, between two pairs of size and cost."""
     return round(math.log(large[1] / small[1]) / math.log(large[0] / small[0]), 3)
 
 
@@ -81,7 +81,7 @@ def column_counts(times, direction):
 
 
 def family_lengths(entries, key="ours"):
-    """The cost by length of every family that was measured at several lengths."""
+    """The cost per length, for every family that was measured at several lengths."""
     base_lengths = {entry["name"]: entry["elements"] for entry in entries}
     lengths = {}
     for entry in entries:
@@ -95,7 +95,7 @@ def family_lengths(entries, key="ours"):
 
 
 def slopes(entries, key="ours"):
-    """Of every family, where it was measured; with "limit", what the memory itself makes of size."""
+    """The slope of every family that was measured; with "limit", the slope of its limit."""
     result = {}
     small, large = SMALLEST_AND_LARGEST
     for family, costs in family_lengths(entries, key).items():
@@ -164,7 +164,7 @@ def wrong_limits(summary):
 
 
 def faults(summary):
-    """What is wrong with the form of a summary; nothing says of a figure whether it is good."""
+    """What is wrong with the form of a summary. The figures themselves are not judged."""
     found = []
     for key in ("machine", "rows", "slopes"):
         if key not in summary:

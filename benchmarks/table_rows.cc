@@ -28,14 +28,14 @@ TablePtr table_to_arrow(const hxArrayPtr& encoded) {
   return core::to_arrow_table(encoded.get()).ValueOrDie();
 }
 
-/// Every column by its own limit.
+/// Copies each column with its own limit.
 std::vector<Blocks> leaves_of_columns(const TablePtr& table) {
   std::vector<Blocks> columns;
   for (const ColumnPtr& column : table->columns()) columns.push_back(leaves(column));
   return columns;
 }
 
-/// The base has the name that the performance targets give it.
+/// The base row has the name from the performance targets.
 std::string table_name(const std::string& direction, std::int64_t columns) {
   return columns == 1000 ? direction + "/table_1000_columns"
                          : direction + "/table/columns=" + std::to_string(columns);
@@ -62,7 +62,7 @@ TablePtr ipc_table(const std::shared_ptr<::arrow::io::RandomAccessFile>& file) {
   return reader->ToTable().ValueOrDie();
 }
 
-/// A table of examples/data as the program gives it to the core.
+/// A table of examples/data after the intake, as the program passes it to the core.
 TablePtr example_table(const std::string& name) {
   const auto file = ::arrow::io::ReadableFile::Open(NUMERA_EXAMPLE_DATA "/" + name).ValueOrDie();
   const TablePtr table = name.ends_with(".arrow") ? ipc_table(file) : parquet_table(file);

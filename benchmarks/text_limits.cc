@@ -1,4 +1,4 @@
-// Limits of texts, both ways.
+// The limits of texts, in both directions.
 
 #include <arrow/array/array_binary.h>
 
@@ -13,14 +13,14 @@ namespace {
 
 namespace memory = numera::host::memory;
 
-/// What the texts of a chunk take, back to back.
+/// The bytes of all texts of a chunk, back to back.
 template <class Texts>
 std::string_view bytes_of_texts(const Texts& texts) {
   return {reinterpret_cast<const char*>(texts.raw_data()) + texts.value_offset(0),
           static_cast<size_t>(texts.total_values_length())};
 }
 
-/// `convert` writes the code units of one chunk of texts and returns how many those are.
+/// `convert` writes the code units of one chunk of texts and returns their number.
 template <class Texts, class Convert>
 Blocks add_texts(const ColumnPtr& column, Convert convert) {
   Blocks blocks;

@@ -1,4 +1,4 @@
-// Encoded values of every type family towards Arrow, which wraps the memory of the host.
+// Encoded values of every type family to Arrow. Arrow wraps the memory of the host.
 
 #include <string>
 #include <vector>
@@ -22,7 +22,7 @@ struct Family {
   MakeArray make;
 };
 
-/// "duration" is the host's name of a time of day.
+/// "duration" is the host's name for a time of day.
 const std::vector<Family>& families() {
   static const std::vector<Family> all = {
       {"float64", 10 * kMillion, doubles},
@@ -38,7 +38,7 @@ const std::vector<Family>& families() {
   return all;
 }
 
-/// What the library writes for a column, made readable.
+/// The value that the library writes for a column, made readable.
 hxArrayPtr readable(const ColumnPtr& column) {
   const hxArrayPtr written = core::to_numera(column).ValueOrDie();
   return numera::extras::encode(written.get()).ValueOrDie();
@@ -74,7 +74,7 @@ void add_to_arrow_rows(std::vector<Row>& rows, bool quick) {
   add_row(rows, "to_arrow/one_call_1e7", doubles, {.length = base_length(10 * kMillion, quick)});
   for (const Family& family : families()) {
     for (const Variant& variant : variants(base_length(family.length, quick), quick)) {
-      // What is read is one chunk without an offset.
+      // The encoded value is always one chunk without an offset.
       if (variant.shape.chunks > 1 || variant.shape.sliced) continue;
       add_row(rows, "to_arrow/" + family.name + variant.suffix, family.make, variant.shape);
     }

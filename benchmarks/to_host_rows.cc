@@ -1,4 +1,5 @@
-// Columns of every type family towards the host: one row each, and from there each axis alone.
+// Columns of every type family to the host: one base row each, and variants that change one
+// property.
 
 #include <algorithm>
 #include <memory>
@@ -47,7 +48,7 @@ const std::vector<Family>& families() {
 hxArrayPtr column_to_host(const ColumnPtr& column) { return core::to_numera(column).ValueOrDie(); }
 hxArrayPtr array_to_host(const ArrayPtr& array) { return core::to_numera(array).ValueOrDie(); }
 
-/// The names by which the performance targets call what would be variants of a base row.
+/// Variants of a base row that have a name of their own in the performance targets.
 std::string known_name(const std::string& name) {
   if (name == "to_host/float64/nulls=some") return "to_host/float64_nulls";
   if (name == "to_host/float64/chunks=1000") return "to_host/float64_1000_chunks";
@@ -70,7 +71,7 @@ void add_family(std::vector<Row>& rows, const Family& family, bool quick) {
   }
 }
 
-/// Chunks of an odd number of bits, so that all but the first begin within a byte.
+/// Chunks whose length is no multiple of 8 bits, so that all but the first start within a byte.
 void add_unaligned_bits(std::vector<Row>& rows, bool quick) {
   const std::int64_t length = base_length(10 * kMillion, quick);
   const auto make = [=] {
