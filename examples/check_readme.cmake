@@ -1,5 +1,5 @@
-# Fails unless README holds the text of SOURCE as its C++ block, and what PROGRAM prints as the text
-# block behind it.
+# Fails unless README contains SOURCE as a C++ block, followed by the output of PROGRAM as a text
+# block.
 file(READ ${README} readme)
 file(READ ${SOURCE} source)
 execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE printed COMMAND_ERROR_IS_FATAL ANY)

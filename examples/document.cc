@@ -12,7 +12,7 @@ std::string read_file(const std::string& path) {
   return text.str();
 }
 
-// Replaces what stands in the place; false where there is none.
+// Replaces the content of the place. Returns false if the document has no such place.
 bool put(std::string& document, const Shown& shown) {
   const std::string opening = "<!-- shown: " + shown.place + " -->\n";
   const size_t mark = document.find(opening);
@@ -24,7 +24,7 @@ bool put(std::string& document, const Shown& shown) {
   return true;
 }
 
-// Puts everything into its place, and says what has none or shows something else.
+// Puts everything into its place. Reports what has no place or differed.
 bool put_all(std::string& document, const std::vector<Shown>& all) {
   bool same = true;
   for (const Shown& shown : all) {

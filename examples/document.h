@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-/// What a document shows in a place of its own. A place begins with a line <!-- shown: NAME --> and
-/// ends with the next line <!-- end -->.
+/// Generated content of a document. Its place starts with a line <!-- shown: NAME --> and ends with
+/// the next line <!-- end -->.
 struct Shown {
   std::string place;
   std::string markdown;
 };
 
-/// The rest of a program that is called with the path of a document and, at will, --write: with it,
-/// puts everything into its place; without it, fails unless it stands there already, and says what
+/// The main part of a program that keeps a document up to date. With `write`, puts everything into
+/// its place in the document at `path`. Without it, fails unless it is there already. Reports what
 /// differs or has no place. Returns the exit code of the program.
 int keep_document(const std::string& path, bool write,
                   const arrow::Result<std::vector<Shown>>& shown);

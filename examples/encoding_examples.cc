@@ -25,7 +25,7 @@ struct FileExample {
   const char* column;
   std::int64_t first_row;
   std::int64_t rows;
-  bool show_read = false;  // the form that is read is another one
+  bool show_read = false;  // the readable form differs from the written one
 };
 
 constexpr FileExample kFileExamples[] = {
@@ -69,7 +69,7 @@ std::vector<MadeExample> made_examples() {
   return reader->ReadTable();
 }
 
-/// Rows as one new array: it begins where its memory begins, and null slots hold zeros.
+/// Copies rows into one new array without an offset. Its null slots hold zeros.
 ::arrow::Result<Column> fresh_rows(const ::arrow::ChunkedArray& column, std::int64_t first,
                                    std::int64_t count) {
   std::unique_ptr<::arrow::ArrayBuilder> builder;
@@ -101,7 +101,7 @@ std::vector<MadeExample> made_examples() {
   return numera::extras::print(readable.get());
 }
 
-/// Two rows of two columns.
+/// A table of two rows and two columns.
 ::arrow::Result<std::string> table_tree(const ::arrow::Table& penguins) {
   ::arrow::FieldVector fields;
   ::arrow::ChunkedArrayVector columns;

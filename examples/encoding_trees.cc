@@ -5,7 +5,7 @@
 #include "examples/document.h"
 #include "examples/encoding_examples.h"
 
-// encoding_trees FOLDER DOCUMENT          fails unless the document shows what the library does
+// encoding_trees FOLDER DOCUMENT          fails unless the document shows what the library writes
 // encoding_trees FOLDER DOCUMENT --write  writes it into its places in the document
 
 namespace {

@@ -64,7 +64,7 @@ std::string describe(const hxArray* data) {
   return text;
 }
 
-/// The type that the array gets, or why there is none.
+/// The type of the array that is read, or the error.
 std::string read_back(const hxArray* written) {
   try {
     const auto array = core::to_arrow<::arrow::Array>(written);

@@ -94,7 +94,7 @@ void add_text_blocks(const hxStringArray& texts, Blocks& blocks) {
   }
 }
 
-// The memory of every leaf of a host value.
+// Adds the memory of every leaf of a host value.
 void add_blocks(const hxArray* value, Blocks& blocks) {
   if (value == nullptr) return;
   if (hxIsStringArray(value)) return add_text_blocks(hxGetStringArray(value), blocks);
@@ -113,7 +113,7 @@ void add_blocks(const hxArray* value, Blocks& blocks) {
   }
 }
 
-// Whether all of the blocks lie in the source, none does, or some do.
+// Whether all, none or some of the blocks lie in the source.
 const char* how(const Blocks& blocks, const Blocks& source) {
   size_t borrowed = 0;
   for (const Block& block : blocks) borrowed += touches(block, source) ? 1U : 0U;
@@ -121,8 +121,8 @@ const char* how(const Blocks& blocks, const Blocks& source) {
   return borrowed == blocks.size() ? "borrowed" : "in part borrowed";
 }
 
-// "values borrowed, offsets borrowed" for the array's own buffers; children and dictionaries as
-// one.
+// For example "values borrowed, offsets borrowed": one part per buffer of the array, one for all
+// children, one for the dictionary.
 std::string parts_of(const ::arrow::ArrayData& data, const Blocks& source) {
   const auto name_of = [&](size_t buffer) -> std::string {
     if (buffer == 0) return "validity";
@@ -168,7 +168,7 @@ std::string parts_of(const ::arrow::ArrayData& data, const Blocks& source) {
          back->type()->ToString() + "` | " + parts_of(*back->data(), readable_memory) + " |\n";
 }
 
-// Bytes alone, without a type.
+// The row of a buffer, which has no type.
 ::arrow::Result<std::string> row_of_buffer() {
   const auto buffer = ::arrow::Buffer::FromString("bytes");
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, core::to_numera(buffer));

@@ -4,6 +4,6 @@
 
 #include "examples/document.h"
 
-/// The table of what a column of each type copies and borrows, derived from the addresses of the
-/// memory before and after its conversion.
+/// The table of what the conversion of each type copies and what it borrows. It compares the memory
+/// addresses before and after.
 ::arrow::Result<Shown> lifetimes_by_type();

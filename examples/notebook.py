@@ -1,8 +1,8 @@
-"""Runs a notebook anew and compares what it prints with what is stored in it; --write stores it.
+"""Runs a notebook and compares its output with the stored output; --write stores the new output.
 
 usage: python examples/notebook.py [--write] NOTEBOOK
 
-Figures are not compared: their pixels follow the fonts of the machine.
+Figures are not compared, because their pixels depend on the fonts of the machine.
 """
 
 import argparse
@@ -22,7 +22,7 @@ def run(notebook, folder):
 
 
 def printed(notebook):
-    """The texts of every cell."""
+    """The source and the printed texts of every cell."""
     outputs = []
     for cell in notebook.cells:
         texts = []

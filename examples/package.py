@@ -1,4 +1,4 @@
-"""The Python package in a few lines: real data to the host, looked at, computed on, and back."""
+"""The Python package in a few lines: convert real data, print it, compute, convert it back."""
 
 import pathlib
 

@@ -1,4 +1,4 @@
-"""A local Ray cluster that reports nothing to anybody, and that no other machine reaches."""
+"""A local Ray cluster. It sends no usage reports, and other machines cannot reach it."""
 
 import contextlib
 import logging
@@ -7,8 +7,8 @@ import pathlib
 
 # Ray reads these when it is imported.
 os.environ["RAY_USAGE_STATS_ENABLED"] = "0"
-# A machine that may be part of no cluster listens at 127.0.0.1 alone. On Linux as well, where
-# _node_ip_address="127.0.0.1" stands for the address that other machines see.
+# With this, Ray listens on 127.0.0.1 only, on Linux as well. The argument
+# _node_ip_address="127.0.0.1" does not: Ray turns it into the address that other machines see.
 os.environ["RAY_ENABLE_WINDOWS_OR_OSX_CLUSTER"] = "0"
 os.environ.setdefault("RAY_DATA_DISABLE_PROGRESS_BARS", "1")
 
@@ -18,13 +18,13 @@ import ray.data
 
 @contextlib.contextmanager
 def local_cluster(workers: int):
-    """A cluster for so many workers on this machine, gone when the block is left."""
+    """A cluster on this machine with cores for `workers` workers. Shuts down after the block."""
     # The workers import the modules beside this one.
     here = str(pathlib.Path(__file__).resolve().parent)
     before = os.environ.get("PYTHONPATH")
     os.environ["PYTHONPATH"] = os.pathsep.join(filter(None, [here, before]))
     try:
-        # Reading takes logical cores of its own, which workers would keep from it.
+        # Two more logical cores for reading, so that the workers do not block it.
         ray.init(num_cpus=workers + 2, include_dashboard=False,
                  object_store_memory=256 * 2**20, logging_level=logging.ERROR,
                  log_to_driver=False)

@@ -1,4 +1,4 @@
-"""Partitioned flights, and host functions over them."""
+"""Partitioned flight data, and host functions for it."""
 
 import pathlib
 
@@ -16,9 +16,9 @@ COLUMNS = ["row", "carrier", "arrival_delay", "air_time", "distance_miles"]
 
 
 def write_partitions(folder: pathlib.Path, copies: int = 1) -> int:
-    """Writes the flights by month as month=N/part-COPY.parquet; returns how many rows these are.
+    """Writes the flights by month as month=N/part-COPY.parquet. Returns the number of rows.
 
-    "row" numbers them through all copies, since a cluster returns rows in no order.
+    The column "row" numbers the rows of all copies, because a cluster returns rows in any order.
     """
     table = pyarrow.parquet.read_table(DATA)
     months = pyarrow.compute.month(table["date"])
@@ -34,11 +34,11 @@ def write_partitions(folder: pathlib.Path, copies: int = 1) -> int:
 
 
 def ground_speed(table: numera.HostArray) -> numera.HostArray:
-    """Miles an hour in the air; null where the time in the air is null."""
+    """Miles per hour in the air; null where the air time is null."""
     columns = columns_of(table)
     seconds = columns["air_time"]["Data"].numpy()
     miles = columns["distance_miles"]["Data"].numpy()
-    # Under a null the time is any number, zero as well.
+    # Under a null the air time may be any number, zero included.
     with numpy.errstate(divide="ignore", invalid="ignore"):
         speed = miles * 3600.0 / seconds
     return table_of({"row": columns["row"],
@@ -46,9 +46,9 @@ def ground_speed(table: numera.HostArray) -> numera.HostArray:
 
 
 class CarrierDelay:
-    """How many minutes later than the mean of its carrier a flight arrived.
+    """The arrival delay of a flight minus the mean delay of its carrier, in minutes.
 
-    The means are the state: they are computed once in each worker from the whole file.
+    The means are the state: each worker computes them once, from the whole file.
     """
 
     def __init__(self):

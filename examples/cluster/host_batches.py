@@ -1,4 +1,4 @@
-"""Host functions over the batches of Ray Data: host table in, host table out."""
+"""Runs host functions on the batches of Ray Data: host table in, host table out."""
 
 import pathlib
 from collections.abc import Callable
@@ -13,16 +13,16 @@ from numera import host
 HostFunction = Callable[[numera.HostArray], numera.HostArray]
 
 def call_on_host(function: HostFunction, batch: pyarrow.Table) -> pyarrow.Table:
-    """The Arrow table of what function makes of the host table of batch.
+    """Converts batch to a host table, calls function on it, and converts the result to Arrow.
 
-    The chunks of a batch are joined first: a host column of one chunk is one array.
+    The chunks of the batch are joined first, so that each host column is one array.
     """
     result = function(numera.to_host(batch.combine_chunks()))
     return numera.to_arrow(numera.encode(result))
 
 
 class HostActor:
-    """Makes a host function once in each worker; what it holds lives as long as the worker."""
+    """Makes a host function once per worker. Its state lives as long as the worker."""
 
     def __init__(self, make_function: Callable[[], HostFunction]):
         self._function = make_function()
@@ -32,12 +32,12 @@ class HostActor:
 
 
 def columns_of(table: numera.HostArray) -> dict[str, numera.HostArray]:
-    """The encoded columns of a host table by name."""
+    """The encoded columns of a host table, by name."""
     return {name.text: column for name, column in zip(table["Names"], table["Columns"])}
 
 
 def table_of(columns: dict[str, object]) -> numera.HostArray:
-    """A host table of encoded columns by name, which share their memory with it."""
+    """A host table of encoded columns, by name. The table shares their memory."""
     return host.struct({
         "ArrowType": "table",
         "Columns": host.struct([_fields(column) for column in columns.values()]),
@@ -50,10 +50,9 @@ def _fields(column):
 
 
 def read(folder: str, columns: list[str]) -> ray.data.Dataset:
-    """The columns of the Parquet files of a folder, a block a file: what workers share out.
+    """Reads columns of the Parquet files of a folder, one block per file. Workers share the blocks.
 
-    Ray's own reader joins small files to one block, which one
-    worker would take.
+    Ray's own reader joins small files into one block, which a single worker would process.
     """
     def read_file(paths: pyarrow.Table) -> pyarrow.Table:
         return pyarrow.parquet.ParquetFile(paths["path"][0].as_py()).read(columns)
@@ -61,14 +60,14 @@ def read(folder: str, columns: list[str]) -> ray.data.Dataset:
     paths = sorted(map(str, pathlib.Path(folder).rglob("*.parquet")))
     files = ray.data.from_items([{"path": path} for path in paths],
                                 override_num_blocks=len(paths))
-    # Other cores than the host function's keep Ray from fusing the two, where it would give one task
-    # as many paths as a batch has rows.
+    # A num_cpus other than the host function's keeps Ray from fusing the two steps. Fused, one task
+    # would get as many paths as a batch has rows.
     return files.map_batches(read_file, batch_format="pyarrow", batch_size=1, num_cpus=0.5)
 
 
 def map_tasks(dataset: ray.data.Dataset, function: HostFunction, batch_rows: int,
               workers: int) -> ray.data.Dataset:
-    """function, which keeps nothing between batches, in tasks of any worker process."""
+    """Runs function in tasks of any worker process. function keeps no state between batches."""
     return dataset.map_batches(lambda batch: call_on_host(function, batch),
                                batch_format="pyarrow", batch_size=batch_rows,
                                num_cpus=1,
@@ -77,7 +76,10 @@ def map_tasks(dataset: ray.data.Dataset, function: HostFunction, batch_rows: int
 
 def map_actors(dataset: ray.data.Dataset, make_function: Callable[[], HostFunction],
                batch_rows: int, workers: int) -> ray.data.Dataset:
-    """What make_function makes once in each of so many workers, again in one that is restarted."""
+    """Runs the function that make_function makes, in `workers` workers.
+
+    Each worker makes it once when it starts, also after a restart.
+    """
     return dataset.map_batches(HostActor, fn_constructor_args=(make_function,),
                                batch_format="pyarrow", batch_size=batch_rows,
                                num_cpus=1,

@@ -1,4 +1,4 @@
-"""Prints what a host function costs on a local cluster: rows a second and memory a worker."""
+"""Prints the cost of a host function on a local cluster: rows per second, memory per worker."""
 
 import os
 import pathlib
@@ -15,7 +15,7 @@ BATCHES = [1_000, 10_000, 50_000]
 
 
 class Sized:
-    """The speed of flights; notes the largest resident memory of its process in a folder."""
+    """The speed of flights. Writes the peak resident memory of its process to a folder."""
 
     def __init__(self, folder):
         self._folder = pathlib.Path(folder)
@@ -28,7 +28,7 @@ class Sized:
 
 
 def measured(dataset, batch_rows, workers):
-    """Seconds, and the MiB of the largest worker."""
+    """The seconds, and the peak memory of the largest worker in MiB."""
     with tempfile.TemporaryDirectory() as notes:
         start = time.perf_counter()
         host_batches.map_actors(dataset, lambda: Sized(notes), batch_rows, workers).materialize()

@@ -1,4 +1,4 @@
-"""What two workers make of partitioned data is what one process makes of it."""
+"""Two workers give the same result for partitioned data as one process."""
 
 import contextlib
 import os
@@ -17,9 +17,9 @@ WORKERS = 2
 
 
 class Noted:
-    """A host function that notes the processes it runs in as files of a folder.
+    """A host function that writes one file per process it runs in to a folder.
 
-    The first one waits for another: else it might be done before that has started.
+    The first process waits for a second one. Otherwise it could finish all work before that starts.
     """
 
     def __init__(self, make_function, folder):
@@ -35,7 +35,7 @@ class Noted:
 
 
 class Killed:
-    """A host function whose process is killed at its second batch, the first time of all."""
+    """A host function that kills its process at the second batch, but only once in all."""
 
     def __init__(self, make_function, marker):
         self._function = make_function()
@@ -89,14 +89,14 @@ def assert_equal(actual, expected):
 
 
 def with_descendants(pid):
-    """The numbers of a process and of all that it started, directly or not."""
+    """The ids of a process and of all its descendants."""
     children = pathlib.Path(f"/proc/{pid}/task").glob("*/children")
     started = " ".join(file.read_text() for file in children).split()
     return {pid}.union(*(with_descendants(int(child)) for child in started))
 
 
 def listening_addresses(pids):
-    """The addresses, in hexadecimal, that processes accept connections at."""
+    """The addresses, in hexadecimal, at which the processes accept connections."""
     addresses = {}
     for table in ("tcp", "tcp6"):
         for line in pathlib.Path("/proc/net", table).read_text().splitlines()[1:]:
@@ -121,7 +121,7 @@ def speed():
 
 def test_the_cluster_listens_to_this_machine_alone(dataset):
     found = listening_addresses(with_descendants(os.getpid()))
-    assert len(found) >= 4  # of the driver, the node, its store of state, workers
+    assert len(found) >= 4  # driver, node, its store of state, workers
     assert set(found) <= {"0100007F", "0000000000000000FFFF00000100007F"}
 
 

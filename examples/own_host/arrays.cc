@@ -157,8 +157,8 @@ hxArrayPtr hxSharedCopy(const hxArray* array) {
   return hxArrayPtr(new hxArray(array->shape, array->content));
 }
 
-// An array that holds arrays destroys them on its way; they wait here instead, so that the depth of
-// nesting is no depth of calls.
+// The destructor of an array destroys the arrays it holds, which calls this function again. Nested
+// calls only queue their array, so that deep nesting does not become deep recursion.
 void hxDestroyArray(hxArray* array) noexcept {
   static thread_local hxArray* waiting = nullptr;
   static thread_local bool running = false;

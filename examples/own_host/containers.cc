@@ -1,4 +1,4 @@
-// Fields of structs, and cells.
+// Fields of structs, and elements of cells.
 
 #include <stdexcept>
 #include <string_view>
@@ -21,7 +21,7 @@ size_t slot_of(const hxArray* array, size_t index, int field) {
   return index * array->shape->fields.size() + static_cast<size_t>(field);
 }
 
-// The slot of a field, checked in the order that is asked of every host.
+// The slot of a field. The checks come in the order that every host must keep.
 size_t checked_slot(const hxArray* array, size_t index, const char* name) {
   if (!is_struct(array)) throw std::invalid_argument("Array is not struct array.");
   const int field = hxGetFieldNumber(array, name);

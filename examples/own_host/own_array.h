@@ -1,7 +1,7 @@
 #pragma once
 
-// A second host, as small as one can be: every array of it is made of standard containers. It shows
-// what a host supplies, and passes the claims of tests/host_conformance.
+// A second host, as small as possible: every array consists of standard containers. It shows what a
+// host must supply, and passes the tests of tests/host_conformance.
 
 #include <atomic>
 #include <cstddef>
@@ -14,17 +14,18 @@
 
 namespace own_host {
 
-// What never changes while an array lives, so that dimensions and names handed out stay valid.
+// Never changes while the array lives, so that dimensions and names handed out stay valid.
 struct Shape {
   hxClassID class_id = hxClassID::Unknown;
   hxComplexity complexity = hxComplexity::Real;
   std::vector<size_t> dims = {};
   size_t elements = 0;
-  size_t element_size = 0;               // of numbers, truth values and chars
+  size_t element_size = 0;               // of numbers, logicals and chars
   std::vector<std::string> fields = {};  // of structs
 };
 
-// What is shared by copies until one of them is written. By class, one of the three is filled.
+// Shared by copies until one of them is written. Only one of the three members is filled, depending
+// on the class.
 struct Content {
   std::unique_ptr<std::byte[]> data = {};
   std::vector<hxArrayPtr> slots = {};
@@ -33,14 +34,14 @@ struct Content {
 
 enum class Fill { Zero, None };
 
-// Both throw std::bad_alloc where the elements cannot all be counted in bytes.
+// Both throw std::bad_alloc if the size in bytes overflows.
 size_t count_elements(std::span<const size_t> dims);
 hxArrayPtr make_array(Shape shape, Fill fill);
 
-// Gives the array a content of its own where it shares one.
+// Gives the array its own content if the content is shared.
 void unshare(hxArray* array);
 
-// Arrays that exist now.
+// The number of arrays that exist now.
 size_t live_arrays();
 inline std::atomic<size_t> live = 0;
 

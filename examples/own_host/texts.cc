@@ -13,7 +13,7 @@
 
 namespace {
 
-// The bodies that set many texts at once are those of the interface.
+// The interface itself implements the functions that set many texts at once.
 class Strings final : public hxStringArray {
  public:
   explicit Strings(std::span<const size_t> dims)
