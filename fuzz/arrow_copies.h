@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Arrow values whose every buffer is a block of exactly its size, so that a read past it is seen.
+/// Copies of Arrow values. Each buffer gets a block of exactly its size, so that the sanitizer
+/// detects a read past its end.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/util.h>
@@ -17,7 +18,7 @@
 
 namespace numera::fuzz {
 
-/// `shift` bytes off the alignment that blocks have.
+/// The copy starts `shift` bytes after the aligned start of its block.
 inline std::shared_ptr<::arrow::Buffer> exact_copy(const ::arrow::Buffer& buffer, size_t shift) {
   const auto size = static_cast<size_t>(buffer.size());
   auto block = std::make_shared<std::vector<std::uint8_t>>(shift + size);

@@ -83,7 +83,7 @@ TypePtr read_struct_type(ByteSource& source, int levels) {
   return ::arrow::struct_(std::move(fields));
 }
 
-/// Where a number of elements is about to be read, how many of them there are.
+/// The number of elements that buffers and children need.
 struct Needs {
   std::int64_t elements;  ///< length and offset together
   std::int64_t next = 0;  ///< elements of a child, or bytes that offsets reach
@@ -100,7 +100,7 @@ void store(Bytes& bytes, size_t index, std::int64_t value) {
   std::memcpy(bytes.data() + index * sizeof(T), &narrow, sizeof(T));
 }
 
-/// Most of them never fall.
+/// Offsets that mostly do not decrease.
 template <class Offset>
 Bytes read_offsets(ByteSource& source, Needs& needs) {
   Bytes bytes((static_cast<size_t>(needs.elements) + 1) * sizeof(Offset));
@@ -115,7 +115,7 @@ Bytes read_offsets(ByteSource& source, Needs& needs) {
   return bytes;
 }
 
-/// Codes and run ends small, all else any bytes.
+/// Small numbers, such as valid codes and run ends, in one of four cases; otherwise any bytes.
 Bytes read_elements(ByteSource& source, const DataType& type, std::int64_t width, Needs& needs) {
   Bytes bytes(static_cast<size_t>(needs.elements * width));
   const std::uint8_t mode = source.byte();
@@ -131,7 +131,7 @@ Bytes read_elements(ByteSource& source, const DataType& type, std::int64_t width
   return bytes;
 }
 
-/// A buffer as it should be, or one time in sixteen one that is not.
+/// A correct buffer, or in 20 of 256 cases one that is missing, too short, too long or misaligned.
 std::shared_ptr<::arrow::Buffer> finish(ByteSource& source, Bytes bytes) {
   const std::uint8_t damage = source.byte();
   if (damage >= 250) return nullptr;
@@ -185,7 +185,7 @@ std::int64_t child_length(const DataType& type, const Needs& needs, size_t index
   }
 }
 
-/// Unknown, true, or any small number.
+/// Unknown, correct, or any small number.
 std::int64_t read_null_count(ByteSource& source, const ArrayData& array) {
   const std::uint8_t drawn = source.byte();
   if (drawn >= 248) return drawn - 248;
@@ -218,7 +218,7 @@ DataPtr read_data(ByteSource& source, const TypePtr& type, std::int64_t length,
   return array;
 }
 
-/// As Arrow finds it when it counts.
+/// Whether Arrow would find no nulls in the array. False if the bitmap is too short.
 bool has_no_nulls(const ArrayData& array) {
   const std::int64_t count = array.null_count.load();
   if (count != ::arrow::kUnknownNullCount || array.buffers[0] == nullptr) return count <= 0;

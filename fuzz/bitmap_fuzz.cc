@@ -1,5 +1,5 @@
 /// \file
-/// The copy of bits against the model that copies one bit at a time: every byte of the target.
+/// Compares bitmap copies with a model that copies one bit at a time, in every byte of the target.
 
 #include <algorithm>
 #include <string>
@@ -59,8 +59,8 @@ void check_one_copy(const Case& drawn) {
   });
 }
 
-/// Chunks of random lengths, each from a source of its own, into memory that holds anything. Every
-/// byte is that of a fill until bits reach it.
+/// Writes chunks of random length, each from its own source, into memory with arbitrary content.
+/// Every bit that no source reaches must have the value of the fill.
 void check_chunks(const Case& drawn, ByteSource& source) {
   const std::uint8_t fill = source.below(2) == 0 ? 0x00 : 0xFF;
   Bytes written(drawn.total / 8 + (drawn.total % 8 != 0), source.byte());

@@ -8,7 +8,7 @@
 
 namespace numera::fuzz {
 
-/// Decisions drawn from the bytes of a fuzzer's input, front to back. Where the bytes end every
+/// Decisions drawn from the bytes of a fuzzer's input, front to back. After the last byte every
 /// decision is 0.
 class ByteSource {
  public:
@@ -25,7 +25,7 @@ class ByteSource {
     return static_cast<std::uint16_t>(low | static_cast<unsigned>(byte()) << 8);
   }
 
-  /// A number below `limit`, of which there are at most 256.
+  /// A number below `limit`, which is at most 256.
   size_t below(size_t limit) { return byte() % limit; }
 
   /// The next `count` bytes, or as many as there are.

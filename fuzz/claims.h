@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// How a fuzzer says what it found.
+/// How a fuzzer reports a finding.
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,14 +12,14 @@
 
 namespace numera::fuzz {
 
-/// Ends the process, which is how a fuzzer reports a finding.
+/// Aborts the process; the fuzzer takes that for a finding.
 [[noreturn]] inline void refute(std::string_view claim, const std::string& found) {
   std::fprintf(stderr, "refuted: %.*s\n%s\n", static_cast<int>(claim.size()), claim.data(),
                found.c_str());
   std::abort();
 }
 
-/// `details()` gives the text that is shown where the claim does not hold.
+/// `details()` returns the text that is printed if the claim does not hold.
 template <class Details>
 void claim(bool holds, std::string_view text, const Details& details) {
   if (!holds) refute(text, details());
@@ -29,7 +29,7 @@ inline void claim(bool holds, std::string_view text) {
   if (!holds) refute(text, "");
 }
 
-/// `before` are the nodes of an input, taken before the call.
+/// `before` holds the nodes of an input, recorded before the call.
 inline void claim_only_read(const testing::ArrayNodes& before) {
   const std::string changed = before.difference();
   claim(changed.empty(), "the input is only read", [&] { return changed; });

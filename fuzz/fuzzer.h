@@ -6,8 +6,8 @@
 
 namespace numera::fuzz {
 
-/// What each fuzzer of this folder defines: tries one input, and ends the process where a claim
-/// does not hold. An exception that comes out is a finding too.
+/// Defined by each fuzzer of this folder. Tries one input and aborts the process if a claim does
+/// not hold. An exception that leaves this function is a finding, too.
 void try_input(std::span<const std::uint8_t> input);
 
 }  // namespace numera::fuzz

@@ -1,6 +1,5 @@
 /// \file
-/// The gateway against a model that looks at one element after another and leaves the conversion
-/// to ICU.
+/// Compares the gateway with a model that handles one element after another and converts with ICU.
 
 #include <new>
 #include <span>
@@ -22,7 +21,7 @@
 namespace numera::fuzz {
 namespace {
 
-/// Bytes and offsets, or what is thrown: the identifier, and the number of the element to blame.
+/// Bytes and offsets; or, if it throws, the identifier and the number of the element to blame.
 struct Outcome {
   std::string bytes;
   std::vector<std::uint64_t> offsets;
@@ -68,7 +67,7 @@ bool is_char_row(const hxArray* value) {
          hxGetDimensions(value).size() == 2 && hxGetDimensions(value)[0] <= 1;
 }
 
-/// Cells are looked at and converted one after another: the first fault counts.
+/// Converts the texts in order. The first fault counts.
 Outcome encode(const Texts& texts) {
   Outcome outcome;
   outcome.offsets.push_back(0);
@@ -152,7 +151,7 @@ Outcome outcome_of(const hxArray* value) {
   return outcome;
 }
 
-/// More rows without columns than there is memory for their offsets.
+/// Whether a char array has more rows than there is memory for offsets. It then has no columns.
 bool is_too_long(const hxArray* value) {
   return value != nullptr && hxGetClassID(value) == hxClassID::Char &&
          hxGetDimensions(value)[0] > (1U << 16);

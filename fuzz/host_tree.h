@@ -1,9 +1,8 @@
 #pragma once
 
 /// \file
-/// Host values built of bytes: whatever the bytes, they give a value. The words and the field names
-/// of encoded values take one byte each, so that a mutation of few bytes is an envelope that is
-/// nearly right.
+/// Builds host values from bytes. Any bytes give a value. The words and field names of encoded
+/// values take one byte each, so that mutating a few bytes gives an almost correct envelope.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,16 +15,16 @@ namespace numera::fuzz {
 
 struct HostTree {
   hxArrayPtr root;          ///< may be null
-  bool has_sparse = false;  ///< `first_difference` finds no two sparse arrays equal
+  bool has_sparse = false;  ///< `first_difference` never reports two sparse arrays as equal
 };
 
-/// A value of at most a few thousand arrays and slots, and of at most a few hundred thousand
-/// elements in all, shared copies counted with all that they hold: none is slow only because it is
+/// A value with at most a few thousand arrays and slots, and at most a few hundred thousand
+/// elements. Shared copies count with their whole content. So no input is slow only because it is
 /// large.
 HostTree read_host_tree(ByteSource& source);
 
-/// Bytes that give `value` back, for seeds. Throws `std::invalid_argument` for a value that is too
-/// large for them.
+/// The bytes from which `read_host_tree` builds `value`, for seeds. Throws `std::invalid_argument`
+/// if the value is too large for the format.
 std::vector<std::uint8_t> write_host_tree(const hxArray* value);
 
 }  // namespace numera::fuzz

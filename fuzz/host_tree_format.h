@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What reading and writing host trees share: a value is an operation and what belongs to it.
+/// The byte format of host trees: a value is an operation followed by its arguments.
 
 #include <algorithm>
 #include <array>
@@ -16,7 +16,7 @@ namespace numera::fuzz {
 
 enum class Operation : std::uint8_t {
   kEmpty,    ///< an empty slot
-  kForm,     ///< number of a form, elements, values in the order of slots
+  kForm,     ///< number of a form, number of elements, values in slot order
   kWord,     ///< number of a word: a char row
   kNumbers,  ///< number of a class, dimensions, filling
   kLogical,  ///< dimensions, filling
@@ -26,13 +26,13 @@ enum class Operation : std::uint8_t {
   kCell,     ///< dimensions, values
   kStruct,   ///< dimensions, names, values
   kObject,   ///< number of a word for its class name, then like a struct
-  kShared,   ///< number of an array made before
+  kShared,   ///< number of an earlier array
   kComplex,  ///< like numbers
   kSparse,   ///< number of a class, dimensions
   kCount
 };
 
-/// Number of dimensions and each of them, or one of the shapes that most values have.
+/// The dimensions: one of the common shapes, or all dimensions written out.
 enum class Shape : std::uint8_t {
   kColumn,      ///< rows in one byte
   kRow,         ///< columns in one byte
@@ -40,19 +40,19 @@ enum class Shape : std::uint8_t {
   kNone,        ///< 0-by-0
   kLongColumn,  ///< rows in two bytes
   kGeneral,     ///< number of dimensions in a byte, each in two
-  kHugeNone,    ///< as many rows as there can be, by 0
+  kHugeNone,    ///< the largest number of rows, by 0
   kCount
 };
 
 enum class Filling : std::uint8_t {
   kZeros,
-  kBytes,  ///< the memory of the elements
-  kSmall,  ///< a signed byte each
+  kBytes,  ///< the bytes of the elements
+  kSmall,  ///< one signed byte per element
   kRamp,   ///< 0, 1, 2, ...
   kCount
 };
 
-/// The classes of numbers, by number.
+/// The numeric classes. Their index is their number in the format.
 inline constexpr std::array kNumberClasses = {
     hxClassID::Double, hxClassID::UInt8,  hxClassID::UInt64, hxClassID::Int64, hxClassID::Int32,
     hxClassID::Single, hxClassID::UInt32, hxClassID::Int8,   hxClassID::Int16, hxClassID::UInt16};
@@ -90,7 +90,7 @@ inline constexpr std::array<std::string_view, 32> kWords = {"array",
                                                             "Europe/Paris",
                                                             "x"};
 
-/// The field names of encoded values, as many as there are before the first null.
+/// The field names of encoded values. Each form ends at its first null.
 inline constexpr std::array<std::array<const char*, 5>, 12> kForms = {{
     {"ArrowType", "Type", "Valid", "Data"},
     {"ArrowType", "Type", "Data", "Valid"},

@@ -13,15 +13,15 @@
 namespace numera::fuzz {
 namespace {
 
-// The weight of a value bounds the text that is printed of it: an element weighs one, and an array,
-// or a slot whose name may be printed, as much as many of them.
+// The weight of a value limits the length of its printed text. An element weighs 1. An array or a
+// slot weighs kSlotWeight, because its name may be printed.
 constexpr size_t kSlotWeight = 32;
 constexpr size_t kMostWeight = 4000 * kSlotWeight;
 constexpr int kMostLevels = 500;
 
 using Dims = std::vector<size_t>;
 
-/// Beyond the most elements there may be the number is not exact.
+/// The number of elements. Not exact above kMostElements.
 size_t product(const Dims& dims) {
   if (std::ranges::find(dims, size_t{0}) != dims.end()) return 0;
   constexpr size_t kTooMany = kMostElements + 1;
@@ -212,7 +212,7 @@ class Reader {
   }
 
   void fill_slots(hxArray* array, size_t slots, int level) {
-    weight_ += kSlotWeight * slots;  // an empty slot costs as much as one that holds something
+    weight_ += kSlotWeight * slots;  // an empty slot weighs as much as a filled one
     for (size_t i = 0; i < slots && !source_.rest().empty(); ++i) {
       hxSetCell(array, i, read_value(level + 1));
     }
@@ -252,7 +252,7 @@ class Reader {
 
   struct Made {
     const hxArray* array;
-    size_t weight;  ///< with all that it holds
+    size_t weight;  ///< with its whole content
   };
 
   ByteSource& source_;

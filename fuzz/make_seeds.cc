@@ -1,7 +1,7 @@
 /// \file
 /// usage: numera_fuzz_seeds DATA_FOLDER TARGET_FOLDER
 ///
-/// Writes seeds for every fuzzer into a folder of its name.
+/// Writes the seeds of each fuzzer into a folder with its name.
 
 #include <arrow/table.h>
 

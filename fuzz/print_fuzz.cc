@@ -1,5 +1,5 @@
 /// \file
-/// Host values as printed trees: any value is printed within the limits, and whole.
+/// Prints any host value as a tree, within limits and in full.
 
 #include <algorithm>
 #include <limits>
@@ -38,7 +38,7 @@ void try_input(std::span<const std::uint8_t> input) {
   const std::string limited = extras::print(tree.root.get(), kLimited);
   claim(!whole.empty() && !limited.empty(), "every value is printed");
   claim(!whole.ends_with('\n'), "the last line has no end");
-  // The line behind the last one that is shown says that there are more.
+  // One more line may say that lines were left out.
   claim(line_ends(limited) <= kLimited.max_lines, "no more lines than asked for");
 
   ByteSource again(input);

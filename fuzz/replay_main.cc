@@ -1,5 +1,5 @@
 /// \file
-/// Runs a fuzzer over the files and folders that are named on the command line, with any compiler.
+/// Runs a fuzzer on the files and folders of the command line, with any compiler.
 
 #include <algorithm>
 #include <cstdio>

@@ -27,14 +27,14 @@ using io::arrow::core::to_numera;
 
 bool is_utf8(const std::string& text) { return testing::IcuToUtf16(text).has_value(); }
 
-/// Names of fields are text to the host.
+/// Whether all field names are UTF-8. The host stores them as text.
 bool names_are_utf8(const DataType& type) {
   return std::ranges::all_of(type.fields(), [](const auto& field) {
     return is_utf8(field->name()) && names_are_utf8(*field->type());
   });
 }
 
-/// Null where a name is no text, which is the one way to fail.
+/// Null if a name is not UTF-8. No other failure is allowed.
 template <class Value>
 hxArrayPtr to_host(const std::shared_ptr<Value>& value, bool names_are_text) {
   const testing::ArrayNodes before(*value);
@@ -54,7 +54,7 @@ hxArrayPtr to_host(const std::shared_ptr<Value>& value, bool names_are_text) {
 void check_returned(const ::arrow::ChunkedArray& column, const ::arrow::Array& back) {
   claim(extras::returns_as(*column.type(), *back.type()), "the type is one that returns",
         [&] { return column.type()->ToString() + " returned as " + back.type()->ToString(); });
-  // The comparison reads elements as Arrow does, by their address.
+  // The comparison reads elements in place, so it gets an aligned copy.
   const auto same = testing::SameValues(*exact_copy(column, 0), back);
   claim(static_cast<bool>(same), "the values return", [&] {
     return column.type()->ToString() + ": " + same.message() + "\n" + column.ToString() +
@@ -62,7 +62,7 @@ void check_returned(const ::arrow::ChunkedArray& column, const ::arrow::Array& b
   });
 }
 
-/// A readable form of what was written, or null where it may be refused.
+/// The readable form of `written`; null if it is refused, which `may_fail` must allow.
 hxArrayPtr readable_form(const hxArray* written, bool may_fail, const std::string& subject) {
   auto readable = extras::encode(written);
   if (!readable.ok()) {

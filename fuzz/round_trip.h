@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// What has to hold for Arrow values that the library took: the way to the host, to a readable form
-/// and back.
+/// Checks for Arrow values that the library accepted: the way to the host, to a readable form and
+/// back.
 
 #include <arrow/array/data.h>
 #include <arrow/chunked_array.h>
@@ -15,14 +15,14 @@
 
 namespace numera::fuzz {
 
-/// A column that the intake took: it gets to the host, and where its type is one that returns it
-/// returns with its values.
+/// Checks a column that passed the intake. It must convert to the host. If its type is one that
+/// returns, it must return with the same values.
 void check_round_trip(const std::shared_ptr<::arrow::ChunkedArray>& column);
 
-/// The same for the columns of a table together, and their names.
+/// The same for a table: all columns together, and their names.
 void check_round_trip(const std::shared_ptr<::arrow::Table>& table);
 
-/// Converts an encoded array that is readable by contract; refutes anything but a valid array.
+/// Converts an encoded array that must be readable. Refutes anything but a valid array.
 std::shared_ptr<::arrow::Array> read_valid(const hxArray* readable);
 
 }  // namespace numera::fuzz

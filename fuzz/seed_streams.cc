@@ -31,7 +31,7 @@ TablePtr read_file(const std::filesystem::path& path) {
   return reader->ReadRowGroup(0).ValueOrDie();
 }
 
-/// Slices of a file hold all of its bytes when they are written; taken together they do not.
+/// Combines the chunks: a written slice would contain all bytes of the file.
 TablePtr few_rows(const ::arrow::Table& table) {
   return table.Slice(0, kRows)->CombineChunks().ValueOrDie();
 }
@@ -46,7 +46,7 @@ ArrayPtr from_json(const TypePtr& type, const std::string& json) {
   return ::arrow::json::ArrayFromJSONString(type, json).ValueOrDie();
 }
 
-/// Types that only the intake knows, as far as JSON tells them.
+/// Values of types that only the intake handles, if JSON can express them.
 ArrayVector values_to_cast() {
   using namespace ::arrow;  // NOLINT(google-build-using-namespace)
   return {

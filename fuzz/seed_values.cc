@@ -18,7 +18,7 @@ namespace {
 using namespace numera::testing;
 using Bytes = std::vector<std::uint8_t>;
 
-/// Bytes without a plan, the same in every run.
+/// Random bytes, the same in every run.
 Bytes random_bytes(unsigned seed, size_t size) {
   std::minstd_rand random(seed);
   Bytes bytes(size);
@@ -26,7 +26,7 @@ Bytes random_bytes(unsigned seed, size_t size) {
   return bytes;
 }
 
-/// Seeds beyond this size teach a fuzzer little and cost it much.
+/// Larger seeds cost a fuzzer much and teach it little.
 constexpr size_t kLargest = 4096;
 
 Bytes bytes_of(std::string_view text) { return {text.begin(), text.end()}; }
@@ -85,7 +85,7 @@ constexpr std::string_view kTexts[] = {
 
 void keep_host_values(const TablePtr& table, const KeepSeed& keep) {
   const auto written = io::arrow::core::to_numera(table);
-  if (!written.ok()) return;  // a type for the intake
+  if (!written.ok()) return;  // a type that needs the intake
   keep_value(written->get(), keep);
   const auto readable = extras::encode(written->get());
   if (readable.ok()) keep_value(readable->get(), keep);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What fuzzers start from: inputs made of real files and of values of every type.
+/// The initial inputs of the fuzzers, made from real files and from values of every type.
 
 #include <cstdint>
 #include <filesystem>
@@ -21,20 +21,21 @@ namespace numera::fuzz {
 
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// Keeps one seed of the fuzzer of that name.
+/// Stores one seed for the fuzzer of that name.
 using KeepSeed =
     std::function<void(const std::string& fuzzer, std::span<const std::uint8_t> input)>;
 
-/// Few rows of each column of the files in a folder, and of a value of every Arrow type.
+/// Small tables: a few rows of each file in `folder` and of each of its columns, and values of
+/// every Arrow type.
 std::vector<TablePtr> seed_tables(const std::filesystem::path& folder);
 
-/// The table as a stream of two batches, behind decisions of each kind.
+/// The table as a stream of two batches, once per set of decision bytes, which precede it.
 void keep_streams(const ::arrow::Table& table, const KeepSeed& keep);
 
-/// The table on the host as it is written and as it is read, as values, as texts, and in parts.
+/// The table and each column as host values, in written and in readable form.
 void keep_host_values(const TablePtr& table, const KeepSeed& keep);
 
-/// Ordinary host values, texts, and runs of bits.
+/// Plain host values, texts, random bytes for Arrow trees, and bitmaps.
 void keep_plain_values(const KeepSeed& keep);
 
 }  // namespace numera::fuzz

@@ -1,10 +1,10 @@
 /// \file
-/// Arrow IPC streams, sliced and cut into other chunks, through the intake to the host and back.
+/// Arrow IPC streams, sliced into other chunks, through the intake to the host and back.
 ///
-/// The input is 8 bytes that decide the slices, and a stream. Arrow's own reader stands at the door
-/// and is not what is tried here: it gets a bounded pool of memory, what it refuses is refused, and
-/// batches that do not pass the check that the program makes of a batch go no further. Every buffer
-/// is copied into a block of exactly its size, so that a read past its end is seen.
+/// The input is 8 bytes that decide the slices, followed by a stream. Arrow's own reader is not
+/// under test: it gets a limited memory pool, its refusals are accepted, and batches that fail the
+/// program's check of a batch are dropped. Every buffer is copied into a block of exactly its size,
+/// so that a read past its end is detected.
 
 #include <arrow/array/array_base.h>
 #include <arrow/io/memory.h>
@@ -35,7 +35,7 @@ constexpr int kMostBatches = 6;
 using Batches = std::vector<std::shared_ptr<::arrow::RecordBatch>>;
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// The batches up to the first one that Arrow refuses.
+/// The batches before the first one that is refused.
 ::arrow::Result<TablePtr> read_stream(std::span<const std::uint8_t> bytes,
                                       ::arrow::MemoryPool* pool) {
   auto options = ::arrow::ipc::IpcReadOptions::Defaults();
@@ -63,7 +63,7 @@ std::shared_ptr<::arrow::ChunkedArray> uncounted(const ::arrow::ChunkedArray& co
   return std::make_shared<::arrow::ChunkedArray>(std::move(chunks), column.type());
 }
 
-/// `counted`: with the null counts of the stream.
+/// `counted`: keeps the null counts of the stream.
 TablePtr exact_table(const ::arrow::Table& table, size_t shift, bool counted) {
   ::arrow::ChunkedArrayVector columns;
   for (const auto& column : table.columns()) {
@@ -73,7 +73,7 @@ TablePtr exact_table(const ::arrow::Table& table, size_t shift, bool counted) {
   return ::arrow::Table::Make(table.schema(), std::move(columns), table.num_rows());
 }
 
-/// Some rows of the table, and some again, as chunks.
+/// Up to three slices of the table, which may overlap, as chunks.
 TablePtr sliced(const TablePtr& table, ByteSource& decisions) {
   std::vector<TablePtr> pieces;
   for (size_t count = decisions.below(4); count > 0; --count) {

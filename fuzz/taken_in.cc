@@ -18,7 +18,7 @@ void check_no_offset(const ::arrow::ArrayData& array) {
   if (array.dictionary != nullptr) check_no_offset(*array.dictionary);
 }
 
-/// Whether a dictionary at any depth holds nulls, which move to the codes.
+/// Whether a dictionary at any depth holds nulls. The intake moves these to the codes.
 bool has_null_categories(const ::arrow::ArrayData& array) {
   const auto& values = array.dictionary;
   if (values != nullptr && (values->GetNullCount() > 0 || has_null_categories(*values)))

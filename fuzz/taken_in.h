@@ -7,8 +7,8 @@
 
 namespace numera::fuzz {
 
-/// A table through the intake, and what that takes through the host and back: what is taken in is
-/// valid, has no offsets, and keeps types and values where it is not cast.
+/// Passes a table through the intake, and the result through the host and back. The result must be
+/// valid, have no offsets, and keep types and values unless it was cast.
 void check_taken(const std::shared_ptr<::arrow::Table>& table, bool cast);
 
 }  // namespace numera::fuzz

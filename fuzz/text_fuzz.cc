@@ -1,6 +1,6 @@
 /// \file
-/// Both codecs against ICU, and the bulk operation of string arrays against the one that sets text
-/// after text.
+/// Compares both codecs with ICU, and the bulk assignment of string arrays with setting text by
+/// text.
 
 #include <algorithm>
 #include <array>
@@ -50,7 +50,7 @@ void check_utf16(Bytes bytes) {
   claim(read == expected, "a char array is read and refused as by ICU");
 }
 
-/// Texts back to back in one block of exactly their size; their ends are drawn.
+/// Texts back to back in one block of exactly their size, with random ends.
 struct Texts {
   std::vector<std::uint8_t> bytes;
   std::vector<std::int64_t> offsets;
@@ -77,7 +77,7 @@ std::string_view text_at(const Texts& texts, size_t i) {
   return {reinterpret_cast<const char*>(texts.bytes.data()) + begin, end - begin};
 }
 
-/// `assign` sets the texts from element `first` on in one of the ways that there are.
+/// `assign` sets the texts from element `first` on, with one of the bulk functions.
 template <class Assign>
 void check_assigned(const Texts& texts, size_t first, const Assign& assign) {
   const size_t count = texts.offsets.size() - 1;

@@ -1,6 +1,7 @@
 /// \file
-/// Any host value into every entry towards Arrow: each refuses it by a status or by an exception of
-/// the host, or gives what it promises. The value stays as it is, and nothing is left over.
+/// Passes any host value to every conversion to Arrow. Each one refuses it, with a status or an
+/// exception of the host, or returns what it promises. The value stays unchanged and no array is
+/// left.
 
 #include <arrow/array/array_base.h>
 #include <arrow/buffer.h>
@@ -40,10 +41,10 @@ using io::arrow::core::to_arrow;
 using io::arrow::core::to_arrow_table;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 
-/// Which allocation of the host fails in each call: 0 none, 1 the first.
+/// The number of the host allocation that fails in each call; 0: none.
 size_t failing_allocation = 0;
 
-/// The result of a call, or none where it was refused. Only what a host throws may come out.
+/// The result of a call, or none if it was refused. Only exceptions of the host may be thrown.
 template <class Call>
 auto attempt(const Call& call) -> std::optional<decltype(call().ValueUnsafe())> {
   if (failing_allocation > 0) host::memory::FailAllocationAfter(failing_allocation - 1);
@@ -60,8 +61,8 @@ auto attempt(const Call& call) -> std::optional<decltype(call().ValueUnsafe())> 
   return value;
 }
 
-/// The core takes codes and offsets as they stand, so an array is read only where Arrow finds it
-/// valid. Then the intake makes it fit for the way back.
+/// The core takes codes and offsets unchecked, so only an array that Arrow finds valid is read
+/// further. The intake then prepares it for the way back.
 void check_array(const ArrayPtr& array) {
   claim(array != nullptr, "success gives an array");
   claim(array->offset() == 0, "arrays begin at offset 0");
@@ -74,7 +75,7 @@ void check_array(const ArrayPtr& array) {
   check_round_trip(std::make_shared<::arrow::ChunkedArray>(taken->value));
 }
 
-/// Every byte is there to be read.
+/// Reads every byte.
 void check_buffer(const ::arrow::Buffer& buffer) {
   claim(buffer.ToString().size() == static_cast<size_t>(buffer.size()), "buffers have their bytes");
 }
@@ -102,7 +103,7 @@ void check_borrowed(const hxArray* value) {
   claim(first.has_value() == array.has_value(), "element 0 is what is read without an index");
 }
 
-/// What is owned is read after its host value was given away.
+/// Reads Arrow values that own their host value, after the host value was given away.
 void check_owned(const hxArray* value) {
   const auto array = attempt([&] { return extras::own_to_arrow<::arrow::Array>(shared(value)); });
   if (array) check_array(*array);
@@ -120,7 +121,8 @@ void check_encoded(const hxArray* value) {
   claim(again.ok(), "a readable form has a readable form",
         [&] { return again.status().ToString() + "\n" + extras::print(first); });
   const auto difference = extras::first_difference(again->get(), first);
-  // A time zone that reads as UTF-8 one character a byte is taken for one that is written so.
+  // A time zone whose characters, taken as bytes, form UTF-8 looks like a written one, which has
+  // one character per byte. It is decoded again.
   const bool same = !difference || difference->find(".TimeZone") != std::string::npos;
   claim(same, "a readable form is its own",
         [&] { return *difference + "\n" + extras::print(first); });

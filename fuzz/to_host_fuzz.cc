@@ -1,7 +1,7 @@
 /// \file
-/// Arrow arrays of any type and shape, right and wrong, towards the host: as they are, where they
-/// are refused or converted without a read outside of their buffers, and through the intake, where
-/// what is taken in goes to the host and back.
+/// Arrow arrays of any type and shape, valid and invalid, to the host. Unchanged, an array is
+/// refused or converted, without a read outside its buffers. What the intake accepts goes to the
+/// host and back.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/util.h>
@@ -28,7 +28,7 @@ namespace {
 
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 
-/// Whatever the array, there is a status, or the host's refusal of a name.
+/// Converts any array. It must return a status or a value, or the host must refuse a name.
 void convert_as_it_is(const ArrayPtr& array) {
   const testing::ArrayNodes before(*array);
   try {
@@ -39,7 +39,7 @@ void convert_as_it_is(const ArrayPtr& array) {
   claim_only_read(before);
 }
 
-/// The arrays, each in a struct where Arrow cannot make one of them by itself.
+/// The arrays. Each is wrapped in a struct if Arrow cannot make one of them by itself.
 ::arrow::ArrayVector made(const std::vector<std::shared_ptr<::arrow::ArrayData>>& all) {
   const bool as_they_are =
       std::ranges::all_of(all, [](const auto& data) { return is_made_by_arrow(*data); });
@@ -54,7 +54,7 @@ void convert_as_it_is(const ArrayPtr& array) {
   return arrays;
 }
 
-/// Chunks are joined to a column only where the intake takes them: Arrow counts their nulls then.
+/// Takes only chunks that the intake accepts, because joining them to a column counts their nulls.
 void check_column(::arrow::ArrayVector chunks, const std::shared_ptr<::arrow::DataType>& type,
                   bool cast) {
   std::int64_t rows = 0;
