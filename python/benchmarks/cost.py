@@ -22,7 +22,8 @@ STRUCTS = pyarrow.array([{"a": 1, "b": "x"}] * (ROWS // 4))
 TEN_ON_HOST = numera.to_host(TEN)
 WIDE_ON_HOST = numera.to_host(WIDE)
 
-# What is measured, the like of pyarrow's, calls in a row, and the ratio that is wanted at most.
+# Name, our call, name and call of pyarrow's equivalent, calls per measurement, and the ratio that
+# should not be exceeded.
 CASES = [
     ("to_host, ten numbers", lambda: numera.to_host(TEN), "to_numpy", TEN.to_numpy, 20_000, 5),
     ("to_arrow, ten numbers", lambda: numera.to_arrow(TEN_ON_HOST), "to_numpy", TEN.to_numpy,
@@ -55,7 +56,7 @@ def seconds(call, calls):
 
 
 def measured(ours, theirs, calls, rounds):
-    """The best of both, taken in turns, so that a busy moment of the machine hits both."""
+    """The best time of each. The two are measured in turns, so that other load affects both."""
     pairs = [(seconds(ours, calls), seconds(theirs, calls)) for _ in range(rounds)]
     return min(pair[0] for pair in pairs), min(pair[1] for pair in pairs)
 

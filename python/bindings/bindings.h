@@ -8,7 +8,7 @@ namespace numera::python {
 
 namespace nb = nanobind;
 
-/// \name Each adds its part to the module
+/// \name Functions that each add a part to the module
 /// @{
 void bind_host_array(nb::module_& module);
 void bind_builders(nb::module_& module);

@@ -33,7 +33,8 @@ Shape column_major(std::span<const size_t> dims, size_t element_size) {
 
 bool wants(int flags, int all) { return (flags & all) == all; }
 
-/// Whether the elements lie as a reader expects who asks for row-major or plain memory.
+/// Whether column-major elements are also in row-major order. Requests for row-major or plain
+/// memory need that.
 bool is_row_major_too(std::span<const size_t> dims) {
   size_t longer = 0;
   for (const size_t extent : dims) {
@@ -54,7 +55,7 @@ const char* refusal(const HostValue& value, const char* format, int flags) {
   return nullptr;
 }
 
-// Python gives null and zero for what a request leaves out.
+// The buffer protocol wants null for each part that was not requested.
 void fill(Py_buffer* view, const hxArray* array, const char* format, Shape* shape, int flags) {
   static std::uint64_t no_elements[2] = {};
   const void* data = hxGetData(array);

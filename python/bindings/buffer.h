@@ -4,8 +4,8 @@
 
 namespace numera::python {
 
-/// The slots of the buffer protocol, which give the elements as they lie in memory, column-major.
-/// A view keeps its `HostArray` alive, and is read-only but for an array that a builder fills.
+/// The slots of the buffer protocol. A view shows the elements as they are in memory, column-major.
+/// It keeps its `HostArray` alive. It is read-only unless a builder is filling the array.
 const PyType_Slot* buffer_slots();
 
 }  // namespace numera::python

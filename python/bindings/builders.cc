@@ -15,7 +15,7 @@
 #include "python/bindings/host_array_docs.h"
 #include "python/bindings/host_value.h"
 
-// The Python module numera.host checks and shapes what it is given; these functions make it.
+// The Python module numera.host checks and shapes its arguments. These functions make the arrays.
 
 namespace numera::python {
 namespace {
@@ -29,7 +29,7 @@ Dimensions dimensions(const nb::tuple& shape) {
   return dims;
 }
 
-/// An array of zeros, writable until it is sealed.
+/// An array of zeros. It is writable until `_seal`.
 HostValue new_numeric(std::int32_t class_id, bool complex, const nb::tuple& shape) {
   const Dimensions dims = dimensions(shape);
   HostValue value =
@@ -51,7 +51,7 @@ std::u16string code_units(nb::handle text) {
   return units;
 }
 
-/// The code units of `text` in storage order, as many as the shape has elements.
+/// A char array. `units` are the code units in storage order, one per element of the shape.
 HostValue new_char(const nb::bytes& units, const nb::tuple& shape) {
   const Dimensions dims = dimensions(shape);
   size_t count = 1;
@@ -85,7 +85,7 @@ HostValue new_string(const nb::list& texts, const nb::tuple& shape) {
   return adopt(hxCreateStringArrayFrom(std::move(strings)));
 }
 
-/// Shares the memory of the value; none is an empty slot.
+/// A shared copy of the value; null, which is an empty slot, for None.
 hxArrayPtr share(nb::handle value) {
   if (value.is_none()) return nullptr;
   return hxSharedCopy(nb::cast<const HostValue&>(value).get());
@@ -112,7 +112,7 @@ std::vector<std::string> host_names(const nb::list& names) {
   return spelled;
 }
 
-/// `values` lie element by element: slot = index * number of fields + field number.
+/// `values` are ordered element by element: slot = index * number of fields + field number.
 HostValue new_struct(const nb::list& names, const nb::list& values, const nb::tuple& shape) {
   const std::vector<std::string> spelled = host_names(names);
   std::vector<const char*> pointers;

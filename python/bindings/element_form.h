@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// How Python sees the elements of host values.
+/// The form of host elements in Python.
 
 #include <nanobind/nanobind.h>
 
@@ -16,15 +16,15 @@ namespace numera::python {
 namespace nb = nanobind;
 
 struct ElementForm {
-  const char* format;  ///< of one element in the buffer protocol; lives forever
+  const char* format;  ///< format of one element in the buffer protocol; static memory
   nb::object (*read)(const void* elements, size_t index);
 };
 
-/// None where Python has no form for the elements: cells, fields, texts of string arrays, complex
-/// integers and what is sparse.
+/// None if Python has no form for the elements: cells, structs, objects, string arrays, complex
+/// integers and sparse arrays.
 std::optional<ElementForm> element_form(const hxArray* array);
 
-/// Lone surrogates stay.
+/// The text as a Python string. Keeps lone surrogates.
 nb::object python_text(std::u16string_view text);
 
 }  // namespace numera::python

@@ -74,7 +74,7 @@ void name_column(const nb::object& error, const ::arrow::Status& status) {
                                  .attr("TableErrorCode")(static_cast<int>(detail->error_code()));
 }
 
-/// The exception of the codec says which byte or code unit is wrong.
+/// Sets a Python error. The text of a codec error says which byte or code unit is wrong.
 void set_error(PyObject* type, std::string_view text, const char* identifier = nullptr) {
   const nb::object error = nb::borrow(type)(text_of(text));
   if (identifier != nullptr) error.attr("identifier") = identifier;

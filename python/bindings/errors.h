@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Failures of the library as exceptions of Python and pyarrow.
+/// Turns failures of the library into exceptions of Python and pyarrow.
 
 #include <arrow/result.h>
 #include <arrow/status.h>
@@ -14,9 +14,9 @@ namespace numera::python {
 
 namespace nb = nanobind;
 
-/// Raises the exception of pyarrow's family that belongs to the status, with its message and, where
-/// a column failed, the attributes `column_name`, `column_index` and `error_code`. `note` is added
-/// to a type error or an invalid value: what the caller can do about it.
+/// Raises the pyarrow exception for the status, with its message. If a column failed, the exception
+/// has the attributes `column_name`, `column_index` and `error_code`. `note` tells the caller what
+/// to do; it is only added to type errors and invalid values.
 [[noreturn]] void raise_status(const ::arrow::Status& status, const std::string& note = {});
 
 inline void raise_unless_ok(const ::arrow::Status& status, const std::string& note = {}) {
@@ -29,10 +29,10 @@ T value_or_raise(::arrow::Result<T> result, const std::string& note = {}) {
   return std::move(result).MoveValueUnsafe();
 }
 
-/// Raises `type` with a text in UTF-8 and a note.
+/// Raises `type` with a UTF-8 text and a note.
 [[noreturn]] void raise_with_note(PyObject* type, const char* text, const nb::object& note);
 
-/// Makes the host's exceptions, which nanobind does not know, those of Python.
+/// Translates the host's exceptions, which nanobind does not know, into Python exceptions.
 void register_host_exceptions();
 
 }  // namespace numera::python

@@ -40,7 +40,7 @@ nb::tuple shape(const HostValue& value) {
   return nb::tuple(extents);
 }
 
-/// The name as the host spells it; none where no host can have such a field.
+/// The name in the host's encoding; none if no host field can have such a name.
 std::optional<std::string> host_name(const nb::str& name) {
   const auto bytes =
       nb::steal<nb::bytes>(PyUnicode_AsEncodedString(name.ptr(), "utf-8", "surrogateescape"));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What a Python `HostArray` holds: a share in a host value, or in a part of one.
+/// The content of a Python `HostArray`: shared ownership of a host value or of a part of one.
 
 #include <cstddef>
 #include <memory>
@@ -11,10 +11,10 @@
 
 namespace numera::python {
 
-/// Never null. Children are parts of the value that they were read from, and keep all of it alive.
+/// Never null. A child that was read from a value keeps the whole value alive.
 struct HostValue {
   std::shared_ptr<const hxArray> array;
-  /// Elements may be written through the buffer protocol: while a builder fills a new array.
+  /// Whether the buffer protocol may write the elements. True while a builder fills a new array.
   bool writable = false;
 
   const hxArray* get() const { return array.get(); }
@@ -31,8 +31,7 @@ inline HostValue part_of(const HostValue& whole, const hxArray* part) {
 /// A struct, or an object that is no string array.
 bool has_fields(const hxArray* array);
 
-/// Element `index` of a struct array as a 1-by-1 struct that shares the memory of all that is in
-/// it.
+/// Element `index` of a struct array as a 1-by-1 struct. It shares the memory of the field values.
 HostValue struct_element(const HostValue& value, size_t index);
 
 }  // namespace numera::python

@@ -10,7 +10,7 @@ NB_MODULE(_core, module) {
   using namespace numera::python;  // NOLINT(google-build-using-namespace): this file is its front
   using numera::io::arrow::core::util::TableErrorCode;
   if (arrow::py::import_pyarrow() != 0) throw nb::python_error();
-  // Values may outlive the interpreter's modules; the operating system takes them then.
+  // Values may outlive the interpreter's modules. They are freed when the process ends.
   nb::set_leak_warnings(false);
   module.attr("__version__") = nb::str(numera::kVersion.data(), numera::kVersion.size());
   nb::enum_<TableErrorCode>(module, "TableErrorCode", nb::is_arithmetic(), docs::kTableErrorCode)

@@ -34,7 +34,7 @@ constexpr const char* kRefusedColumnNote =
     "change what stands at that place to what was expected there, or leave the column out of the "
     "table.";
 
-/// The text of a field of element `index` where it can be read.
+/// The text of a field of element `index`; empty if it cannot be read.
 std::string text_in(const hxArray* value, size_t index, const char* name) {
   constexpr size_t kLongerThanAnyName = 64;
   if (!has_fields(value) || index >= hxGetNumberOfElements(value)) return {};
@@ -51,7 +51,7 @@ std::string text_in(const hxArray* value, size_t index, const char* name) {
 
 std::string kind_of(const hxArray* value) { return text_in(value, 0, "ArrowType"); }
 
-/// `Column 'price' (index 1, type 'double'): `; empty where the failure is not that of a column.
+/// `Column 'price' (index 1, type 'double'): `; empty if the failure names no column.
 std::string failed_column(const HostValue& host, const ::arrow::Status& status) {
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
   if (detail == nullptr) return {};
@@ -89,8 +89,7 @@ std::string failed_column(const HostValue& host, const ::arrow::Status& status) 
   return ::arrow::Status::OK();
 }
 
-/// What `convert` makes of a shared copy of the value, so that the `HostArray` and Arrow each own
-/// one.
+/// Calls `convert` with a shared copy of the value, so that the `HostArray` and Arrow own one each.
 template <class Convert>
 auto converted(const HostValue& host, bool validate, Convert convert) {
   auto validated = [&]() -> decltype(convert(nullptr)) {

@@ -32,7 +32,8 @@ namespace py = ::arrow::py;
 constexpr const char* kCastNote =
     "numera.to_host(x, cast=True) casts what has no host form, as far as there is a rule for it.";
 
-/// Objects of pyarrow have views where a user asked for them; other libraries have no plain text.
+/// Options for objects of other libraries. Their views are always cast, because some of these
+/// libraries have no plain text. Views in pyarrow objects were chosen by the user.
 extras::IntakeOptions from_outside(bool cast) { return {.cast = cast, .views = true}; }
 
 template <class T>
@@ -56,12 +57,12 @@ HostValue convert(const std::shared_ptr<T>& value, const extras::IntakeOptions& 
   return adopt_result(std::move(result), options.cast);
 }
 
-/// A column for each field of the rows; rows that are null are null in all of them.
+/// One column per field of the rows. A null row is null in every column.
 ::arrow::Result<std::shared_ptr<::arrow::Table>> table_of(const ::arrow::ChunkedArray& rows) {
   const ::arrow::FieldVector& fields = rows.type()->fields();
   std::vector<::arrow::ArrayVector> chunks(fields.size());
   for (const auto& chunk : rows.chunks()) {
-    // Children that are too short would be cut beyond their end.
+    // Otherwise Flatten would slice a child that is too short beyond its end.
     ARROW_RETURN_NOT_OK(chunk->Validate());
     const auto& structs = static_cast<const ::arrow::StructArray&>(*chunk);
     ARROW_ASSIGN_OR_RAISE(const ::arrow::ArrayVector columns, structs.Flatten());
@@ -109,7 +110,7 @@ HostValue from_array(const nb::object& capsules, bool cast) {
   return convert(value_or_raise(::arrow::ImportArray(array, schema)), from_outside(cast));
 }
 
-/// Memory of Python, borrowed.
+/// Converts Python memory, which is borrowed during the call.
 HostValue from_bytes(nb::handle object) {
   Py_buffer view;
   if (PyObject_GetBuffer(object.ptr(), &view, PyBUF_FORMAT | PyBUF_ND) != 0)
@@ -130,7 +131,7 @@ HostValue from_bytes(nb::handle object) {
   return adopt(value_or_raise(std::move(result)));
 }
 
-/// Objects of pyarrow itself, without a way through capsules.
+/// Converts pyarrow objects directly, without capsules.
 std::optional<HostValue> from_pyarrow(nb::handle x, bool cast) {
   PyObject* object = x.ptr();
   if (py::is_array(object)) return convert(value_or_raise(py::unwrap_array(object)), {cast});
@@ -141,7 +142,7 @@ std::optional<HostValue> from_pyarrow(nb::handle x, bool cast) {
     const auto batch = value_or_raise(py::unwrap_batch(object));
     return convert(value_or_raise(::arrow::Table::FromRecordBatches({batch})), {cast});
   }
-  // A reader tells the exceptions of a Python source itself; its stream only their text.
+  // A reader passes on the exceptions of a Python source; its C stream only passes on their text.
   if (nb::isinstance(x, nb::module_::import_("pyarrow.lib").attr("RecordBatchReader"))) {
     return from_pyarrow(x.attr("read_all")(), cast);
   }

@@ -12,7 +12,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The lock of a busy interpreter takes a while to get, and a table may have many small columns.
+/// The least time between two checks. Acquiring the lock of a busy interpreter takes a while, and a
+/// table may have many small columns.
 constexpr std::chrono::milliseconds kPatience{20};
 
 struct Running {
@@ -51,7 +52,7 @@ void check_signals(PyThreadState* thread) {
 
 }  // namespace
 
-// A conversion may pull its data from Python code, which may convert in turn.
+// The calls may nest: a conversion may pull data from Python code, which may convert in turn.
 Unlocked::Unlocked() : thread_(PyEval_SaveThread()) {
   if (running().depth++ > 0) return;
   running().last_check = Clock::now();

@@ -1,18 +1,19 @@
 #pragma once
 
 /// \file
-/// Conversions beside other Python threads, and what Ctrl-C does to them.
+/// Runs conversions while other Python threads run, and handles Ctrl-C.
 
 #include <nanobind/nanobind.h>
 
 namespace numera::python {
 
-/// While it lives the interpreter's lock is released, and where the library asks for interrupts,
-/// between two columns, pending signals are handled: Ctrl-C leaves the conversion as
+/// Releases the interpreter's lock during its lifetime. Pending signals are handled when the
+/// library checks for interrupts, between two columns. Ctrl-C then ends the conversion with
 /// KeyboardInterrupt.
 ///
-/// A thread whose conversion ends while the interpreter shuts down stops for good, as Python's own
-/// do from 3.14 on: the end that older ones make of it passes through no destructor.
+/// A thread whose conversion ends while the interpreter shuts down blocks forever, as Python's own
+/// threads do since 3.14. Older versions unwind such a thread, but an unwind cannot pass through a
+/// destructor.
 class Unlocked {
  public:
   Unlocked();

@@ -1,4 +1,4 @@
-"""How many values the tests draw: NUMERA_EXAMPLES=thorough draws many, and others each time."""
+"""How many values the tests draw. NUMERA_EXAMPLES=thorough draws many, different in each run."""
 
 import os
 

@@ -21,7 +21,7 @@ def _integers(bits, signed):
 
 
 def _counts(unit, low, high):
-    """Numbers of units between two seconds that Python's own times can express."""
+    """Numbers of units between two seconds, limited to what Python's own times can express."""
     factor = UNITS[unit]
     step = 1000 if unit == "ns" else 1
     return st.integers(low * factor // step, (high * factor - 1) // step).map(lambda n: n * step)
@@ -32,7 +32,7 @@ def _instants(unit):
     return _counts(unit, low, high)
 
 
-# A type and a strategy for its values, nulls apart.
+# Pairs of a type and a strategy for its values without nulls.
 NUMBERS = [(getattr(pa, f"{u}int{n}")(), _integers(n, u == "")) for u in ("", "u") for n in (8, 16, 32, 64)]
 TEXTS = [(pa.string(), WORDS), (pa.large_string(), WORDS)]
 KNOWN = NUMBERS + TEXTS + [
@@ -91,7 +91,7 @@ def _map(key, item):
 
 
 def typed(leaves, extra_lists=()):
-    """Pairs of a type and the values of it: one of the leaves, or nested ones up to some depth."""
+    """Pairs of a type and a strategy for its values: a leaf, or a nested type of leaves."""
     keys = st.sampled_from(TEXTS + NUMBERS)
 
     def nested(inner):
@@ -108,8 +108,8 @@ castable = typed(KNOWN + CAST, [pa.list_view, pa.large_list_view])
 
 
 def _array(values, type):
-    """Draws anew where pyarrow makes an array that is not valid by its own rules: a struct that is
-    null over a dictionary without values."""
+    """The array. Draws again if pyarrow makes an array that it finds invalid itself: a null struct
+    over a dictionary without values."""
     array = pa.array(values, type)
     try:
         array.validate(full=True)
@@ -132,7 +132,7 @@ def column(draw, types):
 
 @st.composite
 def special(draw):
-    """Columns whose arrays are put together: extensions, runs, lists of a fixed size."""
+    """Columns that need special constructors: extensions, run-end encoded, fixed-size lists."""
     kind = draw(st.sampled_from(["extension", "runs", "lists"]))
     leaves = [(pa.binary(16), st.binary(min_size=16, max_size=16))]
     type, values = draw(st.sampled_from(leaves if kind == "extension" else NUMBERS + TEXTS))

@@ -1,7 +1,7 @@
-"""Reads encoded values the way their format is documented, without the library's way back.
+"""Reads encoded values by their documented format, without the library's conversion to Arrow.
 
-`elements` gives plain Python objects: those that pyarrow gives for the same data, but for what
-`losses` says.
+`elements` returns plain Python objects: the same as pyarrow for the same data, except for what
+`losses` lists.
 """
 
 import datetime as dt
@@ -28,7 +28,7 @@ def elements(envelope):
 
 
 def columns(table):
-    """The elements of a table's columns by name."""
+    """The elements of the columns of a table, by name."""
     assert table["ArrowType"].text == "table"
     assert len(table["Names"]) == len(table["Columns"])
     return {name.text: elements(column) for name, column in zip(table["Names"], table["Columns"])}
@@ -78,7 +78,7 @@ def _instants(data):
 
 
 def _later(start, value, per_second):
-    """None for what Python cannot express, such as may stand under a null."""
+    """The time; None if Python cannot express it, which may happen under a null."""
     try:
         return start + dt.timedelta(microseconds=value * 10**6 // per_second)
     except OverflowError:
@@ -106,7 +106,7 @@ def _categories(data):
     categories = _texts(data["Categories"])
     assert data["Ordinal"].class_name == "logical"
     codes = _vector(data["Values"]).tolist()
-    # The code of a null means nothing.
+    # Under a null the code may be any number.
     return [categories[code] if 0 <= code < len(categories) else None for code in codes]
 
 

@@ -1,10 +1,10 @@
-"""What a value loses on its way: the one table, and what becomes of an element by it."""
+"""What values lose in a conversion: the table, and the expected elements."""
 
 import datetime as dt
 
 import pyarrow as pa
 
-# Arrow type, in the host, back in Arrow; the documentation has the same table.
+# Arrow type, in the host, back in Arrow. The documentation has the same table.
 TABLE = [
     ("string, binary", "the offsets' width is gone", "large string, large binary"),
     ("fixed_size_binary", "bytes", "large binary"),
@@ -29,11 +29,11 @@ TABLE = [
 
 
 def in_host(type, value):
-    """What the host holds of an element that pyarrow reads as `value`."""
+    """What the host holds for an element that pyarrow reads as `value`."""
     if value is None:
         return None
     if isinstance(type, pa.BaseExtensionType):
-        return value.bytes  # uuid, the one that is drawn
+        return value.bytes  # uuid is the only extension type drawn
     if pa.types.is_duration(type):
         return pa.scalar(value, type).value
     if pa.types.is_timestamp(type) and type.tz:
@@ -48,7 +48,7 @@ def in_host(type, value):
 
 
 def back_in_arrow(type, value):
-    """What pyarrow reads of what came back of an element of one of the types kept as they are."""
+    """What pyarrow reads, after the way back, for an element of a type that needs no cast."""
     if value is None:
         return None
     if pa.types.is_date(type):
@@ -59,7 +59,7 @@ def back_in_arrow(type, value):
 
 
 def _parts(type, value, of, pair):
-    """The value with its elements, at any depth, replaced by what becomes `of` them."""
+    """The value with `of` applied to its elements at any depth, and `pair` to map entries."""
     if pa.types.is_map(type):
         return [pair(of(type.key_type, key), of(type.item_type, item)) for key, item in value]
     if pa.types.is_struct(type):

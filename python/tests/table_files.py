@@ -1,4 +1,4 @@
-"""Files for the tests of reading and writing, and what is read of them."""
+"""Files for the tests of reading and writing, and their expected contents."""
 
 import numera
 import pyarrow as pa
@@ -14,7 +14,7 @@ def columns(value):
 
 
 def file_of(tmp_path, table, suffix, rows=None):
-    """The file as pyarrow writes it, in groups or batches of so many rows."""
+    """A file that pyarrow writes, in row groups or batches of `rows` rows."""
     path = tmp_path / f"data{suffix}"
     if suffix == ".parquet":
         pq.write_table(table, path, row_group_size=rows)

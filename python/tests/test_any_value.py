@@ -1,4 +1,4 @@
-"""Values of any type, as the host holds them and as they come back, beside what pyarrow reads."""
+"""Values of any type, in the host and after the way back, compared with what pyarrow reads."""
 
 import struct
 
@@ -12,7 +12,7 @@ from hypothesis import given
 
 
 def same(a, b):
-    """Equality of class and value at every depth, in which NaN is NaN and -0.0 is not 0.0."""
+    """Equality of class and value at every depth. NaN equals NaN, and -0.0 differs from 0.0."""
     if isinstance(a, float) and isinstance(b, float):
         return a != a and b != b or struct.pack("d", a) == struct.pack("d", b)
     if isinstance(a, (list, tuple)):
@@ -29,7 +29,7 @@ def check(found, expected):
 
 
 def held(column):
-    """What the host has to hold of a column: what pyarrow reads, less what is lost."""
+    """What the host must hold for a column: what pyarrow reads, without what is lost."""
     return [losses.in_host(column.type, value) for value in column.to_pylist()]
 
 

@@ -1,4 +1,4 @@
-"""Bars show the progress of long work."""
+"""Progress bars of long work."""
 
 import io
 import sys

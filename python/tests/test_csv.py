@@ -1,4 +1,4 @@
-"""What is particular to CSV: empty lines, newlines in texts, long rows, types."""
+"""Cases that only CSV has: empty lines, newlines in texts, long rows, types."""
 
 import numera
 import pyarrow as pa
@@ -12,7 +12,7 @@ from table_files import columns
     ([None, 1, None, None], [None, 1, None, None]),
     ([None, None], [None, None]),
     (["x", None, "", "y"], ["x", "", "", "y"]),  # a null text reads back as an empty one
-    (["", None], [None, None]),  # nothing says that these were texts
+    (["", None], [None, None]),  # the file does not show that these were texts
 ])
 def test_a_csv_of_one_column_has_every_row(tmp_path, values, expected):
     path = tmp_path / "one.csv"

@@ -1,4 +1,4 @@
-"""Every public name says what it does, and its examples hold."""
+"""Every public name has a docstring, and its examples are correct."""
 
 import ast
 import doctest
@@ -15,7 +15,7 @@ from numera import host
 FUNCTIONS = ["to_host", "to_arrow", "encode", "datatype", "utf16_to_utf8"]
 FILES = ["read", "scan", "write"]
 BUILDERS = ["numeric", "logical", "char", "string", "cell", "struct"]
-# What Python itself documents.
+# Special methods, which need no example.
 WITHOUT_EXAMPLE = {"__len__", "__iter__", "__contains__", "__getitem__", "__eq__", "__reduce__",
                    "__repr__", "_repr_html_"}
 

@@ -1,4 +1,4 @@
-"""Every format of files: what is read of them, and what is refused."""
+"""Every file format: what is read and what is refused."""
 
 import os
 

@@ -1,4 +1,4 @@
-"""The guide: its examples print what they say, and its table is that of the tests."""
+"""The guide: its examples print what it shows, and its table equals that of the tests."""
 
 import doctest
 import re

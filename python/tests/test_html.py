@@ -1,4 +1,4 @@
-"""The folding tree that notebooks show."""
+"""The collapsible tree for notebooks."""
 
 from html.parser import HTMLParser
 
@@ -11,7 +11,7 @@ VOID = {"br", "hr", "img"}
 
 
 class Balanced(HTMLParser):
-    """Fails on tags that do not match, and notes the tags and the text outside of the style."""
+    """Fails on mismatched tags, and records the tags and the text outside the style element."""
 
     def __init__(self, html):
         super().__init__()

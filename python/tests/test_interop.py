@@ -1,4 +1,4 @@
-"""Objects of other libraries, in and out. What they hold is compared by value."""
+"""Objects of other libraries, to the host and back, compared by value."""
 
 import duckdb
 import nanoarrow
@@ -64,7 +64,7 @@ def test_views_of_polars_need_no_cast(values, dtype):
 
 
 class Views:
-    """A library that has lists as views."""
+    """A library that exports lists as views."""
 
     def __init__(self, array):
         self.__arrow_c_array__ = array.__arrow_c_array__

@@ -1,4 +1,4 @@
-"""The types that pandas, polars, DuckDB and nanoarrow use of their own, in and out."""
+"""The native types of pandas, polars, DuckDB and nanoarrow, to the host and back."""
 
 import datetime as dt
 from decimal import Decimal

@@ -9,12 +9,12 @@ import pytest
 from table_files import columns
 
 ROWS = 1000
-# Counts of a footer: first the rows of the file, then the values of each column.
+# The order of the counts in a footer: first the rows of the file, then the values of each column.
 ROWS_OF_FILE, VALUES_OF_N = 0, 1
 
 
 def counted(count):
-    """A count as Parquet writes it: zigzag, seven bits a byte."""
+    """A count as Parquet writes it: zigzag, seven bits per byte."""
     count, given = 2 * count, b""
     while count > 127:
         given += bytes([count & 127 | 128])
@@ -23,7 +23,7 @@ def counted(count):
 
 
 def written(tmp_path, rows=ROWS):
-    """Three columns of four pages in every row group: n, l, and the two of s."""
+    """A file with the columns n, l and s. Each row group has four pages: n, l, and two for s."""
     path = tmp_path / "rows.parquet"
     table = pa.table({"n": [7] * rows, "l": [[7]] * rows, "s": [{"x": 7, "y": "seven"}] * rows})
     pq.write_table(table, path, row_group_size=ROWS, write_page_checksum=True, compression="none")
@@ -31,7 +31,7 @@ def written(tmp_path, rows=ROWS):
 
 
 def recount(path, kind, which, count):
-    """Writes another number over one that is `ROWS`, in the header of a page or in the footer."""
+    """Replaces one number `ROWS` in a page header or in the footer by `count`."""
     content = path.read_bytes()
     footer = len(content) - 8 - int.from_bytes(content[-8:-4], "little")
     begin, end, number = {"page": (0, footer, b"\x15"), "footer": (footer, len(content), b"\x16")}[kind]

@@ -1,5 +1,5 @@
-"""Data that other programs make and pyarrow reads: nothing nested, null categories, what stands
-behind nulls. It goes to the host and comes back."""
+"""Data from other programs that pyarrow reads, to the host and back: nested tables without rows,
+null categories, values under nulls."""
 
 import datetime as dt
 import decimal
@@ -36,7 +36,7 @@ def there_and_back(x, cast=False):
 
 
 class Stream:
-    """A library that hands tables out as streams."""
+    """A library that exports tables as streams."""
 
     def __init__(self, table):
         self.__arrow_c_stream__ = table.__arrow_c_stream__
@@ -131,7 +131,7 @@ def test_partitions_with_a_null_are_read(tmp_path):
 
 
 def days(*values):
-    """Dates of so many milliseconds, whole days or not."""
+    """Dates of the given milliseconds, whole days or not."""
     return pa.Array.from_buffers(pa.date64(), len(values),
                                  [None, pa.array(values, pa.int64()).buffers()[1]])
 

@@ -1,4 +1,4 @@
-"""What is installed: the version, the program, and the pyarrow that it asks for."""
+"""The installed package: its version, its program, and the pyarrow it requires."""
 
 import importlib.metadata
 import os

@@ -1,4 +1,4 @@
-"""The real files of the examples, cell by cell beside pyarrow's own reading of them."""
+"""The real files of the examples, compared value by value with what pyarrow reads."""
 
 from pathlib import Path
 

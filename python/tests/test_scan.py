@@ -1,4 +1,4 @@
-"""Files in tables of so many rows each."""
+"""Files read as tables of a given number of rows."""
 
 import numera
 import pyarrow as pa

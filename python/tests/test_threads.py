@@ -1,4 +1,4 @@
-"""Several threads, Ctrl-C, the end of the interpreter, and memory over many conversions."""
+"""Threads, Ctrl-C, the shutdown of the interpreter, and the memory of many conversions."""
 
 import concurrent.futures
 import gc
@@ -42,7 +42,7 @@ def test_values_are_freed_on_another_thread():
 
 
 class Stream:
-    """A stream that lets another thread of Python run before its second batch comes."""
+    """A stream that waits for another Python thread before it gives its second batch."""
 
     def __init__(self, other_ran):
         self.other_ran = other_ran
@@ -67,7 +67,7 @@ def test_other_threads_run_while_a_stream_is_read():
 
 
 class Converting:
-    """A stream that converts while it is converted."""
+    """A stream that runs a conversion while it is being converted."""
 
     def __arrow_c_stream__(self, requested_schema=None):
         def batches():
@@ -93,7 +93,7 @@ def test_ctrl_c_ends_a_conversion_between_two_columns(convert):
     started = table if convert == "to_host" else numera.to_host(table.select(range(1_000)))
     del value
     before = host.live_arrays()
-    # The signal comes while the conversion runs, which takes far longer.
+    # The signal arrives while the conversion runs, which takes much longer.
     signal.setitimer(signal.ITIMER_REAL, 0.1)
     previous = signal.signal(signal.SIGALRM, signal.default_int_handler)
     try:
@@ -165,4 +165,4 @@ def test_a_hundred_thousand_conversions_leave_nothing():
         after = int(file.read().split()[1])
     assert (host.live_arrays(), host.live_bytes()) == (arrays, bytes_)
     assert pa.total_allocated_bytes() == arrow
-    assert (after - before) * 4096 < 16 * 2**20  # a byte lost each time would be 100 kB, a value 50 MB
+    assert (after - before) * 4096 < 16 * 2**20  # one byte lost per call is 100 kB, one value 50 MB

@@ -50,7 +50,7 @@ def test_everything_of_columns_becomes_a_table(x):
 
 
 class Stream:
-    """Data of another library."""
+    """Data from another library."""
 
     def __init__(self, source):
         self.source = source

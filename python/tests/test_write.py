@@ -1,4 +1,4 @@
-"""Files take the place of old ones when they are complete, and not before."""
+"""A new file replaces the old one when it is complete, not before."""
 
 import os
 

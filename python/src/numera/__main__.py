@@ -1,4 +1,4 @@
-"""The command line program: `python -m numera` does what `numera-arrow` does."""
+"""The command line program: `python -m numera` runs `numera-arrow`."""
 
 import os
 import signal
@@ -8,7 +8,7 @@ from pathlib import Path
 
 def main():
     program = Path(__file__).parent / "bin" / "numera-arrow"
-    # Python ignores these, and what is ignored stays so in a program that takes its place.
+    # Python ignores these signals, and exec keeps ignored signals ignored.
     for name in ("SIGPIPE", "SIGXFSZ"):
         signal.signal(getattr(signal, name), signal.SIG_DFL)
     os.execv(program, [program, *sys.argv[1:]])

@@ -1,9 +1,8 @@
 """Arrow tables in files, read and written by pyarrow.
 
-A source has the `names` of its columns, the number of `rows` where the file tells it (else None),
-and two ways to read the columns of the names that are asked for: `parts`, batches or tables as
-large as the file has them, and `batches`, which hold a bounded number of rows in memory. What is
-opened is closed with the last reference to it.
+A source has the `names` of its columns and the number of `rows`, or None if the file does not state
+it. It reads the named columns in two ways: `parts` gives batches or tables as large as in the file,
+and `batches` holds a bounded number of rows in memory. A file is closed with its last reference.
 """
 
 import csv
@@ -15,7 +14,7 @@ import pyarrow.csv
 import pyarrow.parquet
 
 _BUFFER_BYTES = 1 << 20
-_CSV_BLOCK_BYTES = 1 << 20  # some forty of which are read ahead
+_CSV_BLOCK_BYTES = 1 << 20  # about forty blocks are read ahead
 _CSV_LONGEST_ROW_BYTES = 1 << 25  # no row may be longer than a block
 _PARQUET_ROWS = 1 << 20
 _IPC_ROWS = 1 << 16
@@ -32,7 +31,7 @@ _FORMATS = {
 
 
 class _Parquet:
-    """Pyarrow ends a row group with its shortest column, so all rows are held against the footer."""
+    """Checks row counts against the footer: pyarrow ends a row group with its shortest column."""
 
     def __init__(self, path):
         self._path = path
@@ -62,7 +61,7 @@ class _Parquet:
         return self._file.metadata.row_group(group).num_rows
 
     def _counted(self, names, read):
-        """What `read` gives of one row group after another."""
+        """The parts that `read` returns for each row group, with checked row counts."""
         flat = list(self._flat_leaves(names))
         for group in range(self._file.num_row_groups):
             self._check_values(group, flat)
@@ -77,7 +76,7 @@ class _Parquet:
                 raise self._explained(group, names, error) from None
 
     def _flat_leaves(self, names):
-        """The numbers and names of what has one value a row, since nothing repeats."""
+        """The numbers and names of the leaves without repetition, which have one value per row."""
         heads = None if names is None else tuple(name + "." for name in names)
         schema = self._file.schema
         for i in range(len(schema)):
@@ -86,7 +85,7 @@ class _Parquet:
                 yield i, leaf.path
 
     def _check_values(self, group, flat):
-        """What lies behind the last row would not be read."""
+        """Refuses values after the last row, which would not be read."""
         metadata = self._file.metadata.row_group(group)
         for i, name in flat:
             values = metadata.column(i).num_values
@@ -94,7 +93,7 @@ class _Parquet:
                 raise self._in_column(group, name, self._miscounted(group, values, "values"))
 
     def _explained(self, group, names, failure):
-        """Reads the columns of the row group by themselves: the first that fails is the reason."""
+        """Reads each column of the row group alone. The first one that fails gives the reason."""
         for name in self.names if names is None else names:
             try:
                 rows = sum(batch.num_rows for batch in self._batches(group, [name], _IPC_ROWS))
@@ -109,7 +108,7 @@ class _Parquet:
             f"found {count} {what}, expected the {self._rows_of(group)} of the footer.")
 
     def _in_column(self, group, name, error):
-        *number, text = error.args  # of an OSError
+        *number, text = error.args  # an OSError has a number
         return type(error)(*number, f"{self._path!r}, row group {group}, column {name!r}: {text}")
 
 
@@ -154,15 +153,15 @@ class _Csv:
         self.rows = None
 
     def parts(self, names):
-        """All at once: the types are those that fit the whole file, not those of its first rows."""
+        """Reads the file at once, so that the types fit the whole file, not only its first rows."""
         try:
             yield pa.csv.read_csv(_open(self._path), *self._options(_CSV_LONGEST_ROW_BYTES, names))
         except pa.ArrowInvalid as error:
             raise _explained(error, _CSV_LONGEST_ROW_BYTES) from None
 
     def batches(self, names, rows):
-        """Where a row is longer than a block, goes on behind the rows so far with longer blocks."""
-        # The types of the first blocks are given on by name.
+        """If a row is longer than a block, continues after the rows so far with longer blocks."""
+        # A new reader gets the types of the first blocks by name, so names must be unique.
         longest = _CSV_LONGEST_ROW_BYTES if len(set(self.names)) == len(self.names) else 0
         block_bytes, rows_so_far, schema = _CSV_BLOCK_BYTES, 0, None
         while True:
@@ -180,7 +179,7 @@ class _Csv:
                 block_bytes *= 2
 
     def _options(self, block_bytes, names, schema=None):
-        # Of one column, an empty line is a null.
+        # In a file with one column, an empty line is a null.
         is_one = len(self.names) == 1
         return (
             pa.csv.ReadOptions(block_size=block_bytes,
@@ -195,7 +194,7 @@ def _is_too_long(error):
 
 
 def _explained(error, block_bytes):
-    """Where a row is too long, pyarrow advises an option that nobody has here."""
+    """Replaces pyarrow's error for a long row: it suggests an option that callers do not have."""
     if not _is_too_long(error):
         return error
     return pa.ArrowInvalid(f"CSV: found a row of more than {block_bytes:,} bytes, "
@@ -203,7 +202,7 @@ def _explained(error, block_bytes):
 
 
 def _behind(rows, batches):
-    """The batches without so many rows at their beginning."""
+    """The batches without the first `rows` rows."""
     for batch in batches:
         if batch.num_rows > rows:
             yield batch.slice(rows)
@@ -211,7 +210,7 @@ def _behind(rows, batches):
 
 
 def _csv_heading(path):
-    """The names of the columns, and how many empty lines stand before them."""
+    """The names of the columns, and the number of empty lines before them."""
     with open(path, encoding="utf-8-sig", errors="surrogateescape", newline="") as file:
         lines = iter(lambda: file.readline(_CSV_LONGEST_ROW_BYTES), "")
         try:
@@ -224,7 +223,7 @@ def _csv_heading(path):
 
 
 def _open(path):
-    # Names of files need not be UTF-8.
+    # File names need not be UTF-8.
     return pa.OSFile(os.fsencode(path))
 
 
@@ -238,7 +237,7 @@ def open_source(path):
 
 
 def open_sink(sink, path, schema):
-    """A writer of pyarrow to the open file `sink` in the form of `path`, and its rows at once."""
+    """A pyarrow writer to the open file `sink` in the format of `path`, and its rows per write."""
     kind = format_of(path)
     if kind == "parquet":
         return pa.parquet.ParquetWriter(sink, schema), _PARQUET_ROWS

@@ -1,4 +1,4 @@
-"""Host values as folding trees for notebooks."""
+"""Host values as collapsible trees for notebooks."""
 
 from html import escape
 
@@ -7,8 +7,8 @@ MAX_ELEMENTS = 20
 MAX_NODES = 1000
 OPEN_LEVELS = 2
 
-# Notebooks have themes of their own beside that of the system; text takes the notebook's colour.
-# Their rules for lists in lists are narrower than ours and would draw bullets.
+# Notebooks have their own themes besides the system's; text takes the notebook's colour. Their
+# rules for nested lists are more specific than ours and would draw bullets.
 _DARK = "--numera-name:#79c0ff;--numera-class:#d2a8ff;--numera-rule:#6e7681"
 STYLE = f"""<style>
 .numera{{--numera-name:#0550ae;--numera-class:#8250df;--numera-rule:#afb8c1;
@@ -34,7 +34,7 @@ def render(value):
 
 
 class _Tree:
-    """Counts what is shown, so that a notebook stays light whatever the value."""
+    """Counts the nodes it shows, so that a notebook stays small for any value."""
 
     def __init__(self):
         self.nodes = 0
@@ -65,7 +65,7 @@ class _Tree:
 
 
 def _parts(value):
-    """Names and values of the slots that are shown, and how many are left out."""
+    """The names and values of the slots to show, and the number of the others."""
     count = min(len(value), MAX_ELEMENTS)
     if value.class_name == "cell":
         return [(f"{{{i}}}", value[i]) for i in range(count)], len(value) - count
@@ -95,7 +95,7 @@ def _elements(value):
 
 
 def _line(value):
-    """Class, size and elements, as they are printed on the line of the value."""
+    """The class, size and elements, as in the printed line of the value."""
     line = value.tree(max_depth=0, max_elements=MAX_ELEMENTS, max_lines=1).splitlines()[0]
     size = "x".join(map(str, value.shape))
     kind, _, elements = line.partition(f" {size}")

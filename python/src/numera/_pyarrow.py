@@ -1,4 +1,4 @@
-"""The pyarrow that the compiled parts were linked against has to be the one that is installed."""
+"""Checks that the installed pyarrow is one that the compiled parts are linked against."""
 
 OLDEST = (26, 0, 1)
 BEFORE = (26, 1)

@@ -1,4 +1,4 @@
-"""Host values as NumPy arrays, as plain Python objects, and in pieces for pickle."""
+"""Host values as NumPy arrays, as plain Python objects, and as parts for pickle."""
 
 import numpy
 
@@ -49,7 +49,7 @@ def _restore(kind, *parts):
     return _MAKERS[kind](*parts)
 
 
-# The names are part of what a pickle holds.
+# Pickles contain these names.
 _MAKERS = {
     "numeric": host.numeric,
     "char": host._char_of_units,
@@ -90,7 +90,7 @@ def _char(value):
 
 
 def _shaped(elements, shape):
-    """Elements in storage order as a list, or as lists in lists where there are several axes."""
+    """Elements in storage order as a list, or as nested lists if there are several axes."""
     if len(shape) == 2 and (1 in shape or 0 in shape):
         return elements.tolist() if isinstance(elements, numpy.ndarray) else elements
     if not isinstance(elements, numpy.ndarray):

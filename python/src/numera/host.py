@@ -1,7 +1,7 @@
-"""Host values made from NumPy arrays and Python objects, and what the host knows of itself.
+"""Host values made from NumPy arrays and Python objects, and counters of the host.
 
-One dimension becomes a column, none a 1-by-1 value, and two or more stay as they are. Everything
-is copied, but for host values that are put into cells and structs: these share their memory.
+An array with one dimension becomes a column, one without dimensions a 1-by-1 value. Two or more
+dimensions stay. Everything is copied, except host values in cells and structs: these share memory.
 
 >>> import numpy
 >>> from numera import host
@@ -49,13 +49,14 @@ _CLASSES = {
 
 
 def numeric(values: Any) -> HostArray:
-    """Numbers of the class that belongs to their dtype; bool becomes logical.
+    """A numeric array of the class for the dtype of values; bool becomes logical.
 
-    values is a NumPy array of any strides and byte order, or what numpy.asarray makes one of.
-    float64 is "double", float32 "single", integers keep their names, complex numbers are complex.
+    values is a NumPy array of any strides and byte order, or anything that numpy.asarray accepts.
+    float64 becomes "double" and float32 "single"; integers keep their names; complex numbers become
+    complex arrays.
 
-    Raises TypeError for every other dtype (object, float16, datetime64, text) and ValueError for
-    masked arrays, whose masked elements would count.
+    Raises TypeError for every other dtype (object, float16, datetime64, text), and ValueError for
+    masked arrays, because masked elements would become values.
 
     >>> from numera import host
     >>> host.numeric([1, 2, 3]), host.numeric(2.5)
@@ -65,7 +66,7 @@ def numeric(values: Any) -> HostArray:
 
 
 def logical(values: Any) -> HostArray:
-    """Truth values. Raises TypeError for any dtype but bool.
+    """A logical array. Raises TypeError for any dtype except bool.
 
     >>> from numera import host
     >>> host.logical([True, False])
@@ -80,9 +81,9 @@ def logical(values: Any) -> HostArray:
 
 
 def char(text: str | Sequence[str]) -> HostArray:
-    """A char row of the UTF-16 code units of a text, or a matrix of texts of the same length.
+    """A char row of the UTF-16 code units of a text, or a char matrix with one text per row.
 
-    Lone surrogates stay. Raises TypeError for anything but texts, ValueError for rows of
+    Keeps lone surrogates. Raises TypeError for anything except texts, and ValueError for texts of
     different lengths.
 
     >>> from numera import host
@@ -107,7 +108,7 @@ def string(texts: Any) -> HostArray:
     """A string array; None is a missing text.
 
     texts is one text or None, an iterable of them, or a NumPy array of texts of any shape.
-    Raises TypeError for anything else, NaN and pandas.NA included.
+    Raises TypeError for anything else, including NaN and pandas.NA.
 
     >>> from numera import host
     >>> host.string(["a", None, "c"])
@@ -125,10 +126,10 @@ def string(texts: Any) -> HostArray:
 
 
 def cell(values: Iterable[Any], shape: Sequence[int] | None = None) -> HostArray:
-    """A cell array of values in storage order: a column, or of the given shape.
+    """A cell array of values in storage order, as a column or with the given shape.
 
     A value is a HostArray, None (an empty slot), a str (a char row), or numbers for `numeric`.
-    Raises TypeError for other values, ValueError where shape has another number of elements.
+    Raises TypeError for other values, and ValueError if shape has another number of elements.
 
     >>> from numera import host
     >>> host.cell(["a", 1.5, None]).shape, host.cell(["a", "b"], shape=(1, 2)).shape
@@ -143,12 +144,12 @@ def struct(
     shape: Sequence[int] | None = None,
     fields: Sequence[str] | None = None,
 ) -> HostArray:
-    """A struct of one element from a mapping, or a struct array from several.
+    """A struct of one element from a mapping, or a struct array from several mappings.
 
-    Values of fields are those of `cell`. All mappings have the same fields in the same order;
-    `fields` names them where there is no element.
+    Field values are the same as in `cell`. All mappings have the same fields in the same order.
+    `fields` names the fields if there is no element.
 
-    Raises TypeError for other values, ValueError where the fields differ or shape has another
+    Raises TypeError for other values, and ValueError if the fields differ or if shape has another
     number of elements.
 
     >>> from numera import host
@@ -194,7 +195,7 @@ def _shape(array):
 
 def _from_numpy(array, expected):
     if array.dtype == numpy.bool_:
-        array = array.view("u1") != 0  # views of other memory hold bytes beyond 0 and 1
+        array = array.view("u1") != 0  # views of other memory may hold bytes other than 0 and 1
     dtype = array.dtype.newbyteorder("=")
     if dtype.name not in _CLASSES:
         raise TypeError(

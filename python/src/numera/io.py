@@ -18,7 +18,7 @@ from ._files import format_of, open_sink, open_source
 
 __all__ = ["read", "scan", "write"]
 
-# No bar flashes up for what is done in a moment.
+# Short work shows no bar.
 _SECONDS_BEFORE_BAR = 1.0
 
 _Path = str | bytes | os.PathLike[str] | os.PathLike[bytes]
@@ -27,21 +27,24 @@ _Path = str | bytes | os.PathLike[str] | os.PathLike[bytes]
 def read(
     path: _Path, columns: Sequence[str] | None = None, cast: bool = False
 ) -> HostArray:
-    """The encoded table of a file, as `to_host` gives it.
+    """Reads a file and returns its encoded table, as `to_host` does.
 
-    The suffix of path says what it is: ".parquet"; ".arrow", ".ipc", ".feather" and ".arrows" for
-    Arrow IPC files and streams, which are told apart by their first bytes; ".csv". Types of CSV
-    columns are inferred from the whole file, by the rules of pyarrow.csv; in a file of one column
-    an empty line is a null. A row of CSV has 32 MB at most: pyarrow.ArrowInvalid where one is longer.
+    The suffix of path selects the format: ".parquet"; ".csv"; ".arrow", ".ipc", ".feather" and
+    ".arrows" for Arrow IPC files and streams, where the first bytes tell which. The types of CSV
+    columns are inferred from the whole file, by the rules of pyarrow.csv. In a CSV file with one
+    column an empty line is a null. A CSV row of more than 32 MB raises pyarrow.ArrowInvalid.
 
-    columns names the columns to read, in the order of the result; None reads all. cast is that of
-    `to_host`. A bar shows the progress where reading is long and stderr is a terminal.
+    columns names the columns to read, in the order of the result; None reads all. cast is the same
+    as in `to_host`. If reading takes long and stderr is a terminal, a bar shows the progress.
 
-    Raises KeyError with the names of columns that the file does not have, ValueError for a name
-    that is asked for twice or that several columns of the file have, OSError for a file that cannot
-    be read or a page of Parquet that does not fit its checksum, ValueError for any other suffix
-    (pyarrow.ArrowInvalid, which is one too, for contents that are not valid, such as a column of
-    Parquet that has other rows than the footer says), and what `to_host` raises.
+    Raises:
+    - KeyError, with the names, for columns that the file does not have;
+    - ValueError for a name that is listed twice or that several columns have, and for any other
+      suffix;
+    - pyarrow.ArrowInvalid, a ValueError, for invalid contents, such as a Parquet column with a
+      number of rows other than the footer states;
+    - OSError for a file that cannot be read or a Parquet page that does not match its checksum;
+    - whatever `to_host` raises.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
@@ -67,21 +70,20 @@ def scan(
     columns: Sequence[str] | None = None,
     cast: bool = False,
 ) -> Iterator[HostArray]:
-    """An iterator of encoded tables that together are the file, each of batch_rows rows.
+    """An iterator over a file as encoded tables of batch_rows rows each.
 
-    The last one is shorter where the rows do not divide, and there is none for a file without
-    rows. No more of the file is in memory than one such table and what its format holds together:
-    a few pages a column of a Parquet file, a batch of an IPC file, 40 MB of a CSV file. Every
-    column of a table is one chunk.
+    The last table may be shorter. A file without rows gives no table. Memory holds one table and
+    what the format needs: a few pages per column of a Parquet file, one batch of an IPC file, 40 MB
+    of a CSV file. Every column of a table is one chunk.
 
-    The types of CSV columns are those of the first megabyte of the file, or of the first row where
-    that is longer, and a later value of another type is an error. A row of CSV that is longer than
-    a megabyte takes up to 80 times its length in memory, since files are read ahead, and reading
-    begins anew where it is met; where two columns have one name, it is refused.
+    The types of CSV columns come from the first megabyte of the file, or from the first row if that
+    is longer. A later value of another type is an error. A CSV row longer than a megabyte takes up
+    to 80 times its length in memory, because files are read ahead. At such a row the file is read
+    again from the start; if two columns have the same name, the row is refused instead.
 
-    path, columns and cast are those of `read`, and so are the errors: those of the path, its
-    columns and batch_rows (TypeError where it is no integer, ValueError where it is not positive or
-    exceeds 64 bits) come at once, others where they are met.
+    path, columns and cast are the same as in `read`, and so are the errors. A batch_rows that is no
+    integer is a TypeError; one that is not positive or exceeds 64 bits is a ValueError. Errors of
+    path, columns and batch_rows are raised at once, others when they occur.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
@@ -99,20 +101,22 @@ def scan(
 
 
 def write(host: HostArray, path: _Path) -> None:
-    """Writes an encoded table to a file: one that `to_host` or `read` gave, or `encode`.
+    """Writes an encoded table, from `to_host`, `read` or `encode`, to a file.
 
-    The suffix of path says how: ".parquet"; ".arrow", ".ipc" and ".feather" for Arrow IPC files,
-    ".arrows" for streams; ".csv". The file is made beside path and takes its place, and its
-    permissions, when it is complete and on disk: readers see the old file or the new one, and
-    where anything fails the old one stays. A bar shows the progress where writing is long and
-    stderr is a terminal.
+    The suffix of path selects the format: ".parquet"; ".arrow", ".ipc" and ".feather" for Arrow IPC
+    files; ".arrows" for streams; ".csv". The new file is written beside path. It replaces path, and
+    takes over its permissions, when it is complete and on disk. Readers see the old file or the new
+    one, and after any failure the old one stays. If writing takes long and stderr is a terminal, a
+    bar shows the progress.
 
     Columns have the types of `to_arrow(encode(host))`. CSV has no nested columns and no types: a
-    null text is read back from it as an empty one, and a column of nulls alone as one of type null.
+    null text reads back as an empty text, and a column with nulls only reads back as type null.
 
-    Raises ValueError for any other suffix, before anything else, and for a path that is no regular
-    file, TypeError for any other value, OSError with the path for a file that cannot be written,
-    and what `encode`, `to_arrow` and the writers of pyarrow raise.
+    Raises:
+    - ValueError for any other suffix, before anything else, and for a path that is no regular file;
+    - TypeError for any other value;
+    - OSError, with the path, for a file that cannot be written;
+    - whatever `encode`, `to_arrow` and the pyarrow writers raise.
 
     >>> import numera, pyarrow, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.parquet")
@@ -165,7 +169,7 @@ def _scanned(source, names, rows, cast):
 
 
 def _gathered(batches, rows):
-    """Lists of batches that have so many rows in all; the last has the rest."""
+    """Lists of batches with `rows` rows in total each; the last list has the rest."""
     gathered, missing = [], rows
     for batch in batches:
         while batch.num_rows > 0:
@@ -192,7 +196,7 @@ def _table(host):
 
 @contextmanager
 def _replacing(path):
-    """A new file beside `path`, which takes its place in the end; on failure it is removed."""
+    """A new file beside `path`. It replaces `path` at the end; after a failure it is removed."""
     target = Path(os.path.realpath(path))
     with suppress(FileNotFoundError):
         if not stat.S_ISREG(target.stat().st_mode):
