@@ -17,8 +17,7 @@ namespace numera::benchmarks {
 /// Aborts the run if the status is an error.
 void require(const ::arrow::Status& status);
 
-/// `Some`: every tenth element is null. The values under the nulls stay what they are without
-/// nulls.
+/// `Some`: every tenth element is null. A null hides the value that would be there without it.
 enum class Nulls { None, Some, All };
 
 using MakeArray = ArrayPtr (*)(std::int64_t begin, std::int64_t length, Nulls nulls);

@@ -22,8 +22,9 @@ struct ConvertOptions {
 
 /// Converts a file to the host and back, batch by batch. Prints one row per column, then bytes and
 /// seconds per direction, and with `show` the first rows. The output file appears after all
-/// printing. Returns Invalid if a column cannot be converted or returns different; then no output
-/// is written. An interrupt passes through as the host's exception and leaves no output either.
+/// printing. Returns Invalid if a column cannot be converted or comes back different; then no
+/// output is written. An interrupt passes through as the host's exception and leaves no output
+/// either.
 ::arrow::Status convert(const ConvertOptions& options, std::ostream& out);
 
 }  // namespace numera::tools
