@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Short ways to make arrays, and to state what a call throws.
+/// Helpers that make arrays and return the texts of exceptions.
 
 #include <gtest/gtest.h>
 
@@ -43,7 +43,7 @@ inline Dims dims_of(const hxArrayPtr& array) {
   return {dims.begin(), dims.end()};
 }
 
-/// The elements of a string array; nullopt: missing.
+/// The elements of a string array; nullopt means missing.
 using Texts = std::vector<std::optional<std::u16string>>;
 
 inline Texts texts_of(const hxStringArray& strings) {
@@ -55,7 +55,7 @@ inline Texts texts_of(const hxStringArray& strings) {
   return texts;
 }
 
-/// The text of the `Error` that the call throws; a failed expectation where it throws none.
+/// The text of the `Error` that the call throws. The test fails if the call throws none.
 template <class Error, class Call>
 std::string thrown(Call call) {
   try {

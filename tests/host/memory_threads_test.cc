@@ -1,4 +1,4 @@
-// Memory that passes between threads.
+// Memory that is allocated on one thread and freed on another.
 
 #include <condition_variable>
 #include <cstdint>
@@ -22,7 +22,7 @@ hxArrayPtr filled(size_t count, std::uint8_t value) {
   return array;
 }
 
-/// Looks at some twenty elements, the first and the last among them.
+/// Checks about twenty elements, including the first and the last.
 bool holds_only(const hxArrayPtr& array, std::uint8_t value) {
   const size_t count = hxGetNumberOfElements(array.get());
   const auto* const values = static_cast<const std::uint8_t*>(read(array));
@@ -32,7 +32,7 @@ bool holds_only(const hxArrayPtr& array, std::uint8_t value) {
   return count == 0 || values[count - 1] == value;
 }
 
-/// Sizes of small blocks, of blocks of the heap and of mapped ones.
+/// Sizes that lead to small blocks, heap blocks and mapped blocks.
 size_t size_of(size_t i) {
   constexpr size_t kSizes[] = {0, 16, 100, 900, 3000, 50'000, 200'000};
   return kSizes[i % std::size(kSizes)];
@@ -155,7 +155,8 @@ TEST_F(MemoryOfThreads, IsFreedAtTheVeryEndOfAThread) {
   for (const size_t size : {16u, 900u, 50'000u, 200'000u}) {
     SCOPED_TRACE(size);
     std::thread([size] {
-      // Made before the first array of the thread, and destroyed after all that it left behind.
+      // Constructed before the thread's first array. So it is destroyed after all memory that the
+      // thread keeps.
       thread_local Keeper keeper;
       keeper.array = filled(size, 1);
     }).join();

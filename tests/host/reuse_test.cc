@@ -1,4 +1,4 @@
-// Memory that destroyed arrays leave is used again, within a bound, until it is given back.
+// Memory of destroyed arrays is kept for reuse, up to a limit, until it is released.
 
 #include <algorithm>
 #include <cstdint>

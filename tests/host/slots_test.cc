@@ -1,4 +1,4 @@
-// What this host checks beyond what every host promises.
+// Checks of the in-memory host that go beyond the contract of every host.
 
 #include <initializer_list>
 #include <stdexcept>

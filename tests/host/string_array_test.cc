@@ -32,7 +32,7 @@ TEST(StringArray, IsNotMadeOfNull) {
 TEST(StringArray, TakesTheExactRoomForTextsThatFillIt) {
   const auto strings = hxMakeStringArray(Dims{2, 1});
   const std::array<std::int32_t, 3> offsets = {0, 3, 6};
-  // One allocation, the arena, and none a text.
+  // One allocation in total, for the arena; none per text.
   FailAllocationAfter(1);
   EXPECT_EQ(
       strings->assign_utf8(0, offsets, reinterpret_cast<const std::uint8_t*>("abc\xE2\x82\xAC")),
@@ -43,7 +43,7 @@ TEST(StringArray, TakesTheExactRoomForTextsThatFillIt) {
 
 TEST(StringArray, GrowsPastSeveralHugePagesChunkByChunk) {
   constexpr size_t kTexts = 30;
-  constexpr size_t kBytes = 300'000;  // of each; together some 17 MiB of code units
+  constexpr size_t kBytes = 300'000;  // per text; together about 17 MiB of code units
   const auto strings = hxMakeStringArray(Dims{kTexts, 1});
   const std::string text(kBytes, 'x');
   const std::array<std::int32_t, 2> offsets = {0, kBytes};

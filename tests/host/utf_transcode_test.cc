@@ -1,6 +1,6 @@
 /// \file
-/// The transcoder of the host against an independent one, at every place of a word that it reads,
-/// and within memory of the exact size.
+/// Compares the host's transcoder with an independent one: at every position within the words that
+/// it reads, and with buffers of the exact size.
 
 #include "numera/host/memory/utf_transcode.h"
 
@@ -20,7 +20,7 @@
 namespace numera::host::memory {
 namespace {
 
-/// What a text gives up to its first fault.
+/// The result of a conversion up to the first fault of the text.
 template <class Target>
 struct Outcome {
   size_t read;
@@ -30,7 +30,8 @@ struct Outcome {
   friend bool operator==(const Outcome&, const Outcome&) = default;
 };
 
-/// Copies of the exact size, so that a memory checker sees a step beyond them.
+/// Converts between buffers of the exact size, so that a memory checker reports any access beyond
+/// them.
 template <class Target, class Text, class Convert>
 Outcome<Target> convert_exactly(const Text& text, size_t room, Convert convert) {
   using Unit = typename Text::value_type;
@@ -66,8 +67,7 @@ std::string in_hexadecimal(const std::string& text) {
   return digits;
 }
 
-/// Every byte that begins or ends a range of the table of well-formed sequences, and its
-/// neighbours.
+/// Every byte at the border of a range in the table of well-formed sequences, and its neighbours.
 constexpr unsigned kSecondBytes[] = {0x00, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F,
                                      0xA0, 0xBF, 0xC0, 0xC2, 0xE0, 0xF0, 0xFF};
 constexpr unsigned kLaterBytes[] = {0x00, 0x7F, 0x80, 0x9F, 0xBF, 0xC0, 0xFF};
@@ -94,7 +94,7 @@ TEST(Utf8ToUtf16, AgreesOnSequencesOfFourBytesAtEveryPlace) {
   }
 }
 
-/// Sequences of all lengths, at the ends of their ranges.
+/// Sequences of all lengths, at both ends of their ranges.
 const std::string kCharacters[] = {"\x7F",         "a",
                                    "\xC2\x80",     "\xDF\xBF",
                                    "\xE0\xA0\x80", "\xED\x9F\xBF",
@@ -102,7 +102,7 @@ const std::string kCharacters[] = {"\x7F",         "a",
                                    "\xE6\xBC\xA2", "\xF0\x90\x80\x80",
                                    "\xCE\x91",     "\xF4\x8F\xBF\xBF"};
 
-/// Runs of characters of one kind, some damaged. The same in every run.
+/// Random runs of equal characters, some damaged. The sequence is the same in every test run.
 class RandomTexts {
  public:
   size_t below(size_t limit) { return random_() % limit; }
@@ -168,7 +168,7 @@ TEST(Measure, CountsWhatTextsTakeInTheOtherEncoding) {
     ASSERT_EQ(measure_utf8(text), units.size()) << in_hexadecimal(text);
     ASSERT_EQ(measure_utf16(units), text.size()) << in_hexadecimal(text);
   }
-  const std::string many(1'000'000, '\xF0');  // each counts for two
+  const std::string many(1'000'000, '\xF0');  // each byte counts as two units
   EXPECT_EQ(measure_utf8(many), 2'000'000U);
   EXPECT_EQ(measure_utf16(std::u16string(100'000, u'\u6F22')), 300'000U);
 }

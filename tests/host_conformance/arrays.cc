@@ -56,7 +56,7 @@ TEST_F(Arrays, OfEachPlainClassHaveItsNumberNameAndWidth) {
 TEST_F(Arrays, OfNumbersAreZeroWhateverTheirSize) {
   for (const size_t length : {size_t{1}, size_t{200}, size_t{5000}, size_t{200000}}) {
     SCOPED_TRACE(length);
-    // What was there before may not shine through.
+    // Old contents of reused memory must not be visible.
     std::memset(hxGetData(zeros({length, 1}).get()), 0xFF, length * sizeof(double));
     const hxArrayPtr array = zeros({length, 1});
     const auto* values = static_cast<const double*>(read(array));
@@ -87,7 +87,7 @@ TEST_F(Arrays, OfMoreElementsThanMemoryHoldsAreRefused) {
     EXPECT_THROW(hxCreateStructArray(dims, Names{"a", "b"}), std::bad_alloc);
     EXPECT_THROW(hxMakeStringArray(dims), std::bad_alloc);
   }
-  // As many bytes as the elements have do not fit, the number of elements does.
+  // The number of elements fits into size_t, the number of bytes does not.
   EXPECT_THROW(zeros({SIZE_MAX / 4, 1}), std::bad_alloc);
   EXPECT_THROW(hxCreateStructArray(Dims{SIZE_MAX / 2, 1}, Names{"a", "b", "c"}), std::bad_alloc);
 }

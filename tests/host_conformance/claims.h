@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the claims share: short ways to make and read arrays, and to state what a call throws.
+/// Helpers of the claims: they make and read arrays, and return the texts of exceptions.
 
 #include <gtest/gtest.h>
 
@@ -18,19 +18,19 @@ namespace numera::host_conformance {
 
 using Dims = std::vector<size_t>;
 using Names = std::vector<const char*>;
-/// The elements of a string array; nullopt: missing.
+/// The elements of a string array; nullopt means missing.
 using Texts = std::vector<std::optional<std::u16string>>;
 
-/// A claim about the host. Whatever else it says, it leaves no array behind.
+/// A claim about the host. Every claim also expects that no array is left.
 class Claim : public ::testing::Test {
  protected:
   ~Claim() override { EXPECT_EQ(live_arrays(), before_) << "arrays are left"; }
-  /// Arrays that exist now; 0 where the host does not tell.
+  /// The number of arrays that exist now; 0 if the host does not report it.
   static size_t live_arrays() {
     const auto count = host_under_test().live_arrays;
     return count == nullptr ? 0 : count();
   }
-  /// Says how many exist, where the host tells.
+  /// Expects this number of arrays if the host reports it.
   static void expect_live_arrays(size_t count) {
     if (host_under_test().live_arrays != nullptr) {
       EXPECT_EQ(live_arrays(), count);
@@ -73,7 +73,7 @@ inline Texts texts_of(const hxStringArray& strings) {
   return texts;
 }
 
-/// The text of the `Error` that the call throws; a failed expectation where it throws none.
+/// The text of the `Error` that the call throws. The test fails if the call throws none.
 template <class Error, class Call>
 std::string thrown(Call call) {
   try {

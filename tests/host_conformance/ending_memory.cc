@@ -9,8 +9,8 @@
 namespace numera::host_conformance {
 namespace {
 
-/// Each allocation of a call fails in turn: nothing half-made is left, and what there was is as it
-/// was.
+/// Fails each allocation of a call in turn. No partial result may be left, and existing values must
+/// not change.
 struct EndingMemory : Claim {
   void SetUp() override {
     if (host_under_test().fail_allocation_after == nullptr) {

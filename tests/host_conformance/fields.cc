@@ -17,7 +17,7 @@ struct Container {
   hxArrayPtr array;
 };
 
-/// A struct, and an object where the host makes one: both are structs to those who read fields.
+/// A struct, and an object if the host makes objects. Both are read like structs.
 std::vector<Container> containers() {
   std::vector<Container> made;
   made.push_back({"struct", two_points()});

@@ -9,7 +9,7 @@ namespace {
 
 struct SharedCopies : Claim {};
 
-/// A host may refuse to write a struct that is shared. Whether it did not.
+/// Writes a field of a shared struct. Returns false if the host refuses that, which it may.
 bool write_unless_refused(const hxArrayPtr& record, const char* name, double value) {
   try {
     hxSetField(record.get(), 0, name, number(value));

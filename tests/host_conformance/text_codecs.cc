@@ -51,7 +51,7 @@ TEST_F(TextCodecs, ConvertsBothWays) {
   }
 }
 
-// Written from the definition of the encodings, one bit field after another.
+// Follows the definition of the encodings, one bit field after another.
 std::string naive_utf8(char32_t c) {
   const auto tail = [c](int shift) { return static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
   if (c < 0x80) return {static_cast<char>(c)};
@@ -126,8 +126,8 @@ TEST_F(TextCodecs, RefuseBytesThatAreNotUtf8AndSayWhatIsWrong) {
   }
 }
 
-// Whether a sequence of up to four bytes is one well-formed code point, as the table of
-// well-formed byte sequences has it.
+// Whether up to four bytes are exactly one well-formed code point, by the table of well-formed byte
+// sequences.
 bool well_formed(std::string_view s) {
   const auto in = [&s](size_t i, unsigned low, unsigned high) {
     const auto byte = static_cast<unsigned char>(s[i]);

@@ -11,7 +11,7 @@
 namespace numera::host_conformance {
 namespace {
 
-/// A string array with the interface's own bodies for many texts at once.
+/// A string array that uses the interface's default implementation for many texts at once.
 class PlainStringArray final : public hxStringArray {
  public:
   explicit PlainStringArray(size_t size) : dims_{size, 1}, texts_(size, std::u16string()) {}
@@ -44,7 +44,7 @@ struct Chunk {
   }
 
   std::optional<size_t> assign_to(hxStringArray& strings, size_t first) const {
-    // A copy of the exact size, so that a memory checker sees a read past it.
+    // A copy of the exact size, so that a memory checker reports a read past its end.
     const std::vector<std::uint8_t> exact(bytes.begin(), bytes.end());
     return strings.assign_utf8(first, std::span<const Offset>(offsets), exact.data());
   }
@@ -115,8 +115,8 @@ TYPED_TEST(AssignUtf8, ReturnsTheFirstTextThatIsNotValid) {
   const Row rows[] = {
       {{"\xFF", "b"}, 0},
       {{"a", "b\xC3"}, 1},
-      {{"a", "\xC3", "\xBC"}, 1},       // one character over two texts
-      {{"a\xE2\x82", "\xAC", "c"}, 0},  // and here, though all bytes together are valid
+      {{"a", "\xC3", "\xBC"}, 1},       // one character split over two texts
+      {{"a\xE2\x82", "\xAC", "c"}, 0},  // split too, although the joined bytes are valid
       {{"\xF0\x9F", "\x98\x80"}, 0},
       {{"a", "b", "\xED\xA0\x80", "\xFF"}, 2},
       {{"\xC3\xBC", "sixteen letters!\x80"}, 1},
@@ -173,7 +173,7 @@ TYPED_TEST(AssignUtf8, GivesWhatOneTextAfterAnotherGives) {
         chunk.bytes[random() % chunk.bytes.size()] = static_cast<char>(random() % 256);
       }
       if (random() % 4 == 0 && chunk.offsets.size() > 2) {
-        // Moves a border between two texts, into a character now and then.
+        // Makes one text empty. Its bytes become the start of the next text.
         const size_t border = 1 + random() % (chunk.offsets.size() - 2);
         chunk.offsets[border] = chunk.offsets[border - 1];
       }

@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <new>
 
-// The linker leads the program's calls of `malloc` and the like to `__wrap_malloc`, and
-// `__real_malloc` to the allocation function itself (-Wl,--wrap=malloc). Calls from within shared
-// libraries are not led here: they come through operator new, which is replaced below.
+// The linker option -Wl,--wrap=malloc redirects the program's calls of `malloc` and similar
+// functions to `__wrap_malloc`. `__real_malloc` is the original function. Calls from shared
+// libraries are not redirected. They come through operator new, which is replaced below.
 extern "C" {
 // NOLINTBEGIN(bugprone-reserved-identifier)
 void* __real_malloc(size_t bytes);

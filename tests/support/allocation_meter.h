@@ -1,22 +1,22 @@
 #pragma once
 
 /// \file
-/// Counts the heap allocations of the program and the bytes it holds. A program that links
-/// `numera_allocation_meter` has its allocation functions replaced; not for use with a sanitizer,
-/// which replaces them itself.
+/// Counts the heap allocations of the program and the bytes that it holds. Linking
+/// `numera_allocation_meter` replaces the program's allocation functions. Do not combine it with a
+/// sanitizer, which replaces them too.
 
 #include <cstddef>
 
 namespace numera::testing {
 
-/// What one piece of work took from the heap.
+/// The heap use of one piece of work.
 struct HeapUse {
   size_t allocations = 0;
-  size_t peak_bytes = 0;  ///< the most held at a time, beyond what was held at the start
-  size_t held_bytes = 0;  ///< what is held at the end, beyond the same
+  size_t peak_bytes = 0;  ///< the maximum held at any time, relative to the start
+  size_t held_bytes = 0;  ///< held at the end, relative to the start
 };
 
-/// Begins to count. One piece of work is measured at a time, on one thread.
+/// Starts counting. Measure one piece of work at a time, on one thread.
 void StartMeter();
 HeapUse StopMeter();
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Arrow values as they stand, node by node, to be compared with what they are after a call.
+/// Snapshots of Arrow values, node by node, for comparison after a call.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
@@ -19,8 +19,9 @@
 
 namespace numera::testing {
 
-/// The null slots of a node, counted one by one; slots beyond a bitmap that is too short are valid.
-/// None where there is no true count: the extent cannot be, or the bitmap cannot be read.
+/// Counts the null slots of a node one by one. Slots beyond the end of a short bitmap are valid.
+/// Returns nothing where no count exists: offset or length is invalid, or the bitmap is not
+/// readable.
 inline std::optional<std::int64_t> TrueNullCount(const ::arrow::ArrayData& array) {
   using ::arrow::Type;
   if (array.type != nullptr) {
@@ -46,7 +47,8 @@ inline std::optional<std::int64_t> TrueNullCount(const ::arrow::ArrayData& array
   return nulls;
 }
 
-/// Every node of an Arrow value: arrays, their children and dictionaries. The value outlives it.
+/// All nodes of an Arrow value: arrays, their children and dictionaries. The value must outlive
+/// this.
 class ArrayNodes {
  public:
   explicit ArrayNodes(const ::arrow::ArrayData& array) { add(&array, "array"); }
@@ -59,8 +61,8 @@ class ArrayNodes {
     }
   }
 
-  /// What the first node that has changed was and is; empty where none has. A null count that was
-  /// unknown may have become the true one.
+  /// Describes the first node that has changed; empty if none has. It is no change if an unknown
+  /// null count has become the true one.
   std::string difference() const {
     for (const Node& node : nodes_) {
       const std::string changed = difference(node);
@@ -70,7 +72,7 @@ class ArrayNodes {
   }
 
  private:
-  /// Holds what the node refers to, so that nothing new can take its address.
+  /// Keeps alive what the node refers to, so that no new object can reuse its address.
   struct Node {
     std::string place;
     const ::arrow::ArrayData* array;
@@ -137,10 +139,10 @@ class ArrayNodes {
   std::vector<Node> nodes_;
 };
 
-/// A copy over the same buffers whose nodes do not know how many nulls they have.
+/// A copy that shares the buffers. The null counts of its nodes are unknown.
 inline std::shared_ptr<::arrow::ArrayData> Uncounted(const ::arrow::ArrayData& array) {
   auto copy = array.Copy();
-  // Of the null type every slot is null: Arrow sets that count itself.
+  // In the null type every slot is null. Arrow sets that count itself.
   if (copy->type->id() != ::arrow::Type::NA) copy->null_count = ::arrow::kUnknownNullCount;
   for (auto& child : copy->child_data) child = Uncounted(*child);
   if (copy->dictionary != nullptr) copy->dictionary = Uncounted(*copy->dictionary);

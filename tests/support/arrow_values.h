@@ -51,7 +51,7 @@ inline ::arrow::ArrayVector PartsOf(const ::arrow::Array& array) {
   }
 }
 
-/// Of the C++ class to which a caller casts an array of its type, and so are its parts.
+/// Whether the array and all its parts have the C++ classes to which a caller casts their types.
 inline ::testing::AssertionResult HasClassOfItsType(const ::arrow::Array& array) {
   const auto by_arrow = ::arrow::MakeArray(array.data());
   const ::arrow::Array& expected = *by_arrow;
@@ -66,7 +66,7 @@ inline ::testing::AssertionResult HasClassOfItsType(const ::arrow::Array& array)
   return ::testing::AssertionSuccess();
 }
 
-/// Equal in type, C++ class, length, validity and values. Prints both on failure.
+/// Whether type, C++ class, length, validity and values are equal. Prints both on failure.
 inline ::testing::AssertionResult SameArray(const ::arrow::Array& actual,
                                             const ::arrow::Array& expected) {
   if (!actual.type()->Equals(*expected.type(), /*check_metadata=*/true)) {
@@ -82,7 +82,8 @@ inline ::testing::AssertionResult SameArray(const ::arrow::Array& actual,
                                        << expected.ToString();
 }
 
-/// Equal in schema and values, each chunk of the class of its type. Prints both on failure.
+/// Whether schema and values are equal and each chunk has the C++ class of its type. Prints both on
+/// failure.
 inline ::testing::AssertionResult SameTable(const ::arrow::Table& actual,
                                             const ::arrow::Table& expected) {
   for (const auto& column : actual.columns()) {

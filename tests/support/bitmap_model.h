@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Bits copied one at a time, to hold the library's bitmap copy against.
+/// Copies bits one at a time. The tests compare the library's bitmap copy with it.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,12 +19,12 @@ inline void set_bit(Bytes& bytes, size_t bit, bool value) {
       static_cast<std::uint8_t>(value ? bytes[bit / 8] | mask : bytes[bit / 8] & ~mask);
 }
 
-/// What a copy of `length` bits of `source` to bit `position` of `target` leaves there, where
-/// `total` bits of `target` are in use.
+/// Returns `target` after a copy of `length` bits of `source` to bit `position`. `total` bits of
+/// `target` are in use.
 ///
-/// A copy to the start of a byte takes whole bytes: all that the source has, or all but the last
-/// where `length` does not end on a byte, and after them single bits up to `length`. Of what lies
-/// beyond `length`, only the bits that are not in use change.
+/// A copy to the start of a byte first copies whole bytes: all bytes of the source, or all but the
+/// last if `length` is not a multiple of 8. Then it copies single bits up to `length`. Beyond
+/// `length`, only bits that are not in use change.
 inline Bytes CopyBitmapModel(const Bytes& source, size_t length, Bytes target, size_t position,
                              size_t total) {
   if (source.empty() || target.empty()) return target;

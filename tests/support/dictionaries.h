@@ -9,7 +9,7 @@
 
 namespace numera::testing {
 
-/// A dictionary array of a dictionary type, its codes and categories from JSON text.
+/// A dictionary array of the given type, with codes and categories from JSON text.
 inline std::shared_ptr<::arrow::Array> Dictionary(const std::shared_ptr<::arrow::DataType>& type,
                                                   const std::string& codes,
                                                   const std::string& values) {

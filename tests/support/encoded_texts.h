@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Texts and byte strings as the host encodes them, and Arrow arrays of bytes and offsets that JSON
-/// cannot tell: invalid UTF-8, and offsets that no builder makes.
+/// Texts and byte strings as the host encodes them. Also Arrow arrays of bytes and offsets that
+/// JSON cannot express: invalid UTF-8, and offsets that no builder makes.
 
 #include <arrow/array/util.h>
 #include <arrow/buffer.h>
@@ -28,7 +28,7 @@ inline hxArrayPtr EncodedTexts(std::string_view bytes, const std::vector<std::ui
                  {"StartOffsets", Column<std::uint64_t>(offsets)}});
 }
 
-/// A buffer in a block of exactly its own size, so that a read past its end is seen.
+/// A buffer in a block of exactly its size, so that a memory checker reports a read past its end.
 template <class T>
 std::shared_ptr<::arrow::Buffer> ExactBuffer(const std::vector<T>& values) {
   auto owner = std::make_shared<std::vector<T>>(values);
@@ -38,7 +38,7 @@ std::shared_ptr<::arrow::Buffer> ExactBuffer(const std::vector<T>& values) {
   return {new ::arrow::Buffer(data, size), [owner](::arrow::Buffer* buffer) { delete buffer; }};
 }
 
-/// An array of a type with offsets: `length` elements from element `offset` on.
+/// An array of a type with offsets: `length` elements, starting at element `offset`.
 inline std::shared_ptr<::arrow::Array> ArrayOfOffsets(
     const std::shared_ptr<::arrow::DataType>& type, std::int64_t length,
     std::shared_ptr<::arrow::Buffer> offsets, std::shared_ptr<::arrow::Buffer> bytes,
@@ -47,7 +47,7 @@ inline std::shared_ptr<::arrow::Array> ArrayOfOffsets(
       type, length, {nullptr, std::move(offsets), std::move(bytes)}, 0, offset));
 }
 
-/// An array of 32-bit offsets, utf8 or binary.
+/// An array with 32-bit offsets: utf8 or binary.
 inline std::shared_ptr<::arrow::Array> NarrowArray(const std::shared_ptr<::arrow::DataType>& type,
                                                    std::string_view bytes,
                                                    const std::vector<std::int32_t>& offsets) {
@@ -55,7 +55,7 @@ inline std::shared_ptr<::arrow::Array> NarrowArray(const std::shared_ptr<::arrow
                         ExactBuffer(BytesOf(bytes)));
 }
 
-/// An array of 64-bit offsets, large utf8 or large binary.
+/// An array with 64-bit offsets: large utf8 or large binary.
 inline std::shared_ptr<::arrow::Array> LargeArray(const std::shared_ptr<::arrow::DataType>& type,
                                                   std::string_view bytes,
                                                   const std::vector<std::int64_t>& offsets) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Encoded arrays, buffers and tables with the look of a literal, built of host_builder.h.
+/// Builders of encoded arrays, buffers and tables, based on host_builder.h.
 
 #include <cstdint>
 #include <vector>
@@ -10,12 +10,12 @@
 
 namespace numera::testing {
 
-/// A buffer envelope as it is read: no "Length".
+/// A buffer envelope in the form that `to_arrow` reads: without "Length".
 inline hxArrayPtr BufferEnvelope(const std::vector<std::uint8_t>& bytes) {
   return Struct({{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>(bytes)}});
 }
 
-/// An encoded array of the kind "array"; `valid` is the bytes of the validity bitmap.
+/// An encoded array of the kind "array". `valid` holds the bytes of the validity bitmap.
 inline hxArrayPtr Envelope(std::string_view type, hxArrayPtr data,
                            const std::vector<std::uint8_t>& valid = {}) {
   return Struct({{"ArrowType", Char("array")},
@@ -33,21 +33,22 @@ inline hxArrayPtr KindEnvelope(std::string_view kind, std::string_view type, hxA
                  {"Data", std::move(data)}});
 }
 
-/// A single bitmap as it is written for the validity of an array.
+/// The validity bitmap of an array, in the form that `to_numera` writes.
 inline hxArrayPtr WrittenValidity(double length, const std::vector<std::uint8_t>& bytes = {}) {
   return Struct({{"ArrowType", Char("buffer")},
                  {"Values", Column<std::uint8_t>(bytes)},
                  {"Length", Scalar(length)}});
 }
 
-/// A bitmap as it is written for logical values and for one chunk of a nested value.
+/// A bitmap in the form that `to_numera` writes for logical values and for one chunk of a nested
+/// value.
 inline hxArrayPtr WrittenBitmap(double length, const std::vector<std::uint8_t>& bytes = {}) {
   return Struct({{"Values", Column<std::uint8_t>(bytes)},
                  {"Length", Scalar(length)},
                  {"ArrowType", Char("buffer")}});
 }
 
-/// An envelope as it is written.
+/// An envelope in the form that `to_numera` writes.
 inline hxArrayPtr WrittenEnvelope(std::string_view kind, std::string_view type, hxArrayPtr valid,
                                   hxArrayPtr data) {
   return Struct({{"ArrowType", Char(kind)},

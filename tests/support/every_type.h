@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Tables of every type that reaches the host, plain and nested. A test that uses it compiles
-/// tests/extras/encode/columns.cc.
+/// Tables with a column of every type that the host can hold, plain and nested. A test that
+/// includes this header must compile tests/extras/encode/columns.cc.
 
 #include <arrow/api.h>
 
@@ -29,12 +29,12 @@ inline std::shared_ptr<::arrow::Table> table_of(std::vector<Chunks> columns) {
   return ::arrow::Table::Make(::arrow::schema(std::move(fields)), std::move(columns), rows);
 }
 
-/// Two chunks of a type.
+/// A column of two chunks.
 inline Chunks plain_column(const ColumnType& one) {
   return ArrowChunks(one.type, {one.json, one.more_json});
 }
 
-/// The same in each nesting.
+/// The same column in each nesting.
 inline std::vector<Chunks> nested_columns(const ColumnType& one) {
   const Chunks plain = plain_column(one);
   std::vector<Chunks> columns;
@@ -45,8 +45,7 @@ inline std::vector<Chunks> nested_columns(const ColumnType& one) {
   return columns;
 }
 
-/// A column of every type, and each of them in every nesting. Columns share arrays, and are not of
-/// one length.
+/// A column of every type, plain and in every nesting. Columns share arrays and differ in length.
 inline std::shared_ptr<::arrow::Table> table_of_every_type() {
   std::vector<Chunks> columns;
   for (const ColumnType& one : column_types()) {

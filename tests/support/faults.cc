@@ -32,16 +32,16 @@ std::ostream& operator<<(std::ostream& out, const Held& held) {
   return out << held.host_arrays << " host arrays, " << held.arrow_bytes << " bytes of Arrow";
 }
 
-/// What a host call or a check for interrupts throws: nothing else throws it, and no handler of
-/// standard exceptions catches it.
+/// The exception that a failing host call or interrupt check throws. Nothing else throws it, and no
+/// handler of standard exceptions catches it.
 struct Fault {
   size_t site;
 };
 
-/// The number of an allocation that failed: it throws what it always throws.
+/// The site of a failed allocation, which throws `std::bad_alloc` and not `Fault`.
 constexpr size_t kAllocation = std::numeric_limits<size_t>::max();
 
-/// Whether the conversion went through, where nothing may stop it but the failure of `site`.
+/// Returns whether the conversion succeeded. Only the failure of `site` may stop it.
 bool succeeds(const Convert& convert, size_t site) {
   const Held before;
   bool succeeded = false;
@@ -60,15 +60,15 @@ bool succeeds(const Convert& convert, size_t site) {
   return succeeded;
 }
 
-/// A way to fail the places of a conversion one after another.
+/// One kind of failure, to be injected at each site of a conversion in turn.
 struct Way {
   std::string_view what;
-  std::function<void(size_t)> arm;  ///< lets one place fail
-  std::function<bool()> disarm;     ///< ends that, and tells whether the place has been reached
+  std::function<void(size_t)> arm;  ///< lets the given site fail
+  std::function<bool()> disarm;     ///< stops that; returns whether the site was reached
   bool throws_faults = true;        ///< otherwise `std::bad_alloc`
 };
 
-/// The number of failures until `convert` succeeds undisturbed.
+/// Returns the number of failures before `convert` succeeds undisturbed.
 size_t fail_each(const Way& way, const Convert& convert, const Text& input, const Text& result) {
   const std::string before = input();
   const std::string wanted = result();
@@ -77,7 +77,7 @@ size_t fail_each(const Way& way, const Convert& convert, const Text& input, cons
     Reset();
     way.arm(site);
     const bool succeeded = succeeds(convert, way.throws_faults ? site : kAllocation);
-    // Texts that cannot be handed over at once are set one after another.
+    // If texts cannot be handed over at once, the conversion sets them one by one.
     const bool recovered = TextsAtOnceThrew();
     EXPECT_TRUE(succeeded || !recovered) << "the failure to hand texts over came out";
     const bool failed = way.disarm();
@@ -92,8 +92,8 @@ size_t fail_each(const Way& way, const Convert& convert, const Text& input, cons
   }
 }
 
-/// Allocates once: that throws where the failure asked for is still to come, at once since
-/// everything before it has happened.
+/// Allocates once as a probe. The sites are tried in ascending order, so a pending failure hits the
+/// next allocation: the probe throws.
 bool allocation_failure_has_come() {
   try {
     const hxArrayPtr probe = hxCreateCellArray(std::array<size_t, 2>{0, 0});

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Every allocation and every host call of a conversion failed in turn.
+/// Fails every allocation and every host call of a conversion in turn.
 
 #include <arrow/status.h>
 
@@ -11,27 +11,27 @@
 
 namespace numera::testing {
 
-/// How many places failed before the conversion went through.
+/// The number of sites that failed before the conversion succeeded.
 struct FaultSites {
   size_t allocations = 0;
   size_t calls = 0;
   size_t interrupts = 0;
 };
 
-/// Runs `convert` again and again: with the first host allocation failing, with the second, and so
-/// on until it succeeds; the same with the host calls that may throw, and with the checks for
-/// interrupts of this thread, where each time an exception of another kind is thrown.
+/// Runs `convert` repeatedly. The first run fails the first host allocation, the second run the
+/// second one, and so on until a run succeeds. The same is done with the host calls that may throw,
+/// and with the interrupt checks of this thread; these throw a different exception type.
 ///
-/// Expects of every failed run that
-/// - the very exception comes out; only where texts are handed to a string array at once, the
-///   conversion goes on without that;
-/// - neither host arrays nor Arrow memory stay behind;
-/// - `input`, which tells all of the conversion's input as text, is what it was;
-/// - the next run, undisturbed, succeeds, with a `result` as before: that converts, too, and tells
-///   what comes out as text.
+/// After every failed run, expects that
+/// - the injected exception comes out; only a failure of `assign_utf8` is recovered, and the
+///   conversion sets the texts one by one;
+/// - no host array and no Arrow memory is left;
+/// - `input`, which returns all input of the conversion as text, returns the same as before;
+/// - the next, undisturbed run succeeds and `result` returns the same as before; `result` also
+///   converts, and returns the output as text.
 ///
-/// `convert` makes nothing outside the conversion and does the same in every run. It runs on the
-/// recording host, whose counts are forgotten.
+/// `convert` must create nothing outside the conversion and must do the same in every run. It runs
+/// on the recording host, whose counts are reset.
 FaultSites FailEverywhere(
     const std::function<::arrow::Status()>& convert,
     const std::function<std::string()>& input = [] { return std::string(); });

@@ -19,7 +19,7 @@ namespace {
 
 using ::arrow::Status;
 
-/// The failures that `FailEverywhere` reports of a conversion.
+/// The test failures that `FailEverywhere` reports for a conversion.
 template <class... Texts>
 size_t reported(const std::function<Status()>& convert, const Texts&... texts) {
   ::testing::TestPartResultArray failures;
@@ -41,7 +41,7 @@ TEST(FailEverywhere, FailsEveryCallAndEveryAllocation) {
   EXPECT_GE(sites.allocations, 2U);
 }
 
-/// A conversion whose failures come as this status.
+/// A conversion that turns every exception into this status.
 std::function<Status()> failing_with(const Status& status) {
   return [status] {
     try {
@@ -55,7 +55,7 @@ std::function<Status()> failing_with(const Status& status) {
 
 const Status kRowStatus = Status::Invalid("Could not convert string in row 0 to UTF-16 string.\n");
 
-/// A conversion that hands texts to a string array, and what comes of a failure of that.
+/// A conversion that hands texts to a string array. `on_failure` decides the result if that throws.
 std::function<Status()> handing_texts_over(const std::function<Status()>& on_failure) {
   return [on_failure] {
     constexpr std::array<std::int32_t, 2> kOffsets = {0, 1};

@@ -1,15 +1,15 @@
 #pragma once
 
 /// \file
-/// Host values with the look of a literal:
+/// Builders of host values that read like literals:
 ///
 ///     const hxArrayPtr value = Struct({{"ArrowType", Char("array")},
 ///                                      {"Type", Char("double")},
 ///                                      {"Valid", Empty()},
 ///                                      {"Data", Column<double>({1, 2.5, 3})}});
 ///
-/// Every function returns a new array of the caller. Elements are given in storage order (column
-/// after column) and throw `std::invalid_argument` where there are not as many as `dims` says.
+/// Every function returns a new array that the caller owns. Elements are in storage order (column
+/// by column). If their number does not match `dims`, the function throws `std::invalid_argument`.
 
 #include <algorithm>
 #include <complex>
@@ -33,8 +33,8 @@ namespace numera::testing {
 
 using Dims = std::vector<size_t>;
 
-/// A value on its way into a container. Mutable, since the elements of a braced list are const and
-/// the container takes the value out of it.
+/// A value to be moved into a container. It is mutable because the elements of a braced list are
+/// const, and the container moves the value out.
 struct Slot {
   Slot(hxArrayPtr array) : value(std::move(array)) {}  // NOLINT(google-explicit-constructor)
   mutable hxArrayPtr value;
@@ -110,7 +110,7 @@ inline hxArrayPtr Logical(const std::vector<bool>& values) {
   return Logical({values.size(), 1}, values);
 }
 
-/// A char row of UTF-16 code units, paired or not.
+/// A char row of UTF-16 code units, which may include unpaired surrogates.
 inline hxArrayPtr Char(std::u16string_view text) {
   return hxCreateCharArray(text.data(), text.size());
 }
@@ -124,7 +124,7 @@ inline hxArrayPtr CharMatrix(const Dims& dims, std::u16string_view units) {
   return host::memory::CreateCharArray(dims, units.data());
 }
 
-/// A string array; `std::nullopt` is a missing element.
+/// A string array; `std::nullopt` means a missing element.
 inline hxArrayPtr Strings(const Dims& dims,
                           const std::vector<std::optional<std::u16string>>& texts) {
   check_element_count(dims, texts.size());
@@ -164,7 +164,7 @@ inline hxArrayPtr Struct(std::initializer_list<Field> fields) {
   return array;
 }
 
-/// The values of a struct or object array: a list an element, each with a value a field.
+/// The values of a struct or object array: one list per element, with one value per field.
 using Rows = std::initializer_list<std::initializer_list<Slot>>;
 
 inline hxArrayPtr fill_rows(hxArrayPtr array, const Dims& dims, size_t fields, Rows rows) {
@@ -184,7 +184,7 @@ inline hxArrayPtr StructArray(const Dims& dims, const std::vector<const char*>& 
   return fill_rows(hxCreateStructArray(dims, names), dims, names.size(), rows);
 }
 
-/// The same of a class of its own.
+/// The same as an object array of the given class.
 inline hxArrayPtr ObjectArray(std::string class_name, const Dims& dims,
                               const std::vector<const char*>& names, Rows rows) {
   return fill_rows(host::memory::CreateObjectArray(std::move(class_name), dims, names), dims,

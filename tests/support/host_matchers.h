@@ -14,8 +14,8 @@
 
 namespace numera::testing {
 
-/// Success where the values are equal down to the bits; a failure says where they first differ and
-/// prints both of them.
+/// Succeeds if the values are equal bit by bit. A failure shows the first difference and both
+/// values.
 inline ::testing::AssertionResult SameHostValue(const hxArray* actual, const hxArray* expected) {
   const std::optional<std::string> difference = extras::first_difference(actual, expected);
   if (!difference) return ::testing::AssertionSuccess();

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What ICU makes of a text; none where it refuses it.
+/// Text conversions by ICU; nothing where ICU refuses the text.
 
 #include <unicode/ustring.h>
 

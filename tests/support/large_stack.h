@@ -8,7 +8,7 @@
 
 namespace numera::testing {
 
-/// The sizes in numera/core/limits.h are those of release builds; others take this many times as
+/// The sizes in numera/core/limits.h hold for release builds. Other builds need this many times as
 /// much.
 #if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 inline constexpr size_t kStackFactor = 1;
@@ -33,13 +33,13 @@ inline void on_stack_of(size_t bytes, const std::function<void()>& function) {
   pthread_join(thread, nullptr);
 }
 
-/// Room to destroy values nested so deeply that their own recursive destruction would end any
-/// usual stack.
+/// Runs the function on a stack of 1 GiB. Deeply nested values need it: their recursive destruction
+/// overflows a stack of the usual size.
 inline void OnLargeStack(const std::function<void()>& function) {
   on_stack_of(size_t{1} << 30, function);
 }
 
-/// A size of numera/core/limits.h.
+/// Runs the function with a stack size from numera/core/limits.h.
 inline void OnStatedStack(size_t bytes, const std::function<void()>& function) {
   on_stack_of(bytes * kStackFactor, function);
 }

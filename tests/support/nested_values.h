@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Values nested as deep as is asked for, in each form that they take.
+/// Values nested to any depth, in each form: Arrow, as written by `to_numera`, as read by
+/// `to_arrow`.
 
 #include <arrow/array/data.h>
 #include <arrow/array/util.h>
@@ -19,12 +20,12 @@ namespace numera::testing {
 
 using ArrowData = std::shared_ptr<::arrow::ArrayData>;
 
-/// A container of one element around one other value of one element, in each form that it takes.
+/// Wraps a value of one element in a container of one element, in each form.
 struct Container {
   const char* name;
   ArrowData (*arrow)(ArrowData inner);
   hxArrayPtr (*written)(hxArrayPtr inner);
-  hxArrayPtr (*encoded)(hxArrayPtr inner);  ///< null where the container is not read
+  hxArrayPtr (*encoded)(hxArrayPtr inner);  ///< null if `to_arrow` does not read the container
 };
 
 inline ArrowData NestedData(std::shared_ptr<::arrow::DataType> type,
@@ -97,7 +98,7 @@ inline constexpr Container kMap = {"map", ArrowMap, WrittenMap, nullptr};
 
 using Containers = std::vector<Container>;
 
-/// What is written, and what is read: each container alone, and several in turn.
+/// Containers that are written and containers that are read: each one alone, and several in turn.
 inline const std::vector<Containers> kWrittenContainers = {{kList},
                                                            {kLargeList},
                                                            {kStruct},
@@ -107,7 +108,7 @@ inline const std::vector<Containers> kWrittenContainers = {{kList},
 inline const std::vector<Containers> kReadContainers = {
     {kLargeList}, {kStruct}, {kStruct, kLargeList, kLargeList}};
 
-/// The containers in turn, `levels` of them in one another, around one double.
+/// One double inside `levels` nested containers, which take turns.
 inline std::shared_ptr<::arrow::Array> NestedArray(const Containers& containers, size_t levels) {
   ArrowData data = ArrowArray(::arrow::float64(), "[1.5]")->data();
   for (size_t i = 0; i < levels; ++i) data = containers[i % containers.size()].arrow(data);

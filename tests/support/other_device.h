@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A buffer in the memory of a device other than the processor, whose bytes nobody here may read.
+/// A buffer in the memory of a device other than the CPU. The process cannot read its bytes.
 
 #include <arrow/buffer.h>
 #include <arrow/device.h>
@@ -42,7 +42,7 @@ class OtherDevice final : public ::arrow::Device {
   }
 };
 
-/// `size` bytes at an address that no process may read.
+/// `size` bytes at an address that no process can read.
 inline std::shared_ptr<::arrow::Buffer> BufferOfOtherDevice(std::int64_t size) {
   const auto device = std::make_shared<OtherDevice>();
   return std::make_shared<::arrow::Buffer>(std::uintptr_t{8}, size,

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the recording host's forwarding file tells the recorder.
+/// The calls from the recording host's forwarding file to the recorder.
 
 #include <memory>
 #include <string>
@@ -14,13 +14,13 @@ namespace numera::testing {
 
 /// Counts a call of an operation that cannot fail.
 void note(const char* operation) noexcept;
-/// Counts a call of an operation that may fail, and throws where this one is to fail.
+/// Counts a call of an operation that may fail. Throws if this call is to fail.
 void note_throwing(const char* operation);
-/// What the codec to UTF-8 is to be given for a text.
+/// The text that the UTF-8 encoder receives in place of `text`.
 std::u16string codec_input(std::u16string_view text);
-/// Lists a new array and passes it on.
+/// Records a new array and returns it.
 hxArrayPtr created(const char* operation, hxArrayPtr array);
-/// Lists a new string array object, and returns one that records what is done to it.
+/// Records a new string array object. Returns a wrapper that records the calls on it.
 std::unique_ptr<hxStringArray> created(const char* operation,
                                        std::unique_ptr<hxStringArray> strings);
 

@@ -1,5 +1,5 @@
 /// \file
-/// The host interface, forwarded to the in-memory host past the recorder.
+/// The host interface. Every call goes through the recorder to the in-memory host.
 
 #include "tests/support/recording_host.h"
 

@@ -1,19 +1,19 @@
 #pragma once
 
 /// \file
-/// The in-memory host behind a recorder: it counts every operation of the host interface, lists the
-/// arrays that are made, and lets a chosen call fail. A test that links `numera_recording_host`
-/// runs on it instead of the plain in-memory host.
+/// The in-memory host behind a recorder. The recorder counts every operation of the host interface,
+/// lists the arrays that are made, and lets a chosen call fail. A test that links
+/// `numera_recording_host` uses it instead of the plain in-memory host.
 ///
 ///     numera::testing::Reset();
 ///     numera::testing::FailCall(2);            // the third call from here that may fail
 ///     EXPECT_THROW(convert(value), std::bad_alloc);
 ///
-/// Operations go by their name: "hxSetField", "hxUTF8ToUTF16::convert", "hxStringArray::set". The
-/// reading overload of hxGetData goes by "hxGetData const". What the host does on its own account,
-/// such as destroying the contents of a cell array, is not counted.
+/// Operations have names: "hxSetField", "hxUTF8ToUTF16::convert", "hxStringArray::set". The reading
+/// overload of hxGetData is "hxGetData const". Work that the host does by itself, such as
+/// destroying the contents of a cell array, is not counted.
 ///
-/// Calls are recorded from all threads together.
+/// Calls of all threads are counted together.
 
 #include <cstddef>
 #include <exception>
@@ -35,38 +35,38 @@ struct Creation {
   friend bool operator==(const Creation&, const Creation&) = default;
 };
 
-/// Forgets all counts and creations, and lets no call fail.
+/// Resets all counts and creations. No call fails afterwards.
 void Reset();
 
-/// How often the operation was called. Throws `std::invalid_argument` for a name that no operation
-/// has.
+/// The number of calls of the operation. Throws `std::invalid_argument` if there is no such
+/// operation.
 size_t Calls(std::string_view operation);
 
-/// Calls of all operations that may throw, the failed ones too.
+/// The number of calls of all operations that may throw, including the failed ones.
 size_t TotalThrowingCalls();
 
-/// Arrays made and string array objects made, in order.
+/// The arrays and string array objects made, in order.
 std::vector<Creation> Created();
 
-/// Lets the next `k` calls of operations that may throw succeed and the one after them throw
+/// Lets the next `k` calls of operations that may throw succeed. The call after them throws
 /// `error`, once, before it does anything.
 void FailCall(size_t k, std::exception_ptr error = std::make_exception_ptr(std::bad_alloc()));
 
-/// Whether the failure asked for has been thrown.
+/// Whether the requested failure has been thrown.
 bool HasFailed();
 
-/// The operation that threw it; empty where none has.
+/// The operation that threw it; empty if none has.
 std::string_view FailedCall();
 
 /// Whether a call of `hxStringArray::assign_utf8` has thrown since the last `Reset`.
 bool TextsAtOnceThrew();
 
-/// Whether string arrays that are made from here on, by any thread, take texts at once (as they do
-/// at first) or, like those of a host that cannot, set one element after another.
+/// Whether string arrays made from now on, by any thread, accept many texts at once (the default)
+/// or set one element after another, like a host without that operation.
 void TakeTextsAtOnce(bool at_once);
 
-/// Whether the codec to UTF-8 refuses unpaired surrogates (as it does at first) or writes "?" for
-/// each, as a lenient host may.
+/// Whether the UTF-8 encoder writes "?" for each unpaired surrogate, as a lenient host may, or
+/// refuses it (the default).
 void ReplaceUnpairedSurrogates(bool replace);
 
 }  // namespace numera::testing

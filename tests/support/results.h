@@ -8,7 +8,7 @@
 
 namespace numera::testing {
 
-/// The value of a result that is expected to have one; a status ends the test with its text.
+/// The value of a result. Throws `std::runtime_error` with the status text if there is none.
 template <class T>
 T ValueOf(::arrow::Result<T> result) {
   if (!result.ok()) throw std::runtime_error(result.status().ToString());
