@@ -26,7 +26,7 @@ using ::arrow::Status;
 
 using DataPtr = std::shared_ptr<ArrayData>;
 
-/// A struct of one child; Arrow looks at the child only when asked for it.
+/// A struct with one child. Arrow reads the child only on demand.
 std::shared_ptr<::arrow::Array> Around(const std::shared_ptr<::arrow::DataType>& declared,
                                        const DataPtr& child) {
   return ::arrow::MakeArray(
@@ -152,7 +152,7 @@ TEST(ArrayLayout, RefusesExtentsBeyond64Bits) {
 TEST(ArrayLayout, BoundsArraysThatAreDeeperThanTheirTypes) {
   DataPtr child = Copy(::arrow::int8(), "[1]");
   for (int i = 0; i < 2000; ++i) {
-    // Each level declares an empty struct for what is itself a struct.
+    // Each level declares its child as an empty struct, although the child has a field.
     child = ArrayData::Make(::arrow::struct_({field("f", ::arrow::struct_({}))}), 1, {nullptr},
                             {i == 0 ? Copy(::arrow::struct_({}), "[[]]") : child}, 0);
   }

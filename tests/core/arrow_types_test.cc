@@ -19,7 +19,7 @@ using ::arrow::Status;
 using ::arrow::Type;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-/// A type of every id, with what an envelope says of it; no name where the type is refused.
+/// A type of every id and the texts of its envelope; null if the type is refused.
 struct Row {
   TypePtr type;
   const char* kind;
@@ -138,7 +138,7 @@ TEST_P(EveryArrowType, HasValidityOfTheFormOfItsKind) {
   EXPECT_STREQ(hxGetFieldName(valid, 0), plain ? "ArrowType" : "Values");
 }
 
-/// Ways in which an array may not hold what its type says.
+/// Ways in which an array may contradict its type.
 void lose_all_buffers(::arrow::ArrayData& data) { data.buffers.clear(); }
 void lose_the_last_buffer(::arrow::ArrayData& data) {
   if (!data.buffers.empty()) data.buffers.pop_back();

@@ -81,7 +81,7 @@ TEST(FixedWidthValues, EndWithTheBuffer) {
 struct Counted {
   std::shared_ptr<ArrayData> array;
   std::int64_t nulls;
-  std::int64_t kept;  ///< what the array says afterwards
+  std::int64_t kept;  ///< the null count that the array stores afterwards
 };
 
 void expect_counts(const std::vector<Counted>& cases) {

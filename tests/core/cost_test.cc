@@ -24,8 +24,7 @@ using namespace numera::testing;
 constexpr std::int64_t kFew = 10;
 constexpr std::int64_t kMany = 1'000'000;
 
-/// What `work` takes from the heap. It has run once before, so that what is made on first use is
-/// there.
+/// The heap use of `work`. A first run creates what is made on first use.
 template <class Work>
 HeapUse heap_use_of(Work work) {
   work();
@@ -34,7 +33,8 @@ HeapUse heap_use_of(Work work) {
   return StopMeter();
 }
 
-/// The same with no memory kept from the first run, so that all that the result takes is seen.
+/// The same, but memory kept from the first run is released, so that all memory of the result
+/// counts.
 template <class Work>
 HeapUse fresh_heap_use_of(Work work) {
   work();
@@ -44,7 +44,7 @@ HeapUse fresh_heap_use_of(Work work) {
   return StopMeter();
 }
 
-/// A column of doubles with every second one null, in chunks of equal length.
+/// A column of doubles in chunks of equal length. Every second value is null.
 std::shared_ptr<::arrow::ChunkedArray> doubles(std::int64_t length, int chunks) {
   const auto count = static_cast<size_t>(length);
   const auto chunk = std::make_shared<::arrow::DoubleArray>(

@@ -20,7 +20,7 @@ using ::arrow::ArrayData;
 using ::arrow::Status;
 using DataPtr = std::shared_ptr<ArrayData>;
 
-/// A copy of all nodes over the same buffers.
+/// Copies all nodes. The copy shares the buffers.
 DataPtr copy_of(const ArrayData& array) {
   DataPtr copy = array.Copy();
   for (DataPtr& child : copy->child_data) child = copy_of(*child);
@@ -28,7 +28,7 @@ DataPtr copy_of(const ArrayData& array) {
   return copy;
 }
 
-/// The buffers of all nodes, the node itself first.
+/// Lists the buffers of all nodes, starting with the node itself.
 void list_buffers(ArrayData& array, const std::string& place,
                   std::vector<std::pair<std::string, std::shared_ptr<::arrow::Buffer>*>>& list) {
   for (size_t i = 0; i < array.buffers.size(); ++i) {

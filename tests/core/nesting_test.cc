@@ -216,7 +216,7 @@ TEST(LargeShapes, TenMillionEmptyListsConvertBothWays) {
   EXPECT_TRUE(read->ValidateFull().ok());
 }
 
-/// Lists of one struct each, whose one field is a list of one number: the number of its row.
+/// Lists of one struct each. Its only field is a list of one number, the number of the row.
 std::shared_ptr<::arrow::Array> ListsOfStructsOfLists(const std::vector<std::int32_t>& offsets) {
   const auto rows = static_cast<std::int64_t>(offsets.size()) - 1;
   const auto numbers = std::make_shared<::arrow::Int32Array>(

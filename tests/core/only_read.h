@@ -9,7 +9,7 @@
 
 namespace numera::testing {
 
-/// `to_numera` of an Arrow value; expects its nodes to be what they were, whatever comes of it.
+/// Calls `to_numera` and expects that the nodes of the value are unchanged, even if the call fails.
 template <class Value>
 ::arrow::Result<hxArrayPtr> ToNumeraOnlyReads(const std::shared_ptr<Value>& value) {
   const ArrayNodes before(*value);

@@ -16,8 +16,8 @@
 #include "tests/support/nested_values.h"
 #include "tests/support/results.h"
 
-/// Each test runs what it claims on a thread that has no more stack than is stated, and makes and
-/// compares values elsewhere. A stack that ends before the work does ends the program.
+/// Each test runs the conversion on a thread with exactly the documented stack size. It makes and
+/// compares values on other threads. A stack overflow ends the program.
 
 namespace numera::io::arrow::core {
 namespace {
@@ -31,7 +31,7 @@ constexpr size_t kDeepest = kMaxNestingLevels;
 const auto kTooDeep =
     Status::Invalid("Nested value: found more than 1024 levels, expected at most 1024.");
 
-/// The innermost container is a list that lacks its offsets.
+/// The innermost container is a list without offsets.
 std::shared_ptr<Array> DeepestWithoutOffsets(const Containers& containers) {
   ArrowData data = ArrowLargeList(ArrowArray(::arrow::float64(), "[1.5]")->data());
   data->buffers[1] = ArrowBuffer({0});

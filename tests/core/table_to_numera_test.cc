@@ -229,7 +229,7 @@ TEST_F(TableToNumeraInterrupts, StopTheConversionBeforeTheNextColumn) {
   const auto table = many_columns(3);
   std::vector<size_t> columns_made;
   host::memory::SetInterruptCheck([&columns_made] {
-    // The table is made of two structs, and each of these columns of one: its validity.
+    // The table consists of two structs. Each of these columns adds one, for its validity.
     columns_made.push_back(Calls("hxCreateStructArray") - 2);
     if (columns_made.size() == 2) host::memory::RequestInterrupt();
   });

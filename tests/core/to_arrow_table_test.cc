@@ -24,7 +24,7 @@ hxArrayPtr table_of(hxArrayPtr names, hxArrayPtr columns) {
       {{"ArrowType", Char("table")}, {"Columns", std::move(columns)}, {"Names", std::move(names)}});
 }
 
-/// A "Columns" of the given rows, each "ArrowType", "Type", "Data", "Valid".
+/// A "Columns" struct array with the given rows. Each row has "ArrowType", "Type", "Data", "Valid".
 hxArrayPtr columns_of(const Dims& dims, Rows rows) {
   return StructArray(dims, {"ArrowType", "Type", "Data", "Valid"}, rows);
 }
@@ -227,7 +227,7 @@ TEST(ToArrowTable, RefusesAValidThatArrowWouldReadPast) {
                       "sum within 64 bits."));
 }
 
-/// Columns that hold their own index.
+/// Each column holds its own index.
 hxArrayPtr many_columns(size_t count) {
   hxArrayPtr columns = hxCreateStructArray(
       Dims{count, 1}, std::vector<const char*>{"ArrowType", "Type", "Data", "Valid"});

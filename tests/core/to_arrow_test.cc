@@ -21,7 +21,7 @@ using ::arrow::Status;
 
 Status converted(const hxArrayPtr& encoded) { return to_arrow<Array>(encoded.get()).status(); }
 
-/// An envelope of the kind "array" whose four fields are given.
+/// An envelope with the four given fields.
 hxArrayPtr envelope_of(hxArrayPtr kind, hxArrayPtr type, hxArrayPtr valid, hxArrayPtr data) {
   return Struct({{"ArrowType", std::move(kind)},
                  {"Type", std::move(type)},

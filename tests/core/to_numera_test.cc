@@ -21,7 +21,7 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-/// An extension type that does not say how its values are stored.
+/// An extension type without a storage type.
 class WithoutStorage final : public ::arrow::ExtensionType {
  public:
   WithoutStorage() : ExtensionType(nullptr) {}

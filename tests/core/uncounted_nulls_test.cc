@@ -26,7 +26,7 @@ void forget_counts(::ArrowArray& array) {
   for (std::int64_t i = 0; i < array.n_children; ++i) forget_counts(*array.children[i]);
 }
 
-/// As another library hands it over, which has counted no nulls.
+/// The array as another library would pass it, with unknown null counts.
 std::shared_ptr<::arrow::Array> Uncounted(const ::arrow::Array& array) {
   ::ArrowArray exported;
   if (!::arrow::ExportArray(array, &exported).ok()) return nullptr;
@@ -71,7 +71,7 @@ TEST(UncountedNulls, OfMapsInARecordBatchAreCounted) {
   EXPECT_TRUE(SameHostValue(ValueOf(to_numera(table)).get(), ValueOf(to_numera(expected)).get()));
 }
 
-/// A struct of one map, whose entries or keys have a bitmap and no count.
+/// A struct with one map whose entries or keys have a bitmap and an unknown null count.
 std::shared_ptr<::arrow::Array> MapWithBitmap(bool of_keys, std::vector<std::uint8_t> bitmap) {
   const auto map = ArrowArray(kMap, R"([[["a", 1], ["b", 2]]])")->data()->Copy();
   DataPtr& entries = map->child_data[0];

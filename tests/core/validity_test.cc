@@ -15,7 +15,7 @@ namespace {
 
 using namespace numera::testing;
 
-/// A chunk with a bitmap buffer of exactly these bytes.
+/// A chunk whose bitmap buffer has exactly these bytes.
 std::shared_ptr<::arrow::Array> chunk(std::int64_t length, std::vector<std::uint8_t> bitmap,
                                       std::int64_t offset = 0) {
   const auto values = ArrowBuffer(std::vector<std::uint8_t>(static_cast<size_t>(offset + length)));

@@ -1,5 +1,5 @@
-// Every type, and one of each converter in every nesting: each host allocation and each host call
-// that may throw fails in turn on every way that a column can take.
+// Columns of every type, and one of each converter in every nesting: each host allocation and each
+// host call that may throw fails in turn, in every direction that a column can take.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ using ::arrow::Array;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
 
-/// The sites of all columns together, and the fewest that one of them has.
+/// The sites of all columns together, and the fewest sites of one column.
 struct Reached {
   FaultSites total;
   FaultSites least = {1'000'000, 1'000'000, 1'000'000};
@@ -40,7 +40,7 @@ struct Reached {
   }
 };
 
-/// Types whose converters differ.
+/// One type per converter.
 bool is_nested_too(const ::arrow::DataType& type) {
   switch (type.id()) {
     case ::arrow::Type::NA:

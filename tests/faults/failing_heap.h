@@ -1,20 +1,20 @@
 #pragma once
 
 /// \file
-/// A heap that fails on demand. A program that compiles failing_heap.cc has its `operator new`
-/// replaced, that of the libraries it loads too.
+/// A heap that fails on demand. A program that compiles failing_heap.cc replaces its `operator
+/// new`, also for the libraries that it loads.
 
 #include <cstddef>
 
 namespace numera::testing {
 
-/// Lets the next `count` allocations of this thread by `operator new` succeed and the one after
-/// them fail, once.
+/// Lets the next `count` allocations of this thread by `operator new` succeed. The one after them
+/// fails, once.
 void FailHeapAfter(size_t count) noexcept;
-/// Ends that, and tells whether the allocation has failed.
+/// Cancels that. Returns whether the allocation has failed.
 bool EndHeapFailure() noexcept;
 
-/// Blocks from `operator new` that are not yet freed, of all threads.
+/// The number of blocks from `operator new` that are not yet freed, of all threads.
 size_t LiveBlocks() noexcept;
 
 }  // namespace numera::testing

@@ -1,6 +1,6 @@
-// The heap beneath the library and beneath Arrow fails: every allocation by `operator new` in turn.
-// Left out is what Arrow allocates in functions of its own that are `noexcept` and so end the
-// process: making dictionary arrays, chunked arrays and copies of arrays.
+// Every allocation by `operator new` fails in turn, in the library and in Arrow. Excluded are
+// allocations in `noexcept` functions of Arrow, whose failure ends the process: making dictionary
+// arrays, chunked arrays and copies of arrays.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ using ::arrow::Array;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
 
-/// What a conversion that fails must leave as it found it.
+/// What a failed conversion must leave as it was.
 struct Held {
   size_t blocks = LiveBlocks();
   size_t host_arrays = host::memory::LiveArrays();
@@ -52,8 +52,8 @@ bool throws_bad_alloc(const std::function<void()>& work) {
   }
 }
 
-/// Runs `work` with its first allocation failing, with its second, and so on until none fails, and
-/// returns how many did. What is made on first use is made before.
+/// Runs `work` once, so that everything made on first use exists. Then runs it with its first
+/// allocation failing, its second, and so on until none fails. Returns the number of failures.
 size_t fail_heap(const std::function<void()>& work) {
   work();
   for (size_t site = 0;; ++site) {
@@ -74,7 +74,7 @@ bool holds_dictionary(const ::arrow::DataType& type) {
                              [](const auto& field) { return holds_dictionary(*field->type()); });
 }
 
-/// `work` on the readable form of every type without a dictionary, plain and nested.
+/// Runs `fail_heap` on the readable form of every type without a dictionary, plain and nested.
 size_t fail_for_every_readable_value(const std::function<void(const hxArray*)>& work) {
   size_t sites = 0;
   for (const ColumnType& one : column_types()) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Inputs of conversions, and what comes out of them, as text, down to the last bit.
+/// Inputs and results of conversions as text, exact to the last bit.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@
 
 namespace numera::testing {
 
-/// The bytes of an array with those of its children and its dictionary.
+/// The bytes of an array, of its children and of its dictionary.
 inline std::string text_of(const ::arrow::ArrayData& array) {
   std::string text = std::to_string(array.offset) + "+" + std::to_string(array.length);
   for (const auto& buffer : array.buffers) text += buffer == nullptr ? "-" : buffer->ToString();
@@ -60,8 +60,7 @@ inline std::string text_of(const std::shared_ptr<::arrow::Buffer>& value) {
   return value->ToString();
 }
 
-/// The bytes of an Arrow value; each time it is asked, its nodes are expected to be what they are
-/// now.
+/// Returns the bytes of an Arrow value. Each call also expects that no node has changed since.
 template <class ArrowValue>
 std::function<std::string()> input_of(const std::shared_ptr<ArrowValue>& value) {
   return [value, nodes = ArrayNodes(*value)] {
@@ -70,7 +69,7 @@ std::function<std::string()> input_of(const std::shared_ptr<ArrowValue>& value) 
   };
 }
 
-/// The same column, of whose nodes nobody knows how many nulls they have.
+/// The same column with unknown null counts in all nodes.
 inline std::shared_ptr<::arrow::ChunkedArray> uncounted(const ::arrow::ChunkedArray& column) {
   ::arrow::ArrayVector chunks;
   for (const auto& chunk : column.chunks()) {
@@ -79,7 +78,7 @@ inline std::shared_ptr<::arrow::ChunkedArray> uncounted(const ::arrow::ChunkedAr
   return std::make_shared<::arrow::ChunkedArray>(std::move(chunks), column.type());
 }
 
-/// `FailEverywhere` of a conversion whose result tells itself as text.
+/// Calls `FailEverywhere` for a conversion, with its result converted to text.
 template <class Convert>
 FaultSites fail_everywhere(const Convert& convert, const std::function<std::string()>& input) {
   const auto result = [&convert] {

@@ -1,5 +1,5 @@
-// Tables, buffers and texts: each host allocation, each host call that may throw and each check for
-// interrupts fails in turn, on every way.
+// Tables, buffers and texts, in every direction: each host allocation, each host call that may
+// throw and each interrupt check fails in turn.
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,8 @@ using io::arrow::core::to_arrow_table;
 using io::arrow::core::to_numera;
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// Five columns of the kinds that differ most, their nulls uncounted; some of several chunks.
+/// Five columns that differ as much as possible, with unknown null counts; some have several
+/// chunks.
 TablePtr table() {
   const Chunks columns[] = {
       ArrowChunks(::arrow::float64(), {"[1, null]", "[2]"}),
@@ -68,7 +69,8 @@ TEST(TableFaults, ToTheHost) {
   EXPECT_EQ(sites.interrupts, kColumns);
 }
 
-// The calls of all threads are counted together; allocations and interrupts are those of this one.
+// Calls of all threads are counted together. Allocations and interrupts are counted on this thread
+// alone.
 TEST(TableFaults, ToTheHostOnThreads) {
   const TablePtr input = table();
   for (const size_t threads : {1U, 2U, 5U}) {
@@ -149,7 +151,7 @@ TEST(GatewayFaults, LeaveTheOutputsAsTheyWere) {
   };
   for (const auto& [what, value] : cases) {
     SCOPED_TRACE(what);
-    // A run that goes through replaces what the one before has left.
+    // A successful run replaces the outputs of the run before.
     std::array<hxArrayPtr, 2> outputs = {Scalar<double>(1), Scalar<double>(2)};
     const auto convert = [&outputs, input = value.get()] {
       const std::array<const hxArray*, 2> before = {outputs[0].get(), outputs[1].get()};

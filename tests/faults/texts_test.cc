@@ -1,6 +1,6 @@
-// A host whose string arrays set one element after another: what fails inside an element comes as
-// the message of that row, what fails before the first element is made up for, and what fails
-// around the elements comes as the exception itself.
+// A host whose string arrays set one element after another. A failure inside an element becomes the
+// message of that row. A failure before the first element is recovered. A failure around the
+// elements comes out as the exception itself.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,8 +34,8 @@ class TextsOneByOne : public ::testing::TestWithParam<std::shared_ptr<::arrow::D
   size_t before_ = host::memory::LiveArrays();
 };
 
-/// What comes of a column whose next call but `site` fails, with the name of the call; empty where
-/// there is no such call.
+/// Fails the call number `site` of a conversion. Returns the name of the call and the outcome;
+/// empty if there is no such call.
 std::string outcome_of(const Chunks& column, size_t site) {
   Reset();
   FailCall(site, std::make_exception_ptr(Fault()));
@@ -51,12 +51,12 @@ std::string outcome_of(const Chunks& column, size_t site) {
 
 TEST_P(TextsOneByOne, FailByRowInsideAnElementAndByExceptionElsewhere) {
   const Chunks column = ArrowChunks(GetParam(), {R"(["a", "é"])", R"(["b"])"});
-  ASSERT_TRUE(to_numera(column).ok());  // makes the codec of the process
+  ASSERT_TRUE(to_numera(column).ok());  // creates the codec of the process
   std::vector<std::string> outcomes;
   for (size_t site = 0;; ++site) {
     std::string outcome = outcome_of(column, site);
     if (outcome.empty()) break;
-    // What is made after the texts fails as for every type.
+    // Calls after the texts fail as for every type.
     if (outcomes.empty() || outcomes.back() != "hxCreateStringArrayFrom: exception") {
       outcomes.push_back(std::move(outcome));
     } else {

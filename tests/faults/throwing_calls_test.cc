@@ -1,5 +1,5 @@
-// The headers of the host declare `noexcept` what may not throw; the recording host lets every
-// other operation fail. So failing each call that may throw misses none.
+// The host headers declare `noexcept` on operations that cannot throw. The recording host can fail
+// every other operation. So failing each call that may throw leaves no operation out.
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ struct Operation {
   std::function<void()> call;
 };
 
-/// What the operations are called on, made once.
+/// The values on which the operations are called.
 struct Values {
   hxArrayPtr number = Scalar<double>(1);
   hxArrayPtr text = Char("a");
@@ -145,7 +145,7 @@ TEST(HostCalls, MayThrowUnlessTheHeadersSayNoexcept) {
     }
   }
   Reset();
-  EXPECT_EQ(operations, 47U);  // two of them twice; the three that do nothing but throw left out
+  EXPECT_EQ(operations, 47U);  // two of them are called twice; the three that only throw are left out
 }
 
 }  // namespace

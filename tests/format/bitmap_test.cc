@@ -15,7 +15,7 @@ namespace {
 using numera::testing::Bytes;
 using numera::testing::CopyBitmapModel;
 
-/// A block on the heap of exactly this size, so that a memory checker sees every byte too far.
+/// A heap block of exactly this size, so that a memory checker reports every access beyond it.
 class ExactBlock {
  public:
   explicit ExactBlock(const Bytes& bytes)
@@ -99,7 +99,7 @@ class RandomBitmaps : public ::testing::TestWithParam<unsigned> {
     return result;
   }
 
-  /// Sizes around what `bits` need, from nothing to far more.
+  /// A size near the number of bytes that `bits` bits need: from zero to far more.
   size_t source_size(size_t bits) {
     const size_t needed = (bits + 7) / 8;
     switch (up_to(3)) {

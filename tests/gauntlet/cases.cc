@@ -34,7 +34,7 @@ const std::vector<Chunks>& chunk_lists() {
 
 const Chunks kNoChunks = {"0 chunks", {}};
 
-/// The digits of a number, the lowest first.
+/// The digits of a number, the lowest first. The size of a range is the base of its digit.
 class Digits {
  public:
   explicit Digits(std::uint64_t number) : rest_(number) {}
@@ -55,7 +55,7 @@ std::uint64_t cases_a_subject() {
          chunk_lists().size();
 }
 
-/// One more number a subject stands for the column without chunks.
+/// The last number of each subject stands for the column without chunks.
 Case case_of(const Subject& subject, std::uint64_t number) {
   if (number == cases_a_subject()) {
     return {&subject, 0, Nulls::kNoBitmap, &slices()[0], &kNoChunks, Memory::kExact, number};
@@ -72,7 +72,8 @@ Case case_of(const Subject& subject, std::uint64_t number) {
 
 std::shared_ptr<::arrow::ArrayData> make_chunk(const Case& one, std::int64_t length,
                                                const Making& making) {
-  // Where buffers end early, the last element of a slice is that of its buffers.
+  // If buffers end early, a slice must reach to their end. Otherwise it would not need the lost
+  // bytes.
   const std::int64_t tail = is_short(one.memory) ? 0 : 3;
   const std::vector<std::int64_t>& starts = one.slice->starts;
   std::int64_t whole = length;

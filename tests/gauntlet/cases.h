@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The product of everything that a column can be.
+/// All combinations of the properties that a column can have.
 
 #include <cstdint>
 #include <functional>
@@ -15,12 +15,12 @@ namespace numera::gauntlet {
 
 struct Slice {
   const char* name;
-  std::vector<std::int64_t> starts;  ///< one slice of the slice before a start
+  std::vector<std::int64_t> starts;  ///< each start cuts a slice from the slice before
 };
 
 struct Chunks {
   const char* name;
-  std::vector<std::int64_t> extra;  ///< a chunk for each, so much longer; below 0: without elements
+  std::vector<std::int64_t> extra;  ///< the extra length of each chunk; negative: an empty chunk
 };
 
 struct Case {
@@ -37,12 +37,12 @@ struct Case {
   Column column() const;
 };
 
-/// One case of so many is run: the number in the environment variable NUMERA_GAUNTLET, without
-/// which a test takes a second. A prime above 7 meets every value of every dimension.
+/// Only every `stride()`-th case runs. The environment variable NUMERA_GAUNTLET sets the stride;
+/// with the default a test takes a second. A prime above 7 reaches every value of every dimension.
 std::uint64_t stride();
 
-/// Calls `run` with every `stride()`-th case and returns how many there were. Ends early once a
-/// few tests have failed.
+/// Calls `run` for every `stride()`-th case and returns the number of calls. Stops early after a
+/// few test failures.
 std::uint64_t for_each_case(const std::vector<Subject>& subjects,
                             const std::function<void(const Case&)>& run);
 

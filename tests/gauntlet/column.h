@@ -8,7 +8,7 @@
 
 namespace numera::gauntlet {
 
-/// A chunked array before Arrow has seen it.
+/// A chunked array as plain data, before Arrow makes an object of it.
 struct Column {
   std::shared_ptr<::arrow::DataType> type;
   std::vector<std::shared_ptr<::arrow::ArrayData>> chunks;

@@ -6,8 +6,8 @@
 
 namespace numera::gauntlet {
 
-/// The value of a valid array, copied element by element into buffers of its own: no offset at any
-/// depth, no byte more than is needed, lists and maps that start at 0.
+/// Copies the value of a valid array, element by element, into new buffers. Every offset is 0, no
+/// buffer has an unneeded byte, and the offsets of lists and maps start at 0.
 std::shared_ptr<::arrow::ArrayData> compact(const ::arrow::ArrayData& array);
 
 }  // namespace numera::gauntlet

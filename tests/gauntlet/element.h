@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Single elements read out of the buffers of Arrow arrays, each read checked.
+/// Reads single elements from the buffers of Arrow arrays. Every read is checked.
 
 #include <arrow/array/data.h>
 
@@ -12,7 +12,7 @@
 
 namespace numera::gauntlet {
 
-/// Thrown where a value needs bytes that are not there: the conversion must be refused.
+/// Thrown if a value needs bytes that do not exist. The conversion must then be refused.
 struct Refused {};
 
 inline Bytes bytes_of(const ::arrow::ArrayData& array, size_t buffer) {
@@ -25,7 +25,7 @@ inline bool has_bytes(const ::arrow::ArrayData& array, size_t buffer) {
   return array.buffers[buffer] != nullptr && array.buffers[buffer]->size() > 0;
 }
 
-/// Bit `index` of a buffer; `beyond` where the buffer ends before.
+/// Bit `index` of a buffer; `beyond` if the buffer ends before it.
 inline bool bit_at(const ::arrow::ArrayData& array, size_t buffer, std::int64_t index,
                    bool beyond) {
   const auto& bits = array.buffers[buffer];
@@ -33,7 +33,8 @@ inline bool bit_at(const ::arrow::ArrayData& array, size_t buffer, std::int64_t 
   return bits->data()[index / 8] >> (index % 8) & 1;
 }
 
-/// Whether slot `i` of the array, its offset honoured, is valid. Slots beyond the bitmap are.
+/// Whether slot `i` is valid, counted from the offset of the array. Slots beyond the bitmap are
+/// valid.
 inline bool is_valid_at(const ::arrow::ArrayData& array, std::int64_t i) {
   return bit_at(array, 0, array.offset + i, true);
 }
@@ -45,7 +46,7 @@ inline std::int64_t nulls_of(const ::arrow::ArrayData& array) {
   return nulls;
 }
 
-/// Element `index` of a buffer, counted from its start; it need not be aligned.
+/// Element `index` of a buffer, counted from the start of the buffer. It may be unaligned.
 template <class T>
 T element_at(const ::arrow::ArrayData& array, size_t buffer, std::int64_t index) {
   constexpr std::int64_t kWidth = sizeof(T);
@@ -66,7 +67,7 @@ inline Bytes range_at(const ::arrow::ArrayData& array, size_t buffer, std::int64
   return {bytes->data() + begin, bytes->data() + end};
 }
 
-/// The bytes of element `i` of a text or binary array, its offset honoured.
+/// The bytes of element `i` of a text or binary array, counted from the offset of the array.
 template <class Offset>
 Bytes text_at(const ::arrow::ArrayData& array, std::int64_t i) {
   const std::int64_t at = array.offset + i;

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The ways in which one column comes to the library: the values are the same, what its nodes say
-/// of their nulls is not.
+/// The forms in which one column reaches the library. The values are the same; what the nodes know
+/// about their nulls differs.
 
 #include <cstdint>
 #include <vector>
@@ -13,18 +13,18 @@
 namespace numera::gauntlet {
 
 enum class Form : std::uint8_t {
-  kBuilt,      ///< as it is made
-  kImported,   ///< through the C data interface, from someone who counts no nulls
-  kAllBitmaps  ///< every node that had no bitmap has one without nulls; none has a count
+  kBuilt,      ///< as generated
+  kImported,   ///< through the C data interface, with unknown null counts
+  kAllBitmaps  ///< every node has a bitmap; all null counts are unknown
 };
 
 const char* name_of(Form form);
 
-/// All forms where every case is run, else one that is drawn by the number of the case.
+/// All forms if every case runs; otherwise one, chosen by the number of the case.
 std::vector<Form> forms_of(const Case& one);
 
-/// Arrow takes imported buffers to be as long as their elements need. So buffers that end early are
-/// not imported; their nodes only forget their counts.
+/// Arrow assumes that imported buffers are as long as their elements need. So short buffers are not
+/// imported; the null counts of their nodes are only set to unknown.
 Column in_form(const Column& column, Form form, Memory memory);
 
 }  // namespace numera::gauntlet

@@ -40,7 +40,7 @@ ArrayDataPtr bits(const TypePtr& type, std::int64_t length, const Making& making
   return make(type, length, making, random_bits(length, making));
 }
 
-/// Arrow's own validation wants times within a day and dates of whole days.
+/// Arrow's validation accepts only times within a day and date64 values of whole days.
 std::uint64_t number(const ::arrow::DataType& type, std::uint64_t random) {
   constexpr std::uint64_t kSeconds = 86400;
   switch (type.id()) {
@@ -69,7 +69,7 @@ ArrayDataPtr numbers(const TypePtr& type, std::int64_t length, const Making& mak
 template <class Offset>
 ArrayDataPtr texts_of(const TypePtr& type, const std::vector<std::string>& texts,
                       const Making& making) {
-  // The first text starts behind bytes that belong to none.
+  // The first text starts after two bytes that belong to no text.
   Bytes bytes = {'?', '?'};
   Bytes offsets;
   append(offsets, static_cast<Offset>(bytes.size()));
@@ -118,13 +118,13 @@ ArrayDataPtr coded(const TypePtr& type, std::int64_t length, const Making& makin
   return array;
 }
 
-/// Elements of `type`, by themselves or cut out of more.
+/// Elements of `type`: an array of their own or a slice of a longer one.
 ArrayDataPtr child(const TypePtr& type, std::int64_t length, const Making& making) {
   if (!making.sliced_children) return generate(type, length, making);
   return generate(type, length + 5, making)->Slice(3, length);
 }
 
-/// One element is left behind the last list.
+/// One child element follows the last list.
 template <class Offset>
 BufferPtr list_offsets(std::int64_t length, const Making& making, std::int64_t* child_length) {
   const std::vector<std::int64_t> starts = random_starts(length, making);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Arrow arrays of any type, every byte of them given by a seed.
+/// Arrow arrays of any type. The seed determines every byte.
 
 #include <arrow/array/data.h>
 #include <arrow/type.h>
@@ -13,8 +13,8 @@
 
 namespace numera::gauntlet {
 
-/// An array without offset. Slots below nulls hold values like the others, null lists and texts
-/// elements. Every null count is unknown, but that of map entries and keys is 0.
+/// An array with offset 0. Null slots hold values like the others; null lists and texts are not
+/// empty. All null counts are unknown, except that those of map entries and keys are 0.
 std::shared_ptr<::arrow::ArrayData> generate(const std::shared_ptr<::arrow::DataType>& type,
                                              std::int64_t length, const Making& making);
 

@@ -11,7 +11,7 @@ constexpr std::pair<const char*, hxClassID> kClasses[] = {
     {"uint8", hxClassID::UInt8},   {"uint16", hxClassID::UInt16}, {"uint32", hxClassID::UInt32},
     {"uint64", hxClassID::UInt64}};
 
-/// Of one chunk: it takes several for dictionaries to differ.
+/// The kinds that a single chunk can have. Dictionaries can differ only between chunks.
 constexpr std::pair<Dictionaries, const char*> kDictionaries[] = {
     {Dictionaries::kUnused, "unused entries"},
     {Dictionaries::kOutOfRange, "codes out of range"},

@@ -26,7 +26,7 @@ Dims dims_of(Shape shape, size_t length) {
   return {};
 }
 
-/// `size` bytes that are needed, and what the memory of the case makes of them.
+/// The needed bytes, extended or cut as the memory of the case says.
 hxArrayPtr bytes(Bytes needed, Part part, const HostMaking& making) {
   if (making.memory == Memory::kLonger) needed.insert(needed.end(), 9, 0x5A);
   const bool is_short = part == Part::kBitmap ? making.memory == Memory::kShortBitmap
@@ -57,7 +57,7 @@ hxArrayPtr numbers(hxClassID class_id, size_t length, const HostMaking& making, 
   return array;
 }
 
-/// Any bits.
+/// Numbers with random bits.
 hxArrayPtr numbers(hxClassID class_id, size_t length, const HostMaking& making) {
   return numbers(class_id, length, making, [&](size_t i) { return mix(making.seed, i); });
 }
@@ -67,7 +67,7 @@ hxArrayPtr start_offsets(const std::vector<std::int64_t>& starts, const HostMaki
                  [&](size_t i) { return static_cast<std::uint64_t>(starts[i]); });
 }
 
-/// Back to back, behind bytes that belong to none.
+/// Texts back to back, after two bytes that belong to no text.
 hxArrayPtr texts_of(const std::vector<std::string>& texts, const HostMaking& making) {
   Bytes all = {'?', '?'};
   std::vector<std::int64_t> starts = {2};

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Encoded arrays of every type that `to_arrow` reads, made of what those of Arrow are made of.
+/// Encoded arrays of every type that `to_arrow` reads. They share their parts with the Arrow
+/// arrays.
 
 #include <cstdint>
 #include <string>
@@ -26,20 +27,20 @@ enum class HostKind : std::uint8_t {
 struct HostType {
   std::string name;
   HostKind kind;
-  std::string type;                       ///< what "Type" says
-  hxClassID class_id = hxClassID::Int64;  ///< of numbers, times and codes
-  std::string units;                      ///< "Units", and where it is a datetime the zone is "UTC"
+  std::string type;                       ///< the text of "Type"
+  hxClassID class_id = hxClassID::Int64;  ///< the class of numbers, times and codes
+  std::string units;                      ///< "Units"; the zone of a datetime is "UTC" or ""
   std::vector<HostType> children;
   Dictionaries dictionaries = Dictionaries::kEqual;
 };
 
-/// Every type, in every class and unit, and each of them in a list and in a struct.
+/// Every type in every class and unit, plain, in a list and in a struct.
 std::vector<HostType> host_types();
 
 enum class Shape : std::uint8_t { kColumn, kRow, kPages };
 
-/// `memory` is that of bitmaps, truth values and the bytes of texts; `shape` that of everything
-/// else, and `dictionaries` comes from the type.
+/// `memory` applies to bitmaps, truth values and the bytes of texts, `shape` to everything else.
+/// `dictionaries` comes from the type.
 struct HostMaking : Making {
   Shape shape = Shape::kColumn;
 };

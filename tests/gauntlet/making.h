@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// What the values of a case are made of, those of Arrow and those of the host alike: validity,
-/// bits, texts, codes and offsets, every one of them given by a seed.
+/// The parts of the values of a case, for Arrow and for the host: validity, bits, texts, codes and
+/// offsets. The seed determines all of them.
 
 #include <cstdint>
 #include <string>
@@ -27,8 +27,8 @@ const char* name_of(Nulls nulls);
 enum class Dictionaries : std::uint8_t {
   kEqual,
   kDiffering,   ///< each chunk shares a third of its texts with the next
-  kUnused,      ///< entries that no code names, and one text twice
-  kOutOfRange,  ///< codes beyond the dictionary under null slots
+  kUnused,      ///< entries that no code uses, and one text twice
+  kOutOfRange,  ///< null slots hold codes beyond the dictionary
   kNoEntries,   ///< an empty dictionary
   kSliced,      ///< the dictionary is a slice
 };
@@ -42,28 +42,29 @@ struct Making {
   std::uint64_t seed = 0;
 };
 
-/// The same for child `number` of a value.
+/// The same settings for child `number` of a value, with a seed of its own.
 Making child_making(const Making& making, std::uint64_t number);
 
-/// A number for each seed and index.
+/// A pseudo-random number for a seed and an index.
 std::uint64_t mix(std::uint64_t seed, std::uint64_t i);
 
-/// A bitmap of so many slots; no bytes where there is to be none.
+/// A bitmap for `length` slots; empty if there is to be none.
 Bytes validity_bits(std::int64_t length, const Making& making);
 
-/// `length` bits, and others up to the end of the last byte.
+/// `length` random bits, padded with random bits to whole bytes.
 Bytes random_bits(std::int64_t length, const Making& making);
 
-/// Texts of none to a dozen bytes, of one to four bytes a character.
+/// Texts of 0 to 12 bytes; a character has 1 to 4 bytes.
 std::vector<std::string> random_texts(std::int64_t length, const Making& making);
 
 /// The texts of a dictionary.
 std::vector<std::string> categories(const Making& making);
 
-/// Code `i` into so many entries; where there are none, or under nulls on demand, one beyond them.
+/// Code `i` for a dictionary of `entries` entries. It is out of range if there are no entries, and
+/// for null slots with `kOutOfRange`.
 std::uint64_t random_code(const Making& making, std::int64_t i, std::uint64_t entries);
 
-/// Where lists begin and end: the first behind two elements that belong to none.
+/// The offsets of lists. The first list starts after two elements that belong to no list.
 std::vector<std::int64_t> random_starts(std::int64_t length, const Making& making);
 
 }  // namespace numera::gauntlet

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Buffers at the exact size and address that a case asks for, so that a sanitizer sees every read
-/// beyond them.
+/// Buffers of exactly the size and address that a case asks for, so that a sanitizer reports every
+/// read beyond them.
 
 #include <arrow/buffer.h>
 
@@ -17,7 +17,7 @@ using Bytes = std::vector<std::uint8_t>;
 /// How the buffers of a case lie in memory.
 enum class Memory : std::uint8_t {
   kExact,
-  kLonger,       ///< with bytes behind what is needed
+  kLonger,       ///< with extra bytes at the end
   kUnaligned,    ///< at odd addresses
   kShortBitmap,  ///< validity bitmaps end early
   kShortValues,  ///< values, codes, truth values and offsets end early
@@ -31,14 +31,14 @@ inline constexpr Memory kMemories[] = {
 
 const char* name_of(Memory memory);
 
-/// Whether a buffer of such a case may end early.
+/// Whether a buffer may end early in such a case.
 inline bool is_short(Memory memory) { return memory >= Memory::kShortBitmap; }
 
-/// Which buffer of an array it is.
+/// The role of a buffer in its array.
 enum class Part : std::uint8_t { kBitmap, kValues, kBytes };
 
-/// A buffer of its own with these bytes; `cut` picks how much a short one lacks: a byte or half.
-/// Null where the case has none.
+/// A buffer with these bytes in a block of its own. A short buffer lacks its last byte, or half of
+/// its bytes if `cut_half`. Returns null if the case has no such buffer.
 std::shared_ptr<::arrow::Buffer> make_buffer(Bytes bytes, Part part, Memory memory, bool cut_half);
 
 }  // namespace numera::gauntlet

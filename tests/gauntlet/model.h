@@ -1,14 +1,15 @@
 #pragma once
 
 /// \file
-/// What `to_numera` gives, said again as plainly as can be: one element after another, nothing of
-/// the library used.
+/// The result of `to_numera`, computed as plainly as possible: element by element, without code of
+/// the library.
 ///
-/// What honours the offset of a slice: numbers, dates, times, timestamps, durations, texts, bytes,
-/// codes, the children of structs and the offsets of lists and maps. What does not, on purpose:
-/// truth values and validity bits, which are read from the first bit of their buffers, and the
-/// children of lists and maps, which are taken whole (map keys and items without the offset of the
-/// entries between).
+/// Honours the offset of a slice: numbers, dates, times, timestamps, durations, texts, bytes,
+/// codes, the children of structs and the offsets of lists and maps.
+///
+/// Ignores it on purpose: truth values and validity bits are read from the first bit of their
+/// buffers. The children of lists and maps are taken whole; map keys and items also ignore the
+/// offset of the entries array.
 
 #include "numera/host/array.h"
 #include "tests/gauntlet/column.h"
@@ -16,7 +17,7 @@
 
 namespace numera::gauntlet {
 
-/// The encoded array of a column. Throws `Refused` where its buffers end before its elements.
+/// The encoded array of a column. Throws `Refused` if a buffer ends before the last element.
 hxArrayPtr model_envelope(const Column& column);
 
 /// \name Parts of the model

@@ -38,7 +38,7 @@ hxArrayPtr plain_codes(const Column& column, const std::shared_ptr<::arrow::Data
   return model_data(codes);
 }
 
-/// Code `i` of a chunk. Negative ones come out beyond every dictionary.
+/// Code `i` of a chunk. A negative code becomes a number beyond every dictionary.
 std::uint64_t code_at(const ArrayData& chunk, std::int64_t i) {
   const std::int64_t width = dictionary_type(chunk).index_type()->byte_width();
   const std::int64_t begin = (chunk.offset + i) * width;
@@ -48,8 +48,8 @@ std::uint64_t code_at(const ArrayData& chunk, std::int64_t i) {
   return code;
 }
 
-/// The texts of all dictionaries, each where it is met first, and a code into them a slot. Slots
-/// that are null may name no text: they take the code of the first.
+/// The texts of all dictionaries in order of first appearance, and one code per slot. A null slot
+/// whose code is out of range takes the first entry of its chunk's dictionary.
 struct Merged {
   std::vector<Bytes> texts;
   std::vector<size_t> codes;
@@ -77,7 +77,7 @@ struct Merged {
     return numera::testing::Column<T>(column);
   }
 
-  /// By the model of texts, over an Arrow array of them.
+  /// Uses the model of texts on an Arrow array.
   hxArrayPtr categories() const {
     std::vector<std::int64_t> offsets = {0};
     Bytes all;
@@ -92,7 +92,7 @@ struct Merged {
   }
 };
 
-/// The class of the codes follows from the number of texts alone.
+/// The number of texts alone decides the class of the codes.
 hxArrayPtr merged_categorical(const Column& column) {
   Merged merged;
   for (const auto& chunk : column.chunks) merged.add(*chunk);

@@ -81,8 +81,8 @@ std::string_view type_name_of(Type::type id) {
   }
 }
 
-/// No bytes where nothing is null, else ones, over which the bits of each chunk are copied from the
-/// first bit of its bitmap on.
+/// Empty if there are no nulls. Otherwise all bits are set first; then each chunk's bitmap is
+/// copied over them, from its first bit on.
 Bytes validity_bits(const Column& column) {
   std::int64_t nulls = 0;
   for (const auto& chunk : column.chunks) nulls += nulls_of(*chunk);

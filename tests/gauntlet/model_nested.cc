@@ -10,7 +10,7 @@ using ArrayDataPtr = std::shared_ptr<ArrayData>;
 
 hxArrayPtr envelope_of(const ArrayDataPtr& child) { return model_envelope({child->type, {child}}); }
 
-/// The offsets of the chunk's own lists, as they are stored. Without lists there may be no buffer.
+/// The offsets of the chunk's own lists, as stored. A chunk without lists may have no buffer.
 template <class Offset>
 hxArrayPtr stored_offsets(const ArrayData& chunk) {
   if (chunk.length == 0 && !has_bytes(chunk, 1)) return Scalar<Offset>(0);
@@ -26,7 +26,7 @@ hxArrayPtr start_offsets(const ArrayData& chunk) {
                                        : stored_offsets<std::int32_t>(chunk);
 }
 
-/// A struct with one element a chunk, each filled by `fill(data, c, chunk)`.
+/// A struct array with one element per chunk. `fill(data, c, chunk)` fills each element.
 template <class Fill>
 hxArrayPtr element_a_chunk(const Column& column, std::initializer_list<const char*> names,
                            Fill fill) {
@@ -36,7 +36,7 @@ hxArrayPtr element_a_chunk(const Column& column, std::initializer_list<const cha
   return data;
 }
 
-/// The child of a struct, cut to the rows of the struct.
+/// A child of a struct, sliced to the rows of the struct.
 ArrayDataPtr field_of(const ArrayData& chunk, size_t i) {
   ArrayDataPtr child = chunk.child_data[i]->Copy();
   if (child->length < chunk.offset + chunk.length) throw Refused();

@@ -76,7 +76,7 @@ hxArrayPtr fixed_binaries(const Column& column) {
   });
 }
 
-/// Of texts that are known to be UTF-8.
+/// Decodes bytes that are known to be valid UTF-8.
 std::u16string utf16_of(const Bytes& utf8) {
   std::u16string units;
   for (size_t i = 0; i < utf8.size();) {

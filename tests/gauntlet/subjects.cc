@@ -123,8 +123,8 @@ std::vector<Subject> deep_subjects() {
         subjects.push_back(subject_of(type, Dictionaries::kEqual, sliced));
       }
     }
-    // Arrow makes the children of a struct when it is asked for them, so nobody has counted the
-    // entries of a map below one.
+    // Arrow makes the child arrays of a struct on demand. So the entries of a map inside a struct
+    // have no null count yet.
     const TypePtr lazy = wrapped(Wrap::kStruct, wrapped(Wrap::kMap, ::arrow::boolean()));
     for (const Wrap outer : wraps) {
       subjects.push_back(subject_of(wrapped(outer, lazy), Dictionaries::kEqual, sliced));

@@ -18,12 +18,12 @@ struct Subject {
   bool sliced_children = false;
 };
 
-/// Every type without children that `to_numera` takes, in every unit; dictionaries of every index
-/// type and of every kind of entries.
+/// Every type without children that `to_numera` accepts, in every unit. Dictionaries of every index
+/// type and every kind.
 std::vector<Subject> plain_subjects();
 
-/// Each of them in `wrap`, some with offsets of their own; for a map as its items, some as its
-/// keys.
+/// Each of them inside `wrap`, some with sliced children. Maps have them as items and some of them
+/// as keys.
 enum class Wrap : std::uint8_t { kList, kLargeList, kStruct, kMap };
 std::vector<Subject> nested_subjects(Wrap wrap);
 

@@ -1,6 +1,6 @@
 /// \file
-/// Every type and shape of encoded arrays towards Arrow, against a model that uses nothing of the
-/// library: types, lengths and buffers, which are the host's own memory, and their bits.
+/// Encoded arrays of every type and shape, converted to Arrow and compared with a model that uses
+/// no code of the library: types, lengths, buffers (which are the host's own memory) and bits.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>
@@ -48,7 +48,7 @@ hxArrayPtr expected_back(const std::shared_ptr<ArrayData>& array) {
   }
 }
 
-/// The array that came out is one that the way back takes, as far as its bytes go.
+/// Expects that `to_numera` converts the array back, or refuses it if its buffers end early.
 void expect_way_back(const std::shared_ptr<::arrow::Array>& array, const std::string& name) {
   const auto back = io::arrow::core::to_numera(array);
   const hxArrayPtr expected = expected_back(array->data());
@@ -73,7 +73,7 @@ void expect_bits(const ::arrow::Array& array, const hxArray* envelope, const std
   EXPECT_EQ(array.null_count(), nulls) << name;
 }
 
-/// Codes without anything that they could name.
+/// Whether codes may stand beside an empty dictionary.
 bool may_hold_wrong_codes(const HostType& type) {
   return type.dictionaries == Dictionaries::kNoEntries ||
          std::ranges::any_of(type.children, may_hold_wrong_codes);

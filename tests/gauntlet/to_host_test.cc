@@ -1,6 +1,6 @@
 /// \file
-/// Every type and shape of Arrow data to the host, as it stands and taken in first, against a model
-/// that uses nothing of the library.
+/// Arrow data of every type and shape, converted to the host directly and after intake, and
+/// compared with a model that uses no code of the library.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ using io::arrow::core::to_numera;
 using testing::ArrayNodes;
 using testing::SameHostValue;
 
-/// The model's value, or null where the column must be refused.
+/// The value of the model; null if the column must be refused.
 hxArrayPtr expected_of(const Column& column) {
   try {
     return model_envelope(column);
@@ -35,8 +35,8 @@ hxArrayPtr expected_of(const Column& column) {
   }
 }
 
-/// Arrow counts nulls when it makes a chunked array, and trusts bitmaps to be long enough: where
-/// they are not, the count is given.
+/// Arrow counts nulls when it makes a chunked array and assumes that bitmaps are long enough. For a
+/// short bitmap the count is set beforehand.
 std::shared_ptr<ChunkedArray> chunked(const Column& column) {
   ::arrow::ArrayVector chunks;
   for (const auto& chunk : column.chunks) {
@@ -62,7 +62,7 @@ void expect_same(const ::arrow::Result<hxArrayPtr>& actual, const hxArrayPtr& ex
   }
 }
 
-/// Whatever comes of it, `convert` only reads the value.
+/// Expects that `convert` leaves the value unchanged, even if it fails.
 template <class Value, class Convert>
 auto read_only(const std::shared_ptr<Value>& value, const std::string& name,
                const Convert& convert) {
@@ -123,7 +123,7 @@ void run_taken_in(const Case& one, Form form) {
 struct Family {
   const char* name;
   std::vector<Subject> (*subjects)();
-  std::uint64_t cases;  ///< that there are at least, as a whole
+  std::uint64_t cases;  ///< the least number of cases in a full run
 };
 
 void PrintTo(const Family& family, std::ostream* out) { *out << family.name; }

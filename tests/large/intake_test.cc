@@ -1,6 +1,6 @@
 /// \file
-/// Slices that begin behind 32 bits, taken in and brought to the host, and lists of that size there
-/// and back.
+/// Intake and conversion to the host of slices that start beyond 32 bits; lists of that size, both
+/// ways.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>

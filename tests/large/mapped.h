@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Gigabytes that take memory only where they are written.
+/// Gigabytes that use memory only where they are written.
 
 #include <arrow/array.h>
 #include <arrow/buffer.h>
@@ -16,7 +16,7 @@
 
 namespace numera::testing {
 
-/// Zero bytes, all of which share one page until they are written.
+/// Zero bytes. All of them share one page until they are written.
 class MappedBuffer : public ::arrow::MutableBuffer {
  public:
   explicit MappedBuffer(std::int64_t size) : MutableBuffer(map(size), size) {}
@@ -31,7 +31,7 @@ class MappedBuffer : public ::arrow::MutableBuffer {
   }
 };
 
-/// Zero bytes but for the given ones: place and value.
+/// Zero bytes except for the given pairs of position and value.
 inline std::shared_ptr<::arrow::Buffer> Zeros(
     std::int64_t size, std::initializer_list<std::pair<std::int64_t, std::uint8_t>> others = {}) {
   auto buffer = std::make_shared<MappedBuffer>(size);

@@ -1,5 +1,5 @@
 /// \file
-/// Host values beyond 32 bits towards Arrow, and texts beyond four gigabytes to UTF-8.
+/// Host values beyond 32 bits to Arrow, and texts of more than four gigabytes to UTF-8.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using core::to_arrow;
 constexpr size_t kTwoTo31 = size_t{1} << 31;
 constexpr size_t kTwoTo32 = size_t{1} << 32;
 
-/// A uint8 column of zeros but for its last element.
+/// A uint8 column of zeros with the given last element.
 hxArrayPtr ZerosAnd(std::uint8_t last, size_t length) {
   hxArrayPtr bytes = hxCreateNumericArray(Dims{length, 1}, hxClassID::UInt8, hxComplexity::Real);
   static_cast<std::uint8_t*>(hxGetData(bytes.get()))[length - 1] = last;

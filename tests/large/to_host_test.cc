@@ -1,6 +1,6 @@
 /// \file
 /// Columns beyond 32 bits to the host: elements, bits, bytes and offsets. The Arrow values take
-/// next to no memory, the host values up to nine gigabytes.
+/// almost no memory, the host values up to nine gigabytes.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>

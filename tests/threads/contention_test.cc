@@ -1,4 +1,4 @@
-// The host's memory and switches under contention.
+// The host's memory and switches, used by many threads at once.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ namespace {
 using namespace host::memory;
 using io::arrow::core::to_numera;
 
-/// A column of bytes, every one of them of this value.
+/// A column of `size` bytes, all equal to `value`.
 hxArrayPtr filled(size_t size, std::uint8_t value) {
   hxArrayPtr array = hxCreateUninitNumericArray(Dims{size, 1}, hxClassID::UInt8, {});
   std::fill_n(static_cast<std::uint8_t*>(hxGetData(array.get())), size, value);
@@ -48,7 +48,8 @@ class Contention : public ::testing::Test {
   size_t bytes_ = LiveBytes();
 };
 
-/// Every thread makes, fills, checks and destroys arrays of these sizes, some of them at a time.
+/// Every thread makes, fills, checks and destroys arrays of these sizes. It holds several at a
+/// time.
 void make_and_destroy(const std::vector<size_t>& sizes, int rounds) {
   on_threads([&](size_t thread) {
     const auto mark = static_cast<std::uint8_t>(thread + 1);

@@ -1,5 +1,5 @@
-// What is made on first use, by many threads at a time. Each test runs in a process of its own,
-// where nothing has been used before.
+// Objects that are created on first use, by many threads at once. Each test runs in a process of
+// its own, in which nothing has been used yet.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ class FirstUse : public ::testing::Test {
  protected:
   FirstUse() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
-  /// Ends this process, the way a test ends that has been started for it.
+  /// Ends this process as a process started for a death test ends.
   template <class Work>
   [[noreturn]] static void race(const Work& work) {
     on_threads([&work](size_t) { work(); });

@@ -1,4 +1,4 @@
-// Host arrays and owned Arrow values that are made on one thread and released on another.
+// Host arrays and owned Arrow values that one thread makes and another thread releases.
 
 #include <gtest/gtest.h>
 
@@ -24,11 +24,11 @@ using io::arrow::core::to_numera;
 
 constexpr int kRounds = 200;
 
-/// Where threads leave values for each other.
+/// Lets threads pass values to each other.
 template <class T>
 class Exchange {
  public:
-  /// Leaves a value, and takes one that was left some time before, if there is one.
+  /// Stores a value and returns a value that was stored earlier, if there is one.
   T swap(T value) {
     const std::lock_guard lock(mutex_);
     std::swap(value, values_[next_]);
@@ -50,7 +50,7 @@ class HandedOver : public ::testing::Test {
   size_t before_ = LiveArrays();
 };
 
-/// Small ones from slabs, large ones from blocks that are kept, and trees of both.
+/// Small arrays from slabs, large arrays from blocks that are kept, and trees of both.
 hxArrayPtr some_array(int round) {
   switch (round % 6) {
     case 0:

@@ -9,7 +9,7 @@ namespace numera::testing {
 
 constexpr size_t kThreads = 4;
 
-/// Runs `work(0)` to `work(kThreads - 1)` on threads that start together, and waits for them.
+/// Runs `work(0)` to `work(kThreads - 1)` on threads that start together. Waits for them.
 template <class Work>
 void on_threads(const Work& work) {
   std::barrier start(static_cast<std::ptrdiff_t>(kThreads));

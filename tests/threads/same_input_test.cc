@@ -1,4 +1,5 @@
-// Many threads read one input at a time: every one of them gets what one thread alone gets.
+// Many threads read one input at the same time. Each must get the result that one thread alone
+// gets.
 
 #include <gtest/gtest.h>
 
@@ -29,19 +30,19 @@ using io::arrow::core::to_arrow_table;
 using io::arrow::core::to_numera;
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// What each thread made.
+/// The result of each thread.
 template <class T>
 using Made = std::array<T, kThreads>;
 
 TablePtr copy_of(const TablePtr& table) { return table->Slice(0); }
 
-/// Every type, and slices of them, whose nulls nobody has counted yet.
+/// Tables of every type, and slices of them, with null counts not yet computed.
 std::vector<TablePtr> tables() {
   const TablePtr whole = table_of_every_type();
   return {whole, copy_of(whole), whole->Slice(1)};
 }
 
-/// Of an encoded table in the form that is read.
+/// A table in the form that `to_arrow_table` reads.
 hxArrayPtr readable_table() {
   const hxArrayPtr written = to_numera(table_of_every_type()).ValueOrDie();
   return extras::encode(written.get()).ValueOrDie();

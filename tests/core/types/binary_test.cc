@@ -35,7 +35,7 @@ hxArrayPtr DataOf(const std::shared_ptr<::arrow::Array>& array) {
   return hxSharedCopy(hxGetField(ValueOf(to_numera(array)).get(), 0, "Data"));
 }
 
-/// Elements of a fixed width over exactly these bytes.
+/// An array of fixed-width elements over exactly these bytes.
 std::shared_ptr<::arrow::Array> FixedWidth(int width, std::int64_t length,
                                            const std::vector<std::uint8_t>& bytes,
                                            std::int64_t offset = 0) {

@@ -92,7 +92,8 @@ TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfADictionaryWithoutElements) 
                                      "dictionary of -1 values."));
 }
 
-/// Codes from an offset on, all of them null, and the bytes of their bitmap.
+/// `length` null codes from `offset` on, with a bitmap of `bytes` bytes. `covers`: the bitmap is
+/// long enough.
 struct BitmapCase {
   std::int64_t offset;
   std::int64_t length;

@@ -21,7 +21,7 @@ inline std::shared_ptr<::arrow::ChunkedArray> Chunks(::arrow::ArrayVector chunks
   return std::make_shared<::arrow::ChunkedArray>(std::move(chunks));
 }
 
-/// Codes under a validity bitmap, over blocks of exactly their size.
+/// A dictionary array whose codes and validity bitmap are in blocks of exactly their size.
 inline std::shared_ptr<::arrow::Array> RawDictionary(const std::vector<std::int8_t>& codes,
                                                      const std::vector<std::uint8_t>& validity,
                                                      const std::string& values,

@@ -71,7 +71,7 @@ TEST(TextToHost, LeavesWhatIsThrownOutsideOfTheElementsToTheCaller) {
                std::bad_alloc);
 }
 
-/// A host's string array that sets one element after another, and refuses one text.
+/// A string array of a host that sets one element after another and refuses one text.
 class PlainStrings : public hxStringArray {
  public:
   explicit PlainStrings(size_t size) : dims_{size, 1}, texts_(size) {}
@@ -124,7 +124,7 @@ TEST(FillHostStrings, NamesTheRowOfATextThatTheHostDoesNotTake) {
             RowFailure(1));
 }
 
-/// A host whose operation for all texts at once never tells which of them it does not take.
+/// A host whose bulk operation throws instead of telling which text it refuses.
 class ThrowingStrings final : public PlainStrings {
  public:
   using PlainStrings::assign_utf8;
@@ -168,7 +168,7 @@ TEST(FillHostStrings, NamesTheRowThatIsNoTextWhereAHostDidNotTell) {
 
 TEST(FillHostStrings, NamesTheRowWhereAHostWithoutABulkOperationThrowsALogicError) {
   const auto array = ArrowArray(::arrow::utf8(), R"(["a", "b", "c"])");
-  PlainStrings strings(2);  // has no third element
+  PlainStrings strings(2);  // too short by one element
   EXPECT_EQ(FillHostStrings(static_cast<const ::arrow::StringArray&>(*array), strings, 0),
             RowFailure(2));
 }

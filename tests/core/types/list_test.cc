@@ -41,7 +41,7 @@ hxArrayPtr WrittenInt32(const std::vector<std::int32_t>& values) {
                          Column<std::int32_t>(values));
 }
 
-/// A list array of one int32 child around the given buffers, as they stand.
+/// A list array with one int32 child and the given offsets buffer, which is not checked.
 std::shared_ptr<::arrow::Array> RawList(std::int64_t length, std::int64_t offset,
                                         std::shared_ptr<::arrow::Buffer> offsets) {
   const auto child = ArrowArray(::arrow::int32(), "[1, 2]");

@@ -184,7 +184,7 @@ TEST(LogicalToNumera, JoinsChunks) {
                             WrittenBitmap(9, {0xF3, 0x01}).get()));
 }
 
-/// Bits of a buffer of exactly these bytes.
+/// A boolean array over exactly these bytes.
 std::shared_ptr<::arrow::Array> booleans(std::int64_t length, std::shared_ptr<::arrow::Buffer> bits,
                                          std::int64_t offset = 0) {
   return std::make_shared<::arrow::BooleanArray>(length, std::move(bits), nullptr, 0, offset);

@@ -24,7 +24,7 @@ using namespace numera::testing;
 using ::arrow::ArrayData;
 using ::arrow::Status;
 
-/// A row of the class table, with values at the limits of the class.
+/// A numeric class, with values at its limits.
 struct NumericClass {
   const char* name;
   std::shared_ptr<::arrow::DataType> type;

@@ -94,7 +94,7 @@ TEST(DictionaryToHost, ReportsTheRowOfACategoryThatIsNoText) {
             Status::Invalid("Could not convert string in row 1 to UTF-16 string.\n"));
 }
 
-/// A chunk whose dictionary was replaced after it was made.
+/// A chunk whose dictionary is replaced after the chunk was made.
 std::shared_ptr<::arrow::Array> WithDictionary(std::shared_ptr<::arrow::ArrayData> dictionary) {
   const auto chunk =
       Dictionary(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), "[0]", R"(["a"])");
@@ -167,7 +167,7 @@ TEST(DictionaryToHost, ReadsNoFurtherThanAShortBitmapGoes) {
 }
 
 TEST(DictionaryToHost, CountsTheNullsOfADictionaryNoFurtherThanItsBitmapGoes) {
-  static constexpr std::uint8_t kBits[] = {0xFF, 0x00};  // only the first byte is the bitmap
+  static constexpr std::uint8_t kBits[] = {0xFF, 0x00};  // the bitmap has only the first byte
   auto entries =
       ArrowArray(::arrow::utf8(), R"(["0", "1", "2", "3", "4", "5", "6", "7", "8", "9"])")
           ->data()

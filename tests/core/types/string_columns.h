@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the tests of text columns on their way to the host have in common.
+/// Helpers for the tests of text columns that go to the host.
 
 #include <arrow/array/array_base.h>
 #include <arrow/chunked_array.h>
@@ -26,7 +26,7 @@ inline ::arrow::Status RowFailure(int row) {
   return ::arrow::Status::Invalid("Could not convert string in row ", row, " to UTF-16 string.\n");
 }
 
-/// Texts of either type from bytes and offsets.
+/// A text array of the given type over these bytes and offsets.
 inline std::shared_ptr<::arrow::Array> Texts(const std::shared_ptr<::arrow::DataType>& type,
                                              std::string_view bytes,
                                              const std::vector<std::int32_t>& offsets) {

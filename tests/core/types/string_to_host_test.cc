@@ -120,7 +120,7 @@ TEST(TextToHost, ReadsNothingOfAnEmptyChunk) {
   }
 }
 
-/// Text i of the columns below: ASCII and other texts in turn.
+/// Text i of the columns below. ASCII and other texts take turns.
 std::u16string LongColumnText(int i) {
   return (i % 3 == 0   ? u"é"
           : i % 3 == 1 ? u"abcdefghijklmnopqrstuvwxyz"

@@ -21,7 +21,7 @@ using namespace numera::testing;
 using ::arrow::Status;
 using ::arrow::TimeUnit;
 
-/// As it is read: "DateType" is not looked at.
+/// A timestamp in the form that `to_arrow` reads. It ignores "DateType".
 hxArrayPtr ReadTimestamp(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
   return Struct({{"Values", std::move(values)},
                  {"Units", std::move(units)},

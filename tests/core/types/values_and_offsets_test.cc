@@ -19,7 +19,7 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-/// Every reader of this form, so that each is held to the same checks.
+/// All readers of "Values" and "StartOffsets". Each must pass the same checks.
 struct NamedFieldReader {
   const char* name;
   Reader reader;
@@ -162,7 +162,7 @@ TEST(NarrowOffsets, TakeOneBlockOfTheirOwnSize) {
 
     const auto narrow = ValueOf(NarrowOffsets(offsets.get()));
 
-    // Arrow pads every block to 64 bytes.
+    // Arrow pads every allocation to a multiple of 64 bytes.
     const auto padded = static_cast<std::int64_t>((count * sizeof(std::int32_t) + 63) / 64 * 64);
     EXPECT_EQ(narrow->size(), static_cast<std::int64_t>(count * sizeof(std::int32_t)));
     EXPECT_EQ(pool->num_allocations() - blocks, 1);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What every rule of the model needs: reading fields, and the words of the refusals.
+/// Helpers for the rules of the model: reading fields, and the texts of refusals.
 
 #include <arrow/status.h>
 
@@ -13,7 +13,7 @@
 
 namespace numera::gauntlet::reading {
 
-/// A conversion that ends with a status.
+/// Thrown to end a conversion with a status.
 struct Refusal {
   ::arrow::Status status;
 };
@@ -31,25 +31,25 @@ template <class... Words>
 /// A struct or an object.
 bool is_struct(const hxArray* value);
 
-/// Of a char array; empty of everything else.
+/// The text of a char array; empty for any other value.
 std::string text_of(const hxArray* value);
 
-/// The text of a field in element 0.
+/// The text of a field of element 0.
 std::string text_of(const hxArray* value, const char* field);
 
-/// What the check of a field of element 0 says: of any class where it is `hxClassID::Unknown`.
+/// The status of the check of a field of element 0. `hxClassID::Unknown` accepts any class.
 ::arrow::Status check(const hxArray* value, const char* field, hxClassID class_id);
 
-/// Ends the conversion where that check fails.
+/// Throws `Refusal` if that check fails.
 void require(const hxArray* value, const char* field, hxClassID class_id);
 
 /// "a 2-by-3 double array"
 std::string description(const hxArray* value);
 
-/// Ends the conversion where numbers are complex or sparse.
+/// Throws `Refusal` if the array is complex or sparse.
 void require_plain(const hxArray* value, const char* field);
 
-/// The elements of numbers where they lie.
+/// The memory of the elements of a numeric array.
 Region memory_of(const hxArray* value);
 
 }  // namespace numera::gauntlet::reading

@@ -9,7 +9,8 @@
 namespace numera::gauntlet::reading {
 namespace {
 
-/// Changes the value of a slot; false where this does not go with it. The slot is not empty.
+/// Changes the value of a slot that is not empty. Returns false if the defect does not fit the
+/// value.
 using Defect = bool (*)(Random&, DraftPtr&);
 
 bool empty_slot(Random& /*random*/, DraftPtr& slot) {
@@ -22,7 +23,7 @@ bool another_value(Random& random, DraftPtr& slot) {
   return true;
 }
 
-/// Numbers of the same size in another class.
+/// The same bytes in another numeric class.
 bool another_class(Random& random, DraftPtr& slot) {
   if (!slot->is_numeric() || slot->complex) return false;
   constexpr auto kFirst = static_cast<int>(hxClassID::Double);
@@ -79,7 +80,7 @@ bool no_elements(Random& random, DraftPtr& slot) {
   return true;
 }
 
-/// One or two elements more or fewer; new slots are empty.
+/// One or two elements more, or one fewer. New slots are empty.
 bool another_count(Random& random, DraftPtr& slot) {
   const size_t count = slot->count();
   const size_t wanted = random.once_in(2) ? count + 1 + random.below(2) : count - (count > 0);
@@ -109,7 +110,8 @@ bool another_text(Random& random, DraftPtr& slot) {
   return true;
 }
 
-/// A text with half a surrogate pair, anywhere in it: where it stands is in what the host throws.
+/// A text that ends with an unpaired surrogate at a random position. The host's exception names the
+/// position.
 bool undecodable_text(Random& random, DraftPtr& slot) {
   if (slot->class_id != hxClassID::Char) return false;
   std::u16string text(random.below(8), u'a');
@@ -140,7 +142,7 @@ bool another_number(Random& random, DraftPtr& slot) {
   return true;
 }
 
-/// The values of field `number` of all elements.
+/// Removes field `number` from all elements and returns its values.
 std::vector<DraftPtr> take_field(Draft& value, size_t number) {
   std::vector<DraftPtr> taken;
   std::vector<DraftPtr> kept;
@@ -186,7 +188,7 @@ void damage_slot(Random& random, DraftPtr& slot) {
   if (random.once_in(4)) damage_slot(random, slot);
 }
 
-/// Every slot that holds a value, the value itself first.
+/// Lists all slots that hold a value, starting with the value itself.
 void collect(DraftPtr& slot, std::vector<DraftPtr*>& found) {
   if (slot == nullptr) return;
   found.push_back(&slot);

@@ -5,8 +5,8 @@
 
 namespace numera::gauntlet::reading {
 
-/// Damages nothing, one place, a few places, or half of what one struct or cell array holds, so
-/// that every two failures come to be in one value: which of them wins is part of the answer.
+/// Damages nothing, one place, a few places, or half of the slots of one struct or cell array. So
+/// any two failures meet in some value, and the test sees which of them wins.
 void damage(Random& random, DraftPtr& value);
 
 }  // namespace numera::gauntlet::reading

@@ -19,7 +19,7 @@ hxArrayPtr build_numbers(const Draft& draft) {
   return array;
 }
 
-/// Every other text is missing.
+/// A string array in which every second text is missing.
 hxArrayPtr build_strings(const Draft& draft) {
   auto strings = hxMakeStringArray(draft.dims);
   for (size_t i = 0; i < draft.count(); ++i) {

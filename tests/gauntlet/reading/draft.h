@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Host values before they are made: trees whose every part can be damaged.
+/// Host values before they are built: trees in which every part can be damaged.
 
 #include <cstdint>
 #include <memory>
@@ -18,7 +18,7 @@ namespace numera::gauntlet::reading {
 using Dims = std::vector<size_t>;
 
 struct Draft;
-/// Null is an empty slot.
+/// Null means an empty slot.
 using DraftPtr = std::unique_ptr<Draft>;
 
 struct Draft {
@@ -26,15 +26,15 @@ struct Draft {
   Dims dims = {1, 1};
   bool complex = false;
   bool sparse = false;
-  Bytes bytes;                      ///< of numbers; zeros follow
-  std::u16string text;              ///< of a char array; as many units as elements
-  std::string object_name;          ///< of an object; "string" is a string array
+  Bytes bytes;                      ///< of numbers; padded with zeros
+  std::u16string text;              ///< of a char array; one unit per element
+  std::string object_name;          ///< of an object; "string" means a string array
   std::vector<std::string> fields;  ///< of a struct or object
   std::vector<DraftPtr> slots;      ///< of a cell array, or of a struct, element by element
 
   size_t count() const;
   bool is_numeric() const;
-  bool is_struct() const;  ///< an object too, unless it is a string array
+  bool is_struct() const;  ///< true for an object too, unless it is a string array
 };
 
 using DraftFields = std::vector<std::pair<std::string, DraftPtr>>;
@@ -42,9 +42,9 @@ using DraftFields = std::vector<std::pair<std::string, DraftPtr>>;
 DraftPtr draft_numbers(hxClassID class_id, Dims dims, Bytes bytes);
 DraftPtr draft_text(std::u16string_view text);
 DraftPtr draft_cells(std::vector<DraftPtr> cells);
-/// 1-by-1.
+/// A 1-by-1 struct.
 DraftPtr draft_struct(DraftFields fields);
-/// A struct array of such structs, which have the same fields in the same order.
+/// A struct array of such structs. All have the same fields in the same order.
 DraftPtr draft_structs(Dims dims, std::vector<DraftPtr> elements);
 
 hxArrayPtr build(const Draft* draft);

@@ -6,8 +6,8 @@
 
 namespace numera::gauntlet::reading {
 
-/// A number that differs where anything of the value has changed: sizes, bytes, names, and the
-/// values in slots, which stay the same arrays.
+/// A hash over sizes, bytes, names and the addresses and values of the arrays in slots. Any change
+/// of the value changes it.
 std::uint64_t fingerprint(const hxArray* value);
 
 }  // namespace numera::gauntlet::reading

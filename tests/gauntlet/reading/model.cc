@@ -14,7 +14,7 @@ using ::arrow::Status;
 
 constexpr int kMostLevels = 1024;
 
-/// `outer`: how many lists and structs lie around it.
+/// `outer`: the number of lists and structs around it.
 ArrayTree element(const hxArray* encoded, size_t index, int outer);
 
 ArrayTree list(const hxArray* encoded, size_t index, int level) {
@@ -37,7 +37,7 @@ ArrayTree list(const hxArray* encoded, size_t index, int level) {
   return lists;
 }
 
-/// What Arrow says to children that make no struct, in the words that it has today.
+/// The status that Arrow returns for children that make no struct, in Arrow's current wording.
 Status refusal_of_arrow(const ::arrow::ArrayVector& children) {
   const std::vector<std::string> names(children.size(), "x");
   return ::arrow::StructArray::Make(children, names).status();
@@ -84,8 +84,8 @@ ArrayTree structure(const hxArray* encoded, size_t index, int level) {
   return tree;
 }
 
-/// All four checks run, and the first one that failed is the answer: a field that the struct lacks
-/// comes before all of them.
+/// All four checks run; then the first failure is the answer. A field that the struct lacks throws
+/// during the checks, so it comes before all failures.
 void require_envelope(const hxArray* encoded) {
   const Status results[] = {
       check(encoded, "Data", hxClassID::Unknown), check(encoded, "ArrowType", hxClassID::Char),
@@ -165,7 +165,7 @@ ArrayTree outermost(const hxArray* encoded, size_t index) {
   return tree;
 }
 
-/// Arrow counts the nulls of a column when it joins a table: the bits have to be there.
+/// Arrow counts the nulls of a column when it makes a table, so the bitmap must be long enough.
 void count_nulls(ArrayTree& column) {
   const std::optional<Region>& bitmap = column.buffers.front();
   if (!bitmap) return;

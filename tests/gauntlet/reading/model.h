@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// What the conversions towards Arrow give for any value at all, right or wrong: said once more,
-/// from the encoding as it is described, with nothing of the library.
+/// The result of the conversions towards Arrow for any value, right or wrong. It is written from
+/// the description of the encoding, without code of the library.
 
 #include <cstddef>
 
@@ -11,12 +11,12 @@
 
 namespace numera::gauntlet::reading {
 
-/// Of element `index` of encoded arrays.
+/// The result for element `index` of encoded arrays.
 Outcome expected_array(const hxArray* encoded, size_t index);
 
 Outcome expected_buffer(const hxArray* encoded);
 
-/// Calls the host's interrupt check as often as the conversion is to call it.
+/// Calls the host's interrupt check exactly as often as the conversion has to.
 Outcome expected_table(const hxArray* encoded);
 
 }  // namespace numera::gauntlet::reading

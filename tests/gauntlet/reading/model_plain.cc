@@ -19,7 +19,7 @@ const hxArray* field(const hxArray* value, const char* name) {
   return hxGetFieldChecked(value, 0, name);
 }
 
-/// Null for a class that holds no numbers.
+/// Null if the class holds no numbers.
 TypePtr number_type(const hxArray* values) {
   switch (hxGetClassID(values)) {
     case hxClassID::Double:
@@ -74,7 +74,7 @@ ArrayTree logical(const hxArray* data, Validity validity) {
   return leaf(::arrow::boolean(), elements, validity, {buffer_of(data)});
 }
 
-/// Every other text means milliseconds.
+/// Any other text means milliseconds.
 TimeUnit::type unit_of(const std::string& text) {
   if (text == "seconds") return TimeUnit::SECOND;
   if (text == "microseconds") return TimeUnit::MICRO;
@@ -88,7 +88,7 @@ const char* name_of(TimeUnit::type unit) {
   return kNames[static_cast<int>(unit)];
 }
 
-/// Arrow has no times of other widths, and ends the process that asks for them.
+/// Arrow has no time types of other widths. It ends the process if asked for one.
 TypePtr time_type(const hxArray* values, TimeUnit::type unit) {
   const bool coarse = unit == TimeUnit::SECOND || unit == TimeUnit::MILLI;
   switch (hxGetClassID(values)) {

@@ -13,15 +13,15 @@ using Validity = std::optional<Region>;
 /// The bytes of a buffer envelope.
 Region buffer_of(const hxArray* encoded);
 
-/// The bitmap of "Valid"; none where it has no bytes.
+/// The bitmap of "Valid"; none if it has no bytes.
 Validity validity_of(const hxArray* valid);
 
-/// An array of buffers with nothing below it. Where there is no bitmap, Arrow stores a null count
-/// of 0 in place of the unknown one.
+/// An array of buffers without children. Without a bitmap, Arrow stores the null count 0 instead of
+/// the unknown count.
 ArrayTree leaf(std::shared_ptr<::arrow::DataType> type, std::int64_t length, Validity validity,
                std::vector<Region> memory);
 
-/// The array of a "Data" that no kind but "array" has.
+/// The array for the "Data" of the kind "array".
 ArrayTree plain_array(const hxArray* data, const std::string& type_name, Validity validity);
 
 }  // namespace numera::gauntlet::reading

@@ -32,7 +32,8 @@ ArrayTree describe(const ArrayData& data, const DataType& declared) {
 
 bool same_trees(const std::vector<ArrayTree>& a, const std::vector<ArrayTree>& b);
 
-/// Types are compared at the root, since each declares those below it.
+/// Compares everything but types. Those are compared at the root, which declares all types below
+/// it.
 bool same_but_type(const ArrayTree& a, const ArrayTree& b) {
   return a.length == b.length && a.offset == b.offset && a.null_count == b.null_count &&
          a.buffers == b.buffers && a.has_declared_type == b.has_declared_type &&

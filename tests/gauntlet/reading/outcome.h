@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What a conversion towards Arrow gave, or is to give: a value, a status or an exception.
+/// The actual or expected result of a conversion towards Arrow: a value, a status or an exception.
 
 #include <arrow/array/array_base.h>
 #include <arrow/buffer.h>
@@ -21,7 +21,7 @@
 
 namespace numera::gauntlet::reading {
 
-/// The bytes of a buffer, and whether it leaves them to the host.
+/// The bytes of a buffer, and whether the host owns them.
 struct Region {
   const void* data = nullptr;
   std::int64_t size = 0;
@@ -30,7 +30,7 @@ struct Region {
   bool operator==(const Region&) const = default;
 };
 
-/// An Arrow array. Null counts and buffers are those that it stores.
+/// An Arrow array, with null counts and buffers as stored.
 struct ArrayTree {
   std::shared_ptr<::arrow::DataType> type = nullptr;
   std::int64_t length = 0;
@@ -38,10 +38,10 @@ struct ArrayTree {
   std::int64_t null_count = ::arrow::kUnknownNullCount;
   std::vector<std::optional<Region>> buffers = {};
   std::vector<ArrayTree> children = {};
-  std::vector<ArrayTree> dictionary = {};  ///< one or none
-  /// The class of the C++ object; null for children, whose objects Arrow makes when asked for them.
+  std::vector<ArrayTree> dictionary = {};  ///< empty or one array
+  /// The class of the C++ object. Null for children: Arrow makes their objects on demand.
   const std::type_info* object = nullptr;
-  /// The type is the one that the array around it, or the field of the table, gives for it.
+  /// Whether the type is the one that the parent array or the field of the table declares.
   bool has_declared_type = true;
 };
 
@@ -49,7 +49,7 @@ struct TableTree {
   std::vector<std::string> names = {};
   std::vector<ArrayTree> columns = {};
   std::int64_t rows = 0;
-  bool is_plain = true;  ///< nullable fields, no metadata, one chunk a column
+  bool is_plain = true;  ///< nullable fields, no metadata, one chunk per column
 };
 
 struct Thrown {
@@ -70,7 +70,7 @@ bool same(const Outcome& a, const Outcome& b);
 
 std::string to_string(const Outcome& outcome);
 
-/// What `act` gives, or what it throws.
+/// The result of `act`, or its exception.
 template <class Act>
 Outcome outcome_of(Act act) {
   try {

@@ -8,15 +8,15 @@
 
 namespace numera::gauntlet::reading {
 
-/// Numbers that follow from a seed, the same on every machine.
+/// Pseudo-random numbers from a seed, the same on every machine.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : seed_(seed) {}
 
   std::uint64_t next() { return mix(seed_, count_++); }
-  /// 0 to `end` - 1.
+  /// A number from 0 to `end` - 1.
   size_t below(size_t end) { return static_cast<size_t>(next() % end); }
-  /// True once in so many.
+  /// True with probability 1 / `many`.
   bool once_in(size_t many) { return below(many) == 0; }
 
   template <class Range>

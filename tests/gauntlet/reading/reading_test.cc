@@ -1,7 +1,7 @@
 /// \file
-/// Random values, most of them defective, towards Arrow through every door: the value, the status
-/// or the exception is the one that a model of the encoding gives, which uses nothing of the
-/// library. Nothing of the input changes, and no host array is left over.
+/// Random values, most of them defective, converted to Arrow through every entry function. The
+/// value, the status or the exception must equal that of a model that uses no code of the library.
+/// The input must not change, and no host array may be left.
 
 #include <gtest/gtest.h>
 
@@ -27,14 +27,14 @@ namespace core = io::arrow::core;
 constexpr std::uint64_t kSeeds = 1'000'000;
 constexpr std::uint64_t kSampledSeeds = 20'000;
 
-/// A number in the environment, and `otherwise` where there is none.
+/// A number from the environment; `otherwise` if there is none.
 std::uint64_t from_environment(const char* name, std::uint64_t otherwise) {
   const char* const text = std::getenv(name);
   const std::uint64_t number = text == nullptr ? 0 : std::strtoull(text, nullptr, 10);
   return number == 0 ? otherwise : number;
 }
 
-/// The outcome, and how often the host was asked whether to stop.
+/// The outcome, and how often the host was asked for interrupts.
 struct Observed {
   Outcome outcome;
   size_t interrupt_checks = 0;
@@ -82,7 +82,7 @@ Outcome converted(const Request& request) {
   });
 }
 
-/// What a run has seen.
+/// The outcomes of a run, counted by kind, and all answers.
 struct Tally {
   size_t values = 0;
   size_t statuses = 0;

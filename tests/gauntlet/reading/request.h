@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// One conversion of one random value: everything about it follows from its seed.
+/// One conversion of one random value. The seed determines everything about it.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +17,7 @@ enum class Door : std::uint8_t { kArray, kElement, kBuffer, kTable };
 struct Request {
   Door door = Door::kArray;
   hxArrayPtr input = nullptr;
-  size_t index = 0;  ///< of the element, where the door takes one
+  size_t index = 0;  ///< of the element, if the function takes an index
   std::optional<size_t> interrupt =
       std::nullopt;  ///< the interrupt check that stops the conversion
 

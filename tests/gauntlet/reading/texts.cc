@@ -133,7 +133,7 @@ std::string exception_name(const std::string& type) {
   return type;
 }
 
-/// The parts of the pattern follow one another in the text, the first and the last at its ends.
+/// Whether the whole text matches the pattern, in which `*` stands for any text.
 bool matches(std::string_view text, std::string_view pattern) {
   const size_t star = pattern.find('*');
   if (star == std::string_view::npos) return text == pattern;

@@ -11,7 +11,7 @@ constexpr hxClassID kNumberClasses[] = {
     hxClassID::Double, hxClassID::Single, hxClassID::Int8,   hxClassID::UInt8, hxClassID::Int16,
     hxClassID::UInt16, hxClassID::Int32,  hxClassID::UInt32, hxClassID::Int64, hxClassID::UInt64};
 
-/// Every name that "Type" may have. Next to numbers any of them goes.
+/// Every name that "Type" may have. An envelope of numbers may have any of them.
 constexpr const char16_t* kTypeNames[] = {
     u"double",       u"single",      u"int8",       u"int16",
     u"int32",        u"int64",       u"uint8",      u"uint16",
@@ -57,7 +57,7 @@ DraftPtr validity(Random& random, size_t length) {
   return any_buffer(random, random.once_in(2) ? 0 : bytes_of_bits(length));
 }
 
-/// Sometimes without offsets: the conversion takes that as a length of -1.
+/// Sometimes has no offsets. The conversion reads that as a length of -1.
 DraftPtr text_data(Random& random, size_t length) {
   const size_t starts = random.once_in(16) ? 0 : length + 1;
   DraftFields fields;
@@ -66,7 +66,7 @@ DraftPtr text_data(Random& random, size_t length) {
   return draft_struct(std::move(fields));
 }
 
-/// A length is cut toward zero, and may be negative.
+/// The conversion truncates the length toward zero. The length may be negative.
 DraftPtr logical_data(Random& random, size_t length) {
   const double whole = static_cast<double>(length);
   DraftPtr data = any_buffer(random, bytes_of_bits(length));
@@ -86,7 +86,7 @@ DraftPtr datetime_data(Random& random, size_t length) {
   return draft_struct(std::move(fields));
 }
 
-/// Half of them in a unit that the class does not take.
+/// Half of the units do not fit the class.
 DraftPtr duration_data(Random& random, size_t length) {
   const hxClassID class_id = random.once_in(2) ? hxClassID::Int32 : hxClassID::Int64;
   DraftFields fields;
@@ -95,7 +95,7 @@ DraftPtr duration_data(Random& random, size_t length) {
   return draft_struct(std::move(fields));
 }
 
-/// Two classes of ten hold no codes.
+/// Two of the ten classes cannot hold codes.
 DraftPtr categorical_data(Random& random, size_t length) {
   DraftFields fields;
   fields.emplace_back("Categories", text_data(random, random.below(4)));

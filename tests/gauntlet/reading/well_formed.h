@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Random values as the conversions towards Arrow take them, but for a unit, a class or a size now
-/// and then.
+/// Random values that the conversions towards Arrow accept, except that now and then a unit, a
+/// class or a size is wrong.
 
 #include <cstddef>
 
@@ -11,25 +11,25 @@
 
 namespace numera::gauntlet::reading {
 
-/// Sizes of so many elements.
+/// Random dimensions for `count` elements.
 Dims any_dims(Random& random, size_t count);
 
-/// Numbers of any bits.
+/// Numbers with random bits.
 DraftPtr any_numbers(Random& random, hxClassID class_id, size_t count);
 
 /// A small value of any class.
 DraftPtr any_value(Random& random);
 
-/// A buffer envelope of so many bytes.
+/// A buffer envelope of `size` bytes.
 DraftPtr any_buffer(Random& random, size_t size);
 
-/// An encoded array of any type; up to `depth` lists and structs in one another.
+/// An encoded array of any type, with up to `depth` nested lists and structs.
 DraftPtr any_envelope(Random& random, size_t length, int depth);
 
 /// A struct array of encoded arrays.
 DraftPtr any_envelopes(Random& random, size_t count, size_t length, int depth);
 
-/// Lists and structs in one another, `levels` of them around one encoded array.
+/// One encoded array inside `levels` nested lists and structs.
 DraftPtr deep_envelope(Random& random, size_t levels);
 
 DraftPtr any_table(Random& random);
