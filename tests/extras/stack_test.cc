@@ -16,7 +16,7 @@
 #include "tests/support/nested_values.h"
 #include "tests/support/results.h"
 
-/// As tests/core/stack_test.cc, for the rest of the library and the in-memory host.
+/// Like tests/core/stack_test.cc, for the rest of the library and the in-memory host.
 
 namespace numera::testing {
 namespace {
@@ -59,7 +59,7 @@ constexpr Container kRuns = {"run-end encoded", ArrowRuns, nullptr, nullptr};
 const std::vector<Containers> kCastContainers = {
     {kFixedSizeList}, {kListView}, {kDictionary, kStruct}, {kRuns, kMap}};
 
-/// How many containers may lie in one another where they are encoded: a map is two levels.
+/// The largest number of nested containers that can be encoded. A map counts as two levels.
 size_t deepest_encoded(const Containers& containers) {
   size_t count = 0;
   for (size_t levels = 0; levels <= kDeepest; ++count) {
@@ -68,7 +68,7 @@ size_t deepest_encoded(const Containers& containers) {
   return count - 1;
 }
 
-/// Lists of two chunks, each a list around one such value.
+/// Lists in two chunks. Each chunk is one list around one of the values.
 hxArrayPtr TwoChunksOfLists(hxArrayPtr first, hxArrayPtr second) {
   hxArrayPtr bits = StructArray({2, 1}, {"Values", "Length", "ArrowType"},
                                 {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},

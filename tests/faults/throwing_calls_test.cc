@@ -145,7 +145,7 @@ TEST(HostCalls, MayThrowUnlessTheHeadersSayNoexcept) {
     }
   }
   Reset();
-  EXPECT_EQ(operations, 47U);  // two of them are called twice; the three that only throw are left out
+  EXPECT_EQ(operations, 47U);  // two are called twice; three that only throw are left out
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-"""Refuses includes that point against the direction of dependence.
+"""Refuses includes that point against the direction of dependencies.
 
 tools, python, examples -> extras -> core, unicode -> format -> host
 
-Private headers, those that cmake/public_headers.txt does not list, stay within their part; those of
-format/ are for core/ and extras/, too. Only tests, fuzzers and benchmarks may reach into a part. Run from the repository root; prints each fault
+Private headers are those that cmake/public_headers.txt does not list. Only their own part, tests,
+fuzzers and benchmarks may include them; core/ and extras/ those of format/, too. Run this from the repository root. It prints each fault
 and fails if there is one.
 """
 
@@ -19,8 +19,8 @@ HOST_INTERFACE = {
     for name in ("array", "string_array", "text_codec", "message_id_exception")
 }
 
-# Part: the prefix of its files, then the prefixes whose public headers it may include. The first
-# prefix that fits a file decides.
+# Each part: the prefix of its files, then the prefixes whose public headers it may include. The
+# first prefix that matches a file decides.
 PARTS = [
     ("numera/host/memory/", ["numera/host/"]),
     ("numera/host/", ["numera/host/"]),

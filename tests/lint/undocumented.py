@@ -1,7 +1,7 @@
-"""Prints the public names without a comment that doxygen passes over, and fails if there is one.
+"""Prints public names without a comment that Doxygen does not report. Fails if there are any.
 
-Doxygen is silent about enumerators and about files and namespaces, and where a file has no comment
-also about everything that stands in the file alone. Takes the folder of its XML.
+Doxygen does not report enumerators, files and namespaces. If a file has no comment, it also does
+not report what belongs to that file alone. The argument is the folder of Doxygen's XML.
 """
 
 import pathlib
@@ -18,7 +18,8 @@ def undocumented(folder):
     for path in sorted(pathlib.Path(folder).glob("*.xml")):
         for compound in ElementTree.parse(path).iter("compounddef"):
             kind, name = compound.get("kind"), compound.findtext("compoundname")
-            # A namespace that is only mentioned, as those of other libraries are, has no place.
+            # Doxygen also lists namespaces of other libraries that are only mentioned. They have no
+            # file.
             is_ours = compound.find("location").get("file") != "[generated]"
             if kind in ("file", "namespace") and is_ours and not is_documented(compound):
                 yield f"{kind} {name}"

@@ -61,7 +61,7 @@ FOUND_HERE = {
 
 
 def run_doxygen(header):
-    """The exit status, and what doxygen is silent about."""
+    """Returns the exit status of Doxygen and the names that it does not report."""
     with tempfile.TemporaryDirectory() as name:
         root = pathlib.Path(name)
         (root / "docs").mkdir()

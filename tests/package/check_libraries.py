@@ -2,8 +2,8 @@
 
 usage: check_libraries.py [--write] LIBRARY_FOLDER
 
-The exported names stand in exported_names.txt beside this file: a name that appears or goes is a
-change of what users link against, so it is made on purpose. --write writes that file anew.
+The exported names are listed in exported_names.txt beside this file. A new or missing name changes
+what users link against, so it must be intended. --write writes the list anew.
 """
 
 import pathlib
@@ -69,7 +69,8 @@ def faults_of_hardening(binary):
     if "__stack_chk_fail" not in undefined:
         yield f"{binary.name} does not guard its stack"
     if platform.machine() == "x86_64":
-        # A mark of the whole file would need marked start files, which Debian's C library lacks.
+        # Looks for the instruction itself. A property of the whole file would need start files that
+        # have it, and those of Debian's C library do not.
         if "endbr64" not in output_of("objdump", "-d", "--no-show-raw-insn", binary):
             yield f"{binary.name} does not guard its jumps"
 

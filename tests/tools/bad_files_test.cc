@@ -136,7 +136,7 @@ TEST_F(BadFiles, AChangedLengthOfAParquetFooterIsNoticed) {
 TEST_F(BadFiles, AChangedFirstByteOfAParquetFooterIsNoticed) {
   const std::string file = parquet_file();
   const std::string content = read_text(file);
-  std::uint32_t footer_length = 0;  // stands before the magic bytes at the end
+  std::uint32_t footer_length = 0;  // it is before the magic bytes at the end
   std::memcpy(&footer_length, content.data() + content.size() - 8, 4);
   flip_byte(file, -8 - std::int64_t{footer_length});
   expect_refusal(file, "thrift");
@@ -144,7 +144,7 @@ TEST_F(BadFiles, AChangedFirstByteOfAParquetFooterIsNoticed) {
 
 TEST_F(BadFiles, AChangedPageIsNoticedByItsChecksum) {
   const std::string file = parquet_file();
-  flip_byte(file, 200);  // among the values, which are the greatest part of the file
+  flip_byte(file, 200);  // among the values, the largest part of the file
   expect_refusal(file, "CRC checksum verification failed");
 }
 
@@ -175,7 +175,7 @@ TEST_F(BadFiles, AnIpcStreamThatIsCutBetweenTwoMessagesIsRefused) {
   constexpr std::uintmax_t kOldMarker = 4;
   const std::tuple<decltype(&write_ipc_stream), std::uintmax_t, const char*> cases[] = {
       {write_ipc_stream, kMarker, "[1, 2]"},
-      {write_ipc_stream, kMarker, "[-1, 0]"},  // the bytes of a marker
+      {write_ipc_stream, kMarker, "[-1, 0]"},  // values with the bytes of a marker
       {write_ipc_stream, kMarker, "[]"},
       {write_old_ipc_stream, kOldMarker, "[1, 2]"},
       {write_old_ipc_stream, kOldMarker, "[1, 0]"}};
@@ -220,7 +220,7 @@ TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoHeading) {
 
 TEST_F(BadFiles, AReasonAsLongAsAValueIsCutInItsMiddle) {
   std::string text = "a\n";
-  for (int i = 0; i < 600000; ++i) text += "1\n";  // more than the types are guessed from
+  for (int i = 0; i < 600000; ++i) text += "1\n";  // more rows than the types are guessed from
   const std::string file = folder_.path("a_value.csv");
   write_text(file, text + std::string(5000, 'x') + "\n");
   expect_refusal(file, "CSV conversion error to int64: invalid value 'xxx");
@@ -230,14 +230,14 @@ TEST_F(BadFiles, AReasonAsLongAsAValueIsCutInItsMiddle) {
   EXPECT_EQ(run.errors.size(), ("numera-arrow: " + file + ": \n").size() + 400 + 5 + 200);
 }
 
-/// Whatever byte of a file is another one: it converts, or is refused by one line.
+/// Flips every `step`-th byte by itself. The file must convert, or be refused by one line.
 void expect_answer_for_every_flip(const std::string& file, std::int64_t step) {
   const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
   for (std::int64_t at = 0; at < size; at += step) {
     SCOPED_TRACE(at);
     flip_byte(file, at);
     const Outcome run = run_program({"convert", file});
-    // A sanitizer has a word of its own to say about allocations that are too large.
+    // A sanitizer adds a message of its own about allocations that are too large.
     const bool told = !line_that_starts(run.errors, "numera-arrow: " + file + ": ").empty();
     EXPECT_TRUE((run.exit_status == 0 && run.errors.empty()) || (run.exit_status == 1 && told))
         << ::testing::PrintToString(run);

@@ -1,4 +1,4 @@
-// --cast: what has no host form, and what it becomes. --strict: no change of type.
+// --cast: types without a host form, and the types that they become. --strict: no change of type.
 
 #include <arrow/api.h>
 #include <arrow/extension/uuid.h>
@@ -11,11 +11,11 @@ namespace numera::testing {
 namespace {
 
 struct Case {
-  std::string type;  ///< as it is printed
+  std::string type;  ///< as printed
   std::shared_ptr<::arrow::Array> values;
   std::string encoded_type;
   std::string host_class;
-  std::string path;  ///< to what is cast
+  std::string path;  ///< the path to the value that is cast
   std::string cast;
   std::string returned;
 };

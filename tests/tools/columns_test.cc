@@ -1,4 +1,4 @@
-// --columns: which columns, and in which order.
+// --columns: the selected columns and their order.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ std::shared_ptr<::arrow::Table> three_columns() {
                    {"z", ::arrow::float64(), "[0.5]"}});
 }
 
-/// The same three columns in every format that has structs.
+/// The same three columns in every format that supports structs.
 class Columns : public ::testing::TestWithParam<void (*)(const std::string&)> {
  protected:
   void SetUp() override { GetParam()(file_); }

@@ -1,4 +1,5 @@
-// What judges whether a column returned as it went: a difference is found, in its first row.
+// The comparison that decides whether a column came back unchanged. It must find the first row that
+// differs.
 
 #include "tools/compare.h"
 
@@ -18,7 +19,7 @@ struct Case {
   std::shared_ptr<::arrow::DataType> to;
   std::string went;
   std::string same;
-  std::string other;  ///< differs first in row 1
+  std::string other;  ///< first differs in row 1
 };
 
 std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,

@@ -1,4 +1,4 @@
-// Rows of CSV that are longer than the blocks in which a file is read.
+// CSV rows that are longer than the blocks in which the program reads a file.
 
 #include <arrow/scalar.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ constexpr std::size_t kBlock = std::size_t{1} << 20;
 
 class LongRows : public ::testing::Test {
  protected:
-  /// The file as the columns n, which counts its rows from 1, and t.
+  /// Reads the file back. Column n counts the rows from 1; column t holds texts.
   std::shared_ptr<::arrow::Table> read(const std::string& text) {
     write_text(file_, text);
     converted(file_, {"--output", output_, "--batch-rows", "100000"});
@@ -38,7 +38,7 @@ class LongRows : public ::testing::Test {
 
 TEST_F(LongRows, StandWhereverTheyMay) {
   const std::string text(5 * kBlock, 'x');
-  for (const std::int64_t at : {1, 2, 300000}) {  // in the first block, and behind some
+  for (const std::int64_t at : {1, 2, 300000}) {  // in the first block, and after several blocks
     SCOPED_TRACE(at);
     std::string file = "n,t\n";
     for (std::int64_t i = 1; i < at; ++i) file += std::to_string(i) + ",a\n";

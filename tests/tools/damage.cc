@@ -8,7 +8,8 @@
 namespace numera::testing {
 namespace {
 
-/// The same numbers everywhere, which the distributions of the standard library do not promise.
+/// The same numbers on every machine. The distributions of the standard library do not promise
+/// that.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : engine_(seed) {}

@@ -1,5 +1,5 @@
-// The sessions of docs/program.md are what the program prints: every "$" line of a console block is
-// run, one after another, in a copy of examples/data.
+// The sessions in docs/program.md must match what the program prints. Every "$" line of a console
+// block runs in a copy of examples/data, one after another.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -17,13 +17,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Times vary from run to run.
+/// Masks times, which vary from run to run.
 std::string without_times(const std::string& text) {
   static const std::regex kSeconds("in [0-9]+[.][0-9]{6} s");
   return std::regex_replace(text, kSeconds, "in TIME s");
 }
 
-/// What a shell command prints, on either output.
+/// The output of a shell command on both streams.
 std::string printed_by(const std::string& command) {
   std::FILE* pipe = ::popen(("(" + command + ") 2>&1").c_str(), "r");
   if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
@@ -37,7 +37,7 @@ std::string printed_by(const std::string& command) {
   return printed;
 }
 
-/// The document with the output of its commands as it is now.
+/// The document with the current output of its commands.
 std::string renewed(const std::string& document) {
   std::istringstream lines(document);
   std::string renewed;
@@ -56,7 +56,7 @@ std::string renewed(const std::string& document) {
   return renewed;
 }
 
-/// With a file more that has types without host form.
+/// A copy of the examples, with one more file whose types have no host form.
 class CopyOfTheExamples {
  public:
   CopyOfTheExamples() : before_(fs::current_path()) {

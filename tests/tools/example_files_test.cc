@@ -1,5 +1,5 @@
-// The real files that the project ships: every column goes to the host and returns, and each row
-// tells as what.
+// The real files of the project: every column goes to the host and comes back. Each row says with
+// which types.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,8 @@
 namespace numera::testing {
 namespace {
 
-/// The rows of `convert` for a file of the examples, with the two long types of categories short.
+/// The rows that `convert` prints for an example file. The two long dictionary types are
+/// abbreviated.
 std::string way_of(const std::string& file) {
   std::string rows = table_rows(converted(std::string(NUMERA_EXAMPLE_DATA "/") + file));
   const std::pair<std::string, std::string> names[] = {

@@ -1,4 +1,4 @@
-// Files are told apart by what stands in them, whatever their names.
+// The program detects the format of a file by its contents, whatever its name.
 
 #include <gtest/gtest.h>
 
@@ -52,7 +52,7 @@ TEST_F(Formats, AnArrowIpcStreamIsKnown) {
 
 TEST_F(Formats, AStreamFromBeforeArrow015IsKnown) {
   write_old_ipc_stream(file_, *table_);
-  EXPECT_EQ(read_text(file_).substr(3, 1), std::string(1, '\0'));  // a length, and not a mark
+  EXPECT_EQ(read_text(file_).substr(3, 1), std::string(1, '\0'));  // a length, no marker
   EXPECT_EQ(types_of(file_), kTypes);
   EXPECT_EQ(table_rows(converted(file_)), kWayBack);
 }
@@ -145,7 +145,7 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
 TEST_F(Formats, AStreamFromBeforeArrow015OpensWithItsSchema) {
   write_old_ipc_stream(file_, *table_);
   std::string content = read_text(file_);
-  std::int32_t length = 0;  // of the schema, which stands behind it
+  std::int32_t length = 0;  // of the schema, which follows it
   std::memcpy(&length, content.data(), sizeof length);
   write_text(file_, content.substr(sizeof length + static_cast<size_t>(length)));
   const Outcome expected{1, "",

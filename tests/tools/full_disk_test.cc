@@ -1,4 +1,4 @@
-// A disk that fills while it is written to: one line, status 1, and what is there stays.
+// A disk that becomes full during a write: one line, status 1, and existing files stay intact.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ using ::testing::EndsWith;
 using ::testing::StartsWith;
 
 constexpr std::size_t kPages = 64;
-constexpr int kRows = 3000;  // of 8 bytes twice: 12 pages
+constexpr int kRows = 3000;  // two values of 8 bytes per row: 12 pages
 
 class FullDisk : public ::testing::Test {
  protected:
@@ -33,7 +33,8 @@ class FullDisk : public ::testing::Test {
   SmallDisk disk_{kPages};
 };
 
-/// From no room at all, page by page, to enough of it: whichever write is the one that fails.
+/// Starts with no free page and adds one page per run until the output fits. So each write fails
+/// once.
 TEST_F(FullDisk, TakesTheWholeOutputOrLeavesTheOldOne) {
   for (const char* name : {"back.arrow", "back.parquet"}) {
     SCOPED_TRACE(name);
@@ -55,7 +56,7 @@ TEST_F(FullDisk, TakesTheWholeOutputOrLeavesTheOldOne) {
       EXPECT_THAT(run.errors, EndsWith("No space left on device\n"));
       EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
       EXPECT_EQ(read_text(output), "older");
-      EXPECT_EQ(disk_.free_pages(), room);  // of the new one nothing is left
+      EXPECT_EQ(disk_.free_pages(), room);  // nothing is left of the new output
     }
     EXPECT_GE(room, 3U);
     EXPECT_EQ(table_rows(converted(output)),
@@ -93,7 +94,7 @@ TEST_F(FullDisk, CutsAPrintedResultWhichIsAFailure) {
   EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
 }
 
-/// A page is written, and the next one is not.
+/// One page can be written, the next one cannot.
 TEST_F(FullDisk, CutsAPrintedResultInItsMiddle) {
   disk_.leave_free(1);
   const Outcome expected{1, "", "numera-arrow: " + file_ + ": the result cannot be written\n"};

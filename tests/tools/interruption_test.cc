@@ -1,4 +1,4 @@
-// Signals on the way: nothing half-written is left.
+// Signals during a conversion: no partial output is left.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A conversion of many small batches, which takes long, over an output that is there already.
+/// A slow conversion of many small batches to an output file that already exists.
 class Interruption : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -40,7 +40,7 @@ class Interruption : public ::testing::Test {
     return "";
   }
 
-  /// Until so many bytes have been written beside the output.
+  /// Waits until `bytes` bytes have been written to the part file.
   void wait_for_part(std::uintmax_t bytes = 100000) const {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (part().empty() || fs::file_size(folder_.path(part())) < bytes) {
@@ -100,7 +100,7 @@ TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
   EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
 }
 
-/// Whatever it is that becomes of the input while it is read.
+/// A change of the input while the program reads it.
 struct Change {
   const char* name;
   void (*apply)(const std::string& file);
@@ -125,7 +125,7 @@ TEST_F(Interruption, ByAChangeOfTheInputLeavesTheOutputIntact) {
   for (const Change& change : kChanges) {
     SCOPED_TRACE(change.name);
     SetUp();
-    RunningProgram program(convert("100"));  // reads on to the end
+    RunningProgram program(convert("100"));  // larger batches, because it reads to the end
     wait_for_part();
     change.apply(file_);
     const Outcome expected{1, "", "numera-arrow: " + file_ + ": it changed while it was read\n"};
@@ -135,7 +135,7 @@ TEST_F(Interruption, ByAChangeOfTheInputLeavesTheOutputIntact) {
   }
 }
 
-/// What is missing then is found by the reader of the format, or at the end.
+/// The reader of the format notices the missing bytes, or the check at the end does.
 TEST_F(Interruption, ByACutOfABinaryInputLeavesTheOutputIntact) {
   const auto few = table_of({{"a", ::arrow::int64(), "[1, 2, 3, 4, 5, 6, 7, 8, 9, 10]"}});
   const std::vector<std::shared_ptr<::arrow::Table>> tables(20000, few);
@@ -159,8 +159,8 @@ TEST_F(Interruption, ByACutOfABinaryInputLeavesTheOutputIntact) {
   }
 }
 
-/// At any moment, between the start of the program and behind its end: what stands under the name
-/// is all of the old or all of the new.
+/// Kills the program at any moment, from its start to after its end. The output is then the whole
+/// old file or the whole new file.
 TEST_F(Interruption, ByForceAtAnyMomentLeavesOneOfTwoWholeOutputs) {
   const std::string file = folder_.path("few.csv");
   write_text(file, "a,b\n1,2\n3,4\n");

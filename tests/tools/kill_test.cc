@@ -1,4 +1,5 @@
-// Killed whenever a file has changed, once each: between two changes all moments are alike.
+// Kills the program after each change of a file, one change per run. Between two changes it does
+// not matter when it is killed.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Names and sizes.
+/// The names and sizes of the files.
 using Folder = std::map<std::string, std::uintmax_t>;
 
 Folder contents_of(const std::string& path) {
@@ -29,7 +30,7 @@ Folder contents_of(const std::string& path) {
   return contents;
 }
 
-/// Starts the program in the hands of this process; 0 where the system does not let it.
+/// Starts the program under ptrace by this process. Returns 0 if the system does not allow that.
 pid_t start_traced(std::vector<std::string> arguments) {
   std::string program = NUMERA_PROGRAM;
   std::vector<char*> pointers = {program.data()};
@@ -37,7 +38,7 @@ pid_t start_traced(std::vector<std::string> arguments) {
   pointers.push_back(nullptr);
   const pid_t process = ::fork();
   if (process == 0) {
-    ::setenv("LSAN_OPTIONS", "detect_leaks=0", 1);  // which has to trace the process itself
+    ::setenv("LSAN_OPTIONS", "detect_leaks=0", 1);  // LeakSanitizer would need ptrace itself
     if (::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO) < 0) ::_exit(126);
     if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0) ::execv(pointers[0], pointers.data());
     ::_exit(127);
@@ -47,7 +48,8 @@ pid_t start_traced(std::vector<std::string> arguments) {
   return WIFSTOPPED(status) ? process : 0;
 }
 
-/// Kills the traced program when it has changed the folder so many times. False: it had ended.
+/// Kills the traced program after `changes` changes of the folder. Returns false if it ended
+/// before.
 bool kill_after(pid_t process, const std::string& folder, int changes) {
   ::ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_EXITKILL | PTRACE_O_TRACESYSGOOD);
   Folder last = contents_of(folder);
@@ -91,7 +93,7 @@ TEST(Killed, AfterAnyChangeOfAFileItLeavesTheOldOutputOrTheWholeNewOne) {
       const bool intact = read_text(output) == "older";
       EXPECT_FALSE(replaced && intact);
       replaced = !intact;
-      // Up to the last change there is a part beside.
+      // Until the output is replaced, a part file lies beside it.
       EXPECT_EQ(folder.names().size(), replaced ? 1U : 2U);
       if (replaced) {
         const bool is_parquet = output.ends_with("parquet");
@@ -99,7 +101,7 @@ TEST(Killed, AfterAnyChangeOfAFileItLeavesTheOldOutputOrTheWholeNewOne) {
       }
       if (!killed) break;
     }
-    EXPECT_GE(kills, 6);  // it appears, is written in pieces, and takes the place of the old one
+    EXPECT_GE(kills, 6);  // the part file appears, is written in pieces, and replaces the output
   }
 }
 

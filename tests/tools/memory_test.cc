@@ -1,4 +1,4 @@
-// Memory is bounded whatever the size of a file.
+// The use of memory is bounded for files of any size.
 
 #include <arrow/io/file.h>
 #include <arrow/ipc/writer.h>
@@ -33,7 +33,7 @@ std::shared_ptr<::arrow::RecordBatch> a_batch() {
   return table->CombineChunksToBatch().ValueOrDie();
 }
 
-/// An Arrow IPC file of at least so many bytes.
+/// Writes an Arrow IPC file of at least `bytes` bytes.
 void write_large(const std::string& path, std::int64_t bytes) {
   const auto batch = a_batch();
   const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
@@ -49,7 +49,8 @@ TEST(Memory, StaysBelowTheBoundForAFileTenTimesAsLarge) {
   const std::string file = folder.path("large.arrow");
   const std::string output = folder.path("back.parquet");
   write_large(file, 10 * kBound);
-  // What this process keeps of other tests would count as memory of the programs that it starts.
+  // Memory that this process keeps from other tests would count as memory of the programs it
+  // starts.
   ::arrow::default_memory_pool()->ReleaseUnused();
   ::malloc_trim(0);
   RunningProgram program({"convert", file, "--output", output});

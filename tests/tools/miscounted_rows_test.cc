@@ -1,4 +1,4 @@
-// Parquet files whose pages and footer disagree about their rows.
+// Parquet files whose pages and footer disagree about the number of rows.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 
 constexpr std::uint32_t kRows = 1000;
 
-/// A count as Parquet writes it: zigzag, seven bits a byte.
+/// A count in the encoding of Parquet: zigzag, seven bits per byte.
 std::string counted(std::uint32_t count) {
   std::string bytes;
   for (count *= 2; count > 127; count >>= 7) bytes += static_cast<char>(count | 128);
@@ -24,12 +24,12 @@ std::string counted(std::uint32_t count) {
 }
 
 size_t footer_of(const std::string& content) {
-  std::uint32_t length = 0;  // stands before the magic bytes at the end
+  std::uint32_t length = 0;  // it is before the magic bytes at the end
   std::memcpy(&length, content.data() + content.size() - 8, 4);
   return content.size() - 8 - length;
 }
 
-/// Where `kRows` stands behind a byte that tells the type of a number, from `begin` to `end`.
+/// The positions from `begin` to `end` at which `kRows` follows the byte `type`.
 std::vector<size_t> places_of_rows(const std::string& content, char type, size_t begin,
                                    size_t end) {
   const std::string found = type + counted(kRows);
@@ -46,13 +46,14 @@ void write_count(const std::string& path, std::string content, size_t place, std
   write_text(path, content.replace(place, bytes.size(), bytes));
 }
 
-/// Writes another number of rows into the header of the page.
+/// Writes another number of rows into the header of a page.
 void recount_page(const std::string& path, size_t page, std::uint32_t rows) {
   const std::string content = read_text(path);
   write_count(path, content, places_of_rows(content, '\x15', 0, footer_of(content)).at(page), rows);
 }
 
-/// The counts of a footer: first the rows of the file, then the values of each column.
+/// The indices of the counts in a footer. The rows of the file come first, then the values per
+/// column.
 constexpr size_t kRowsOfFile = 0;
 constexpr size_t kValuesOfN = 1;
 
@@ -62,14 +63,14 @@ void recount_footer(const std::string& path, size_t which, std::uint32_t count) 
   write_count(path, content, places.at(which), count);
 }
 
-/// Repeats a value as JSON.
+/// A JSON array of `rows` equal values.
 std::string repeated(const std::string& json, std::uint32_t rows) {
   std::string all = "[" + json;
   for (std::uint32_t i = 1; i < rows; ++i) all += "," + json;
   return all + "]";
 }
 
-/// Three columns of four pages in every row group.
+/// Three columns. Every row group has four pages.
 class MiscountedRows : public ::testing::Test {
  protected:
   void write(std::uint32_t rows = kRows) {

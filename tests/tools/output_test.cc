@@ -1,4 +1,4 @@
-// --output: what came back, in a file of its own.
+// --output: the returned data in a file of its own.
 
 #include <arrow/array/array_dict.h>
 #include <arrow/scalar.h>
@@ -24,7 +24,7 @@ class Output : public ::testing::Test {
   std::string file_ = folder_.path("a_file");
 };
 
-/// Equal whatever the chunks.
+/// Expects equal tables. The chunks may differ.
 void expect_equal(const ::arrow::Table& actual, const ::arrow::Table& expected) {
   EXPECT_TRUE(actual.ValidateFull().ok());
   EXPECT_TRUE(actual.Equals(expected)) << actual.ToString() << "\n" << expected.ToString();
@@ -92,7 +92,8 @@ TEST_F(Output, HasANameAsLongAsTheSystemAllows) {
   EXPECT_EQ(folder_.names(), (std::vector<std::string>{"a_file", name}));
 }
 
-/// What is opened first would take the place of what is closed, and be printed into.
+/// The first file that is opened gets the descriptor of a closed stream. Output printed to that
+/// stream must not end up in the file.
 TEST_F(Output, IsWholeWhateverStandardStreamsAreClosed) {
   write_ipc(file_, *what_goes());
   const std::string output = folder_.path("back.arrow");

@@ -53,7 +53,7 @@ void limit(int resource, const std::optional<std::uint64_t>& most) {
   if (::setrlimit(resource, &both) != 0) ::_exit(126);
 }
 
-/// Between fork and exec.
+/// Runs between fork and exec.
 void apply(const RunOptions& options) {
   limit(RLIMIT_FSIZE, options.file_size);
   limit(RLIMIT_CPU, options.cpu_seconds);
@@ -123,7 +123,7 @@ std::string run_on_terminal(const std::vector<std::string>& arguments) {
   }
   std::string written;
   char buffer[4096];
-  while (true) {  // the end is an error: the other side is gone
+  while (true) {  // the end shows as an error, because the other side is gone
     const ssize_t size = ::read(terminal, buffer, sizeof buffer);
     if (size <= 0) break;
     written.append(buffer, static_cast<size_t>(size));
@@ -155,7 +155,7 @@ void expect_refusal(const std::string& file, const std::string& reason, const Ru
 std::string table_rows(const std::string& printed) {
   std::istringstream lines(printed);
   std::string line;
-  std::getline(lines, line);  // the heading
+  std::getline(lines, line);  // skips the heading
   std::string rows;
   while (std::getline(lines, line) && !line.empty()) {
     for (size_t at = line.find("  "); at != std::string::npos; at = line.find("  ", at)) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Runs the real program, and reads what it prints.
+/// Runs the real program and reads its output.
 
 #include <sys/types.h>
 
@@ -15,7 +15,7 @@
 
 namespace numera::testing {
 
-/// How a run of the program ended.
+/// The result of a run of the program.
 struct Outcome {
   int exit_status = -1;  ///< -1: ended by a signal
   std::string out;
@@ -27,18 +27,18 @@ struct Outcome {
 void PrintTo(const Outcome& run, std::ostream* stream);
 
 struct RunOptions {
-  std::string out = {};  ///< a file for standard output, which is not read then
-  std::optional<std::uint64_t> file_size = {};    ///< most bytes of a file that it writes
-  std::optional<std::uint64_t> cpu_seconds = {};  ///< a signal ends what takes longer
-  bool unprivileged = false;                      ///< as nobody, where the tests run as root
-  std::vector<int> closed = {};                   ///< standard streams that it is started without
-  std::vector<int> ignored = {};                  ///< signals that it is started to ignore
+  std::string out = {};  ///< a file for standard output; `Outcome::out` is then empty
+  std::optional<std::uint64_t> file_size = {};    ///< maximum size of a file that it writes
+  std::optional<std::uint64_t> cpu_seconds = {};  ///< CPU time after which a signal ends it
+  bool unprivileged = false;                      ///< runs as nobody if the tests run as root
+  std::vector<int> closed = {};                   ///< standard streams that are closed at its start
+  std::vector<int> ignored = {};                  ///< signals that are ignored from its start
 };
 
-/// The program while it runs. Ends it where nobody has waited for it.
+/// A running program. The destructor kills it if nobody has waited for it.
 class RunningProgram {
  public:
-  /// Throws where it cannot be started.
+  /// Throws if it cannot be started.
   explicit RunningProgram(const std::vector<std::string>& arguments,
                           const RunOptions& options = {});
   ~RunningProgram();
@@ -47,7 +47,7 @@ class RunningProgram {
 
   void send(int signal) const;
   Outcome wait();
-  /// The most memory that it held at once. After `wait`.
+  /// The peak use of memory. Valid after `wait`.
   std::int64_t peak_bytes() const { return peak_bytes_; }
 
  private:
@@ -60,19 +60,19 @@ class RunningProgram {
 /// Runs the program with the arguments and waits for it.
 Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
-/// What the program writes to a terminal, which is its standard output and its standard error.
+/// The output of the program on a terminal, which is both its standard output and standard error.
 std::string run_on_terminal(const std::vector<std::string>& arguments);
 
-/// What `convert` prints for a file that is read and returns; a failed expectation otherwise.
+/// The output of `convert`. Expects that the file is read and comes back.
 std::string converted(const std::string& file, const std::vector<std::string>& options = {});
 
-/// Expects of `convert` one line on standard error that names the file and gives the reason,
-/// nothing on standard output, exit status 1.
+/// Expects that `convert` prints one line on standard error with the file and the reason, prints
+/// nothing on standard output, and exits with status 1.
 void expect_refusal(const std::string& file, const std::string& reason,
                     const RunOptions& options = {});
 
-/// The rows of a printed table down to the first empty line, cells apart by " | " however wide its
-/// columns are, the heading left out.
+/// The rows of a printed table up to the first empty line, without the heading. Cells are separated
+/// by " | ", whatever the widths of the columns.
 std::string table_rows(const std::string& printed);
 
 /// The one line of `printed` that starts with `start`, or "".

@@ -24,7 +24,7 @@ bool write_to(const char* path, const std::string& text) {
   return ::close(file) == 0 && written;
 }
 
-/// Mounts are this process's own from then on. Who is not root becomes it in a namespace of users.
+/// Gives this process its own mounts. If it is not root, it becomes root in a user namespace.
 bool leave_for_own_mounts() {
   const std::string user = "0 " + std::to_string(::geteuid()) + " 1";
   const std::string group = "0 " + std::to_string(::getegid()) + " 1";
@@ -33,7 +33,7 @@ bool leave_for_own_mounts() {
          write_to("/proc/self/uid_map", user) && write_to("/proc/self/gid_map", group);
 }
 
-/// 0, or the number of what went wrong.
+/// Returns 0 or the errno of the failure.
 int mount_disk(const std::string& place, const std::string& options) {
   const bool mounted =
       leave_for_own_mounts() && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
@@ -46,7 +46,7 @@ int mount_disk(const std::string& place, const std::string& options) {
 SmallDisk::SmallDisk(std::size_t pages, std::size_t files) {
   const std::string place = place_.path("");
   std::string options = "mode=0777,size=" + std::to_string(pages * page_size());
-  if (files > 0) options += ",nr_inodes=" + std::to_string(files + 1);  // and the folder
+  if (files > 0) options += ",nr_inodes=" + std::to_string(files + 1);  // plus the folder
   int told[2];
   int end[2];
   if (::pipe2(told, O_CLOEXEC) != 0 || ::pipe2(end, O_CLOEXEC) != 0) {

@@ -1,4 +1,4 @@
-// However many threads convert, the program prints and writes the same.
+// The program prints and writes the same with any number of threads.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// Files that are damaged at random: each is converted, or refused by one line, and never ends the
-// program by a signal.
+// Files with random damage. Each is converted, or refused by one line. None ends the program by a
+// signal.
 
 #include <arrow/io/file.h>
 #include <arrow/ipc/writer.h>
@@ -17,11 +17,11 @@ namespace {
 using ::testing::AnyOf;
 using ::testing::StartsWith;
 
-/// A damaged number may ask for more work than there is time: then the program is ended by a
-/// signal, which fails the test.
+/// A damaged number can demand more work than time allows. A signal then ends the program and the
+/// test fails.
 constexpr std::uint64_t kMostSeconds = 60;
 
-/// A column of every layout, some in two chunks.
+/// A column of every layout, in two chunks.
 std::shared_ptr<::arrow::Table> many_layouts() {
   const auto table = table_of(
       {{"i", ::arrow::int64(), "[1, null, 3]"},
@@ -39,7 +39,7 @@ std::shared_ptr<::arrow::Table> many_layouts() {
   return ::arrow::ConcatenateTables({table, table}).ValueOrDie();
 }
 
-/// Without checksums: what is damaged is found by nothing but the reading of it.
+/// Writes no checksums. So only reading the data can reveal the damage.
 void write_plain_parquet(const std::string& path, const ::arrow::Table& table) {
   const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
   const auto properties =
@@ -72,7 +72,7 @@ void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
 
 class DamagedFile : public ::testing::TestWithParam<Kind> {
  protected:
-  /// Status 0 and a new output, or status 1, one line, and the output as it was.
+  /// Expects status 0 and a new output, or status 1, one line and the old output.
   void expect_answer() {
     write_text(output_, "older");
     const auto before = folder_.names();
@@ -83,7 +83,7 @@ class DamagedFile : public ::testing::TestWithParam<Kind> {
       EXPECT_EQ(run.errors, "");
       EXPECT_THAT(read_text(output_), StartsWith("ARROW1"));
     } else {
-      // A sanitizer has lines of its own about allocations that are too large.
+      // A sanitizer adds lines of its own about allocations that are too large.
       const std::string line = line_that_starts(run.errors, "numera-arrow: " + file_ + ": ");
       EXPECT_NE(line, "") << ::testing::PrintToString(run);
       EXPECT_TRUE(run.errors == line + "\n" || run.errors.starts_with("==")) << run.errors;

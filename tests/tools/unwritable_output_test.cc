@@ -1,4 +1,4 @@
-// An output that cannot be written, or must not: one line, status 1, and what is there stays.
+// An output that cannot or must not be written: one line, status 1, and existing files stay intact.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ class UnwritableOutput : public ::testing::Test {
  protected:
   void SetUp() override { write_text(file_, "a\n1\n2\n"); }
 
-  /// Refused before anything is read: no result, and the folder as it was.
+  /// Expects a refusal before anything is read: no result, and an unchanged folder.
   void expect_refusal(const std::string& output, const std::string& reason,
                       const RunOptions& options = {}) {
     const auto before = folder_.names();
@@ -26,7 +26,8 @@ class UnwritableOutput : public ::testing::Test {
     EXPECT_EQ(folder_.names(), before);
   }
 
-  /// Refused at the end or on the way: an existing output is intact, and nothing lies beside it.
+  /// Expects a refusal during the conversion or at its end: an existing output stays intact, and no
+  /// other file is left.
   void expect_intact(const std::string& input, const std::string& name, const std::string& reason,
                      const RunOptions& options = {}, const std::vector<std::string>& more = {}) {
     const std::string output = folder_.path(name);

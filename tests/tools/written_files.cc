@@ -53,7 +53,7 @@ TemporaryFolder::TemporaryFolder() {
     throw std::system_error(errno, std::generic_category(), name);
   }
   folder_ = name;
-  std::filesystem::permissions(folder_, std::filesystem::perms(0755));  // for nobody, too
+  std::filesystem::permissions(folder_, std::filesystem::perms(0755));  // also for user nobody
 }
 
 TemporaryFolder::~TemporaryFolder() {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Files that a test and the program hand each other.
+/// Files that a test and the program exchange.
 
 #include <arrow/table.h>
 #include <arrow/type.h>
@@ -14,10 +14,10 @@
 
 namespace numera::testing {
 
-/// The names in a folder, in order.
+/// The names in a folder, sorted.
 std::vector<std::string> names_in(const std::string& folder);
 
-/// A new folder that is removed with everything in it.
+/// A new folder. The destructor removes it with everything in it.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -35,22 +35,22 @@ class TemporaryFolder {
 struct NamedColumn {
   std::string name;
   std::shared_ptr<::arrow::DataType> type;
-  std::string json;  ///< its values
+  std::string json;  ///< the values
 };
 
 std::shared_ptr<::arrow::Table> table_of(const std::vector<NamedColumn>& columns);
 
-/// A Parquet file with checksums, `row_group_length` rows a row group.
+/// Writes a Parquet file with checksums and `row_group_length` rows per row group.
 void write_parquet(const std::string& path, const ::arrow::Table& table,
                    std::int64_t row_group_length = 1024);
-/// An Arrow IPC file, a batch a chunk.
+/// Writes an Arrow IPC file with one batch per chunk.
 void write_ipc(const std::string& path, const ::arrow::Table& table);
-/// An Arrow IPC stream, a batch a chunk. Its dictionaries may be other ones in each.
+/// Writes an Arrow IPC stream with one batch per chunk. Each batch may have other dictionaries.
 void write_ipc_stream(const std::string& path, const ::arrow::Table& table);
-/// The same as Arrow wrote it before version 0.15.
+/// Writes the same in the format before Arrow 0.15.
 void write_old_ipc_stream(const std::string& path, const ::arrow::Table& table);
 
-/// The whole of an Arrow IPC file or a Parquet file.
+/// Read a whole Arrow IPC file or Parquet file.
 std::shared_ptr<::arrow::Table> read_ipc(const std::string& path);
 std::shared_ptr<::arrow::Table> read_parquet(const std::string& path);
 
@@ -58,7 +58,7 @@ std::string read_text(const std::string& path);
 void write_text(const std::string& path, const std::string& text);
 /// Inverts the bits of one byte; a negative position counts from the end.
 void flip_byte(const std::string& path, std::int64_t position);
-/// Puts `text` over the one place that holds `found`, which is as long.
+/// Writes `text` over the only occurrence of `found`, which has the same length.
 void overwrite(const std::string& path, const std::string& found, const std::string& text);
 
 }  // namespace numera::testing

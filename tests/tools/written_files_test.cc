@@ -1,4 +1,4 @@
-// Files of every class that returns as it went, written here: there and back.
+// Files of every class that comes back with its type, written here and converted there and back.
 
 #include <arrow/api.h>
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@
 namespace numera::testing {
 namespace {
 
-/// Values repeated to a length, so that chunks begin and end within a byte of their bits.
+/// Repeats values up to a length, so that chunks begin and end within a byte of a bitmap.
 std::string repeated(const std::vector<std::string>& values, size_t length) {
   std::string json = "[";
   for (size_t i = 0; i < length; ++i) json += (i == 0 ? "" : ",") + values[i % values.size()];

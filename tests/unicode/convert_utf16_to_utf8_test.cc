@@ -26,7 +26,7 @@ namespace {
 using namespace numera::testing;
 using namespace std::string_literals;
 
-/// Both outputs: the bytes of the texts, to which the zero byte is added here, and the offsets.
+/// Expects both outputs: the offsets, and the bytes of the texts with a zero byte appended.
 void ExpectUtf8(const hxArrayPtr& text, const std::string& bytes,
                 const std::vector<std::uint64_t>& offsets) {
   const Utf8 utf8 = Convert(text);
@@ -135,7 +135,7 @@ TEST(TextToUtf8, TakesColumnsOfManyPieces) {
   std::string bytes;
   std::vector<std::uint64_t> offsets = {0};
   for (size_t i = 0; i < kCount; ++i) {
-    // Two thousand ASCII texts between others.
+    // Two thousand ASCII texts in the middle.
     const bool ascii = i >= 500 && i < 2500;
     texts.emplace_back(ascii ? u"twenty letters of it" : u"größer als 漢字 und 😀");
     bytes += ascii ? "twenty letters of it" : "größer als 漢字 und 😀";

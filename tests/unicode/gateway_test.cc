@@ -73,7 +73,7 @@ TEST(TextToUtf8, GathersTheRowsOfACharMatrixInAStringArray) {
 
 TEST(TextToUtf8, PassesOnWhatTheCodecThrowsBesides) {
   const hxArrayPtr text = Strings({u"a", u"é"});
-  // Every call of the host in turn, up to the one that converts.
+  // Fails every host call in turn, up to the call that converts.
   size_t convert_calls = 0;
   for (size_t call = 0; call < 100 && convert_calls == 0; ++call) {
     SCOPED_TRACE(call);

@@ -1,6 +1,6 @@
 /// \file
 /// Texts of a hundred megabytes and columns of ten million texts. They run on the plain in-memory
-/// host, since to record ten million calls takes longer than to make them.
+/// host, because recording ten million calls takes longer than the calls.
 
 #include <gtest/gtest.h>
 

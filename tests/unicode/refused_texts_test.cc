@@ -17,7 +17,8 @@ namespace {
 using namespace numera::testing;
 using namespace std::string_literals;
 
-/// Expects the exception of a tag, caught by its own type, by the host's and by the standard's.
+/// Expects the exception of a tag, caught as its own type, as the host's base class and as
+/// `std::exception`.
 template <class Tag>
 void ExpectThrows(const hxArrayPtr& text, const std::string& identifier) {
   EXPECT_THROW(Convert(text), hxTaggedException<Tag>);
@@ -90,7 +91,8 @@ TEST(TextToUtf8, LooksAtACellAfterThoseBeforeAreConverted) {
                                  "NUMERA:io:arrow:unicode:InvalidCellArray");
 }
 
-/// Expects that the second unit of an element, counted from one, is refused.
+/// Expects that the second code unit of element number `element` is refused. Elements count from
+/// one.
 void ExpectUnpairedIn(std::uint64_t element, const hxArrayPtr& text) {
   try {
     Convert(text);

@@ -1,6 +1,7 @@
 /// \file
-/// Text both ways, against ICU: what is converted, what is refused, and which row is blamed. The
-/// bulk operation of the host is held against the one that sets text after text at the same time.
+/// Text conversions in both directions, compared with ICU: converted texts, refused texts, and the
+/// row that an error names. Also compares the host's bulk operation with setting one text after
+/// another.
 
 #include <arrow/array/array_binary.h>
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ namespace {
 using namespace numera::testing;
 using core::FillHostStrings;
 
-/// What takes minutes without optimization is run whole in release builds alone.
+/// Tests that take minutes without optimization run in full only in release builds.
 #ifdef NDEBUG
 constexpr unsigned kSampledEvery = 1;
 #else
@@ -32,7 +33,7 @@ constexpr unsigned kSampledEvery = 61;
 using MaybeUtf16 = std::optional<std::u16string>;
 using MaybeUtf8 = std::optional<std::string>;
 
-/// Encoded as if it were a code point even where it is none, a surrogate say.
+/// Encodes any value as if it were a code point, even a surrogate.
 std::string EncodeUtf8(char32_t value) {
   const auto byte = [](char32_t bits) { return static_cast<char>(bits); };
   const auto next = [&](int shift) { return byte(0x80 | (value >> shift & 0x3F)); };
@@ -48,7 +49,7 @@ std::u16string EncodeUtf16(char32_t value) {
           static_cast<char16_t>(0xDC00 + (value & 0x3FF))};
 }
 
-/// One text after another to UTF-16, each in three ways that have to agree.
+/// Converts texts to UTF-16, each in three ways that must agree.
 class Utf8Comparison {
  public:
   void check(std::string_view text) { check_plain(text, check_bulk(text)); }
@@ -113,7 +114,7 @@ TEST(Utf8AgainstIcu, AgreesOnTextsOfThreeBytes) {
   EXPECT_EQ(comparison.differences(), "");
 }
 
-/// Texts of all lengths of sequences, some of them damaged. The same in every run.
+/// Random texts with sequences of all lengths, some damaged. They are the same in every run.
 class RandomTexts {
  public:
   explicit RandomTexts(unsigned seed) : random_(seed) {}
@@ -164,7 +165,7 @@ TEST(Utf8AgainstIcu, AgreesOnRandomTexts) {
   EXPECT_EQ(comparison.differences(), "");
 }
 
-/// A host's string array without a bulk operation of its own.
+/// A string array of a host without a bulk operation.
 class PlainStrings final : public hxStringArray {
  public:
   explicit PlainStrings(size_t size) : dims_{size, 1}, texts_(size) {}
@@ -224,8 +225,8 @@ TEST(Utf8AgainstIcu, BlamesTheSameRowOfRandomColumns) {
   EXPECT_LT(refused, 15'000);
 }
 
-/// What the gateway makes of a column: all bytes and offsets, or the number of the element that it
-/// refused, and what it says of it.
+/// The result of the gateway for a column: all bytes and offsets, or the number of the refused
+/// element and the reason.
 struct GatewayResult {
   std::string bytes;
   std::vector<std::uint64_t> offsets;
@@ -255,7 +256,7 @@ GatewayResult Gateway(const std::vector<std::u16string>& texts) {
           .refusal = {}};
 }
 
-/// What the codec says of a text with an unpaired surrogate. ICU says less.
+/// The codec's message for a text with an unpaired surrogate. ICU gives less detail.
 std::string Refusal(std::u16string_view text) {
   for (size_t i = 0; i < text.size(); ++i) {
     const bool high = text[i] >= 0xD800 && text[i] < 0xDC00;

@@ -12,7 +12,7 @@ struct Utf8 {
   hxArrayPtr offsets;
 };
 
-/// Both outputs of the conversion of one host value.
+/// Both outputs of the conversion of a host value.
 inline Utf8 Convert(const hxArrayPtr& text) {
   hxArrayPtr outputs[2];
   const hxArray* inputs[] = {text.get()};

@@ -63,7 +63,7 @@ std::vector<ColumnType> column_types() {
 
 std::vector<Nest> nestings() {
   using ArrayPtr = std::shared_ptr<::arrow::Array>;
-  // Null, the first element, nothing, the others.
+  // Lists: null, the first element, empty, all other elements.
   const auto offsets = [](const ::arrow::Array& child, const auto& type) {
     const auto end = std::to_string(child.length());
     return ArrowArray(type,

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Columns of every type that reaches the host and returns.
+/// Columns of every type that converts to the host and back.
 
 #include <arrow/api.h>
 
@@ -15,15 +15,15 @@ namespace numera::testing {
 struct ColumnType {
   std::shared_ptr<::arrow::DataType> type;
   std::string json;       ///< three or more elements, one of them null
-  std::string more_json;  ///< other values; a length that leaves the next chunk between two bytes
+  std::string more_json;  ///< other values; their number is no multiple of 8
 };
 
 std::vector<ColumnType> column_types();
 
-/// Puts an array into another type.
+/// Wraps an array in another type.
 using Nest = std::function<std::shared_ptr<::arrow::Array>(std::shared_ptr<::arrow::Array>)>;
 
-/// A list, a large list, a struct and a map, each with nulls of its own.
+/// Wraps in a list, a large list, a struct and a map; each adds nulls of its own.
 std::vector<Nest> nestings();
 
 }  // namespace numera::testing

@@ -30,7 +30,7 @@ struct SlotPlace {
   size_t slot;
 };
 
-/// Every slot below a value of the test's own, in a fixed order.
+/// Collects every slot below `value` in a fixed order. The test owns the value and may change it.
 void collect_slots(const hxArray* value, std::vector<SlotPlace>& places) {
   if (value == nullptr || hxIsStringArray(value)) return;
   const auto fields = static_cast<size_t>(std::max(hxGetNumberOfFields(value), 0));
@@ -83,7 +83,7 @@ std::vector<hxArrayPtr> bad_values() {
   return values;
 }
 
-/// Arrow's verdict on a value that was encoded.
+/// Reads an encoded value and validates it with Arrow.
 ::arrow::Status read_fully(const hxArray* readable) {
   const std::string kind = hxGetString(hxGetField(readable, 0, "ArrowType"));
   if (kind == "buffer") return to_arrow<::arrow::Buffer>(readable).status();
@@ -96,7 +96,7 @@ std::vector<hxArrayPtr> bad_values() {
   return array->ValidateFull();
 }
 
-/// Whether the value is refused, or encoded to something that Arrow finds no fault with.
+/// Expects that the value is refused, or that Arrow's validation accepts its encoded form.
 void expect_refused_or_readable(const hxArray* value) {
   const auto readable = encode(value);
   if (!readable.ok()) {

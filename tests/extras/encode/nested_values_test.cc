@@ -40,7 +40,7 @@ hxArrayPtr Structs(double length, hxArrayPtr names, hxArrayPtr fields,
       Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(fields)}}));
 }
 
-/// The envelope that is written for chunks.
+/// The encoded form of the envelope that `to_numera` writes for these chunks.
 hxArrayPtr encoded(const std::shared_ptr<::arrow::DataType>& type,
                    const std::vector<std::string>& chunks) {
   const hxArrayPtr written = to_numera(ArrowChunks(type, chunks)).ValueOrDie();
@@ -155,7 +155,7 @@ TEST(EncodeNestedValues, ReadableOffsetsOfEveryIntegerWidthAreRead) {
 
 enum class Nesting { kList, kStruct, kMap };
 
-/// A value of so many levels around one number, as it is written.
+/// A written value: `levels` nested containers around one number.
 hxArrayPtr nested(Nesting nesting, int levels) {
   hxArrayPtr value = Plain("double", 1, Scalar(1.0));
   for (int i = 0; i < levels; ++i) {
@@ -202,7 +202,7 @@ TEST(EncodeNestedValues, ValuesNestedMuchDeeperAreRefused) {
 }
 
 TEST(EncodeNestedValues, DeepValuesOfSeveralChunksAreJoined) {
-  // Joining is Arrow's; it goes through the types as deep as they are.
+  // Arrow joins the chunks. It recurses as deep as the types are.
   for (const Nesting nesting : {Nesting::kList, Nesting::kStruct}) {
     const auto chunk = [&] { return nested(nesting, kMaxNestingLevels - 1); };
     const auto bits = [] {

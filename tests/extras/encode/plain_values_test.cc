@@ -17,7 +17,7 @@ namespace {
 using extras::encode;
 using io::arrow::core::to_arrow;
 
-/// A readable envelope of `length` elements; `valid` is its bitmap.
+/// A readable envelope of `length` elements with the bitmap `valid`.
 hxArrayPtr Readable(std::string_view type, double length, hxArrayPtr data,
                     const std::vector<std::uint8_t>& valid = {}) {
   return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));

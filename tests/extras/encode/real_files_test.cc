@@ -26,7 +26,7 @@ TableResult read_file(const std::string& name) {
   }
   ARROW_ASSIGN_OR_RAISE(auto reader,
                         parquet::arrow::OpenFile(file, ::arrow::default_memory_pool()));
-  // Row group by row group, so that columns have several chunks.
+  // Reads each row group by itself, so that columns have several chunks.
   std::vector<std::shared_ptr<::arrow::Table>> groups;
   for (int group = 0; group < reader->num_row_groups(); ++group) {
     ARROW_ASSIGN_OR_RAISE(auto table, reader->ReadRowGroup(group));

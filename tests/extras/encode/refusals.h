@@ -20,7 +20,7 @@ inline hxArrayPtr Packed(hxArrayPtr values, hxArrayPtr offsets) {
   return Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}});
 }
 
-/// The text of the status with which a value is refused.
+/// The text of the status that refuses a value.
 inline std::string refusal(const hxArray* value) {
   const auto encoded = extras::encode(value);
   return encoded.ok() ? "encoded" : encoded.status().ToString();

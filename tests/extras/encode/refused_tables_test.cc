@@ -22,7 +22,7 @@ hxArrayPtr table_of(hxArrayPtr names, hxArrayPtr columns) {
 
 hxArrayPtr names_a_and_b() { return Cell({1, 2}, {Char("a"), Char("b")}); }
 
-/// Two columns of doubles, of which the second has that data.
+/// Two columns of doubles. The second has the given data.
 hxArrayPtr columns_with(hxArrayPtr data) {
   return StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
                      {{Char("array"), Char("double"), Scalar(1.0), WrittenValidity(1)},

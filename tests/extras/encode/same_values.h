@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Element by element comparison of Arrow values whose types differ as encoding changes them. It
-/// knows nothing of the code under test.
+/// Compares Arrow values element by element. Their types may differ as encoding changes them. Uses
+/// no code under test.
 
 #include <arrow/array.h>
 #include <arrow/chunked_array.h>
@@ -26,7 +26,7 @@ inline bool same_range(const ::arrow::Array& a, std::int64_t i, std::int64_t cou
   return true;
 }
 
-/// The bytes of an element of text or bytes; a dictionary gives the text of its code.
+/// The bytes of an element of a text or binary array. For a dictionary, the text of its code.
 inline std::string_view bytes_of(const ::arrow::Array& array, std::int64_t i) {
   using ::arrow::Type;
   switch (array.type_id()) {
@@ -47,7 +47,7 @@ inline std::string_view bytes_of(const ::arrow::Array& array, std::int64_t i) {
   }
 }
 
-/// The number of an element of 64 or 32 bits.
+/// The value of a date32 element or of a 64-bit element.
 inline std::int64_t number_of(const ::arrow::Array& array, std::int64_t i) {
   if (array.type_id() == ::arrow::Type::DATE32) {
     return static_cast<const ::arrow::Date32Array&>(array).Value(i);
@@ -80,7 +80,7 @@ inline bool same_map(const ::arrow::MapArray& a, std::int64_t i, const ::arrow::
          same_range(*a.items(), a.value_offset(i), count, *entries.field(1), b.value_offset(j));
 }
 
-/// Whether element `i` of what was written and element `j` of what came back mean the same.
+/// Whether the written element `i` and the returned element `j` mean the same.
 inline bool same_element(const ::arrow::Array& a, std::int64_t i, const ::arrow::Array& b,
                          std::int64_t j) {
   using ::arrow::Type;
@@ -97,7 +97,7 @@ inline bool same_element(const ::arrow::Array& a, std::int64_t i, const ::arrow:
       return number_of(a, i) * 86400 == number_of(b, j);
     case Type::DATE64:
     case Type::DURATION:
-    case Type::TIMESTAMP:  // its time zone may be spelled in another way
+    case Type::TIMESTAMP:  // its time zone may be spelled differently
       return number_of(a, i) == number_of(b, j);
     case Type::LIST:
       return same_list(static_cast<const ::arrow::ListArray&>(a), i,
@@ -116,8 +116,7 @@ inline bool same_element(const ::arrow::Array& a, std::int64_t i, const ::arrow:
   }
 }
 
-/// Whether a column that was written and the array that came back mean the same, element by
-/// element.
+/// Whether a written column and the returned array mean the same, element by element.
 inline ::testing::AssertionResult SameValues(const ::arrow::ChunkedArray& written,
                                              const ::arrow::Array& returned) {
   if (written.length() != returned.length()) {

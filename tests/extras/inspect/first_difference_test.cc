@@ -262,7 +262,7 @@ TEST(SameHostValue, PrintsTheDifferenceAndBothTrees) {
                "  A: double 1x1 [2]");
 }
 
-/// A struct in a struct in a struct, each with two fields of one name.
+/// `levels` nested structs, each with two fields of the same name.
 hxArrayPtr namesakes(int levels) {
   hxArrayPtr value = Scalar(1.0);
   for (int level = 0; level < levels; ++level) {

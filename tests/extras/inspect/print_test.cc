@@ -23,7 +23,7 @@ struct PrintCase {
   hxArrayPtr value;
 };
 
-// A list of cases, which a vector cannot take from braces, since a value cannot be copied.
+// Takes a list of cases. A vector cannot take them from braces, because values cannot be copied.
 template <class... Cases>
 void expect_printed(Cases... cases) {
   const auto expect = [](const PrintCase& one) { EXPECT_EQ(print(one.value.get()), one.expected); };

@@ -1,6 +1,6 @@
 /// \file
-/// Values that no slot shows, since a null struct, list or map stands around them: where they are
-/// no values of their type, they become 0 and sink no column.
+/// Values that no slot shows, because a null struct, list or map surrounds them. If such a value is
+/// invalid for its type, it becomes 0 and the column is still accepted.
 
 #include <arrow/api.h>
 #include <arrow/util/decimal.h>
@@ -29,10 +29,10 @@ using ArrayPtr = std::shared_ptr<::arrow::Array>;
 using DataPtr = std::shared_ptr<ArrayData>;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-/// Four elements, of which only the second may be no value of its type.
+/// Four elements. Only the second may be invalid for its type.
 struct Leaf {
   DataPtr bad;
-  DataPtr mended;  ///< the same with 0 in its place
+  DataPtr mended;  ///< the same with 0 as the second element
 };
 
 template <class T>
@@ -58,7 +58,7 @@ std::vector<Leaf> leaves() {
   };
 }
 
-/// Puts four elements into a type in which no slot shows the second.
+/// Wraps four elements in a type so that no slot shows the second.
 struct Around {
   const char* what;
   DataPtr (*put)(const DataPtr& leaf);
@@ -69,7 +69,7 @@ DataPtr struct_of(const DataPtr& child, std::vector<std::uint8_t> bitmap) {
                          {ArrowBuffer(bitmap)}, {child});
 }
 
-/// Lists of the ranges between the offsets.
+/// Lists with the given offsets.
 DataPtr lists_of(const DataPtr& child, const std::vector<std::int32_t>& offsets,
                  std::uint8_t bitmap) {
   return ArrayData::Make(::arrow::list(child->type), static_cast<std::int64_t>(offsets.size()) - 1,
@@ -272,7 +272,7 @@ TEST(IntakeBehindNulls, RefusesMoreListsThanThereAreOffsets) {
   EXPECT_EQ(take_in(::arrow::MakeArray(lists)).status().code(), ::arrow::StatusCode::Invalid);
 }
 
-/// A few bytes can stand for more elements than memory can count.
+/// Arrays of a few bytes can declare 2^61 elements. The intake must not visit each of them.
 TEST(IntakeBehindNulls, CountsNoElementsThatHoldNoBytes) {
   constexpr std::int64_t kMany = std::int64_t{1} << 61;
   const auto day = leaves()[0].bad->Slice(1, 1);
@@ -304,7 +304,7 @@ TEST(IntakeBehindNulls, CountsNoElementsThatHoldNoBytes) {
   }
 }
 
-/// Data that is wrong in itself is not read where the nulls are looked for.
+/// While the intake looks for nulls, it must not read data that is invalid itself.
 TEST(IntakeBehindNulls, RefusesListsThatAreWrongBesideThem) {
   const DataPtr bad = leaves()[0].bad;
   const std::vector<std::int32_t> wrong[] = {

@@ -29,7 +29,7 @@ using extras::take_in;
 using ArrayPtr = std::shared_ptr<Array>;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-/// The array with its casts, as texts.
+/// A taken-in array, and its casts as texts.
 struct Taken {
   ArrayPtr array;
   std::vector<std::string> casts;
@@ -46,7 +46,7 @@ Taken cast(const ArrayPtr& array) {
   return taken;
 }
 
-/// Expects `array`, and every slice of it, to be taken in as the same slice of `expected`.
+/// Expects that every slice of `array` is taken in as the same slice of `expected`.
 void expect_cast(const ArrayPtr& array, const ArrayPtr& expected) {
   SCOPED_TRACE(array->type()->ToString());
   for (std::int64_t begin = 0; begin <= array->length(); ++begin) {

@@ -30,7 +30,7 @@ using extras::intake::take_in_column;
 using extras::intake::Work;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-/// Takes in chunks where 32-bit offsets reach no further than 4.
+/// Takes in chunks with a limit of 4 for 32-bit offsets.
 ::arrow::Result<extras::intake::TakenColumn> take_in_narrowly(const TypePtr& type,
                                                               const ::arrow::ArrayVector& chunks) {
   Work work;

@@ -1,5 +1,5 @@
 /// \file
-/// Types with a null pointer in place of a type within them.
+/// Types that contain a null pointer where a type belongs.
 
 #include <arrow/api.h>
 #include <arrow/extension_type.h>
@@ -20,7 +20,7 @@ using namespace ::arrow;  // NOLINT(google-build-using-namespace)
 using extras::take_in;
 using TypePtr = std::shared_ptr<DataType>;
 
-/// An extension type of any storage, none too.
+/// An extension type with any storage type, even none.
 class Wrapped : public ExtensionType {
  public:
   explicit Wrapped(TypePtr storage) : ExtensionType(std::move(storage)) {}
@@ -38,7 +38,7 @@ const TypePtr kNone;
 struct Row {
   std::string what;
   TypePtr type;
-  std::string message;  ///< of the refusal where casts are asked for
+  std::string message;  ///< of the refusal when casts are requested
 };
 
 std::string lacks(const std::string& path, const std::string& name) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the tests of the intake share: elements by number, and whether an array is fit.
+/// Helpers of the intake tests: they make elements by number and check whether an array is fit.
 
 #include <arrow/array.h>
 #include <arrow/type.h>
@@ -20,7 +20,7 @@ namespace numera::testing {
 /// The JSON text of element i.
 using Element = std::string (*)(int i);
 
-/// Elements `begin` up to `end`, built as an array of their own.
+/// Elements `begin` to `end` - 1, built as an array of their own.
 inline std::shared_ptr<::arrow::Array> Elements(const std::shared_ptr<::arrow::DataType>& type,
                                                 Element element, int begin, int end) {
   std::string json = "[";
@@ -38,7 +38,7 @@ std::string unfit_offsets(const ::arrow::ArrayData& array) {
   return "";
 }
 
-/// What makes an array unfit for the host side, at whatever depth; empty where it is fit.
+/// Why an array is unfit for the host, at any depth; empty if it is fit.
 inline std::string Unfit(const ::arrow::ArrayData& array) {
   using ::arrow::Type;
   const Type::type id = array.type->id();

@@ -1,6 +1,6 @@
 /// \file
-/// Columns without chunks, which a filter that keeps nothing and a query without rows give: they go
-/// to the host and come back with their types.
+/// Columns without chunks, as a filter that keeps nothing or a query without rows returns them.
+/// They go to the host and come back with their types.
 
 #include <arrow/api.h>
 #include <arrow/extension/bool8.h>
@@ -29,7 +29,8 @@ using io::arrow::core::to_arrow_table;
 using io::arrow::core::to_numera;
 using TypePtr = std::shared_ptr<DataType>;
 
-/// Takes in a column without chunks and expects that it returns as `taken_type` returns.
+/// Takes in a column without chunks. Expects that it comes back with the `returned_type` of
+/// `taken_type`.
 void expect_to_return(const TypePtr& type, const TypePtr& taken_type) {
   SCOPED_TRACE(type->ToString());
   const auto taken = take_in(ArrowChunks(type, {}), {.cast = true}).ValueOrDie();

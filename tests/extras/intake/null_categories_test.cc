@@ -1,5 +1,5 @@
 /// \file
-/// Dictionaries of text with nulls among their values: the slots that point at them become null.
+/// Text dictionaries with nulls among their values. Slots that point to such a null become null.
 
 #include <arrow/api.h>
 #include <gtest/gtest.h>
@@ -157,7 +157,8 @@ TEST(IntakeOfNullCategories, LeavesOneDictionaryToTheChunksThatShareIt) {
   EXPECT_TRUE(SameArray(*fit->chunk(1), *Dictionary(type, "[1, 0]", R"(["a", "b"])")));
 }
 
-/// One chunk needs 64-bit offsets for what is cast beside the dictionaries, whose type stays.
+/// One chunk needs 64-bit offsets for the column that is cast. The dictionaries beside it keep
+/// their type.
 TEST(IntakeOfNullCategories, KeepsTheTypeOfEveryChunkBesideAWideCast) {
   const auto rows = [](const ArrayPtr& categories, const char* views) {
     return ArrayPtr(

@@ -156,7 +156,7 @@ TEST(IntakeRefusals, MeetNullPointers) {
 struct Bad {
   const char* what;
   std::shared_ptr<ArrayData> data;
-  /// Arrow gives no array of it, but lets it be the child of one.
+  /// Arrow makes no array of it, but accepts it as a child.
   bool is_no_array = false;
 };
 

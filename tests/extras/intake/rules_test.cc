@@ -18,7 +18,7 @@ std::string line(const std::string& type, bool kept, const std::string& cast_to)
          (cast_to.empty() ? "" : cast_to + " ") + "|";
 }
 
-/// The table of the documentation, from the rules.
+/// The table of the documentation, built from the rules.
 std::vector<std::string> lines_of_rules() {
   std::vector<std::string> lines;
   for (const Rule& rule : extras::intake::rules()) {

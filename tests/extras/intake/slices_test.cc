@@ -35,7 +35,7 @@ std::string letters(int i, int count) {
 std::string text(int i) { return unless_null(i, letters(i, i % 4)); }
 std::string two_bytes(int i) { return unless_null(i, letters(i, 2)); }
 std::string nothing(int) { return "null"; }
-/// One category, so that every slice has the same dictionary.
+/// Only one category, so that all slices have the same dictionary.
 std::string category(int i) { return i % 4 == 1 ? "null" : "\"c\""; }
 
 template <Element element>
@@ -125,7 +125,7 @@ constexpr Cut kCuts[] = {{0, kLength}, {0, 0},  {1, kLength}, {7, kLength}, {8, 
                          {9, kLength}, {1, 9},  {7, 15},      {8, 16},      {9, 10},
                          {8, 11},      {0, 13}, {16, 16},     {32, kLength}};
 
-/// Takes in `array`, and expects it fit and to mean the same as `expected` on both sides.
+/// Takes in `array`. Expects a fit result that equals `expected`, in Arrow and in the host.
 void expect_taken(const ArrayPtr& array, const ArrayPtr& expected) {
   const auto result = extras::take_in(array);
   ASSERT_TRUE(result.ok()) << result.status();
@@ -149,7 +149,7 @@ ArrayPtr in_struct(const ArrayPtr& array) {
       .ValueOrDie();
 }
 
-/// Two lists of all elements together.
+/// Two lists that together hold all elements.
 template <class List, class Offsets>
 ArrayPtr in_list(const ArrayPtr& array) {
   const std::string length = std::to_string(array->length());
@@ -159,7 +159,7 @@ ArrayPtr in_list(const ArrayPtr& array) {
   return List::FromArrays(*offsets, *array).ValueOrDie();
 }
 
-/// One map of all elements, by equal keys.
+/// One map that holds all elements as items. All keys are equal.
 ArrayPtr in_map(const ArrayPtr& array) {
   std::string keys = "[";
   for (std::int64_t i = 0; i < array->length(); ++i) keys += i == 0 ? "1" : ", 1";

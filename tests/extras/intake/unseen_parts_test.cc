@@ -1,5 +1,5 @@
 /// \file
-/// What Arrow's validation does not look at: texts at null slots, and the offset of an array
+/// Parts that Arrow's validation does not check: texts at null slots, and the offset of an array
 /// without elements.
 
 #include <arrow/api.h>
@@ -22,7 +22,7 @@ namespace {
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-/// "a", a null slot of one byte that is no UTF-8, "b", from element `offset` on.
+/// "a", null, "b", from element `offset` on. The null slot holds one byte that is not UTF-8.
 template <class Offset>
 ArrayPtr hidden_byte(const TypePtr& type, std::int64_t offset = 0) {
   const auto data =

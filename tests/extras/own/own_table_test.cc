@@ -28,7 +28,7 @@ using io::arrow::core::util::TableErrorStatusDetail;
 
 hxArrayPtr numbers() { return Column<double>({1, 2}); }
 
-/// A table of the columns "a" and "b" with this "b".
+/// A table with the columns "a" and "b". The parameters describe "b".
 hxArrayPtr table(hxArrayPtr data, hxArrayPtr valid, hxArrayPtr kind = Char("array"),
                  hxArrayPtr names = Cell({1, 2}, {Char("a"), Char("b")}),
                  const char* type = "double") {

@@ -73,7 +73,7 @@ TEST(InOrder, CallsWhatComesBeforeEarlierThanTheWork) {
   }
 }
 
-/// The threads that `pieces` pieces are done on.
+/// The threads on which `pieces` pieces run.
 std::set<std::thread::id> threads_of(size_t pieces, size_t threads) {
   std::mutex mutex;
   std::set<std::thread::id> workers;

@@ -117,7 +117,7 @@ TEST_F(Parallel, ChecksForInterruptsOnceAColumnOnTheCallingThread) {
   for (const size_t threads : kThreadCounts) {
     for (const size_t count : {0U, 1U, 5U}) {
       SCOPED_TRACE(std::to_string(count) + " columns on " + std::to_string(threads) + " threads");
-      size_t checks = 0;  // the check belongs to this thread: calls on others do not count
+      size_t checks = 0;  // the check is set on this thread; checks on other threads do not count
       host::memory::SetInterruptCheck([&checks] { ++checks; });
       Reset();
       ASSERT_TRUE(parallel_to_numera(table_of(Columns(count, text())), threads).ok());
@@ -159,8 +159,8 @@ TEST_F(Parallel, ReportsAFailureBeforeTheInterruptThatFollowsIt) {
   }
 }
 
-// Every host allocation of the workers lies within a host call that may throw; those are counted on
-// all threads together, while allocations are counted on the calling thread alone.
+// Every host allocation of the workers is inside a host call that may throw. Calls are counted on
+// all threads together, allocations on the calling thread alone.
 TEST_F(Parallel, LeavesNothingBehindWhereverItFails) {
   const TablePtr table = table_of({text(), good(), text(), good()});
   for (const size_t threads : {2U, 4U}) {

@@ -1,2 +1,2 @@
-// An Apache Arrow of a major version that no release of numera is built with.
+// An Apache Arrow whose major version no release of numera is built with.
 #define ARROW_VERSION_MAJOR 999
