@@ -16,8 +16,8 @@
 #include "tests/support/nested_values.h"
 #include "tests/support/results.h"
 
-/// Each test runs the conversion on a thread with exactly the documented stack size. It makes and
-/// compares values on other threads. A stack overflow ends the program.
+/// Each test runs the conversion on a thread that has only the documented stack size. It makes and
+/// compares the values outside that thread. A stack overflow ends the program.
 
 namespace numera::io::arrow::core {
 namespace {

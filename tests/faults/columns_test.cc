@@ -40,7 +40,7 @@ struct Reached {
   }
 };
 
-/// One type per converter.
+/// Whether the type is tested in nested types too: one type per converter.
 bool is_nested_too(const ::arrow::DataType& type) {
   switch (type.id()) {
     case ::arrow::Type::NA:

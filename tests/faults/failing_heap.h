@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// A heap that fails on demand. A program that compiles failing_heap.cc replaces its `operator
-/// new`, also for the libraries that it loads.
+/// A heap that fails on demand. Compiling failing_heap.cc into a program replaces `operator new`,
+/// also in the libraries that the program loads.
 
 #include <cstddef>
 

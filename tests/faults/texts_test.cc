@@ -1,6 +1,6 @@
 // A host whose string arrays set one element after another. A failure inside an element becomes the
-// message of that row. A failure before the first element is recovered. A failure around the
-// elements comes out as the exception itself.
+// message of that row. The conversion recovers from a failure before the first element. A failure
+// around the elements comes out as the exception itself.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,8 +34,8 @@ class TextsOneByOne : public ::testing::TestWithParam<std::shared_ptr<::arrow::D
   size_t before_ = host::memory::LiveArrays();
 };
 
-/// Fails the call number `site` of a conversion. Returns the name of the call and the outcome;
-/// empty if there is no such call.
+/// Fails call number `site` of a conversion. Returns the name of the call and the outcome, or an
+/// empty text if there is no such call.
 std::string outcome_of(const Chunks& column, size_t site) {
   Reset();
   FailCall(site, std::make_exception_ptr(Fault()));

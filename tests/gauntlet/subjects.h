@@ -27,7 +27,7 @@ std::vector<Subject> plain_subjects();
 enum class Wrap : std::uint8_t { kList, kLargeList, kStruct, kMap };
 std::vector<Subject> nested_subjects(Wrap wrap);
 
-/// Nested types in one another.
+/// Nested types inside nested types.
 std::vector<Subject> deep_subjects();
 
 }  // namespace numera::gauntlet

@@ -155,8 +155,8 @@ TEST_F(MemoryOfThreads, IsFreedAtTheVeryEndOfAThread) {
   for (const size_t size : {16u, 900u, 50'000u, 200'000u}) {
     SCOPED_TRACE(size);
     std::thread([size] {
-      // Constructed before the thread's first array. So it is destroyed after all memory that the
-      // thread keeps.
+      // Constructed before the thread's first array, so it is destroyed after the thread-local
+      // memory of the host.
       thread_local Keeper keeper;
       keeper.array = filled(size, 1);
     }).join();

@@ -18,8 +18,7 @@ def undocumented(folder):
     for path in sorted(pathlib.Path(folder).glob("*.xml")):
         for compound in ElementTree.parse(path).iter("compounddef"):
             kind, name = compound.get("kind"), compound.findtext("compoundname")
-            # Doxygen also lists namespaces of other libraries that are only mentioned. They have no
-            # file.
+            # Doxygen also lists mentioned namespaces of other libraries, as "[generated]".
             is_ours = compound.find("location").get("file") != "[generated]"
             if kind in ("file", "namespace") and is_ours and not is_documented(compound):
                 yield f"{kind} {name}"

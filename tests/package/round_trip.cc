@@ -30,11 +30,11 @@ static arrow::Status run() {
   ARROW_ASSIGN_OR_RAISE(const auto readings, make_readings());
   std::cout << "An Arrow table:\n\n" << readings->ToString() << "\n";
 
-  // The host value owns copies of all data; the Arrow table may go.
+  // The host value owns copies of all data. The Arrow table is no longer needed.
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr encoded, core::to_numera(readings));
   std::cout << "The same on the host:\n\n" << numera::extras::print(encoded.get()) << "\n";
 
-  // The Arrow table borrows the host's memory: `encoded` outlives it.
+  // The Arrow table borrows the host's memory: `encoded` must outlive it.
   ARROW_ASSIGN_OR_RAISE(const auto back, core::to_arrow_table(encoded.get()));
   ARROW_RETURN_NOT_OK(back->ValidateFull());
   if (!back->Equals(*readings)) return arrow::Status::Invalid("the tables differ");

@@ -20,7 +20,7 @@ namespace {
 using Convert = std::function<::arrow::Status()>;
 using Text = std::function<std::string()>;
 
-/// What a conversion must leave as it found it.
+/// What a failed conversion must leave as it was.
 struct Held {
   size_t host_arrays = host::memory::LiveArrays();
   std::int64_t arrow_bytes = ::arrow::default_memory_pool()->bytes_allocated();

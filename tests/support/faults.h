@@ -23,8 +23,8 @@ struct FaultSites {
 /// and with the interrupt checks of this thread; these throw a different exception type.
 ///
 /// After every failed run, expects that
-/// - the injected exception comes out; only a failure of `assign_utf8` is recovered, and the
-///   conversion sets the texts one by one;
+/// - the injected exception comes out, except after a failure of `assign_utf8`: then the conversion
+///   sets the texts one by one;
 /// - no host array and no Arrow memory is left;
 /// - `input`, which returns all input of the conversion as text, returns the same as before;
 /// - the next, undisturbed run succeeds and `result` returns the same as before; `result` also

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Text conversions by ICU; nothing where ICU refuses the text.
+/// Text conversions by ICU; nullopt if ICU refuses the text.
 
 #include <unicode/ustring.h>
 

@@ -6,7 +6,7 @@
 /// `numera_recording_host` uses it instead of the plain in-memory host.
 ///
 ///     numera::testing::Reset();
-///     numera::testing::FailCall(2);            // the third call from here that may fail
+///     numera::testing::FailCall(2);            // fails the third call that may throw
 ///     EXPECT_THROW(convert(value), std::bad_alloc);
 ///
 /// Operations have names: "hxSetField", "hxUTF8ToUTF16::convert", "hxStringArray::set". The reading

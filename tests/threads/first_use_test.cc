@@ -25,7 +25,7 @@ class FirstUse : public ::testing::Test {
  protected:
   FirstUse() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
-  /// Ends this process as a process started for a death test ends.
+  /// Runs `work` on all threads, then exits: with status 1 if an expectation failed.
   template <class Work>
   [[noreturn]] static void race(const Work& work) {
     on_threads([&work](size_t) { work(); });

@@ -1,5 +1,5 @@
-// Kills the program after each change of a file, one change per run. Between two changes it does
-// not matter when it is killed.
+// Kills the program after each change of a file, one change per run. Between two changes all
+// moments are equivalent.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ Folder contents_of(const std::string& path) {
   return contents;
 }
 
-/// Starts the program under ptrace by this process. Returns 0 if the system does not allow that.
+/// Starts the program, traced by this process. Returns 0 if the system does not allow that.
 pid_t start_traced(std::vector<std::string> arguments) {
   std::string program = NUMERA_PROGRAM;
   std::vector<char*> pointers = {program.data()};

@@ -1,4 +1,4 @@
-// The use of memory is bounded for files of any size.
+// Memory use is bounded for files of any size.
 
 #include <arrow/io/file.h>
 #include <arrow/ipc/writer.h>

@@ -47,7 +47,7 @@ class RunningProgram {
 
   void send(int signal) const;
   Outcome wait();
-  /// The peak use of memory. Valid after `wait`.
+  /// The peak memory use. Valid after `wait`.
   std::int64_t peak_bytes() const { return peak_bytes_; }
 
  private:

@@ -50,7 +50,7 @@ void write_ipc_stream(const std::string& path, const ::arrow::Table& table);
 /// Writes the same in the format before Arrow 0.15.
 void write_old_ipc_stream(const std::string& path, const ::arrow::Table& table);
 
-/// Read a whole Arrow IPC file or Parquet file.
+/// Reads a whole Arrow IPC file or Parquet file.
 std::shared_ptr<::arrow::Table> read_ipc(const std::string& path);
 std::shared_ptr<::arrow::Table> read_parquet(const std::string& path);
 

@@ -17,7 +17,7 @@ namespace {
 using namespace numera::testing;
 using namespace std::string_literals;
 
-/// Expects the exception of a tag, caught as its own type, as the host's base class and as
+/// Expects the exception of a tag, caught as its own type, as `MessageIdException` and as
 /// `std::exception`.
 template <class Tag>
 void ExpectThrows(const hxArrayPtr& text, const std::string& identifier) {

@@ -21,7 +21,7 @@ using namespace numera::testing;
 using ::arrow::Status;
 using ::arrow::TimeUnit;
 
-/// A timestamp in the form that `to_arrow` reads. It ignores "DateType".
+/// A timestamp in the form that `to_arrow` reads. The conversion ignores "DateType".
 hxArrayPtr ReadTimestamp(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
   return Struct({{"Values", std::move(values)},
                  {"Units", std::move(units)},

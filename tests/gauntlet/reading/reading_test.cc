@@ -34,7 +34,7 @@ std::uint64_t from_environment(const char* name, std::uint64_t otherwise) {
   return number == 0 ? otherwise : number;
 }
 
-/// The outcome, and how often the host was asked for interrupts.
+/// The outcome, and the number of interrupt checks.
 struct Observed {
   Outcome outcome;
   size_t interrupt_checks = 0;

@@ -10,8 +10,7 @@ constexpr Door kDoors[] = {Door::kArray, Door::kArray,  Door::kArray, Door::kEle
                            Door::kTable, Door::kBuffer, Door::kTable};
 constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
 constexpr int kDepth = 3;
-/// Values nested to the limit of the conversions are slow. Only one value in this many is nested
-/// so.
+/// Values nested to the limit of the conversions are slow: only one value in this many.
 constexpr size_t kDeepOnceIn = 2000;
 
 DraftPtr input_of(Random& random, Door door) {
