@@ -3,8 +3,8 @@
 tools, python, examples -> extras -> core, unicode -> format -> host
 
 Private headers are those that cmake/public_headers.txt does not list. Only their own part, tests,
-fuzzers and benchmarks may include them; core/ and extras/ those of format/, too. Run this from the repository root. It prints each fault
-and fails if there is one.
+fuzzers and benchmarks may include them; core/ and extras/ may also include those of format/. Run
+this from the repository root. It prints each fault and fails if there is one.
 """
 
 import pathlib

@@ -49,9 +49,11 @@ using core::util::VerifyHxStructContains;
 
 ::arrow::Result<std::shared_ptr<::arrow::Table>> own_to_arrow_table(hxArrayPtr encoded) {
   const own::Owner owner = std::move(encoded);
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kArrowType, hxClassID::Char, false));
+  ARROW_RETURN_NOT_OK(
+      VerifyHxStructContains(owner.get(), format::kArrowType, hxClassID::Char, false));
   ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kNames, hxClassID::Cell, false));
-  ARROW_RETURN_NOT_OK(VerifyHxStructContains(owner.get(), format::kColumns, hxClassID::Struct, false));
+  ARROW_RETURN_NOT_OK(
+      VerifyHxStructContains(owner.get(), format::kColumns, hxClassID::Struct, false));
   const hxArray* names = hxGetFieldChecked(owner.get(), 0, format::kNames);
   const hxArray* columns = hxGetFieldChecked(owner.get(), 0, format::kColumns);
   const size_t count = hxGetDimensions(columns)[0];
