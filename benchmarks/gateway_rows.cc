@@ -48,11 +48,11 @@ std::array<hxArrayPtr, 2> texts_to_utf8(const Written& input) {
 }
 
 hxArrayPtr encode_texts(const Written& input) {
-  return extras::encode(input.encoded.get()).ValueOrDie();
+  return extras::make_readable(input.encoded.get()).ValueOrDie();
 }
 
 hxArrayPtr encode_value(const hxArrayPtr& value) {
-  return extras::encode(value.get()).ValueOrDie();
+  return extras::make_readable(value.get()).ValueOrDie();
 }
 
 Blocks narrow(const Written& input) { return narrowed_units(input.units, input.texts); }

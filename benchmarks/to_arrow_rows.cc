@@ -41,7 +41,7 @@ const std::vector<Family>& families() {
 /// The value that the library writes for a column, made readable.
 hxArrayPtr readable(const ColumnPtr& column) {
   const hxArrayPtr written = core::to_numera(column).ValueOrDie();
-  return numera::extras::encode(written.get()).ValueOrDie();
+  return numera::extras::make_readable(written.get()).ValueOrDie();
 }
 
 ArrayPtr encoded_to_arrow(const hxArrayPtr& encoded) {

@@ -90,7 +90,7 @@ std::vector<MadeExample> made_examples() {
 
 ::arrow::Result<std::string> read_tree(const Column& column) {
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, core::to_numera(column));
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, numera::extras::encode(written.get()));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, numera::extras::make_readable(written.get()));
   ARROW_ASSIGN_OR_RAISE(const auto array, core::to_arrow<::arrow::Array>(readable.get()));
   ARROW_RETURN_NOT_OK(array->ValidateFull());
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr again, core::to_numera(array));

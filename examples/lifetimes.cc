@@ -160,7 +160,7 @@ std::string parts_of(const ::arrow::ArrayData& data, const Blocks& source) {
   Blocks host_memory;
   add_blocks(written.get(), host_memory);
 
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, numera::extras::encode(written.get()));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, numera::extras::make_readable(written.get()));
   ARROW_ASSIGN_OR_RAISE(const auto back, core::to_arrow<::arrow::Array>(readable.get()));
   Blocks readable_memory;
   add_blocks(readable.get(), readable_memory);

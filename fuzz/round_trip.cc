@@ -64,7 +64,7 @@ void check_returned(const ::arrow::ChunkedArray& column, const ::arrow::Array& b
 
 /// The readable form of `written`; null if it is refused, which `may_fail` must allow.
 hxArrayPtr readable_form(const hxArray* written, bool may_fail, const std::string& subject) {
-  auto readable = extras::encode(written);
+  auto readable = extras::make_readable(written);
   if (!readable.ok()) {
     claim(may_fail, "what is written has a readable form", [&] {
       return readable.status().ToString() + "\n" + subject + "\n" + extras::print(written);

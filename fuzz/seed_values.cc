@@ -87,13 +87,13 @@ void keep_host_values(const TablePtr& table, const KeepSeed& keep) {
   const auto written = io::arrow::core::to_numera(table);
   if (!written.ok()) return;  // a type that needs the intake
   keep_value(written->get(), keep);
-  const auto readable = extras::encode(written->get());
+  const auto readable = extras::make_readable(written->get());
   if (readable.ok()) keep_value(readable->get(), keep);
   for (const auto& column : table->columns()) {
     const auto part = io::arrow::core::to_numera(column);
     if (!part.ok()) continue;
     keep_value(part->get(), keep);
-    const auto readable_part = extras::encode(part->get());
+    const auto readable_part = extras::make_readable(part->get());
     if (readable_part.ok()) keep_value(readable_part->get(), keep);
   }
 }

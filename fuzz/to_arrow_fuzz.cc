@@ -114,10 +114,10 @@ void check_owned(const hxArray* value) {
 }
 
 void check_encoded(const hxArray* value) {
-  const auto readable = attempt([&] { return extras::encode(value); });
+  const auto readable = attempt([&] { return extras::make_readable(value); });
   if (!readable) return;
   const hxArray* const first = readable->get();
-  const auto again = extras::encode(first);
+  const auto again = extras::make_readable(first);
   claim(again.ok(), "a readable form has a readable form",
         [&] { return again.status().ToString() + "\n" + extras::print(first); });
   const auto difference = extras::first_difference(again->get(), first);

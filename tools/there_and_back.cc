@@ -9,8 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "numera/extras/encode/encode.h"
-#include "numera/extras/own/own.h"
+#include "numera/extras/convert.h"
 #include "numera/extras/parallel/parallel.h"
 #include "numera/numera.h"
 
@@ -64,10 +63,9 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, timed(seconds_to_host, [&] {
                           return extras::parallel_to_numera(group.table, threads);
                         }));
-  ARROW_ASSIGN_OR_RAISE(auto readable,
-                        timed(seconds_to_arrow, [&] { return extras::encode(written.get()); }));
   ARROW_ASSIGN_OR_RAISE(const TablePtr back, timed(seconds_to_arrow, [&] {
-                          return extras::own_to_arrow_table(std::move(readable));
+                          return extras::convert_to_arrow_table(hxSharedCopy(written.get()),
+                                                                nullptr, threads);
                         }));
   legs.to_host.seconds += seconds_to_host;
   legs.to_arrow.seconds += seconds_to_arrow;

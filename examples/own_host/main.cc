@@ -22,7 +22,7 @@ int main() {
   const hxArrayPtr written = to_numera(table).ValueOrDie();
   std::cout << numera::extras::print(written.get()) << '\n';
 
-  const hxArrayPtr readable = numera::extras::encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = numera::extras::make_readable(written.get()).ValueOrDie();
   const auto back = to_arrow_table(readable.get()).ValueOrDie();
   std::cout << "back in Arrow: " << (back->Equals(*table) ? "equal" : "different") << '\n';
 }

@@ -33,9 +33,9 @@ inline constexpr std::size_t kTypeStackBytes = std::size_t{1536} << 10;
 /// `take_in`, which calls Arrow's full validation (2,016 bytes per level, of maps).
 inline constexpr std::size_t kIntakeStackBytes = std::size_t{2304} << 10;
 
-/// `encode`, which goes down the value and calls Arrow's full validation (2,048 bytes per level, of
-/// structs).
-inline constexpr std::size_t kEncodeStackBytes = std::size_t{2304} << 10;
+/// `make_readable`, which goes down the value and calls Arrow's full validation (2,048 bytes per
+/// level, of structs).
+inline constexpr std::size_t kMakeReadableStackBytes = std::size_t{2304} << 10;
 /// @}
 
 }  // namespace numera::io::arrow::core

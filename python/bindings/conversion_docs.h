@@ -64,8 +64,9 @@ An encoded table gives a pyarrow.Table, the envelope of a buffer a pyarrow.Buffe
 encoded value a pyarrow.Array. The result shares the memory of the host value, at the same
 addresses, and keeps it alive as long as any of its buffers lives.
 
-`to_arrow` reads what `encode` makes. What `to_host` gave is read as it stands only where both
-forms are the same, as with numbers: text, dates, bytes and nested values need `encode` first.
+`to_arrow` reads what `make_readable` makes. What `to_host` gave is read as it stands only where
+both forms are the same, as with numbers. Call `make_readable` first for text, dates, bytes and
+nested values.
 
 With validate=True the result is checked completely before it is returned. Without it, codes,
 offsets and texts are taken as they stand: only for values that are known to be sound, since Arrow
@@ -78,11 +79,11 @@ and an `error_code`, and a note with its type. Ctrl-C raises KeyboardInterrupt b
 
 >>> import numera, pyarrow
 >>> texts = numera.to_host(pyarrow.array(["one", None, "three"]))
->>> numera.to_arrow(numera.encode(texts)).to_pylist()
+>>> numera.to_arrow(numera.make_readable(texts)).to_pylist()
 ['one', None, 'three']
 )";
 
-inline constexpr const char* kEncode = R"(The form of a host value that `to_arrow` reads.
+inline constexpr const char* kMakeReadable = R"(The form of a host value that `to_arrow` reads.
 
 value is an ordinary value (real numbers, logical values, string arrays, char arrays, cells of
 char rows or of uint8 arrays; any shape, read in storage order) or an encoded value in the form
@@ -94,7 +95,7 @@ what was expected; MemoryError. Where a column of a table failed, the exception 
 can be done. Ctrl-C raises KeyboardInterrupt between two columns.
 
 >>> import numera
->>> numera.to_arrow(numera.encode(numera.host.string(["a", None, "c"]))).to_pylist()
+>>> numera.to_arrow(numera.make_readable(numera.host.string(["a", None, "c"]))).to_pylist()
 ['a', None, 'c']
 )";
 

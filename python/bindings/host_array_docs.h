@@ -8,7 +8,7 @@ namespace numera::python::docs {
 inline constexpr const char* kHostArray =
     R"(A value of the host: an array of numbers, truth values, text, texts, cells or structs.
 
-Made by `numera.to_host`, `numera.encode` and the functions of `numera.host`; never changed
+Made by `numera.to_host`, `numera.make_readable` and the functions of `numera.host`; never changed
 afterwards. Every array has a class and two dimensions or more; elements lie in column-major
 order, and are indexed from 0 in that order. What is read out of a value shares its memory and
 keeps all of it alive.

@@ -27,7 +27,8 @@ using io::arrow::core::util::TableErrorCode;
 using io::arrow::core::util::TableErrorStatusDetail;
 
 constexpr const char* kEncodeNote =
-    "numera.to_arrow reads encoded values; numera.encode(value) makes one of an ordinary value and "
+    "numera.to_arrow reads encoded values; numera.make_readable(value) makes one of an ordinary "
+    "value and "
     "of what numera.to_host gave.";
 
 constexpr const char* kRefusedColumnNote =
@@ -126,10 +127,10 @@ nb::object to_arrow(const HostValue& host, bool validate) {
   return wrapped(py::wrap_array(converted(host, validate, extras::own_to_arrow<::arrow::Array>)));
 }
 
-HostValue encode(const HostValue& value) {
+HostValue make_readable(const HostValue& value) {
   ::arrow::Result<hxArrayPtr> result = [&] {
     const Unlocked unlocked;
-    return extras::encode(value.get());
+    return extras::make_readable(value.get());
   }();
   const std::string column = failed_column(value, result.status());
   return adopt(
@@ -153,7 +154,7 @@ void bind_to_arrow(nb::module_& module) {
              nb::sig("def to_arrow(host: HostArray, validate: bool = True) -> pyarrow.Array | "
                      "pyarrow.Table | pyarrow.Buffer"),
              docs::kToArrow);
-  module.def("encode", &encode, nb::arg("value"), docs::kEncode);
+  module.def("make_readable", &make_readable, nb::arg("value"), docs::kMakeReadable);
   module.def("utf16_to_utf8", &utf16_to_utf8, nb::arg("text"),
              nb::sig("def utf16_to_utf8(text: HostArray) -> tuple[HostArray, HostArray]"),
              docs::kUtf16ToUtf8);

@@ -16,7 +16,7 @@
 
 #include "numera/core/to_numera.h"
 #include "numera/core/to_numera_datatype.h"
-#include "numera/extras/intake/intake.h"
+#include "numera/extras/convert.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/conversion_docs.h"
 #include "python/bindings/errors.h"
@@ -36,13 +36,6 @@ constexpr const char* kCastNote =
 /// libraries have no plain text. Views in pyarrow objects were chosen by the user.
 extras::IntakeOptions from_outside(bool cast) { return {.cast = cast, .views = true}; }
 
-template <class T>
-::arrow::Result<hxArrayPtr> take_in_and_convert(const std::shared_ptr<T>& value,
-                                                const extras::IntakeOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(auto taken, extras::take_in(value, options));
-  return core::to_numera(std::move(taken.value));
-}
-
 HostValue adopt_result(::arrow::Result<hxArrayPtr> result, bool cast) {
   const bool casts_help = !cast && result.status().IsTypeError();
   return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : ""));
@@ -52,7 +45,7 @@ template <class T>
 HostValue convert(const std::shared_ptr<T>& value, const extras::IntakeOptions& options) {
   ::arrow::Result<hxArrayPtr> result = [&] {
     const Unlocked unlocked;
-    return take_in_and_convert(value, options);
+    return extras::convert_to_host(value, {.intake = options});
   }();
   return adopt_result(std::move(result), options.cast);
 }
@@ -80,9 +73,9 @@ HostValue convert(const std::shared_ptr<T>& value, const extras::IntakeOptions& 
   ARROW_ASSIGN_OR_RAISE(const std::shared_ptr<::arrow::ChunkedArray> chunks,
                         ::arrow::ImportChunkedArray(stream));
   if (chunks->type()->id() != ::arrow::Type::STRUCT)
-    return take_in_and_convert(chunks, from_outside(cast));
+    return extras::convert_to_host(chunks, {.intake = from_outside(cast)});
   ARROW_ASSIGN_OR_RAISE(const std::shared_ptr<::arrow::Table> table, table_of(*chunks));
-  return take_in_and_convert(table, from_outside(cast));
+  return extras::convert_to_host(table, {.intake = from_outside(cast)});
 }
 
 template <class T>
@@ -138,10 +131,7 @@ std::optional<HostValue> from_pyarrow(nb::handle x, bool cast) {
   if (py::is_chunked_array(object))
     return convert(value_or_raise(py::unwrap_chunked_array(object)), {cast});
   if (py::is_table(object)) return convert(value_or_raise(py::unwrap_table(object)), {cast});
-  if (py::is_batch(object)) {
-    const auto batch = value_or_raise(py::unwrap_batch(object));
-    return convert(value_or_raise(::arrow::Table::FromRecordBatches({batch})), {cast});
-  }
+  if (py::is_batch(object)) return convert(value_or_raise(py::unwrap_batch(object)), {cast});
   // A reader passes on the exceptions of a Python source; its C stream only passes on their text.
   if (nb::isinstance(x, nb::module_::import_("pyarrow.lib").attr("RecordBatchReader"))) {
     return from_pyarrow(x.attr("read_all")(), cast);

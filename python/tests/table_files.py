@@ -10,7 +10,7 @@ NESTED = {"list": [[1], None, []], "place": [{"x": 1.5}, None, {"x": None}]}
 
 
 def columns(value):
-    return numera.to_arrow(numera.encode(value)).to_pydict()
+    return numera.to_arrow(numera.make_readable(value)).to_pydict()
 
 
 def file_of(tmp_path, table, suffix, rows=None):

@@ -53,7 +53,7 @@ def test_tables_hold_what_pyarrow_reads(table):
 
 @given(drawn.column(drawn.known))
 def test_what_comes_back_is_what_pyarrow_reads(column):
-    back = numera.to_arrow(numera.encode(numera.to_host(column)))
+    back = numera.to_arrow(numera.make_readable(numera.to_host(column)))
     expected = [losses.back_in_arrow(column.type, value) for value in column.to_pylist()]
     check(back.to_pylist(), expected)
 

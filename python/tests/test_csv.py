@@ -49,7 +49,7 @@ def test_texts_of_a_csv_may_have_newlines_wherever_a_block_ends(tmp_path):
 
 
 def scanned(path, **options):
-    return pa.concat_tables(numera.to_arrow(numera.encode(table))
+    return pa.concat_tables(numera.to_arrow(numera.make_readable(table))
                             for table in numera.scan(path, **options))
 
 
@@ -95,7 +95,7 @@ def test_types_of_csv_stay_those_of_the_first_block_where_blocks_get_longer(tmp_
     assert types[0] == ["int64", "double", "logical", "null", "datetime", "datetime", "datetime",
                         "string"]
     assert types == [types[0]] * 102
-    assert scanned(path).equals(numera.to_arrow(numera.encode(numera.read(path))))
+    assert scanned(path).equals(numera.to_arrow(numera.make_readable(numera.read(path))))
     with path.open("a") as file:
         file.write(row.replace("1.5", "late"))
     with pytest.raises(pa.ArrowInvalid, match="CSV conversion error to double"):

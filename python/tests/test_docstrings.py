@@ -12,7 +12,7 @@ import numera
 import pytest
 from numera import host
 
-FUNCTIONS = ["to_host", "to_arrow", "encode", "datatype", "utf16_to_utf8"]
+FUNCTIONS = ["to_host", "to_arrow", "make_readable", "encode", "datatype", "utf16_to_utf8"]
 FILES = ["read", "scan", "write"]
 BUILDERS = ["numeric", "logical", "char", "string", "cell", "struct"]
 # Special methods, which need no example.

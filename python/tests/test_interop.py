@@ -12,7 +12,7 @@ ROWS = {"n": [1, 2, None], "x": [1.5, None, 2.5], "t": ["a", None, "ж"]}
 
 
 def columns(host):
-    return numera.to_arrow(numera.encode(host)).to_pydict()
+    return numera.to_arrow(numera.make_readable(host)).to_pydict()
 
 
 @pytest.mark.parametrize(
@@ -75,7 +75,7 @@ class Views:
 def test_views_of_others_need_no_cast_and_those_of_pyarrow_do(type):
     element = {"int64": 1, "string_view": "a", "binary_view": b"a"}[str(type.value_type)]
     array = pa.array([[element], None, [element, None]], type)
-    back = numera.to_arrow(numera.encode(numera.to_host(Views(array))))
+    back = numera.to_arrow(numera.make_readable(numera.to_host(Views(array))))
     assert back.to_pylist() == array.to_pylist()
     with pytest.raises(pa.ArrowTypeError):
         numera.to_host(array)
@@ -90,7 +90,7 @@ def test_other_values_of_others_are_cast_on_request_alone():
 
 
 def test_results_go_on_to_others():
-    table = numera.to_arrow(numera.encode(numera.to_host(pa.table(ROWS))))
+    table = numera.to_arrow(numera.make_readable(numera.to_host(pa.table(ROWS))))
     assert pl.DataFrame(table).to_dict(as_series=False) == ROWS
     assert pd.DataFrame.from_arrow(table)["x"].sum() == 4.0 if hasattr(pd.DataFrame, "from_arrow") else table.to_pandas()["x"].sum() == 4.0
     assert duckdb.arrow(table).aggregate("sum(n), max(t)").fetchall() == [(3, "ж")]

@@ -24,7 +24,7 @@ def held(frame):
 
 
 def back(frame):
-    return numera.to_arrow(numera.encode(numera.to_host(frame, cast=True)))
+    return numera.to_arrow(numera.make_readable(numera.to_host(frame, cast=True)))
 
 
 PANDAS = {
@@ -147,7 +147,7 @@ def test_arrays_of_nanoarrow_go_there_and_back(name):
     schema, values = NANOARROW[name]
     host = numera.to_host(nanoarrow.Array(values, schema))
     assert encoded.elements(host) == values
-    assert nanoarrow.Array(numera.to_arrow(numera.encode(host))).to_pylist() == values
+    assert nanoarrow.Array(numera.to_arrow(numera.make_readable(host))).to_pylist() == values
 
 
 def test_slices_of_nanoarrow_are_read():

@@ -32,7 +32,7 @@ RETURNED = pa.schema([
 
 
 def there_and_back(x, cast=False):
-    return numera.to_arrow(numera.encode(numera.to_host(x, cast=cast)))
+    return numera.to_arrow(numera.make_readable(numera.to_host(x, cast=cast)))
 
 
 class Stream:
@@ -112,7 +112,7 @@ NULLS = categories([0, 1, 2, None, 1], ["a", None, "b"])
 def test_nulls_among_categories_are_nulls(column, expected):
     host = numera.to_host(column)
     assert encoded.elements(host) == expected
-    assert numera.to_arrow(numera.encode(host)).to_pylist() == expected
+    assert numera.to_arrow(numera.make_readable(host)).to_pylist() == expected
 
 
 def test_null_categories_are_none_of_the_host():

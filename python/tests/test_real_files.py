@@ -36,7 +36,7 @@ def test_the_host_holds_every_cell(name):
 @pytest.mark.parametrize("name", sorted(ROWS.keys() - {"flights.parquet"}))
 def test_every_cell_comes_back(name):
     table = table_of(DATA / name)
-    back = numera.to_arrow(numera.encode(numera.read(DATA / name)))
+    back = numera.to_arrow(numera.make_readable(numera.read(DATA / name)))
     assert back.column_names == table.column_names
     for name in table.column_names:
         assert back[name].to_pylist() == expected_of(table, name, losses.back_in_arrow), name
@@ -44,7 +44,7 @@ def test_every_cell_comes_back(name):
 
 def test_every_cell_of_a_large_file_comes_back():
     table = table_of(DATA / "flights.parquet")
-    back = numera.to_arrow(numera.encode(numera.read(DATA / "flights.parquet")))
+    back = numera.to_arrow(numera.make_readable(numera.read(DATA / "flights.parquet")))
     for name, there, here in zip(table.column_names, table.columns, back.columns, strict=True):
         if pa.types.is_dictionary(there.type):
             there, here = there.cast(pa.large_string()), here.cast(pa.large_string())

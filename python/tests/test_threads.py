@@ -17,7 +17,7 @@ WIDE = pa.table({f"c{i}": pa.array([f"text {i} {j}" for j in range(100)]) for i 
 
 
 def there_and_back(table):
-    return numera.to_arrow(numera.encode(numera.to_host(table)))
+    return numera.to_arrow(numera.make_readable(numera.to_host(table)))
 
 
 def test_several_threads_convert_at_once():
@@ -29,7 +29,7 @@ def test_several_threads_convert_at_once():
 def test_one_value_is_read_by_several_threads():
     value = numera.to_host(WIDE)
     with concurrent.futures.ThreadPoolExecutor(4) as pool:
-        results = list(pool.map(lambda _: numera.to_arrow(numera.encode(value)), range(16)))
+        results = list(pool.map(lambda _: numera.to_arrow(numera.make_readable(value)), range(16)))
     assert all(result.to_pydict() == WIDE.to_pydict() for result in results)
 
 
@@ -78,14 +78,14 @@ class Converting:
 
 
 def there_and_back_value():
-    return numera.encode(numera.to_host(pa.table({"a": [1, 2]})))
+    return numera.make_readable(numera.to_host(pa.table({"a": [1, 2]})))
 
 
 def test_a_conversion_may_convert():
     assert numera.to_host(Converting())["Columns"][0]["Data"].to_python() == [1, 2]
 
 
-@pytest.mark.parametrize("convert", ["to_host", "encode"])
+@pytest.mark.parametrize("convert", ["to_host", "make_readable"])
 def test_ctrl_c_ends_a_conversion_between_two_columns(convert):
     column = pa.array(["text of some length"] * 20_000)
     table = pa.table({f"c{i}": column for i in range(3_000)})
@@ -115,7 +115,7 @@ PROLOGUE = """
 import numera, pyarrow as pa, sys, threading
 table = pa.table({"t": ["a", None] * 1000, "n": [1, None] * 1000, "l": [[1], None] * 1000})
 host = numera.to_host(table)
-back = numera.to_arrow(numera.encode(host))
+back = numera.to_arrow(numera.make_readable(host))
 view = host["Columns"][1]["Data"].numpy()
 """
 
@@ -128,12 +128,12 @@ view = host["Columns"][1]["Data"].numpy()
         "del back; sys.modules.clear()",
         "import builtins; builtins.kept = [view, back, host]",
         "class Cycle: pass\nc = Cycle(); c.self, c.host, c.back, c.view = c, host, back, view",
-        "import atexit; atexit.register(lambda host=host: numera.to_arrow(numera.encode(host)))",
+        "import atexit; atexit.register(lambda host=host: numera.to_arrow(numera.make_readable(host)))",
         "del sys.modules['pyarrow'], sys.modules['numera']",
         "class Late:\n  def __del__(self): self.host['ArrowType'].text\nlate = Late(); late.host = host",
         "threading.Thread(target=lambda: [numera.to_host(table) for _ in iter(int, 1)], daemon=True).start()",
         "sys.exit(0)",
-        "threading.Thread(target=lambda host=host: numera.encode(host)).start()",
+        "threading.Thread(target=lambda host=host: numera.make_readable(host)).start()",
     ],
 )
 def test_values_live_to_the_end_of_the_interpreter_and_go_without_a_crash(end):
@@ -143,7 +143,7 @@ def test_values_live_to_the_end_of_the_interpreter_and_go_without_a_crash(end):
 
 def convert_everything():
     value = numera.to_host(SMALL)
-    numera.to_arrow(numera.encode(value))
+    numera.to_arrow(numera.make_readable(value))
     value["Data"].to_python()
     value["Data"].numpy()
     value == value

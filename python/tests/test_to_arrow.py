@@ -34,7 +34,7 @@ def test_numbers_are_read_where_they_lie():
 
 def test_a_table_shares_the_memory_of_its_columns():
     value = numera.to_host(pa.table({"a": [1, 2], "b": [True, None]}))
-    result = numera.to_arrow(numera.encode(value))
+    result = numera.to_arrow(numera.make_readable(value))
     assert result.to_pydict() == {"a": [1, 2], "b": [True, None]}
     assert result["a"].chunk(0).buffers()[1].address == value["Columns"][0]["Data"].numpy().ctypes.data
 
@@ -50,7 +50,7 @@ def test_a_buffer_shares_its_bytes():
 def test_arrow_values_keep_the_host_value_alive_until_the_last_buffer_goes():
     gc.collect()
     before = host.live_arrays()
-    value = numera.encode(numera.to_host(pa.table({"t": ["one", None, "three"] * 1000})))
+    value = numera.make_readable(numera.to_host(pa.table({"t": ["one", None, "three"] * 1000})))
     column = numera.to_arrow(value)["t"].chunk(0)
     del value
     buffer = column.slice(1, 2).buffers()[2]
@@ -75,15 +75,15 @@ def test_arrow_values_keep_the_host_value_alive_until_the_last_buffer_goes():
     ],
     ids=lambda x: str(x.type),
 )
-def test_written_values_return_through_encode(x):
-    result = numera.to_arrow(numera.encode(numera.to_host(x)))
+def test_written_values_return_made_readable(x):
+    result = numera.to_arrow(numera.make_readable(numera.to_host(x)))
     assert result.to_pylist() == x.to_pylist()
 
 
 def test_ordinary_values_are_encoded():
-    assert numera.to_arrow(numera.encode(host.numeric([[1, 3], [2, 4]]))).to_pylist() == [1, 2, 3, 4]
-    assert numera.to_arrow(numera.encode(host.logical([True, False]))).to_pylist() == [True, False]
-    assert numera.to_arrow(numera.encode(host.char(["ab", "cd"]))).to_pylist() == ["ab", "cd"]
+    assert numera.to_arrow(numera.make_readable(host.numeric([[1, 3], [2, 4]]))).to_pylist() == [1, 2, 3, 4]
+    assert numera.to_arrow(numera.make_readable(host.logical([True, False]))).to_pylist() == [True, False]
+    assert numera.to_arrow(numera.make_readable(host.char(["ab", "cd"]))).to_pylist() == ["ab", "cd"]
 
 
 def test_written_text_is_refused_with_the_way_out():
@@ -91,7 +91,7 @@ def test_written_text_is_refused_with_the_way_out():
         numera.to_arrow(numera.to_host(pa.array(["a"])))
     assert str(caught.value) == "Wrong field name."
     assert caught.value.__notes__ == [
-        "numera.to_arrow reads encoded values; numera.encode(value) makes one of an ordinary value "
+        "numera.to_arrow reads encoded values; numera.make_readable(value) makes one of an ordinary value "
         "and of what numera.to_host gave."
     ]
 
@@ -112,7 +112,7 @@ def test_a_failing_column_is_named():
     assert caught.value.error_code is numera.TableErrorCode.Internal
     assert caught.value.__notes__ == [
         "Column 'bad' (index 1, type 'nothing'): numera.to_arrow reads encoded values; "
-        "numera.encode(value) makes one of an ordinary value and of what numera.to_host gave."
+        "numera.make_readable(value) makes one of an ordinary value and of what numera.to_host gave."
     ]
 
 
@@ -151,9 +151,15 @@ def test_a_struct_without_the_fields_is_refused_in_the_words_of_the_host():
         numera.to_arrow(host.struct([], fields=["ArrowType", "Type", "Valid", "Data"]))
 
 
-def test_encode_names_the_place():
+def test_encode_is_the_former_name_of_make_readable():
+    value = host.string(["a", None])
+    with pytest.warns(DeprecationWarning, match="^call numera.make_readable$"):
+        assert numera.encode(value) == numera.make_readable(value)
+
+
+def test_make_readable_names_the_place():
     with pytest.raises(pa.ArrowTypeError, match="^Value: found a complex 1-by-1 double array, expected"):
-        numera.encode(host.numeric([1j]))
+        numera.make_readable(host.numeric([1j]))
 
 
 @pytest.mark.parametrize("column, error, text, found", [
@@ -166,10 +172,10 @@ def test_encode_names_the_place():
     ({**encoded("array", "double", host.numeric([1.0])), "Type": None}, pa.ArrowTypeError,
      ".Columns(1).Type: found no value, expected one.", "index 1"),
 ])
-def test_encode_says_which_column_it_refuses_and_what_can_be_done(column, error, text, found):
+def test_make_readable_says_which_column_it_refuses_and_what_can_be_done(column, error, text, found):
     value = table([encoded("array", "double", host.numeric([1.0])), column], ["n", "Größe €"])
     with pytest.raises(error) as caught:
-        numera.encode(value)
+        numera.make_readable(value)
     assert str(caught.value) == text
     assert (caught.value.column_name, caught.value.column_index) == ("Größe €", 1)
     assert caught.value.error_code is (numera.TableErrorCode.TypeError

@@ -12,7 +12,7 @@ from table_files import ROWS, columns
 
 def test_encoded_values_and_those_of_builders_are_written(tmp_path):
     path = tmp_path / "rows.parquet"
-    numera.write(numera.encode(numera.to_host(pa.table(ROWS))), path)
+    numera.write(numera.make_readable(numera.to_host(pa.table(ROWS))), path)
     assert pq.read_table(path).to_pydict() == ROWS
 
 

@@ -200,7 +200,8 @@ TEST(StackOfEncode, HoldsTheDeepestValues) {
     SCOPED_TRACE(containers.back().name);
     const hxArrayPtr value = NestedWritten(containers, deepest_encoded(containers));
     Status status = Status::UnknownError("");
-    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    OnStatedStack(kMakeReadableStackBytes,
+                  [&] { status = extras::make_readable(value.get()).status(); });
     EXPECT_EQ(status, Status::OK());
   }
 }
@@ -212,7 +213,8 @@ TEST(StackOfEncode, HoldsTheDeepestValuesOfSeveralChunks) {
     const hxArrayPtr value =
         TwoChunksOfLists(NestedWritten(containers, levels), NestedWritten(containers, levels));
     Status status = Status::UnknownError("");
-    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    OnStatedStack(kMakeReadableStackBytes,
+                  [&] { status = extras::make_readable(value.get()).status(); });
     EXPECT_EQ(status, Status::OK());
   }
 }
@@ -222,7 +224,8 @@ TEST(StackOfEncode, HoldsTheRefusalOfWhatIsDeeper) {
     SCOPED_TRACE(containers.back().name);
     const hxArrayPtr value = NestedWritten(containers, 5 * kDeepest);
     Status status;
-    OnStatedStack(kEncodeStackBytes, [&] { status = extras::encode(value.get()).status(); });
+    OnStatedStack(kMakeReadableStackBytes,
+                  [&] { status = extras::make_readable(value.get()).status(); });
     EXPECT_EQ(status, Status::Invalid("Nested value: found more than 1024 levels, expected at most "
                                       "1024."));
   }

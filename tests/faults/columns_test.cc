@@ -79,7 +79,7 @@ template <class Visit>
 Reached for_every_readable_value(const Visit& visit) {
   return for_every_column([&visit](const Chunks& column) {
     const hxArrayPtr written = to_numera(column).ValueOrDie();
-    const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
+    const hxArrayPtr readable = extras::make_readable(written.get()).ValueOrDie();
     return visit(readable.get());
   });
 }
@@ -127,7 +127,7 @@ TEST(ColumnFaults, ToArrowWithOwnership) {
 TEST(ColumnFaults, ThroughEncode) {
   const Reached reached = for_every_column([](const Chunks& column) {
     const hxArrayPtr written = to_numera(column).ValueOrDie();
-    return fail_everywhere([&written] { return extras::encode(written.get()); },
+    return fail_everywhere([&written] { return extras::make_readable(written.get()); },
                            [&written] { return text_of(written.get()); });
   });
   EXPECT_GE(reached.least.allocations, 5U);

@@ -84,7 +84,7 @@ size_t fail_for_every_readable_value(const std::function<void(const hxArray*)>& 
     for (const Chunks& column : columns) {
       SCOPED_TRACE(column->type()->ToString());
       const hxArrayPtr written = to_numera(column).ValueOrDie();
-      const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
+      const hxArrayPtr readable = extras::make_readable(written.get()).ValueOrDie();
       sites += fail_heap([&] { work(readable.get()); });
     }
   }

@@ -53,7 +53,7 @@ constexpr size_t kColumns = 5;
 
 hxArrayPtr readable_table() {
   const hxArrayPtr written = to_numera(table()).ValueOrDie();
-  return extras::encode(written.get()).ValueOrDie();
+  return extras::make_readable(written.get()).ValueOrDie();
 }
 
 template <class Convert>
@@ -103,7 +103,7 @@ TEST(TableFaults, ToArrowWithOwnership) {
 TEST(TableFaults, ThroughEncode) {
   const hxArrayPtr value = to_numera(table()).ValueOrDie();
   const FaultSites sites =
-      fail_reading(value.get(), [&value] { return extras::encode(value.get()); });
+      fail_reading(value.get(), [&value] { return extras::make_readable(value.get()); });
   EXPECT_GE(sites.allocations, 100U);
   EXPECT_GE(sites.calls, 200U);
   EXPECT_GE(sites.interrupts, kColumns);

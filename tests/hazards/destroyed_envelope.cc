@@ -12,7 +12,7 @@
 std::shared_ptr<arrow::DoubleArray> numbers() {
   const std::array<size_t, 2> dims = {3, 1};
   const hxArrayPtr column = hxCreateNumericArray(dims, hxClassID::Double, hxComplexity::Real);
-  const hxArrayPtr envelope = numera::extras::encode(column.get()).ValueOrDie();
+  const hxArrayPtr envelope = numera::extras::make_readable(column.get()).ValueOrDie();
   const auto array = numera::io::arrow::core::to_arrow<arrow::Array>(envelope.get()).ValueOrDie();
   return std::static_pointer_cast<arrow::DoubleArray>(array);
 }

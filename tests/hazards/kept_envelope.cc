@@ -13,7 +13,7 @@
 std::shared_ptr<arrow::DoubleArray> numbers() {
   const std::array<size_t, 2> dims = {3, 1};
   const hxArrayPtr column = hxCreateNumericArray(dims, hxClassID::Double, hxComplexity::Real);
-  hxArrayPtr envelope = numera::extras::encode(column.get()).ValueOrDie();
+  hxArrayPtr envelope = numera::extras::make_readable(column.get()).ValueOrDie();
   const auto array = numera::extras::own_to_arrow<arrow::Array>(std::move(envelope)).ValueOrDie();
   return std::static_pointer_cast<arrow::DoubleArray>(array);
 }

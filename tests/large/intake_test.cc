@@ -81,7 +81,7 @@ TEST(LargeRoundTrip, KeepsAListOfMoreThanTwoToThe32Elements) {
       ::arrow::large_list(::arrow::boolean()), 2, Buffer::Wrap(offsets), child);
 
   const hxArrayPtr written = ValueOf(io::arrow::core::to_numera(lists));
-  const hxArrayPtr readable = ValueOf(encode(written.get()));
+  const hxArrayPtr readable = ValueOf(make_readable(written.get()));
   const ArrayPtr back = ValueOf(io::arrow::core::to_arrow<::arrow::Array>(readable.get()));
 
   ASSERT_EQ(back->length(), 2);

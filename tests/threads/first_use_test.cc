@@ -62,7 +62,7 @@ TEST_F(FirstUse, OfEverythingElseIsRaced) {
   EXPECT_EXIT(race([&table] {
                 const auto taken = extras::take_in(table).ValueOrDie();
                 const hxArrayPtr host = extras::parallel_to_numera(taken.value, 2).ValueOrDie();
-                const hxArrayPtr readable = extras::encode(host.get()).ValueOrDie();
+                const hxArrayPtr readable = extras::make_readable(host.get()).ValueOrDie();
                 EXPECT_FALSE(extras::print(readable.get()).empty());
               }),
               ::testing::ExitedWithCode(0), "");

@@ -120,7 +120,7 @@ TEST_F(HandedOver, OwnedArrowValuesMayBeReleasedOnAnyThread) {
 
 TEST_F(HandedOver, AnOwnedTableLivesUntilTheLastThreadDropsItsSlice) {
   const hxArrayPtr written = to_numera(table_of_every_type()).ValueOrDie();
-  const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = extras::make_readable(written.get()).ValueOrDie();
   auto table = extras::own_to_arrow_table(hxSharedCopy(readable.get())).ValueOrDie();
   std::array<std::shared_ptr<::arrow::Table>, kThreads> slices;
   for (size_t i = 0; i < kThreads; ++i) slices[i] = table->Slice(static_cast<std::int64_t>(i % 2));

@@ -45,7 +45,7 @@ std::vector<TablePtr> tables() {
 /// A table in the form that `to_arrow_table` reads.
 hxArrayPtr readable_table() {
   const hxArrayPtr written = to_numera(table_of_every_type()).ValueOrDie();
-  return extras::encode(written.get()).ValueOrDie();
+  return extras::make_readable(written.get()).ValueOrDie();
 }
 
 class SameInput : public ::testing::Test {
@@ -112,8 +112,8 @@ TEST_F(SameInput, GoesToArrowAsOwnedSharesFromAllThreads) {
 TEST_F(SameInput, IsEncodedByAllThreads) {
   const hxArrayPtr value = to_numera(table_of_every_type()).ValueOrDie();
   Made<hxArrayPtr> made;
-  on_threads([&](size_t i) { made[i] = extras::encode(value.get()).ValueOrDie(); });
-  const hxArrayPtr expected = extras::encode(value.get()).ValueOrDie();
+  on_threads([&](size_t i) { made[i] = extras::make_readable(value.get()).ValueOrDie(); });
+  const hxArrayPtr expected = extras::make_readable(value.get()).ValueOrDie();
   for (const hxArrayPtr& one : made) EXPECT_TRUE(SameHostValue(one.get(), expected.get()));
 }
 

@@ -44,7 +44,9 @@ TimeUnit::type parse_time_unit(const std::string& text) {
   return format::unit_of(text).value_or(TimeUnit::MILLI);
 }
 
-hxArrayPtr time_unit_name(TimeUnit::type unit) { return format::make_word(format::unit_name(unit)); }
+hxArrayPtr time_unit_name(TimeUnit::type unit) {
+  return format::make_word(format::unit_name(unit));
+}
 
 ::arrow::Result<std::shared_ptr<::arrow::DataType>> time_type_from_struct(const hxArray* encoded) {
   ARROW_RETURN_NOT_OK(VerifyHxStructContains(encoded, format::kUnits, hxClassID::Char, false));
@@ -57,7 +59,8 @@ hxArrayPtr time_unit_name(TimeUnit::type unit) { return format::make_word(format
         "The values field must be either an int32 array or an int64 array.");
   }
   // Arrow's factories end the process for a unit that the width does not take.
-  if (!takes_unit(class_id, unit)) return messages::wrong_time_unit(values, format::unit_name(unit));
+  if (!takes_unit(class_id, unit))
+    return messages::wrong_time_unit(values, format::unit_name(unit));
   return class_id == hxClassID::Int32 ? ::arrow::time32(unit) : ::arrow::time64(unit);
 }
 

@@ -2,11 +2,13 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "numera/extras/encode/envelope.h"
 #include "numera/extras/encode/leaf.h"
 #include "numera/extras/encode/readable.h"
 #include "numera/extras/in_column.h"
+#include "numera/extras/parallel/in_order.h"
 #include "numera/format/records.h"
 
 namespace numera::extras {
@@ -14,20 +16,18 @@ namespace {
 
 using namespace encoding;  // NOLINT(google-build-using-namespace): this file is its front
 
-/// Gives the name of column `index` and puts what is read of it into the element of that index.
-::arrow::Status encode_column(const Located& names, const Located& columns, size_t index,
-                              std::string* name, hxArray* readable) {
+/// Gives the name of column `index` and its readable envelope.
+::arrow::Result<hxArrayPtr> readable_column(const Located& names, const Located& columns,
+                                            size_t index, std::string* name) {
   ARROW_ASSIGN_OR_RAISE(const Located slot, cell(names, index));
   ARROW_ASSIGN_OR_RAISE(*name, text_of(slot));
   ARROW_ASSIGN_OR_RAISE(ReadableValue column, read_element(columns, index, 0));
-  const bool is_valid = column.is_valid;
-  store(readable, index, std::move(column));
-  if (is_valid) return {};
   const Located place{columns.value, &columns, nullptr, index};
-  return validate(readable, index, place);
+  ARROW_ASSIGN_OR_RAISE(Envelope envelope, checked_envelope(std::move(column), place));
+  return std::move(envelope.value);
 }
 
-::arrow::Result<hxArrayPtr> encode_table(const Located& table) {
+::arrow::Result<hxArrayPtr> readable_table(const Located& table, size_t threads) {
   ARROW_ASSIGN_OR_RAISE(const Located names, field(table, 0, format::kNames));
   ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
   ARROW_ASSIGN_OR_RAISE(const Located columns, field(table, 0, format::kColumns));
@@ -37,41 +37,50 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
     return invalid(names, std::to_string(hxGetNumberOfElements(names.value)) + " names",
                    std::to_string(count) + ", one for each column");
   }
+  std::vector<hxArrayPtr> envelopes(count);
+  const auto check = [](size_t) { hxThrowIfInterruptPending(); };
+  const auto convert = [&](size_t i) -> ::arrow::Status {
+    std::string name;
+    const auto status = readable_column(names, columns, i, &name).Value(&envelopes[i]);
+    return status.ok() ? status : in_column(status, name, static_cast<int>(i));
+  };
+  threads = parallel::thread_count(threads);
+  ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));
   hxArrayPtr readable = format::make_struct(count, format::kTableColumns);
   for (size_t i = 0; i < count; ++i) {
-    hxThrowIfInterruptPending();
-    std::string name;
-    const ::arrow::Status status = encode_column(names, columns, i, &name, readable.get());
-    if (!status.ok()) return in_column(status, name, static_cast<int>(i));
+    for (const char* const name : format::kTableColumns) {
+      hxSetField(readable.get(), i, name, hxSharedCopy(hxGetField(envelopes[i].get(), 0, name)));
+    }
+    envelopes[i] = nullptr;
   }
   return format::make_record(format::kTable, format::make_word(format::kTableKind),
                              std::move(readable), hxSharedCopy(names.value));
 }
 
 // A buffer has one form.
-::arrow::Result<hxArrayPtr> encode_buffer(const Located& buffer) {
+::arrow::Result<hxArrayPtr> readable_buffer(const Located& buffer) {
   ARROW_ASSIGN_OR_RAISE(const Located values, field(buffer, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
   return hxSharedCopy(buffer.value);
 }
 
-::arrow::Result<hxArrayPtr> encode_written(const Located& value) {
+::arrow::Result<hxArrayPtr> readable_written(const Located& value, size_t threads) {
   ARROW_RETURN_NOT_OK(check_one_element(value));
   ARROW_ASSIGN_OR_RAISE(const Located kind, field(value, 0, format::kArrowType));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(kind));
-  if (name == format::kTableKind) return encode_table(value);
-  if (name == format::kBufferKind) return encode_buffer(value);
+  if (name == format::kTableKind) return readable_table(value, threads);
+  if (name == format::kBufferKind) return readable_buffer(value);
   ARROW_ASSIGN_OR_RAISE(Envelope envelope, read_child(value, 0));
   return std::move(envelope.value);
 }
 
 }  // namespace
 
-::arrow::Result<hxArrayPtr> encode(const hxArray* value) {
+::arrow::Result<hxArrayPtr> make_readable(const hxArray* value, size_t threads) {
   const Located place{value};
   if (value == nullptr) return invalid(place, "a null pointer", "an array");
   if (has_fields(value) && hxGetFieldNumber(value, format::kArrowType) >= 0)
-    return encode_written(place);
+    return readable_written(place, threads);
   // Ordinary values become forms that are valid by their making.
   ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_plain(place));
   return make_envelope(std::move(readable)).value;

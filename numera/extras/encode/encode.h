@@ -1,24 +1,27 @@
 #pragma once
 
 /// \file
-/// Host values to envelopes that the conversions towards Arrow read.
-///
-/// The core reads and writes different forms: it writes text as string arrays, bytes as cells and
-/// nested values chunk by chunk, and reads packed UTF-8, packed bytes and one chunk. `encode` leads
-/// from what is written, and from ordinary values, to what is read:
+/// Host values made readable: envelopes that the conversions towards Arrow read.
 ///
 /// \code
 ///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, core::to_numera(column));
-///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, numera::extras::encode(written.get()));
-///   ARROW_ASSIGN_OR_RAISE(auto back, core::to_arrow<arrow::Array>(readable.get()));
+///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable,
+///   numera::extras::make_readable(written.get())); ARROW_ASSIGN_OR_RAISE(auto back,
+///   core::to_arrow<arrow::Array>(readable.get()));
 ///   // back is valid, equals column up to returned_type(*column->type()), and lives on readable.
 /// \endcode
 ///
-/// Any number of threads may encode at a time, the same value too, as long as none writes it.
+/// The core reads and writes different forms. It writes text as string arrays, bytes as cells, and
+/// nested values chunk by chunk. It reads packed UTF-8, packed bytes, and one chunk.
+/// `make_readable` turns what is written, and ordinary values, into what is read.
+///
+/// Any number of threads may call it at a time, with the same value too, as long as no thread
+/// writes that value.
 
 #include <arrow/result.h>
 #include <arrow/type_fwd.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -69,14 +72,24 @@ namespace numera::extras {
 /// `value` is not needed any more. Before each column of a table `hxThrowIfInterruptPending` is
 /// called. Exceptions of the host pass through.
 ///
+/// `threads` threads make the columns of a table readable, one column each at a time; 0 means one
+/// thread per processor that this process may use. The host must allow arrays to be made on one
+/// thread and used on another. The failure of the lowest column comes out.
+///
 /// Cost: nothing is copied that is readable as it stands (shared copies), and every part is read
 /// once to check it. Text is converted once. Several chunks of a nested value are joined in Arrow
 /// and copied once more to the host.
-NUMERA_EXPORT ::arrow::Result<hxArrayPtr> encode(const hxArray* value);
+NUMERA_EXPORT ::arrow::Result<hxArrayPtr> make_readable(const hxArray* value, size_t threads = 1);
 
-/// The type of what `to_arrow` gives for `encode` of a written value of `type`; none where such a
-/// value cannot be written or has no readable form, or a type within is a null pointer. Field names
-/// of lists, nullability and metadata are those that the core gives.
+/// The former name of `make_readable`.
+[[deprecated("call make_readable")]] inline ::arrow::Result<hxArrayPtr> encode(
+    const hxArray* value) {
+  return make_readable(value);
+}
+
+/// The type of what `to_arrow` gives for `make_readable` of a written value of `type`; none where
+/// such a value cannot be written or has no readable form, or a type within is a null pointer.
+/// Field names of lists, nullability and metadata are those that the core gives.
 ///
 /// `type` is one that a `std::shared_ptr` holds, as all types of Arrow's factories are.
 ///

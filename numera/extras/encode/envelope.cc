@@ -87,14 +87,14 @@ constexpr KindReader kKinds[] = {
   return check_one_element(child);
 }
 
-::arrow::Result<Envelope> check_stored(ReadableValue readable, const Located& origin) {
+}  // namespace
+
+::arrow::Result<Envelope> checked_envelope(ReadableValue readable, const Located& origin) {
   const bool is_valid = readable.is_valid;
   Envelope envelope = make_envelope(std::move(readable));
   if (!is_valid) ARROW_RETURN_NOT_OK(validate(envelope.value.get(), 0, origin));
   return envelope;
 }
-
-}  // namespace
 
 ::arrow::Result<hxArrayPtr> read_validity(const Located& valid, size_t index, size_t length) {
   ARROW_ASSIGN_OR_RAISE(const Located kind, field(valid, index, format::kArrowType));
@@ -122,7 +122,7 @@ constexpr KindReader kKinds[] = {
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels) {
   ARROW_RETURN_NOT_OK(check_envelope(child));
   ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_element(child, 0, outer_levels));
-  return check_stored(std::move(readable), child);
+  return checked_envelope(std::move(readable), child);
 }
 
 }  // namespace numera::extras::encoding

@@ -13,9 +13,13 @@
 namespace numera::extras::encoding {
 
 /// Element `index` of a struct array of encoded arrays, which lies within `outer_levels` nested
-/// values. Where the result is not `is_valid`, `validate` has to look at it once it is stored.
+/// values. The result is still to be checked by `checked_envelope`.
 ::arrow::Result<ReadableValue> read_element(const Located& envelopes, size_t index,
                                             int outer_levels);
+
+/// The 1-by-1 envelope of a value, validated where that is still to be done. A failure names
+/// `origin`.
+::arrow::Result<Envelope> checked_envelope(ReadableValue readable, const Located& origin);
 
 /// The envelope of a child, checked with all that is in it.
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels);

@@ -80,6 +80,10 @@ void hand_out(size_t count, const Before& before, Handout& handout) {
 
 }  // namespace
 
+size_t thread_count(size_t threads) {
+  return threads > 0 ? threads : std::max<size_t>(std::thread::hardware_concurrency(), 1);
+}
+
 ::arrow::Status in_order(size_t count, size_t threads, size_t ahead, const Before& before,
                          const Work& work) {
   threads = std::min(threads, count);

@@ -10,6 +10,9 @@
 
 namespace numera::extras::parallel {
 
+/// `threads`, or one per processor that this process may use where it is 0.
+size_t thread_count(size_t threads);
+
 /// `for (i = 0; i < count; ++i) { before(i); work(i); }` on several threads. Up to `threads` other
 /// threads call `work`. The calling thread calls `before`, for at most `ahead` pieces that no
 /// thread has taken yet. `work(i)` may begin before the work of a lower index has ended. A failure,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -32,7 +31,7 @@ size_t columns_ahead(const ::arrow::Table& table, size_t threads) {
   const auto convert = [&](size_t i) -> ::arrow::Status {
     return core::encode_column(*table, static_cast<int>(i)).Value(&columns[i]);
   };
-  if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1U);
+  threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(
       parallel::in_order(columns.size(), threads, columns_ahead(*table, threads), check, convert));
   for (size_t i = 0; i < columns.size(); ++i) {

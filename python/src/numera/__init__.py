@@ -4,9 +4,11 @@
 >>> host = numera.to_host(pyarrow.table({"n": [1, 2], "text": ["a", None]}))
 >>> host["Columns"][1]["Data"]
 string 2x1 ["a" ""]
->>> numera.to_arrow(numera.encode(host)).to_pydict()
+>>> numera.to_arrow(numera.make_readable(host)).to_pydict()
 {'n': [1, 2], 'text': ['a', None]}
 """
+
+import warnings as _warnings
 
 from . import _pyarrow
 
@@ -18,7 +20,7 @@ from ._core import (
     TableErrorCode,
     __version__,
     datatype,
-    encode,
+    make_readable,
     to_arrow,
     to_host,
     utf16_to_utf8,
@@ -32,6 +34,7 @@ __all__ = [
     "datatype",
     "encode",
     "host",
+    "make_readable",
     "read",
     "scan",
     "to_arrow",
@@ -39,3 +42,14 @@ __all__ = [
     "utf16_to_utf8",
     "write",
 ]
+
+
+def encode(value: HostArray) -> HostArray:
+    """The former name of `make_readable`.
+
+    >>> import numera
+    >>> numera.make_readable(numera.host.char("a"))["Type"]
+    char 1x6 "string"
+    """
+    _warnings.warn("call numera.make_readable", DeprecationWarning, stacklevel=2)
+    return make_readable(value)

@@ -14,11 +14,11 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::to_numera;
 
 FaultSites fail_encoding(const hxArrayPtr& value) {
-  return FailEverywhere([&] { return encode(value.get()).status(); });
+  return FailEverywhere([&] { return make_readable(value.get()).status(); });
 }
 
 FaultSites fail_encoding(const std::shared_ptr<::arrow::DataType>& type,
@@ -81,7 +81,7 @@ TEST(EncodeFailures, RefusalsLeaveNothingBehind) {
   hxSetField(const_cast<hxArray*>(data), 1, "StartOffsets", Column<std::int32_t>({0, 9}));
   const size_t before = host::memory::LiveArrays();
   EXPECT_EQ(
-      encode(value.get()).status().ToString(),
+      make_readable(value.get()).status().ToString(),
       "Invalid: .Data(1).StartOffsets: found 9 at 1, expected offsets that never fall, within "
       "1 values.");
   EXPECT_EQ(host::memory::LiveArrays(), before);
@@ -97,7 +97,7 @@ TEST(EncodeFailures, AnInterruptStopsATableBetweenColumns) {
   host::memory::SetInterruptCheck([&] {
     if (++checks == 2) throw host::memory::InterruptException();
   });
-  EXPECT_THROW(static_cast<void>(encode(written.get())), host::memory::InterruptException);
+  EXPECT_THROW(static_cast<void>(make_readable(written.get())), host::memory::InterruptException);
   host::memory::SetInterruptCheck({});
   EXPECT_EQ(checks, 2U);
 }

@@ -20,7 +20,7 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_arrow_table;
 using io::arrow::core::to_numera;
@@ -98,7 +98,7 @@ std::vector<hxArrayPtr> bad_values() {
 
 /// Expects that the value is refused, or that Arrow's validation accepts its encoded form.
 void expect_refused_or_readable(const hxArray* value) {
-  const auto readable = encode(value);
+  const auto readable = make_readable(value);
   if (!readable.ok()) {
     EXPECT_TRUE(readable.status().IsTypeError() || readable.status().IsInvalid())
         << readable.status();
@@ -161,7 +161,7 @@ TEST(EncodeHostileValues, EveryPartOfAReadableArrayMayBeAnything) {
                         ::arrow::field("b", ::arrow::boolean())}));
   const hxArrayPtr written =
       to_numera(ArrowChunks(type, {R"([[{"t": "a", "d": "b", "b": true}], null])"})).ValueOrDie();
-  replace_every_slot([&] { return encode(written.get()).ValueOrDie(); });
+  replace_every_slot([&] { return make_readable(written.get()).ValueOrDie(); });
 }
 
 TEST(EncodeHostileValues, EveryPartOfATableMayBeAnything) {

@@ -16,7 +16,7 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::kMaxNestingLevels;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
@@ -44,7 +44,7 @@ hxArrayPtr Structs(double length, hxArrayPtr names, hxArrayPtr fields,
 hxArrayPtr encoded(const std::shared_ptr<::arrow::DataType>& type,
                    const std::vector<std::string>& chunks) {
   const hxArrayPtr written = to_numera(ArrowChunks(type, chunks)).ValueOrDie();
-  return encode(written.get()).ValueOrDie();
+  return make_readable(written.get()).ValueOrDie();
 }
 
 TEST(EncodeNestedValues, ListsOfOneChunkAreRewrittenInPlace) {
@@ -57,7 +57,7 @@ TEST(EncodeNestedValues, ListsOfOneChunkAreRewrittenInPlace) {
 TEST(EncodeNestedValues, ValuesOfListsOfOneChunkAreNotCopied) {
   const hxArrayPtr written =
       to_numera(ArrowArray(::arrow::list(::arrow::float64()), "[[1, 2], [3]]")).ValueOrDie();
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   const auto leaf = [](const hxArrayPtr& envelope) {
     const hxArray* const values = hxGetField(hxGetField(envelope.get(), 0, "Data"), 0, "Values");
     return hxGetData(hxGetField(values, 0, "Data"));
@@ -68,7 +68,7 @@ TEST(EncodeNestedValues, ValuesOfListsOfOneChunkAreNotCopied) {
 TEST(EncodeNestedValues, ReadableOffsetsAreNotCopied) {
   const hxArrayPtr lists =
       Lists(1, Plain("int8", 2, Column<std::int8_t>({1, 2})), Column<std::uint64_t>({0, 2}));
-  const hxArrayPtr readable = encode(lists.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(lists.get()).ValueOrDie();
   const auto offsets = [](const hxArrayPtr& envelope) {
     return hxGetData(hxGetField(hxGetField(envelope.get(), 0, "Data"), 0, "StartOffsets"));
   };
@@ -94,7 +94,7 @@ TEST(EncodeNestedValues, ChunksWithoutNullsHaveNoBits) {
 TEST(EncodeNestedValues, OffsetsOfASliceStayInTheWholeChild) {
   const auto lists = ArrowArray(::arrow::list(::arrow::int16()), "[[1], [2, 3], [4]]");
   const hxArrayPtr written = to_numera(lists->Slice(1, 2)).ValueOrDie();
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   const hxArrayPtr expected = Lists(2, Plain("int16", 4, Column<std::int16_t>({1, 2, 3, 4})),
                                     Column<std::uint64_t>({1, 3, 4}));
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
@@ -149,7 +149,7 @@ TEST(EncodeNestedValues, ReadableOffsetsOfEveryIntegerWidthAreRead) {
   for (const hxArrayPtr& value :
        {lists(Column<std::int32_t>({0, 2})), lists(Column<std::int64_t>({0, 2})),
         lists(Column<std::uint64_t>({0, 2}))}) {
-    EXPECT_TRUE(SameHostValue(encode(value.get()).ValueOrDie().get(), expected.get()));
+    EXPECT_TRUE(SameHostValue(make_readable(value.get()).ValueOrDie().get(), expected.get()));
   }
 }
 
@@ -186,10 +186,10 @@ TEST(EncodeNestedValues, ValuesAsDeepAsTheCoreReadsAreEncoded) {
               {Nesting::kMap, kMaxNestingLevels / 2}};
   for (const auto& row : rows) {
     SCOPED_TRACE(static_cast<int>(row.nesting));
-    const auto readable = encode(nested(row.nesting, row.levels).get());
+    const auto readable = make_readable(nested(row.nesting, row.levels).get());
     ASSERT_TRUE(readable.ok()) << readable.status();
     EXPECT_TRUE(to_arrow<::arrow::Array>(readable->get()).ok());
-    const auto deeper = encode(nested(row.nesting, row.levels + 1).get());
+    const auto deeper = make_readable(nested(row.nesting, row.levels + 1).get());
     EXPECT_EQ(deeper.status().ToString(),
               "Invalid: Nested value: found more than 1024 levels, expected at most 1024.");
   }
@@ -197,7 +197,7 @@ TEST(EncodeNestedValues, ValuesAsDeepAsTheCoreReadsAreEncoded) {
 
 TEST(EncodeNestedValues, ValuesNestedMuchDeeperAreRefused) {
   for (const Nesting nesting : {Nesting::kList, Nesting::kStruct, Nesting::kMap}) {
-    EXPECT_TRUE(encode(nested(nesting, 5 * kMaxNestingLevels).get()).status().IsInvalid());
+    EXPECT_TRUE(make_readable(nested(nesting, 5 * kMaxNestingLevels).get()).status().IsInvalid());
   }
 }
 
@@ -215,7 +215,7 @@ TEST(EncodeNestedValues, DeepValuesOfSeveralChunksAreJoined) {
         StructArray(
             {2, 1}, {"Values", "StartOffsets"},
             {{chunk(), Column<std::int32_t>({0, 1})}, {chunk(), Column<std::int32_t>({0, 1})}}));
-    const auto readable = encode(written.get());
+    const auto readable = make_readable(written.get());
     ASSERT_TRUE(readable.ok()) << readable.status();
     EXPECT_EQ(to_arrow<::arrow::Array>(readable->get()).ValueOrDie()->length(), 2);
   }

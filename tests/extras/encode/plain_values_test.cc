@@ -14,7 +14,7 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::to_arrow;
 
 /// A readable envelope of `length` elements with the bitmap `valid`.
@@ -30,7 +30,7 @@ hxArrayPtr Packed(const std::vector<std::uint8_t>& bytes,
 }
 
 void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
-  const auto readable = encode(value.get());
+  const auto readable = make_readable(value.get());
   ASSERT_TRUE(readable.ok()) << readable.status();
   EXPECT_TRUE(SameHostValue(readable->get(), expected.get()));
 }
@@ -55,9 +55,20 @@ TEST(EncodePlainValues, NumbersOfEveryClassStayAsTheyAre) {
   expect_numbers<std::uint64_t>("uint64");
 }
 
+// NOLINTBEGIN(clang-diagnostic-deprecated-declarations): what is tested
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+TEST(EncodePlainValues, AreAlsoReadableByTheFormerName) {
+  const hxArrayPtr numbers = Column<double>({1, 2, 3});
+  EXPECT_TRUE(SameHostValue(extras::encode(numbers.get()).ValueOrDie().get(),
+                            make_readable(numbers.get()).ValueOrDie().get()));
+}
+#pragma GCC diagnostic pop
+// NOLINTEND(clang-diagnostic-deprecated-declarations)
+
 TEST(EncodePlainValues, NumbersAreNotCopied) {
   const hxArrayPtr numbers = Column<double>({1, 2, 3});
-  const hxArrayPtr readable = encode(numbers.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(numbers.get()).ValueOrDie();
   const hxArray* const data = hxGetField(readable.get(), 0, "Data");
   EXPECT_EQ(hxGetData(data), hxGetData(static_cast<const hxArray*>(numbers.get())));
 }
@@ -93,7 +104,7 @@ TEST(EncodePlainValues, StringArraysWithoutMissingTextsHaveNoBits) {
 
 TEST(EncodePlainValues, MissingTextsBecomeNulls) {
   const hxArrayPtr readable =
-      encode(Strings({u"a", std::nullopt, u"😀", std::nullopt}).get()).ValueOrDie();
+      make_readable(Strings({u"a", std::nullopt, u"😀", std::nullopt}).get()).ValueOrDie();
   const auto array = to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::large_utf8(), R"(["a", null, "😀", null])")));
 }
@@ -136,7 +147,7 @@ TEST(EncodePlainValues, CellArraysWithoutCellsAreText) {
 TEST(EncodePlainValues, TheInputStaysAsItWas) {
   const auto value = [] { return Cell({1, 2}, {Char("a"), Char("b")}); };
   const hxArrayPtr input = value();
-  ASSERT_TRUE(encode(input.get()).ok());
+  ASSERT_TRUE(make_readable(input.get()).ok());
   EXPECT_TRUE(SameHostValue(input.get(), value().get()));
 }
 

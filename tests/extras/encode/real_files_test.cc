@@ -41,7 +41,7 @@ TEST(EncodeRealFiles, EveryColumnOfEveryFileReturns) {
     SCOPED_TRACE(name);
     const auto table = read_file(name).ValueOrDie();
     const hxArrayPtr written = io::arrow::core::to_numera(table).ValueOrDie();
-    const hxArrayPtr readable = extras::encode(written.get()).ValueOrDie();
+    const hxArrayPtr readable = extras::make_readable(written.get()).ValueOrDie();
     const auto back = io::arrow::core::to_arrow_table(readable.get()).ValueOrDie();
     EXPECT_EQ(back->num_rows(), table->num_rows());
     EXPECT_EQ(back->ColumnNames(), table->ColumnNames());

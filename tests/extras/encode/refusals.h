@@ -22,7 +22,7 @@ inline hxArrayPtr Packed(hxArrayPtr values, hxArrayPtr offsets) {
 
 /// The text of the status that refuses a value.
 inline std::string refusal(const hxArray* value) {
-  const auto encoded = extras::encode(value);
+  const auto encoded = extras::make_readable(value);
   return encoded.ok() ? "encoded" : encoded.status().ToString();
 }
 

@@ -11,7 +11,7 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::util::TableErrorCode;
 using io::arrow::core::util::TableErrorStatusDetail;
 
@@ -45,7 +45,8 @@ TEST(EncodeRefusedTables, SayWhatIsWrongWithAllOfThem) {
        ::arrow::Status::TypeError(
            ".Columns: found a 1-by-1 double array, expected a struct array.")},
   };
-  for (const RefusedTable& row : rows) EXPECT_EQ(encode(row.value.get()).status(), row.status);
+  for (const RefusedTable& row : rows)
+    EXPECT_EQ(make_readable(row.value.get()).status(), row.status);
 }
 
 struct RefusedColumn {
@@ -73,7 +74,7 @@ TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
   };
   for (const RefusedColumn& row : rows) {
     SCOPED_TRACE(row.status.message());
-    const ::arrow::Status status = encode(row.table.get()).status();
+    const ::arrow::Status status = make_readable(row.table.get()).status();
     EXPECT_EQ(status.WithDetail(nullptr), row.status);
     const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
     ASSERT_NE(detail, nullptr);

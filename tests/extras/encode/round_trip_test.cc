@@ -20,7 +20,7 @@ namespace {
 
 using ::arrow::DataType;
 using ::arrow::Type;
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_arrow_table;
 using io::arrow::core::to_numera;
@@ -28,7 +28,7 @@ using TypePtr = std::shared_ptr<DataType>;
 
 hxArrayPtr encoded(const std::shared_ptr<::arrow::ChunkedArray>& column) {
   const hxArrayPtr written = to_numera(column).ValueOrDie();
-  auto readable = encode(written.get());
+  auto readable = make_readable(written.get());
   EXPECT_TRUE(readable.ok()) << readable.status();
   return readable.ok() ? std::move(readable).ValueUnsafe() : nullptr;
 }
@@ -126,7 +126,7 @@ TEST(EncodeRoundTrip, WholeTablesReturnWithTheirNames) {
   }
   const auto table = ::arrow::Table::Make(::arrow::schema(fields), columns);
   const hxArrayPtr written = to_numera(table).ValueOrDie();
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   const auto back = to_arrow_table(readable.get()).ValueOrDie();
   ASSERT_EQ(back->num_columns(), table->num_columns());
   ASSERT_TRUE(back->ValidateFull().ok());
@@ -140,7 +140,7 @@ TEST(EncodeRoundTrip, WholeTablesReturnWithTheirNames) {
 TEST(EncodeRoundTrip, TablesWithoutColumnsReturn) {
   const auto table = ::arrow::Table::Make(::arrow::schema({}), ::arrow::ChunkedArrayVector{});
   const hxArrayPtr written = to_numera(table).ValueOrDie();
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   EXPECT_EQ(to_arrow_table(readable.get()).ValueOrDie()->num_columns(), 0);
 }
 
@@ -149,7 +149,7 @@ TEST(EncodeRoundTrip, ReadableValuesStayAsTheyAre) {
     SCOPED_TRACE(row.type->ToString());
     const hxArrayPtr readable = encoded(ArrowChunks(row.type, {row.json, row.more_json}));
     ASSERT_NE(readable, nullptr);
-    const hxArrayPtr again = encode(readable.get()).ValueOrDie();
+    const hxArrayPtr again = make_readable(readable.get()).ValueOrDie();
     EXPECT_TRUE(SameHostValue(again.get(), readable.get()));
   }
 }
@@ -158,7 +158,7 @@ TEST(EncodeRoundTrip, TheResultOutlivesItsInput) {
   hxArrayPtr written =
       to_numera(ArrowChunks(::arrow::list(::arrow::utf8()), {R"([["a"], null])", R"([["b"]])"}))
           .ValueOrDie();
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   written.reset();
   const auto back = to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
   EXPECT_TRUE(SameArray(

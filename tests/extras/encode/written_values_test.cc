@@ -14,7 +14,7 @@
 namespace numera::testing {
 namespace {
 
-using extras::encode;
+using extras::make_readable;
 using io::arrow::core::to_arrow;
 
 hxArrayPtr Written(std::string_view type, double length, hxArrayPtr data,
@@ -37,7 +37,7 @@ hxArrayPtr Datetime(const std::vector<std::int64_t>& values, std::string_view un
 }
 
 void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
-  const auto readable = encode(value.get());
+  const auto readable = make_readable(value.get());
   ASSERT_TRUE(readable.ok()) << readable.status();
   EXPECT_TRUE(SameHostValue(readable->get(), expected.get()));
 }
@@ -136,13 +136,14 @@ TEST(EncodeWrittenValues, CategoriesArePackedAndCodesAndOrderStay) {
 }
 
 TEST(EncodeWrittenValues, CodesOfNullsMayBeAnything) {
-  const hxArrayPtr readable = encode(Written("categorical", 2,
-                                             Struct({{"Categories", Strings({u"a"})},
-                                                     {"Values", Column<std::int32_t>({0, -7})},
-                                                     {"Ordinal", Logical({false})}}),
-                                             {1})
-                                         .get())
-                                  .ValueOrDie();
+  const hxArrayPtr readable =
+      make_readable(Written("categorical", 2,
+                            Struct({{"Categories", Strings({u"a"})},
+                                    {"Values", Column<std::int32_t>({0, -7})},
+                                    {"Ordinal", Logical({false})}}),
+                            {1})
+                        .get())
+          .ValueOrDie();
   const auto array = to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
   EXPECT_TRUE(SameArray(
       *array,
@@ -167,7 +168,7 @@ TEST(EncodeWrittenValues, BuffersStayAsTheyAre) {
 
 TEST(EncodeWrittenValues, NumbersTextAndCodesThatAreReadableAreNotCopied) {
   const hxArrayPtr written = Written("double", 2, Column<double>({1, 2}), {1});
-  const hxArrayPtr readable = encode(written.get()).ValueOrDie();
+  const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
   for (const char* path : {"Data", "Valid"}) {
     const hxArray* from = hxGetField(written.get(), 0, path);
     const hxArray* to = hxGetField(readable.get(), 0, path);

@@ -38,7 +38,7 @@ void expect_to_return(const TypePtr& type, const TypePtr& taken_type) {
   EXPECT_TRUE(taken.value->ValidateFull().ok());
   for (const auto& chunk : taken.value->chunks()) EXPECT_EQ(Unfit(*chunk->data()), "");
   const hxArrayPtr written = to_numera(taken.value).ValueOrDie();
-  const auto readable = extras::encode(written.get());
+  const auto readable = extras::make_readable(written.get());
   ASSERT_TRUE(readable.ok()) << readable.status();
   const auto back = to_arrow<Array>(readable->get()).ValueOrDie();
   EXPECT_EQ(back->length(), 0);
@@ -99,7 +99,7 @@ TEST(IntakeOfNoRows, LetsATableReturn) {
   const auto taken = take_in(Table::Make(schema, columns)).ValueOrDie();
   EXPECT_TRUE(taken.value->ValidateFull().ok());
   const hxArrayPtr written = to_numera(taken.value).ValueOrDie();
-  const auto readable = extras::encode(written.get());
+  const auto readable = extras::make_readable(written.get());
   ASSERT_TRUE(readable.ok()) << readable.status();
   const auto back = to_arrow_table(readable->get()).ValueOrDie();
   EXPECT_EQ(back->num_rows(), 0);

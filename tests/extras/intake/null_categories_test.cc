@@ -189,7 +189,7 @@ TEST(IntakeOfNullCategories, LetsColumnsReturn) {
     const auto column = std::make_shared<::arrow::ChunkedArray>(chunks);
     const auto taken = take_in(column).ValueOrDie().value;
     const hxArrayPtr written = io::arrow::core::to_numera(taken).ValueOrDie();
-    const auto readable = extras::encode(written.get()).ValueOrDie();
+    const auto readable = extras::make_readable(written.get()).ValueOrDie();
     const auto back = io::arrow::core::to_arrow<::arrow::Array>(readable.get()).ValueOrDie();
     std::vector<std::string> texts;
     for (std::int64_t i = 0; i < back->length(); ++i) {

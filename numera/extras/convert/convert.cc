@@ -1,0 +1,109 @@
+#include "numera/extras/convert.h"
+
+#include <arrow/array/util.h>
+#include <arrow/type.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "numera/core/to_numera.h"
+#include "numera/extras/convert/exact_type.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/in_column.h"
+#include "numera/extras/own/own.h"
+#include "numera/extras/parallel/in_order.h"
+#include "numera/extras/parallel/parallel.h"
+
+namespace numera::extras {
+namespace {
+
+using ArrayPtr = std::shared_ptr<::arrow::Array>;
+using ColumnPtr = std::shared_ptr<::arrow::ChunkedArray>;
+using TablePtr = std::shared_ptr<::arrow::Table>;
+
+void note(std::vector<IntakeCast>& casts, const ToHostOptions& options) {
+  if (options.casts == nullptr) return;
+  for (IntakeCast& cast : casts) options.casts->push_back(std::move(cast));
+}
+
+template <class T>
+::arrow::Result<std::shared_ptr<T>> taken_in(const std::shared_ptr<T>& value,
+                                             const ToHostOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto taken, take_in(value, options.intake));
+  note(taken.casts, options);
+  return std::move(taken.value);
+}
+
+::arrow::Status check_columns(const ::arrow::Table& table, const ::arrow::Schema& schema) {
+  const auto same_name = [](const auto& a, const auto& b) { return a->name() == b->name(); };
+  if (std::ranges::equal(table.fields(), schema.fields(), same_name)) return {};
+  std::string found;
+  for (const auto& field : table.fields()) found += (found.empty() ? "" : ", ") + field->name();
+  std::string expected;
+  for (const auto& field : schema.fields()) {
+    expected += (expected.empty() ? "" : ", ") + field->name();
+  }
+  return ::arrow::Status::Invalid("Table: found the columns ", found, ", expected ", expected, ".");
+}
+
+/// The table that the encoded value gives has one chunk in each column.
+::arrow::Result<TablePtr> with_schema(const ::arrow::Table& table,
+                                      const std::shared_ptr<::arrow::Schema>& schema,
+                                      size_t threads) {
+  ARROW_RETURN_NOT_OK(check_columns(table, *schema));
+  const auto count = static_cast<size_t>(table.num_columns());
+  ::arrow::ArrayVector columns(count);
+  const auto check = [](size_t) { hxThrowIfInterruptPending(); };
+  const auto convert = [&](size_t i) -> ::arrow::Status {
+    const auto index = static_cast<int>(i);
+    const ArrayPtr array = table.column(index)->chunk(0);
+    const ::arrow::Field& field = *schema->field(index);
+    const auto status = exact_field(array, field, "Column").Value(&columns[i]);
+    return status.ok() ? status : in_column(status, field.name(), index);
+  };
+  ARROW_RETURN_NOT_OK(
+      parallel::in_order(count, parallel::thread_count(threads), threads, check, convert));
+  return ::arrow::Table::Make(schema, columns, table.num_rows());
+}
+
+}  // namespace
+
+::arrow::Result<hxArrayPtr> convert_to_host(const ArrayPtr& array, const ToHostOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto taken, taken_in(array, options));
+  return io::arrow::core::to_numera(std::move(taken));
+}
+
+::arrow::Result<hxArrayPtr> convert_to_host(const ColumnPtr& column, const ToHostOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto taken, taken_in(column, options));
+  return io::arrow::core::to_numera(std::move(taken));
+}
+
+::arrow::Result<hxArrayPtr> convert_to_host(const std::shared_ptr<::arrow::RecordBatch>& batch,
+                                            const ToHostOptions& options) {
+  if (batch == nullptr) return convert_to_host(TablePtr(), options);
+  ARROW_ASSIGN_OR_RAISE(const TablePtr table, ::arrow::Table::FromRecordBatches({batch}));
+  return convert_to_host(table, options);
+}
+
+::arrow::Result<hxArrayPtr> convert_to_host(const TablePtr& table, const ToHostOptions& options) {
+  ARROW_ASSIGN_OR_RAISE(auto taken, taken_in(table, options));
+  return parallel_to_numera(std::move(taken), options.threads);
+}
+
+::arrow::Result<ArrayPtr> convert_to_arrow(hxArrayPtr value,
+                                           const std::shared_ptr<::arrow::DataType>& type) {
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, make_readable(value.get()));
+  ARROW_ASSIGN_OR_RAISE(ArrayPtr array, own_to_arrow<::arrow::Array>(std::move(readable)));
+  return type == nullptr ? array : exact_field(array, ::arrow::Field("", type), "Column");
+}
+
+::arrow::Result<TablePtr> convert_to_arrow_table(hxArrayPtr value,
+                                                 const std::shared_ptr<::arrow::Schema>& schema,
+                                                 size_t threads) {
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, make_readable(value.get(), threads));
+  ARROW_ASSIGN_OR_RAISE(TablePtr table, own_to_arrow_table(std::move(readable)));
+  return schema == nullptr ? table : with_schema(*table, schema, threads);
+}
+
+}  // namespace numera::extras

@@ -1,0 +1,94 @@
+#include <arrow/record_batch.h>
+#include <arrow/table.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "numera/core/to_numera.h"
+#include "numera/core/util/table_error.h"
+#include "numera/extras/convert.h"
+#include "tests/support/arrow_values.h"
+#include "tests/support/host_builder.h"
+#include "tests/support/host_matchers.h"
+
+namespace numera::testing {
+namespace {
+
+using extras::convert_to_host;
+using io::arrow::core::to_numera;
+using io::arrow::core::util::TableErrorStatusDetail;
+
+std::shared_ptr<::arrow::RecordBatch> batch() {
+  const auto numbers = ArrowArray(::arrow::int8(), "[1, null, 3]");
+  const auto texts = ArrowArray(::arrow::utf8(), R"(["a", "b", null])");
+  const auto schema =
+      ::arrow::schema({::arrow::field("n", ::arrow::int8()), ::arrow::field("t", ::arrow::utf8())});
+  return ::arrow::RecordBatch::Make(schema, 3, {numbers, texts});
+}
+
+TEST(ConvertToHost, GivesAnArrayAsTheCoreDoes) {
+  const auto array = ArrowArray(::arrow::utf8(), R"(["a", null])");
+  EXPECT_TRUE(SameHostValue(convert_to_host(array).ValueOrDie().get(),
+                            to_numera(array).ValueOrDie().get()));
+}
+
+TEST(ConvertToHost, GivesAColumnAsTheCoreDoes) {
+  const auto column = ArrowChunks(::arrow::int16(), {"[1, null]", "[3]"});
+  EXPECT_TRUE(SameHostValue(convert_to_host(column).ValueOrDie().get(),
+                            to_numera(column).ValueOrDie().get()));
+}
+
+TEST(ConvertToHost, GivesABatchAndATableAsTheCoreDoes) {
+  const auto table = ::arrow::Table::FromRecordBatches({batch()}).ValueOrDie();
+  const hxArrayPtr expected = to_numera(table).ValueOrDie();
+  EXPECT_TRUE(SameHostValue(convert_to_host(batch()).ValueOrDie().get(), expected.get()));
+  for (const size_t threads : {0U, 1U, 2U}) {
+    EXPECT_TRUE(SameHostValue(convert_to_host(table, {.threads = threads}).ValueOrDie().get(),
+                              expected.get()));
+  }
+}
+
+TEST(ConvertToHost, TakesTheNullsOfASliceFromItsPlace) {
+  const auto sliced = ArrowArray(::arrow::int8(), "[null, 1, null, 3]")->Slice(1);
+  const auto same = ArrowArray(::arrow::int8(), "[1, null, 3]");
+  EXPECT_TRUE(SameHostValue(convert_to_host(sliced).ValueOrDie().get(),
+                            to_numera(same).ValueOrDie().get()));
+}
+
+TEST(ConvertToHost, AppendsTheCastsThatWereAskedFor) {
+  const auto array = ArrowArray(::arrow::decimal128(3, 1), R"(["1.5"])");
+  std::vector<extras::IntakeCast> casts = {{"before", ::arrow::int8(), ::arrow::int8()}};
+  const auto value = convert_to_host(array, {.intake = {.cast = true}, .casts = &casts});
+  EXPECT_TRUE(SameHostValue(value.ValueOrDie().get(),
+                            to_numera(ArrowArray(::arrow::float64(), "[1.5]")).ValueOrDie().get()));
+  ASSERT_EQ(casts.size(), 2U);
+  EXPECT_EQ(extras::to_string(casts[1]), "decimal128(3, 1) to double");
+}
+
+TEST(ConvertToHost, RefusesWhatIsNoData) {
+  const auto refusal = [](const auto& value) { return convert_to_host(value).status().ToString(); };
+  EXPECT_EQ(refusal(std::shared_ptr<::arrow::Array>()),
+            "Invalid: Array: found a null pointer, expected a value.");
+  EXPECT_EQ(refusal(std::shared_ptr<::arrow::ChunkedArray>()),
+            "Invalid: Column: found a null pointer, expected a value.");
+  EXPECT_EQ(refusal(std::shared_ptr<::arrow::RecordBatch>()),
+            "Invalid: Table: found a null pointer, expected a value.");
+  EXPECT_EQ(refusal(std::shared_ptr<::arrow::Table>()),
+            "Invalid: Table: found a null pointer, expected a value.");
+}
+
+TEST(ConvertToHost, NamesTheColumnThatHasNoHostForm) {
+  const auto decimals = ArrowArray(::arrow::decimal128(3, 1), R"(["1.5"])");
+  const auto table = ::arrow::Table::Make(
+      ::arrow::schema({::arrow::field("price", decimals->type())}), {decimals});
+  const ::arrow::Status status = convert_to_host(table).status();
+  EXPECT_TRUE(status.IsTypeError()) << status;
+  const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
+  ASSERT_NE(detail, nullptr);
+  EXPECT_EQ(detail->column_name(), "price");
+}
+
+}  // namespace
+}  // namespace numera::testing
