@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "numera/core/limits.h"
+#include "numera/extras/convert.h"
 #include "numera/extras/encode/encode.h"
 #include "numera/extras/inspect/inspect.h"
 #include "numera/extras/intake/intake.h"
@@ -195,7 +196,20 @@ TEST(StackOfTakeIn, HoldsTheRefusalOfWhatIsDeeper) {
   }
 }
 
-TEST(StackOfEncode, HoldsTheDeepestValues) {
+TEST(StackOfConvertToArrow, HoldsTheDeepestTypes) {
+  for (const Containers& containers : kWrittenContainers) {
+    SCOPED_TRACE(containers.back().name);
+    const auto array = NestedArray(containers, deepest_encoded(containers));
+    hxArrayPtr value = NestedWritten(containers, deepest_encoded(containers));
+    ::arrow::Result<std::shared_ptr<::arrow::Array>> back = Status::UnknownError("");
+    OnStatedStack(kMakeReadableStackBytes,
+                  [&] { back = extras::convert_to_arrow(std::move(value), array->type()); });
+    ASSERT_EQ(back.status(), Status::OK());
+    EXPECT_EQ((*back)->type_id(), array->type_id());
+  }
+}
+
+TEST(StackOfMakeReadable, HoldsTheDeepestValues) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
     const hxArrayPtr value = NestedWritten(containers, deepest_encoded(containers));
@@ -206,7 +220,7 @@ TEST(StackOfEncode, HoldsTheDeepestValues) {
   }
 }
 
-TEST(StackOfEncode, HoldsTheDeepestValuesOfSeveralChunks) {
+TEST(StackOfMakeReadable, HoldsTheDeepestValuesOfSeveralChunks) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
     const size_t levels = deepest_encoded(containers) - 1;
@@ -219,7 +233,7 @@ TEST(StackOfEncode, HoldsTheDeepestValuesOfSeveralChunks) {
   }
 }
 
-TEST(StackOfEncode, HoldsTheRefusalOfWhatIsDeeper) {
+TEST(StackOfMakeReadable, HoldsTheRefusalOfWhatIsDeeper) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
     const hxArrayPtr value = NestedWritten(containers, 5 * kDeepest);
