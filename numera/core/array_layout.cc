@@ -20,7 +20,7 @@ using ::arrow::DataType;
 using ::arrow::Status;
 using ::arrow::Type;
 
-/// The type whose buffers and children an array has.
+/// The type that defines the buffers and children of an array: the storage type of an extension.
 const DataType& storage_type(const DataType& type) {
   const DataType* storage = &type;
   while (storage->id() == Type::EXTENSION) {
@@ -47,7 +47,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// What the type says of one child.
+/// Checks one child against the type of its parent.
 [[gnu::noinline]] Status check_child(const ArrayData& parent, const DataType& type, size_t i) {
   const std::string name = "child " + std::to_string(i);
   const ArrayData* child = parent.child_data[i].get();
@@ -58,7 +58,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   if (child->type->id() != declared->id()) {
     return messages::wrong_layout(type, name + " of type " + child->type->name(), declared->name());
   }
-  // Another type than the one that the column's type has led to.
+  // `check_type` has seen the column's type only, not this one.
   if (child->type != declared) ARROW_RETURN_NOT_OK(check_type(child->type.get()));
   if (type.id() == Type::STRUCT) {
     if (!extent_is_valid(*child)) return messages::wrong_extent(child->offset, child->length);
@@ -71,9 +71,9 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// All that is asked of an array itself, not of its children. `levels` more containers may lie in
-/// one another, `array` included. A function of its own, so that `check_array`, which calls itself,
-/// takes little stack.
+/// Checks an array itself, but not its children. `levels` is how many nesting levels are left, that
+/// of `array` included. This is a separate function so that the recursive `check_array` takes
+/// little stack.
 [[gnu::noinline]] Status check_node(const ArrayData& array, const DataType& type, int levels) {
   ARROW_RETURN_NOT_OK(check_buffers(array, type));
   if (std::cmp_not_equal(array.child_data.size(), type.num_fields())) {
@@ -81,7 +81,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
                                   std::to_string(type.num_fields()));
   }
   if (array.child_data.empty() && type.id() != Type::STRUCT) return Status::OK();
-  // The struct of its entries counts in place of a map.
+  // A map takes no level: the struct of its entries takes it.
   if (type.id() != Type::MAP && levels == 0) return messages::nested_too_deeply();
   if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
   return Status::OK();

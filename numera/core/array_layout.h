@@ -6,14 +6,17 @@
 
 namespace numera::io::arrow::core {
 
-/// Whether the chunks of a nested column hold what their types say: the buffers and children of
-/// every array, struct children as long as their struct, maps without null entries or keys, types
-/// that are whole, and containers in one another no deeper than `kMaxNestingLevels`. The writers
-/// trust all of this. Invalid names the type, what was found and what was expected. Columns of
+/// Checks what the writers of nested columns rely on, in all chunks:
+/// - every array has the buffers and children of its type;
+/// - the children of a struct are at least as long as the struct;
+/// - maps have no null entries and no null keys;
+/// - types have no null parts, and containers nest no deeper than `kMaxNestingLevels`.
+///
+/// Otherwise Invalid: the message names the type, what was found and what was expected. Columns of
 /// plain types pass.
 ///
-/// Cost: one step per node per chunk. No values are read, but bitmaps of maps whose nulls are not
-/// counted.
+/// Cost: one step per node per chunk. No values are read. Bitmaps are read only in maps whose null
+/// counts are unknown.
 ::arrow::Status check_layout(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// What the writers read: columns of slices of Arrow arrays, borrowed. Children are looked at
-/// where they lie. No Arrow array is made of them, so Arrow checks, counts and stores nothing in
-/// the caller's arrays, and a level of nesting takes little stack.
+/// The input of the writers: borrowed columns of slices of Arrow arrays. Children are read in
+/// place, without making Arrow arrays. So Arrow checks, counts and stores nothing in the caller's
+/// arrays, and a nesting level takes little stack.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
@@ -17,9 +17,10 @@
 
 namespace numera::io::arrow::core {
 
-/// `length` elements of an array from element `offset` of its buffers on. The array outlives it.
+/// `length` elements of an array, from element `offset` of its buffers on. The array must outlive
+/// the view.
 struct ArrayView {
-  const ::arrow::ArrayData* data = nullptr;  ///< null: a chunk that is missing
+  const ::arrow::ArrayData* data = nullptr;  ///< null for a missing chunk
   std::int64_t offset = 0;
   std::int64_t length = 0;
 
@@ -29,24 +30,24 @@ struct ArrayView {
       : data(&array), offset(array.offset), length(array.length) {}
   ArrayView(const ::arrow::Array& array) : ArrayView(*array.data()) {}
 
-  /// Child `i` as it is, whatever part of this array the view shows.
+  /// The whole child `i`, regardless of the part that this view shows.
   ArrayView whole_child(size_t i) const { return {*data->child_data[i]}; }
-  /// Child `i` of a struct, cut to the elements that the view shows.
+  /// Child `i` of a struct, sliced to the elements of this view.
   ArrayView struct_child(size_t i) const;
 };
 
-/// Chunks of one type, one after another. The arrays and the type outlive it.
+/// The chunks of one column. The arrays and the type must outlive the view.
 class ColumnView {
  public:
   ColumnView(const ::arrow::ChunkedArray& column);
-  /// A column of this one chunk, of the chunk's own type.
+  /// A column of one chunk, with the type of the chunk.
   explicit ColumnView(const ArrayView& chunk);
   ColumnView(const ColumnView&) = delete;
   ColumnView& operator=(const ColumnView&) = delete;
 
-  /// Null where the column was made without one.
+  /// Null if the column was made without a type.
   const std::shared_ptr<::arrow::DataType>& type() const { return *type_; }
-  /// The length that the column says it has.
+  /// The length that the column states; `check_chunks` compares it with the chunks.
   std::int64_t length() const { return length_; }
   std::span<const ArrayView> chunks() const {
     return {more_ != nullptr ? more_.get() : &first_, count_};
@@ -56,8 +57,8 @@ class ColumnView {
   const std::shared_ptr<::arrow::DataType>* type_;
   std::int64_t length_;
   size_t count_;
-  ArrayView first_;                    // of the one chunk, which takes no allocation
-  std::unique_ptr<ArrayView[]> more_;  // of several
+  ArrayView first_;                    // a single chunk, stored without an allocation
+  std::unique_ptr<ArrayView[]> more_;  // several chunks
 };
 
 }  // namespace numera::io::arrow::core

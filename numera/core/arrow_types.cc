@@ -26,12 +26,12 @@ namespace {
 
 using ::arrow::Type;
 
-/// The null type has no values: its "Data" is the number of its elements.
+/// The null type has no values: "Data" is the number of elements.
 ::arrow::Result<hxArrayPtr> null_to_numera(const ColumnView& column) {
   return format::make_int64(column.length());
 }
 
-/// Types whose values are numbers of a host class.
+/// A type whose values are numbers of a host class.
 template <class T>
 constexpr ArrowTypeRow number(Type::type id = format::kNumberClass<T>.arrow_type) {
   const char* const name = format::kNumberClass<T>.name;
@@ -107,14 +107,14 @@ static_assert(rows_are_in_order_of_id(), "a row is found by its id");
 
 enum class TypeFault : std::uint8_t { None, NoType, TooDeep };
 
-/// Holds no other types.
+/// Whether a type contains no other types.
 bool is_flat(const ::arrow::DataType& type) {
   return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
 }
 
-/// `levels` more containers may lie in one another, `type` included. A map is one level, although
-/// Arrow keeps its keys and items in a struct. A dictionary is none, unless its values hold other
-/// types in turn. The frame of this function is small, for it calls itself.
+/// `levels` is how many nesting levels are left, that of `type` included. A map takes one level,
+/// although Arrow stores its keys and items in a struct. A dictionary takes none, unless its value
+/// type contains other types. This function is recursive, so its stack frame is kept small.
 TypeFault fault_of(const ::arrow::DataType* type, int levels) {
   if (type == nullptr) return TypeFault::NoType;
   if (type->id() == Type::EXTENSION) {

@@ -23,7 +23,7 @@ bool is_whole(const ArrayView& view) {
   return view.offset == view.data->offset && view.length == view.data->length;
 }
 
-/// The count that the array knows of the view, as a slice that Arrow makes has it.
+/// The null count of the view, as far as the array knows it. A slice made by Arrow has the same.
 std::int64_t known_null_count(const ArrayView& view) {
   const std::int64_t count = view.data->null_count.load();
   if (is_whole(view) || count == 0) return count;
@@ -36,7 +36,7 @@ bool bitmap_covers(std::span<const std::uint8_t> bits, const ArrayView& view) {
          std::cmp_less_equal(format::bitmap_bytes(view.offset + view.length), bits.size());
 }
 
-/// Zeros among the bits of the view, as far as `bits` go.
+/// The number of zero bits in the view, as far as `bits` reach.
 std::int64_t count_zeros(std::span<const std::uint8_t> bits, const ArrayView& view) {
   const auto readable = static_cast<std::int64_t>(bits.size()) * 8;
   const std::int64_t length = std::min(view.length, readable - view.offset);
@@ -44,8 +44,8 @@ std::int64_t count_zeros(std::span<const std::uint8_t> bits, const ArrayView& vi
   return length - ::arrow::internal::CountSetBits(bits.data(), view.offset, length);
 }
 
-/// Whether one type differs from the other at most in the names, the nullability and the metadata
-/// of its fields, and in whether the keys of maps are sorted: both lie in memory alike.
+/// Whether two types are equal except for the names, nullability and metadata of their fields, and
+/// for whether map keys are sorted. Such types have the same memory layout.
 bool is_laid_out_like(const DataType& type, const DataType& other) {
   if (&type == &other) return true;
   if (type.id() != other.id() || type.num_fields() != other.num_fields()) return false;
@@ -61,8 +61,8 @@ bool is_laid_out_like(const DataType& type, const DataType& other) {
 
 template <class Offset>
 ::arrow::Status check_offsets(std::span<const Offset> offsets, size_t bytes) {
-  // The top bit of either term is set where an offset is negative or below the one before: of this,
-  // unlike of a comparison, every processor makes vector code.
+  // The top bit of `bits` is set if an offset is negative or less than the one before. Unlike a
+  // comparison, this vectorizes on every processor.
   using Unsigned = std::make_unsigned_t<Offset>;
   auto bits = static_cast<Unsigned>(offsets.front());
   for (size_t i = 1; i < offsets.size(); ++i) {

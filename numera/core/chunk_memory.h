@@ -1,10 +1,10 @@
 #pragma once
 
 /// \file
-/// Reading the memory of Arrow arrays. Buffers of chunks are touched through these functions only,
-/// so that no read leaves its buffer, whatever the array says of itself. A buffer that is needed
-/// and not in main memory is Invalid "Buffer: found bytes that cannot be read here, expected main
-/// memory."
+/// Reads the memory of Arrow arrays. The buffers of chunks are accessed through these functions
+/// only. They never read outside a buffer, even if the array states wrong lengths or offsets. A
+/// buffer that is needed but not in main memory is Invalid "Buffer: found bytes that cannot be read
+/// here, expected main memory."
 
 #include <arrow/array/data.h>
 #include <arrow/buffer.h>
@@ -22,59 +22,60 @@ namespace numera::io::arrow::core {
 
 using BytesResult = ::arrow::Result<std::span<const std::uint8_t>>;
 
-/// The bytes of a buffer; none where it is null or its size is negative.
+/// The bytes of a buffer. Empty if the buffer is null, has no memory or has a negative size.
 BytesResult readable_bytes(const std::shared_ptr<::arrow::Buffer>& buffer);
 
-/// The bytes of buffer `index` of an array; none where the array has not as many buffers.
+/// The bytes of buffer `index` of an array. Empty if the array has no such buffer.
 BytesResult readable_bytes(const ::arrow::ArrayData& array, size_t index);
 
-/// Elements of fixed width, `width` bytes each. Invalid where the values buffer ends before. The
-/// buffer is not looked at where there are no bytes to read.
+/// The elements of a chunk, `width` bytes each. Invalid if the values buffer is too short. The
+/// buffer is not accessed if there are no bytes to read.
 BytesResult fixed_width_values(const ArrayView& chunk, std::int64_t width);
 
-/// Elements of any width, back to back: element i is bytes [offsets[i], offsets[i + 1]).
+/// Elements of variable width, back to back: element i is bytes [offsets[i], offsets[i + 1]).
 template <class Offset>
 struct VariableWidthValues {
-  std::span<const Offset> offsets;  ///< one more than there are elements; none for no elements
+  std::span<const Offset> offsets;  ///< number of elements + 1; empty for no elements
   std::span<const std::uint8_t> bytes;
-  /// Holds the offsets where those of the array lie at an odd address.
+  /// Owns a copy of the offsets if those of the array are not aligned for `Offset`; else null.
   std::shared_ptr<const std::vector<Offset>> aligned_offsets;
 };
 
-/// Elements with `Offset` (int32 or int64) offsets. Invalid where the offsets buffer ends early, or
-/// an offset is negative, below the one before or beyond the end of the values: reading by these
-/// offsets stays within `bytes`. One pass over the offsets.
+/// The elements of an array with `Offset` (int32 or int64) offsets. Invalid if the offsets buffer
+/// is too short, or if an offset is negative, less than the one before or beyond the end of the
+/// values. So reading by these offsets stays within `bytes`. Cost: one pass over the offsets.
 template <class Offset>
 ::arrow::Result<VariableWidthValues<Offset>> variable_width_values(const ArrayView& array);
 
-/// The part of this check that takes no pass: that there are as many offsets, `width` bytes each,
-/// as the array needs.
+/// The part of this check that takes O(1): the buffer holds as many offsets of `width` bytes as the
+/// array needs.
 ::arrow::Status check_offsets_fit(const ArrayView& array, std::int64_t width);
 
-/// The offsets of a list or map as stored: `length` + 1 of them, `width` bytes each. An array
-/// without elements may have no offsets at all: then there is one, 0. Invalid where the offsets
-/// buffer ends before.
+/// The offsets of a list or map as stored: `length` + 1 of them, `width` bytes each. For an array
+/// without elements and without offsets, the result is one offset, 0. Invalid if the offsets buffer
+/// is too short.
 BytesResult stored_offsets(const ArrayView& chunk, std::int64_t width);
 
-/// Bits of a boolean array, from the first bit of its buffer on: the offset is not applied.
+/// The bits of a boolean array from the start of its buffer. The array offset is not applied.
 inline BytesResult unsliced_bits(const ArrayView& chunk) { return readable_bytes(*chunk.data, 1); }
 
-/// Validity bits, from the first bit of the bitmap on: the offset is not applied. Empty where the
+/// The validity bits from the start of the bitmap. The array offset is not applied. Empty if the
 /// array has no bitmap.
 inline BytesResult unsliced_validity(const ArrayView& chunk) {
   return readable_bytes(*chunk.data, 0);
 }
 
-/// Neither offset nor length is negative, and their sum is within 64 bits.
+/// Whether offset and length are not negative and their sum fits in 64 bits.
 bool extent_is_valid(const ArrayView& array);
 
-/// Null slots. A count that the array knows is taken; every slot of the null type is null. A
-/// bitmap that is too short counts as far as it goes; the array keeps the count of one that is
-/// long enough, as Arrow's own function does.
+/// The number of null slots. All slots of the null type are null. If the array knows the count, no
+/// bits are read. Bits that a short bitmap lacks count as valid. The array stores a new count of
+/// all its slots if the bitmap is long enough, as Arrow's own function does.
 ::arrow::Result<std::int64_t> count_nulls(const ArrayView& array);
 
-/// Invalid where a chunk is missing, of another type than the column, or of a negative extent, and
-/// where the lengths of all chunks do not add up to that of the column.
+/// Invalid if a chunk is missing, has a negative offset or length, or has another type than the
+/// column; the names, nullability and metadata of fields may differ. Invalid if the chunk lengths
+/// do not add up to the length of the column.
 ::arrow::Status check_chunks(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

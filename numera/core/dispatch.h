@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The two dispatches, as the converters of nested types call them again for their children.
+/// The two dispatches. The converters of nested types call them for their children.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
@@ -21,10 +21,10 @@ namespace numera::io::arrow::core {
 using ArrayResult = ::arrow::Result<std::shared_ptr<::arrow::Array>>;
 using DataPtr = std::shared_ptr<::arrow::ArrayData>;
 
-/// Every reader of a type name: the "Data" struct and the validity bitmap (null: no nulls).
+/// A reader of one type name. `data` is the "Data" struct, `validity` the bitmap (null: no nulls).
 using Reader = ArrayResult (*)(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity);
 
-/// The fields of one encoded array, borrowed. Null is an empty slot.
+/// The borrowed fields of one encoded array. Null is an empty slot.
 struct EnvelopeFields {
   const hxArray* arrow_type;
   const hxArray* type;
@@ -32,37 +32,37 @@ struct EnvelopeFields {
   const hxArray* valid;
 };
 
-/// Every reader of a nested kind: an encoded array that lies `level` levels deep (the outermost is
-/// level 1). It gives data, because Arrow makes an array of lists by making those of all levels
-/// below it: once, at the end, is enough.
+/// A reader of one nested kind. `level` is the nesting level of the encoded array (outermost: 1).
+/// The result is `ArrayData`, because making an Arrow list array also makes the arrays of all
+/// levels below it. It is enough to do that once, at the end.
 ///
-/// Readers and `child_to_arrow` call each other. A level may take 480 bytes of stack
-/// (`kStackBytes`) and takes 308. What needs room, results among it, stands in functions that are
-/// kept out of line and have returned before the next level begins.
+/// Readers and `child_to_arrow` call each other. A level takes 308 bytes of stack and may take 480
+/// (`kStackBytes`). Code that needs more stack, for example for a `Result`, is in noinline
+/// functions that return before the next level begins.
 using NestedReader = ::arrow::Status (*)(const EnvelopeFields& envelope, int level, DataPtr& data);
 
-/// Every writer: all chunks of a column to its "Data".
+/// A writer: converts all chunks of a column to its "Data".
 using Writer = ::arrow::Result<hxArrayPtr> (*)(const ColumnView& column);
 
-/// Element `index` of a struct array of encoded arrays.
+/// Converts element `index` of a struct array of encoded arrays.
 ArrayResult element_to_arrow(const hxArray* encoded, size_t index);
 
-/// The same for a struct array whose element 0 has passed the checks already.
+/// The same, if element 0 of the struct array has already passed the checks.
 ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index);
 
-/// An encoded array that lies within `outer_levels` nested values.
+/// Converts an encoded array that lies inside `outer_levels` nested values.
 ::arrow::Status child_to_arrow(const hxArray* encoded, int outer_levels, DataPtr& data);
 
-/// A plain "Valid" to a bitmap over its bytes; null where it has no bytes.
+/// Converts the buffer envelope in "Valid" to a bitmap over its bytes. Null if it has no bytes.
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> validity_to_arrow(const hxArray* valid);
 
-/// The four fields of a column, after the checks that every column from outside goes through.
+/// Runs the checks for columns from outside and makes the four fields.
 ::arrow::Result<EncodedColumn> encode_checked(const ::arrow::ChunkedArray* column);
 
-/// Moves the four fields of a column into element `index` of a struct array that has them.
+/// Moves the four fields of a column into element `index` of a struct array with these fields.
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column);
 
-/// "Data" alone.
+/// Makes only "Data".
 ::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// An encoded table from columns that were converted one by one, on any thread and in any order.
+/// Builds an encoded table from columns that are converted one by one, on any thread, in any order.
 ///
-/// `to_numera` of a table is no more than this, with the host's interrupt check before each column:
+/// `to_numera` of a table does only this, with the host's interrupt check before each column:
 ///
 /// \code
 ///   ARROW_ASSIGN_OR_RAISE(EncodedTable encoded, begin_encoded_table(table.get()));
@@ -23,8 +23,8 @@
 
 namespace numera::io::arrow::core {
 
-/// The encoded array of a column without the struct around it: the values of its four fields, as
-/// `to_numera` of a chunked array describes them. It owns them.
+/// The encoded array of a column without the struct around it. It owns the values of the four
+/// fields, which `to_numera` of a chunked array describes.
 struct EncodedColumn {
   hxArrayPtr arrow_type;  ///< "ArrowType"
   hxArrayPtr type;        ///< "Type"
@@ -32,38 +32,39 @@ struct EncodedColumn {
   hxArrayPtr valid;       ///< "Valid"
 };
 
-/// An encoded table on its way. It is whole when every column has been put in.
+/// An encoded table under construction. It is complete when every column has been put in.
 struct EncodedTable {
-  hxArrayPtr envelope;  ///< owns all; what the caller keeps in the end
+  hxArrayPtr envelope;  ///< owns everything; the finished table
   hxArray* columns;     ///< "Columns" of the envelope, borrowed from it
 };
 
-/// The encoded table of `table` with all its names and no columns yet: the four fields of every
-/// element of "Columns" are empty.
+/// Starts the encoded table of `table`. It has all names but no columns yet: the four fields of
+/// every element of "Columns" are empty.
 ///
-/// The table is only read, and not needed by the result.
+/// `table` is only read. The result does not need it.
 ///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Table conversion"
 /// - no schema: Invalid "Table: found no schema, expected one."
-/// - another number of columns than fields: Invalid "Table: found N columns, expected M, one for
-///   each field of the schema."
+/// - number of columns differs from number of fields: Invalid "Table: found N columns, expected M,
+///   one for each field of the schema."
 /// - a name that is not UTF-8: the host's `hxCodecError`
 ///
-/// Cost: one host allocation a column, for its name.
+/// Cost: one host allocation per column, for its name.
 NUMERA_EXPORT ::arrow::Result<EncodedTable> begin_encoded_table(const ::arrow::Table* table);
 
-/// Column `i` of a table that `begin_encoded_table` has accepted, 0 <= `i` < number of columns.
-/// The result belongs to the caller; on failure everything made so far is destroyed. Several
-/// threads may convert columns of one table at a time.
+/// Converts column `i` of a table that `begin_encoded_table` has accepted, 0 <= `i` < number of
+/// columns. The result belongs to the caller. On failure everything made so far is destroyed.
+/// Several threads may convert columns of the same table at the same time.
 ///
 /// Errors: those of `to_numera` of a chunked array, with a `util::TableErrorStatusDetail` that
 /// names the column. Exceptions of the host pass through as they are.
 NUMERA_EXPORT ::arrow::Result<EncodedColumn> encode_column(const ::arrow::Table& table, int i);
 
-/// Moves a column into element `i` of "Columns", as `encode_column` of the same `i` gave it:
-/// nothing is copied, and what stood there before is destroyed. One thread at a time. Throws
-/// `std::out_of_range` "Struct index is out of range." for an `i` that the table does not have.
+/// Moves a column into element `i` of "Columns". The column comes from `encode_column` of the same
+/// `i`. Nothing is copied, and the previous contents of the element are destroyed. Only one thread
+/// at a time may call this for a table. Throws `std::out_of_range` "Struct index is out of range."
+/// if the table has no column `i`.
 NUMERA_EXPORT void put_column(EncodedTable& table, int i, EncodedColumn column);
 
 }  // namespace numera::io::arrow::core
