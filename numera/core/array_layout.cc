@@ -81,7 +81,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
                                   std::to_string(type.num_fields()));
   }
   if (array.child_data.empty() && type.id() != Type::STRUCT) return Status::OK();
-  // A map takes no level: the struct of its entries takes it.
+  // A map takes no level itself; the struct of its entries does.
   if (type.id() != Type::MAP && levels == 0) return messages::nested_too_deeply();
   if (!extent_is_valid(array)) return messages::wrong_extent(array.offset, array.length);
   return Status::OK();

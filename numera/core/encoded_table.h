@@ -41,7 +41,7 @@ struct EncodedTable {
 /// Starts the encoded table of `table`. It has all names but no columns yet: the four fields of
 /// every element of "Columns" are empty.
 ///
-/// `table` is only read. The result does not need it.
+/// `table` is only read, and the result does not refer to it.
 ///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Table conversion"
@@ -61,10 +61,10 @@ NUMERA_EXPORT ::arrow::Result<EncodedTable> begin_encoded_table(const ::arrow::T
 /// names the column. Exceptions of the host pass through as they are.
 NUMERA_EXPORT ::arrow::Result<EncodedColumn> encode_column(const ::arrow::Table& table, int i);
 
-/// Moves a column into element `i` of "Columns". The column comes from `encode_column` of the same
-/// `i`. Nothing is copied, and the previous contents of the element are destroyed. Only one thread
-/// at a time may call this for a table. Throws `std::out_of_range` "Struct index is out of range."
-/// if the table has no column `i`.
+/// Moves a column that `encode_column` made with the same `i` into element `i` of "Columns".
+/// Nothing is copied, and the previous contents of the element are destroyed. Call it from one
+/// thread at a time. Throws `std::out_of_range` "Struct index is out of range." if the table has no
+/// column `i`.
 NUMERA_EXPORT void put_column(EncodedTable& table, int i, EncodedColumn column);
 
 }  // namespace numera::io::arrow::core

@@ -33,7 +33,7 @@ struct NamedReader {
   Reader reader;
 };
 
-/// The readers of struct "Data" by type name: the one place that knows them.
+/// The readers of struct "Data" by type name. No other place lists them.
 constexpr NamedReader kReaders[] = {
     {format::kStringType, MakeLargeStringArray},
     {format::kCharType, MakeLargeStringArray},  // the same under another name
@@ -66,7 +66,7 @@ struct Kind {
   NestedReader reader;
 };
 
-/// Every kind of envelope. "array" is not nested and takes no level of its own.
+/// Every kind of envelope. "array" is not nested and takes no nesting level.
 constexpr Kind kKinds[] = {
     {format::kListKind, ListToArrow},
     {format::kStructKind, StructToArrow},
@@ -80,7 +80,7 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
           .valid = hxGetFieldChecked(encoded, index, format::kValid)};
 }
 
-/// Of several failures the first is returned.
+/// Returns the first failure.
 ::arrow::Status check_classes(const EnvelopeFields& fields) {
   ARROW_RETURN_NOT_OK(check_field(fields.data, format::kData, hxClassID::Unknown));
   ARROW_RETURN_NOT_OK(check_field(fields.arrow_type, format::kArrowType, hxClassID::Char));
@@ -93,7 +93,7 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
                                     "' instead.");
 }
 
-/// Null where the envelope is not nested.
+/// Null if the envelope is not nested.
 ::arrow::Result<NestedReader> find_reader(const EnvelopeFields& fields, int outer_levels) {
   const std::string kind = HxArrayToString(fields.arrow_type);
   const auto* const row = std::ranges::find(kKinds, kind, &Kind::name);
@@ -106,10 +106,9 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
 
 ::arrow::Result<EnvelopeFields> checked_fields(const hxArray* encoded, size_t index) {
   ARROW_RETURN_NOT_OK(check_struct(encoded));
-  // A struct without elements passes the checks; taking its fields throws.
+  // A struct without elements passes the checks. Getting its fields throws.
   if (hxIsEmpty(encoded)) return fields_of(encoded, index);
-  // All fields are taken before one is checked, so that a field that the struct lacks is always
-  // reported by the host's exception.
+  // Get all fields before checking any. So a missing field always gives the host's exception.
   const EnvelopeFields first = fields_of(encoded, 0);
   ARROW_RETURN_NOT_OK(check_classes(first));
   return index == 0 ? first : fields_of(encoded, index);

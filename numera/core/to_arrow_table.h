@@ -14,29 +14,30 @@
 
 namespace numera::io::arrow::core {
 
-/// Converts an encoded table: a struct with the fields "ArrowType" (char; its text is not
-/// compared), "Names" (cell of char rows; another class gives the empty name) and "Columns"
-/// (n-by-1 struct array, element i the encoded array of column i). Fields are nullable and carry
-/// no metadata; the lengths of the columns are not compared. The table borrows the memory of
-/// `encoded` like `to_arrow`.
+/// Converts an encoded table: a struct with the fields "ArrowType" (char; its text is not checked),
+/// "Names" (cell of char rows; a cell of another class gives an empty name) and "Columns" (n-by-1
+/// struct array, element i is the encoded array of column i).
 ///
-/// Before every column `hxThrowIfInterruptPending` is called; its exception passes through.
+/// Fields are nullable and have no metadata. The lengths of the columns are not compared. Like the
+/// result of `to_arrow`, the table borrows the memory of `encoded`.
+///
+/// Before each column it calls `hxThrowIfInterruptPending`, whose exception passes through.
 ///
 /// Errors:
-/// - a field empty or of another class: TypeError as in `to_arrow`, the first failing one only
+/// - an empty field or one of another class: TypeError as in `to_arrow`, for the first such field
 /// - fewer names than columns: the host's `std::out_of_range` "Cell index is out of range."
 /// - a column that fails: its status, unchanged
 /// - a "Valid" with fewer bits than its column has elements: Invalid "Field 'Valid': found 1 bytes,
-///   expected enough for 9 elements.", since Arrow counts the nulls of a table's columns when it is
-///   made
+///   expected enough for 9 elements." The check is needed because Arrow counts the nulls of columns
+///   when it makes a table.
 ///
-/// Cost: O(1) a column, and Arrow's count of the nulls of columns that have a bitmap.
+/// Cost: O(1) per column, plus Arrow's count of the nulls in columns that have a bitmap.
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(
     const hxArray* encoded);
 
-/// What `to_arrow_table` asks of a converted column before it joins the table, for those who put
-/// tables together themselves. Arrow counts the nulls of the column then, and trusts its length and
-/// its bitmap.
+/// The check that `to_arrow_table` runs on each converted column before it makes the table. Use it
+/// if you put tables together yourself: Arrow then counts the nulls of the columns, and trusts
+/// their lengths and bitmaps.
 ///
 /// Errors:
 /// - a negative length with a bitmap: Invalid "Array: found offset 0 and length -1, expected

@@ -14,7 +14,7 @@
 namespace numera::io::arrow::core {
 namespace {
 
-/// The writer of a column that is what its type says.
+/// The writer of a column whose chunks match its type.
 [[gnu::noinline]] ::arrow::Status find_writer(const ColumnView& column, Writer* writer) {
   *writer = arrow_type_row(column.type()->id()).writer;
   if (*writer != nullptr) return check_chunks(column);
@@ -22,7 +22,7 @@ namespace {
                                     column.type()->ToString());
 }
 
-/// The fields of a column whose "Data" is there.
+/// Adds the other fields to "Data".
 [[gnu::noinline]] ::arrow::Result<EncodedColumn> complete(const ColumnView& column,
                                                           hxArrayPtr data) {
   const ArrowTypeRow& row = arrow_type_row(column.type()->id());
@@ -53,7 +53,7 @@ hxArrayPtr envelope_of(EncodedColumn column) {
   return ::arrow::Status::OK();
 }
 
-/// What every column from outside goes through.
+/// Every column from outside goes through these checks.
 ::arrow::Result<EncodedColumn> encode_checked(const ColumnView& column) {
   ARROW_RETURN_NOT_OK(check_type(column.type().get()));
   for (const ArrayView& chunk : column.chunks()) {

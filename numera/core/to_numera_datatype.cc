@@ -5,7 +5,7 @@
 namespace numera::io::arrow::core {
 namespace {
 
-/// A map's one child is the struct of its key and item, which has a name when both have.
+/// The only child of a map is the struct of key and item. It has a name if both of them have one.
 bool has_name(const ::arrow::DataType& type) {
   if (arrow_type_row(type.id()).class_name == nullptr) return false;
   for (const auto& field : type.fields()) {

@@ -1,16 +1,16 @@
 #pragma once
 
 /// \file
-/// What a host calls when it loads and unloads the library. Programs that link the library need
-/// not.
+/// Functions that a host calls when it loads and unloads the library. Programs that link the
+/// library need not call them.
 
 #include "numera/export.h"
 
-/// The host calls this when it loads the library. It does nothing, on any thread and however often:
-/// the library keeps no state between calls.
+/// The host calls this when it loads the library. It does nothing, because the library keeps no
+/// state between calls. It may be called on any thread, any number of times.
 extern "C" NUMERA_EXPORT void NRInitialize_ArrowCoreModule();
-/// The host calls this when it unloads the library. It does nothing: whatever was converted before
-/// stays usable for as long as the library itself is loaded.
+/// The host calls this when it unloads the library. It does nothing. Results of earlier conversions
+/// stay usable while the library itself is loaded.
 extern "C" NUMERA_EXPORT void NRTerminate_ArrowCoreModule();
 
 namespace numera::io::arrow::core::util {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Which column of a table a conversion failed on.
+/// Tells on which column the conversion of a table failed.
 
 #include <arrow/status.h>
 
@@ -13,15 +13,16 @@
 
 namespace numera::io::arrow::core::util {
 
-/// What kind of status a column failed with.
+/// The kind of status that a column failed with.
 enum class TableErrorCode : std::int32_t {
-  TypeError = 0,  ///< a type error: as another type, the column may pass
+  TypeError = 0,  ///< a type error: the column may pass as another type
   Internal = 1    ///< every other code
 };
 
-/// Names the column that a conversion of a table failed on; attached to the column's status. Read
-/// it back with `dynamic_cast` or, after a look at `type_id()`, `static_cast`. The status owns it,
-/// and copies of the status share it; it never changes, so any thread may read it.
+/// Names the column on which the conversion of a table failed. It is attached to the status of the
+/// column. Read it with `dynamic_cast`, or with `static_cast` after a check of `type_id()`. The
+/// status owns the detail, and copies of the status share it. It never changes, so any thread may
+/// read it.
 ///
 /// \code
 ///   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
@@ -31,24 +32,24 @@ class NUMERA_EXPORT TableErrorStatusDetail : public ::arrow::StatusDetail {
  public:
   /// `columnName` is copied; `columnIndex` counts from 0.
   TableErrorStatusDetail(TableErrorCode code, const std::string& columnName, int columnIndex);
-  /// For a detail of a status of one's own; assignment is missing, as details are shared.
+  /// For a detail in your own status. There is no assignment, because details are shared.
   TableErrorStatusDetail(const TableErrorStatusDetail&) = default;
-  /// The other one may then be destroyed, but not asked.
+  /// The moved-from detail may only be destroyed.
   TableErrorStatusDetail(TableErrorStatusDetail&&) = default;
   TableErrorStatusDetail& operator=(const TableErrorStatusDetail&) = delete;
   TableErrorStatusDetail& operator=(TableErrorStatusDetail&&) = delete;
   ~TableErrorStatusDetail() override;
 
-  /// "TypeError" for `TableErrorCode::TypeError`, else "Internal"; a text that lives forever.
+  /// "TypeError" for `TableErrorCode::TypeError`, else "Internal". The text has static lifetime.
   const char* type_id() const override;
   /// The text of `type_id()`.
   std::string ToString() const override;
 
-  /// `TypeError` where the column's status is a type error, `Internal` for every other code.
+  /// `TypeError` if the status of the column is a type error, `Internal` for every other code.
   TableErrorCode error_code() const;
-  /// The name in the table, which need not be the only one of its kind and may be empty.
+  /// The column name in the table. It may be empty, and several columns may have the same name.
   std::string column_name() const;
-  /// The place in the table, from 0: what tells columns of one name apart.
+  /// The column index in the table, from 0. It distinguishes columns of the same name.
   int column_index() const;
 
  private:

@@ -10,10 +10,10 @@
 
 namespace numera::io::arrow::core::util {
 
-/// The text of a char array as UTF-8; the empty text for null and for every other array, string
-/// arrays included. All elements of a char array are read, in storage order, and NUL is kept.
-/// Throws `hxCodecError` on an unpaired surrogate, and `std::bad_alloc`. Any number of threads may
-/// read at a time. Cost: one pass.
+/// The text of a char array as UTF-8. Null and all other arrays, string arrays included, give the
+/// empty text. All elements of a char array are read in storage order, and NUL is kept. Throws
+/// `hxCodecError` on an unpaired surrogate, and `std::bad_alloc`. Any number of threads may read at
+/// the same time. Cost: one pass.
 NUMERA_EXPORT std::string HxArrayToString(const hxArray* a);
 
 }  // namespace numera::io::arrow::core::util

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The check of a field, for functions that take structs as the conversions do.
+/// A check of struct fields, for functions that accept the same structs as the conversions.
 
 #include <arrow/status.h>
 
@@ -11,10 +11,10 @@
 
 namespace numera::io::arrow::core::util {
 
-/// Checks that element 0 of a struct (or object) carries a field of a given class.
+/// Checks that element 0 of a struct (or object) has a field of a given class.
 ///
-/// `classId` `hxClassID::Unknown` asks for any class. The flag is accepted and not used. A struct
-/// without elements passes every check; other elements than the first are not looked at.
+/// If `classId` is `hxClassID::Unknown`, any class is accepted. `flag` is ignored. A struct without
+/// elements passes every check. Elements after the first are not checked.
 ///
 /// Errors:
 /// - `s` is null or neither struct nor object: TypeError "Struct array required for input"
@@ -22,7 +22,7 @@ namespace numera::io::arrow::core::util {
 /// - the slot is empty: TypeError "Missing field 'F' in input struct array"
 /// - another class: TypeError "Incorrect type 'C' for struct array field 'F'"
 ///
-/// Any number of threads may check at a time. Cost: one look-up of the name.
+/// Any number of threads may check at the same time. Cost: one look-up of the name.
 NUMERA_EXPORT ::arrow::Status VerifyHxStructContains(const hxArray* s, const char* fieldName,
                                                      hxClassID classId, bool flag);
 
