@@ -10,7 +10,7 @@ namespace numera::io::arrow::core {
 /// - every array has the buffers and children of its type;
 /// - the children of a struct are at least as long as the struct;
 /// - maps have no null entries and no null keys;
-/// - types have no null parts, and containers nest no deeper than `kMaxNestingLevels`.
+/// - no pointer to a type is null, and containers nest no deeper than `kMaxNestingLevels`.
 ///
 /// Otherwise Invalid: the message names the type, what was found and what was expected. Columns of
 /// plain types pass.

@@ -18,8 +18,8 @@ struct ArrowTypeRow {
 /// The row of a type. Every id has a row.
 const ArrowTypeRow& arrow_type_row(::arrow::Type::type id);
 
-/// Invalid if the type, the type of a field in it or the type of dictionary values in it is null.
-/// Invalid if lists, structs and maps nest deeper than `kMaxNestingLevels`.
+/// Invalid if the type is a null pointer, or contains a field or dictionary values whose type is a
+/// null pointer. Invalid if lists, structs and maps nest deeper than `kMaxNestingLevels`.
 ::arrow::Status check_type(const ::arrow::DataType* type);
 
 }  // namespace numera::io::arrow::core

@@ -23,7 +23,8 @@ bool is_whole(const ArrayView& view) {
   return view.offset == view.data->offset && view.length == view.data->length;
 }
 
-/// The null count of the view, as far as the array knows it. A slice made by Arrow has the same.
+/// The null count of the view if the array knows it, else unknown. Arrow's slices follow this rule
+/// too.
 std::int64_t known_null_count(const ArrayView& view) {
   const std::int64_t count = view.data->null_count.load();
   if (is_whole(view) || count == 0) return count;

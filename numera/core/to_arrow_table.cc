@@ -34,7 +34,7 @@ namespace numera::io::arrow::core {
   const size_t count = hxGetDimensions(columns)[0];
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector arrays;
-  // An empty shape may have any first extent. Then the first access throws.
+  // An array without elements can have a first extent above 0. Then the first access throws.
   const size_t stored = std::min(count, hxGetNumberOfElements(columns));
   fields.reserve(stored);
   arrays.reserve(stored);

@@ -21,7 +21,7 @@ namespace numera::io::arrow::core {
 /// Fields are nullable and have no metadata. The lengths of the columns are not compared. Like the
 /// result of `to_arrow`, the table borrows the memory of `encoded`.
 ///
-/// Before each column it calls `hxThrowIfInterruptPending`, whose exception passes through.
+/// Calls `hxThrowIfInterruptPending` before each column; its exception passes through.
 ///
 /// Errors:
 /// - an empty field or one of another class: TypeError as in `to_arrow`, for the first such field

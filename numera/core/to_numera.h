@@ -41,13 +41,15 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 ///
 /// The bits of a sliced chunk are read from the start of its bitmap, without its offset. If a slice
 /// has nulls, copy it to an array of offset 0 first.
+///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
 /// - a type without a host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
 /// - types nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more than 1024
 ///   levels, expected at most 1024."
-/// - a null type, or a type with a field or dictionary values of null type: Invalid "Type: found a
-///   null pointer, expected a type, with the types of all its fields and values."
+/// - a null pointer in place of the type, or of the type of a field or of dictionary values:
+///   Invalid "Type: found a null pointer, expected a type, with the types of all its fields and
+///   values."
 /// - text that is not UTF-8, or that the host cannot store: Invalid "Could not convert string in
 ///   row R to UTF-16 string.\n", where R counts from 0 in each chunk
 /// - dictionaries of anything but text: Invalid "Invalid dictionary value type: T"
@@ -75,8 +77,8 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buf
 /// struct array with the fields "ArrowType", "Type", "Data", "Valid") and "Names" (1-by-n cell of
 /// char rows).
 ///
-/// Before each column it calls `hxThrowIfInterruptPending`, whose exception passes through. Errors
-/// of the table are those of `begin_encoded_table`. A column that fails gives its status, with a
+/// Calls `hxThrowIfInterruptPending` before each column; its exception passes through. Errors of
+/// the table are those of `begin_encoded_table`. A column that fails gives its status, with a
 /// `util::TableErrorStatusDetail` that names the column. Cost: that of the columns.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Table> table);
 

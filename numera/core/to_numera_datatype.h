@@ -14,8 +14,8 @@
 
 namespace numera::io::arrow::core {
 
-/// The name of the host class of values of this type. None if the type, or a type inside it, is
-/// null or has no host class, or if the type nests deeper than `kMaxNestingLevels`.
+/// The name of the host class of values of this type. None if the type, or a type inside it, is a
+/// null pointer or has no host class. None if the type nests deeper than `kMaxNestingLevels`.
 ///
 /// The name differs from the "Type" text of encoded arrays: dates and timestamps are "datetime",
 /// times of day "duration", durations "int64", the null type "double", binary types, lists and maps

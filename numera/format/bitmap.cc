@@ -10,7 +10,7 @@ constexpr std::uint8_t low_bits(std::int64_t count) {
   return static_cast<std::uint8_t>((1U << count) - 1U);
 }
 
-/// Replaces the bits of `byte` that `mask` names by those of `bits`.
+/// Replaces the bits of `byte` that are set in `mask` by those of `bits`.
 void merge(std::uint8_t& byte, std::uint8_t bits, std::uint8_t mask) {
   byte = static_cast<std::uint8_t>((byte & ~mask) | (bits & mask));
 }
@@ -31,7 +31,7 @@ void store_word(std::uint8_t* target, std::uint64_t word, size_t count = 8) {
   std::memcpy(target, &word, count);
 }
 
-/// The last `bits` (1 to 63) bits of a copy to a target that starts at bit `shift`.
+/// Copies the last `bits` (1 to 63) bits to a target that starts at bit `shift`.
 void copy_shifted_end(const std::uint8_t* source, std::int64_t bits, std::uint8_t* target,
                       int shift) {
   const std::uint64_t word = load_word(source, static_cast<size_t>(bitmap_bytes(bits)));
@@ -44,8 +44,9 @@ void copy_shifted_end(const std::uint8_t* source, std::int64_t bits, std::uint8_
   merge(target[whole], static_cast<std::uint8_t>(last), low_bits(end % 8));
 }
 
-/// Moves 64 bits at a time to a target that starts at bit `shift` (1 to 7) of its first byte. Every
-/// word after the first is put together from the source alone: no word waits for the one before.
+/// Copies 64 bits at a time to a target that starts at bit `shift` (1 to 7) of its first byte.
+/// Every word after the first is computed from the source alone, so no word depends on the one
+/// before.
 void copy_shifted(const std::uint8_t* source, std::int64_t bits, std::uint8_t* target, int shift) {
   const std::int64_t words = bits / 64;
   if (words > 0) {
@@ -61,7 +62,8 @@ void copy_shifted(const std::uint8_t* source, std::int64_t bits, std::uint8_t* t
   if (bits % 64 != 0) copy_shifted_end(source, bits % 64, target, shift);
 }
 
-/// The unused bits behind the last one in use, where whole bytes of `source` reach them.
+/// Copies from `source` to the unused bits of the last target byte, if whole source bytes reach
+/// them.
 void carry_unused_bits(std::span<const std::uint8_t> source, std::int64_t length,
                        const BitmapTarget& target) {
   const auto size = static_cast<std::int64_t>(source.size());
@@ -73,7 +75,7 @@ void carry_unused_bits(std::span<const std::uint8_t> source, std::int64_t length
         static_cast<std::uint8_t>(~low_bits(target.total % 8)));
 }
 
-/// Bits [begin, end), begin < end, become those of `fill`.
+/// Sets bits [begin, end), begin < end, to those of `fill`.
 void fill_bits(std::uint8_t* bytes, std::int64_t begin, std::int64_t end, std::uint8_t fill) {
   std::int64_t first = begin / 8;
   const std::int64_t last = end / 8;

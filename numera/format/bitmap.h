@@ -6,37 +6,38 @@
 
 namespace numera::format {
 
-/// Bytes that hold `bits` bits.
+/// The number of bytes that hold `bits` bits.
 template <std::integral Count>
 constexpr Count bitmap_bytes(Count bits) {
   return bits / 8 + (bits % 8 != 0 ? 1 : 0);
 }
 
-/// Where a run of bits goes.
+/// The destination of a run of bits.
 struct BitmapTarget {
   std::span<std::uint8_t> bytes;
   std::int64_t position;  ///< the bit where the run starts
-  std::int64_t total;     ///< bits in use; those from here to the end of the last byte are unused
+  std::int64_t total;     ///< bits in use; the other bits of the last byte are unused
 };
 
-/// Copies `length` bits, from bit 0 of `source` on, to `target`; bits are numbered least
-/// significant first. `target.position + length` is at most `target.total`, and `target.bytes`
-/// holds `target.total` bits.
+/// Copies the first `length` bits of `source` to `target`. Bits are numbered least significant
+/// first. `target.position + length` is at most `target.total`, and `target.bytes` holds
+/// `target.total` bits.
 ///
-/// Returns how many bits were copied: a source that is too short leaves the bits beyond its end as
-/// they are. A copy that starts on a
-/// byte moves whole bytes, as many as the source has (all but the last unless `length` is a
-/// multiple of 8): what these carry past `length` reaches the unused bits at the end of the target,
-/// and never a bit in use.
+/// Returns the number of bits copied. If the source is too short, the bits beyond its end keep
+/// their values.
+///
+/// If the copy starts on a byte boundary, the unused bits at the end of the target may take source
+/// bits after `length`. These come from all bytes of the source if `length` is a multiple of 8,
+/// else from all but the last. Bits in use never take them.
 std::int64_t copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length,
                          BitmapTarget target);
 
-/// Copies the bits of one chunk after another, each with `copy_bitmap`, and writes every byte on
-/// the way: what a chunk has no bits for, and what is unused at the end, takes the bits of a fill.
+/// Appends the bits of one chunk after another with `copy_bitmap`. Every byte is written: bits that
+/// a chunk does not have, and unused bits at the end, take the bits of a fill.
 class BitmapWriter {
  public:
-  /// `bytes` need not be initialized. They hold `total` bits, the sum of the lengths to come, or
-  /// are empty: then nothing is written. `fill` is 0 or 0xFF.
+  /// `bytes` need not be initialized. They hold `total` bits, the sum of all lengths to be
+  /// appended. If `bytes` is empty, nothing is written. `fill` is 0 or 0xFF.
   BitmapWriter(std::span<std::uint8_t> bytes, std::int64_t total, std::uint8_t fill);
 
   void append(std::span<const std::uint8_t> source, std::int64_t length);

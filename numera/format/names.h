@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The names of the encoded form. No other file under numera/ spells the name of a field.
+/// The names of the encoded form. No other file under numera/ contains the names of fields.
 
 namespace numera::format {
 
@@ -36,7 +36,7 @@ inline constexpr const char* kStructKind = "struct";
 inline constexpr const char* kTableKind = "table";
 /// @}
 
-/// \name Type names, the texts of "Type". Those of numbers stand in number_classes.h.
+/// \name Type names, the texts of "Type". Those of numbers are in number_classes.h.
 /// @{
 inline constexpr const char* kBinaryType = "binary_array";
 inline constexpr const char* kCategoricalType = "categorical";
@@ -53,7 +53,7 @@ inline constexpr const char* kStringType = "string";
 inline constexpr const char* kStructType = "struct";
 /// @}
 
-/// \name Fields of the structs that maps are read as
+/// \name Field names of the Arrow structs that maps are read as
 /// @{
 inline constexpr const char* kKey = "key";
 inline constexpr const char* kValue = "value";

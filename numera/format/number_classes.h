@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The ten numeric classes: the one table of what belongs to each.
+/// The ten numeric classes, in one table.
 
 #include <arrow/type_fwd.h>
 
@@ -13,13 +13,13 @@
 
 namespace numera::format {
 
-/// A class of numbers whose elements are `T` in memory, on both sides.
+/// A class of numbers. In memory its elements are `T` on both sides.
 template <class T>
 struct NumberClass {
   using Element = T;
   hxClassID host_class;
   ::arrow::Type::type arrow_type;
-  const char* name;  ///< of the host class, and the text of "Type"
+  const char* name;  ///< name of the host class, and the text of "Type"
 };
 
 inline constexpr std::tuple kNumberClasses = {
@@ -39,12 +39,12 @@ inline constexpr std::tuple kNumberClasses = {
 template <class T>
 inline constexpr const NumberClass<T>& kNumberClass = std::get<NumberClass<T>>(kNumberClasses);
 
-/// The host class of numbers of a C++ type.
+/// The numeric host class of a C++ type.
 template <class T>
 inline constexpr hxClassID kNumericClass = kNumberClass<T>.host_class;
 
-/// Calls `use(row)` with the first row that `is_it(row)` is true for, and `otherwise()` where it is
-/// true for none. Both give the same type.
+/// Calls `use(row)` with the first row for which `is_it(row)` is true, or `otherwise()` if there is
+/// none. Both must return the same type.
 template <size_t i = 0, class IsIt, class Use, class Otherwise>
 auto with_number_class(const IsIt& is_it, const Use& use, const Otherwise& otherwise) {
   if constexpr (i == std::tuple_size_v<decltype(kNumberClasses)>) {
@@ -56,7 +56,7 @@ auto with_number_class(const IsIt& is_it, const Use& use, const Otherwise& other
   }
 }
 
-/// The same with the row of a host class.
+/// The same for the row of a host class.
 template <class Use, class Otherwise>
 auto with_number_class(hxClassID host_class, const Use& use, const Otherwise& otherwise) {
   return with_number_class([host_class](const auto& row) { return row.host_class == host_class; },

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The records of the encoded form: the fields of each in the order in which they are written, and
-/// how each is made. Values are host arrays that the record takes over.
+/// The records of the encoded form: their fields in the order in which they are written, and
+/// functions that make them. The records take ownership of their values, which are host arrays.
 
 #include <array>
 #include <cstddef>
@@ -22,15 +22,15 @@ using Fields = std::array<const char*, n>;
 /// \name Fields of each record, in order
 /// @{
 
-/// An encoded array alone, or as the child of another one.
+/// An encoded array that stands alone or is the child of another one.
 inline constexpr Fields<4> kArray = {kArrowType, kType, kValid, kData};
 /// Encoded arrays that are the columns of a table.
 inline constexpr Fields<4> kTableColumns = {kArrowType, kType, kData, kValid};
 inline constexpr Fields<3> kTable = {kArrowType, kColumns, kNames};
 
-/// A buffer alone, or the bitmap of a column of one chunk.
+/// A buffer that stands alone, or one bitmap for all chunks of a column.
 inline constexpr Fields<3> kBuffer = {kArrowType, kValues, kLength};
-/// The bitmaps of several chunks, and packed logical values.
+/// Bitmaps with one element per chunk, and packed logical values.
 inline constexpr Fields<3> kBitmaps = {kValues, kLength, kArrowType};
 
 /// Texts and bytes: the bytes of all elements (uint8), and where each element starts (uint64).
@@ -47,7 +47,7 @@ inline constexpr Fields<3> kMaps = {kKeys, kValues, kStartOffsets};
 inline constexpr Fields<2> kStructs = {kFieldName, kFieldData};
 /// @}
 
-/// The 1-by-1 struct of these values, one for each field.
+/// Makes a 1-by-1 struct with one value per field.
 template <size_t n, class... Values>
 hxArrayPtr make_record(const Fields<n>& fields, Values... values) {
   static_assert(sizeof...(values) == n, "a value for each field");
@@ -57,18 +57,18 @@ hxArrayPtr make_record(const Fields<n>& fields, Values... values) {
   return record;
 }
 
-/// Stores a buffer into element `index` of a struct array of buffers or bitmaps. `length` counts
-/// elements.
+/// Stores a buffer in element `index` of a struct array of buffers or bitmaps. `length` is the
+/// number of elements.
 void store_buffer(hxArray* buffers, size_t index, hxArrayPtr values, std::int64_t length);
 
-/// Logical values of these bits, a uint8 column.
+/// Makes packed logical values. `bits` is a uint8 column.
 hxArrayPtr make_packed_logical(hxArrayPtr bits, std::int64_t length);
 
-/// What the bits of a new bitmap are; `NoBits` makes "Values" 0-by-1.
+/// The initial bits of a new bitmap. `NoBits` makes "Values" 0-by-1.
 enum class BitFill : std::uint8_t { NoBits, Zeros, Ones };
 
-/// Stores a bitmap of `length` bits in the same way. The writer writes to "Values" and lives as
-/// long as `buffers`.
+/// Stores a bitmap of `length` bits like `store_buffer`. The returned writer writes to "Values" and
+/// must not outlive `buffers`.
 BitmapWriter store_bitmap(hxArray* buffers, size_t index, std::int64_t length, BitFill fill);
 
 }  // namespace numera::format

@@ -7,10 +7,10 @@
 
 namespace numera::format {
 
-/// The text of "Units". Every value that is no unit gives that of milliseconds.
+/// The text of "Units". An invalid value gives "milliseconds".
 const char* unit_name(::arrow::TimeUnit::type unit);
 
-/// The unit of a text of "Units"; none where it is no such text.
+/// The unit that a text of "Units" names; none for any other text.
 std::optional<::arrow::TimeUnit::type> unit_of(std::string_view name);
 
 }  // namespace numera::format

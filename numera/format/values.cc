@@ -81,7 +81,7 @@ std::string describe(const hxArray* value) {
   }
   const char* const name = hxGetClassName(value);
   if (name != nullptr && *name != '\0') return text + " " + name + " array";
-  // The interface has no name for the classes that it gives no access to.
+  // Classes that the interface gives no access to have no name.
   return text + " array of class " + std::to_string(static_cast<std::int32_t>(hxGetClassID(value)));
 }
 

@@ -37,7 +37,7 @@ const ::arrow::DictionaryType& as_dictionary_type(const ::arrow::DataType& type)
   return *static_cast<const std::uint8_t*>(hxGetData(ordinal)) != 0;
 }
 
-/// The dictionary of a chunk, whose offsets Arrow may trust. Its nulls are not counted.
+/// The dictionary of a chunk, with checked offsets. Its nulls are not counted.
 template <class Offset>
 ::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
     const ArrayView& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {

@@ -33,7 +33,7 @@ std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> ty
       borrow_elements(values), std::move(validity), ::arrow::kUnknownNullCount, 0);
 }
 
-/// Dates and times by the width of their type.
+/// Writes dates and times as int64 if `wide`, else as int32.
 ::arrow::Result<hxArrayPtr> counts_to_numera(const ColumnView& chunks, bool wide) {
   return wide ? numeric_to_numera<std::int64_t>(chunks) : numeric_to_numera<std::int32_t>(chunks);
 }
@@ -58,7 +58,7 @@ hxArrayPtr time_unit_name(TimeUnit::type unit) {
     return ::arrow::Status::TypeError(
         "The values field must be either an int32 array or an int64 array.");
   }
-  // Arrow's factories end the process for a unit that the width does not take.
+  // Arrow's type factories abort the process if the unit does not fit the width.
   if (!takes_unit(class_id, unit))
     return messages::wrong_time_unit(values, format::unit_name(unit));
   return class_id == hxClassID::Int32 ? ::arrow::time32(unit) : ::arrow::time64(unit);

@@ -3,9 +3,9 @@
 /// \file
 /// Calendar dates, times of day, and the names of time units.
 ///
-/// A time of day travels both ways as the 1-by-1 struct of "Values" (int32 or int64, counted in the
-/// unit) and "Units" (char row). A date travels towards the host only, as the struct of "Values"
-/// (int32 days or int64 milliseconds since 1970-01-01) and "DateType" ("Date").
+/// A time of day is a 1-by-1 struct of "Values" (int32 or int64, counted in the unit) and "Units"
+/// (char row), in both directions. A date goes to the host only, as a struct of "Values" (int32
+/// days or int64 milliseconds since 1970-01-01) and "DateType" ("Date").
 
 #include <arrow/type_fwd.h>
 
@@ -20,20 +20,20 @@ namespace numera::io::arrow::core {
 /// "seconds", "microseconds" and "nanoseconds"; every other text means milliseconds.
 ::arrow::TimeUnit::type parse_time_unit(const std::string& text);
 
-/// Char row of a unit's name; "milliseconds" for a value that is no unit.
+/// Char row of the name of a unit; "milliseconds" for an invalid value.
 hxArrayPtr time_unit_name(::arrow::TimeUnit::type unit);
 
-/// time32 for int32 "Values", time64 for int64 "Values", in the unit of "Units", which is checked
-/// first. Another class is a TypeError, a unit that the width does not take Invalid.
+/// time32 for int32 "Values", time64 for int64 "Values", with the unit of "Units", which is checked
+/// first. Another class is a TypeError. A unit that does not fit the width is Invalid.
 ::arrow::Result<std::shared_ptr<::arrow::DataType>> time_type_from_struct(const hxArray* encoded);
 
-/// A time-of-day struct to an array over its "Values", which may be of any shape.
+/// Converts a time-of-day struct to an array over its "Values", which may have any shape.
 ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
-/// Dates to the date struct; an int32 column for date32, int64 for date64.
+/// Converts dates to the date struct: an int32 column for date32, int64 for date64.
 ::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks);
 
-/// Times of day to the time-of-day struct; an int32 column for time32, int64 for time64.
+/// Converts times of day to the time-of-day struct: an int32 column for time32, int64 for time64.
 ::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

@@ -41,9 +41,9 @@ class Codes {
   std::span<const std::uint8_t> bytes_;
 };
 
-/// Whether all codes are below `limit`, a positive number. The top bit of either term is set where
-/// a code is not, if the limit is no greater than the first code with a top bit: of this, unlike of
-/// a comparison, every processor makes vector code.
+/// Whether all codes are less than `limit`, which is positive. If `limit` <= `kTopBit`, a code of
+/// `limit` or more sets the top bit of `bits`. Unlike a comparison, this vectorizes on every
+/// processor.
 template <std::unsigned_integral Code>
 bool are_below(Codes<Code> codes, Code limit) {
   constexpr Code kTopBit = Code{1} << (8 * sizeof(Code) - 1);
@@ -70,11 +70,11 @@ bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
   if (std::cmp_less_equal(dictionary_length, kMost)) {
     return are_below(unsigned_codes, static_cast<Unsigned>(dictionary_length));
   }
-  // The dictionary is long enough for every code that is not negative.
+  // The dictionary is long enough for every non-negative code.
   return std::is_unsigned_v<Code> || are_below(unsigned_codes, static_cast<Unsigned>(kMost + 1U));
 }
 
-/// A copy without an offset: its codes within the dictionary, its bitmap as long as the codes.
+/// A copy with offset 0, codes within the dictionary and a bitmap that covers all codes.
 template <class Code>
 ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes,
                         std::span<const std::uint8_t> bits) {
@@ -121,7 +121,7 @@ ArrayDataResult within_dictionary(const ArrayView& chunk) {
   if (!covered || !are_within(codes, chunk.data->dictionary->length)) {
     return rebuild(chunk, codes, bits);
   }
-  // Where there may be nulls Arrow reads the bitmap without asking whether there is one.
+  // If the null count is not 0, Arrow reads the bitmap without checking that there is one.
   if (bits.empty()) {
     same->buffers[0] = nullptr;
     same->null_count = 0;
@@ -146,7 +146,7 @@ ArrayDataResult within_dictionary(const ArrayView& chunk, ::arrow::Type::type in
     case ::arrow::Type::INT64:
       return within_dictionary<std::int64_t>(chunk);
     default:
-      // A dictionary type takes integers only.
+      // A dictionary type has only integer index types.
       return within_dictionary<std::uint64_t>(chunk);
   }
 }

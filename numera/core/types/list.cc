@@ -41,7 +41,7 @@ struct ListParts {
   return ::arrow::Status::OK();
 }
 
-/// Makes the values the lists that they lie in.
+/// Replaces the values in `data` by the list array that contains them.
 [[gnu::noinline]] void enclose(ListParts& parts, DataPtr& data) {
   const auto length = static_cast<std::int64_t>(hxGetNumberOfElements(parts.offsets)) - 1;
   auto type = ::arrow::large_list(data->type);
@@ -70,7 +70,7 @@ struct ListParts {
   return write_chunks(chunked, format::kLists, write);
 }
 
-// Never inlined, so that its frame does not lie under those of the children.
+// noinline keeps the stack frame of the caller small while children are converted.
 template <class Offset>
 [[gnu::noinline]] ::arrow::Status store_start_offsets(hxArray* data, size_t index,
                                                       const ArrayView& chunk) {

@@ -3,16 +3,16 @@
 /// \file
 /// Maps, towards the host only.
 ///
-/// "Data" of a map is a struct array with one element a chunk and the fields "Keys" and "Values"
-/// (the envelopes of the whole children) and "StartOffsets" (int32, 0-based, one more than there
-/// are rows: row i is [offset i, offset i + 1) of both). A slice carries its whole children.
+/// "Data" of a map is a struct array with one element per chunk and the fields "Keys" and "Values"
+/// (the envelopes of the whole children) and "StartOffsets" (int32, 0-based, number of rows + 1:
+/// row i is [offset i, offset i + 1) of both). A slice keeps its whole children.
 
 #include "numera/core/dispatch.h"
 #include "numera/host/array.h"
 
 namespace numera::io::arrow::core {
 
-/// Maps to their "Data".
+/// Converts maps to their "Data".
 ::arrow::Result<hxArrayPtr> MapToHost(const ColumnView& chunked);
 
 }  // namespace numera::io::arrow::core

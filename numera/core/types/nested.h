@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// What the writers of lists, structs and maps share.
+/// Shared code of the writers of lists, structs and maps.
 ///
-/// They call `store_child`, and that calls them again: up to `kMaxNestingLevels` of both lie on the
-/// stack at a time. What is not on the way to a child is therefore in functions of its own that are
-/// never inlined, so that their frames are gone by then.
+/// The writers and `store_child` call each other, so up to `kMaxNestingLevels` frames of both are
+/// on the stack. All other work is in separate noinline functions, whose frames are gone before the
+/// next level begins.
 
 #include <arrow/result.h>
 #include <arrow/status.h>
@@ -20,21 +20,21 @@
 
 namespace numera::io::arrow::core {
 
-/// Where a value goes: field `field` of element `index` of a struct array or, where there is no
-/// field, cell `index` of a cell array.
+/// The destination of a value: field `field` of element `index` of a struct array, or cell `index`
+/// of a cell array if `field` is null.
 struct Slot {
   hxArray* container;
   size_t index;
   const char* field = nullptr;
 };
 
-/// Stores the whole envelope of an array whose type and layout are known to be good.
+/// Stores the whole envelope of an array. Type and layout must have been checked.
 ::arrow::Status store_child(const Slot& slot, const ArrayView& child);
 
-/// The status as a result. Making one takes more stack than all else that a writer does.
+/// Turns a status into a result. noinline: this takes more stack than all else in a writer.
 [[gnu::noinline]] ::arrow::Result<hxArrayPtr> failed(::arrow::Status status);
 
-/// "Data" of a nested column: a struct array of these fields with one element per chunk.
+/// Makes "Data" of a nested column: a struct array with these fields and one element per chunk.
 /// `write(data, index, chunk)` fills element `index`.
 template <class Write>
 ::arrow::Result<hxArrayPtr> write_chunks(const ColumnView& column,

@@ -78,7 +78,7 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
 
 ::arrow::Result<hxArrayPtr> numbers_to_numera(const ColumnView& chunks, hxClassID class_id,
                                               size_t width) {
-  // Refused before the host allocates.
+  // Check before the host allocates.
   for (const ArrayView& chunk : chunks.chunks()) {
     ARROW_RETURN_NOT_OK(fixed_width_values(chunk, static_cast<std::int64_t>(width)));
   }

@@ -3,9 +3,9 @@
 /// \file
 /// The ten numeric classes and logical values.
 ///
-/// Numbers are bare host arrays. Logical values travel packed, as a 1-by-1 struct with the fields
-/// "Values" (uint8 column of bits, least significant first), "Length" (double) and "ArrowType"
-/// ("buffer").
+/// Numbers are host arrays without a struct. Logical values are packed: a 1-by-1 struct with the
+/// fields "Values" (uint8 column of bits, least significant first), "Length" (double) and
+/// "ArrowType" ("buffer").
 
 #include <arrow/result.h>
 
@@ -21,23 +21,24 @@
 
 namespace numera::io::arrow::core {
 
-/// Numbers of any shape, in storage order, to an array over their memory. The class alone decides
-/// the type; one that is not numeric is Invalid "Invalid type for numeric NUMERA to Arrow
-/// conversion.", complex and sparse numbers are a TypeError that names `field`.
+/// Converts numbers of any shape, in storage order, to an array over their memory. The class alone
+/// decides the type. A class that is not numeric is Invalid "Invalid type for numeric NUMERA to
+/// Arrow conversion." Complex or sparse numbers are a TypeError that names `field`.
 ArrayResult numeric_to_arrow(const hxArray* values, std::shared_ptr<::arrow::Buffer> validity,
                              const char* field = format::kData);
 
-/// A packed logical struct to a boolean array over its bits. "Length" is truncated toward zero;
-/// the bits are not compared with it.
+/// Converts a packed logical struct to a boolean array over its bits. "Length" is truncated toward
+/// zero and is not compared with the number of bits.
 ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Copies the elements of all chunks, `width` bytes each, to `destination`, from element `start`
-/// on. Returns the position behind the last one. Invalid where a chunk's buffer ends early.
+/// on. Returns the index after the last copied element. Invalid if the buffer of a chunk is too
+/// short.
 ::arrow::Result<std::int64_t> copy_chunks(const ColumnView& chunks,
                                           std::span<std::byte> destination, std::int64_t start,
                                           size_t width);
 
-/// Arrays of fixed width, bit for bit, to an N-by-1 column of a class whose elements are as wide.
+/// Copies fixed-width arrays bit for bit to an N-by-1 column of a class with the same width.
 ::arrow::Result<hxArrayPtr> numbers_to_numera(const ColumnView& chunks, hxClassID class_id,
                                               size_t width);
 
@@ -48,15 +49,15 @@ template <class T>
   return copy_chunks(chunks, std::as_writable_bytes(destination), start, sizeof(T));
 }
 
-/// `numbers_to_numera` to the class of T. The Arrow type only has to be as wide as T: dates, times
-/// and durations are written by these too.
+/// `numbers_to_numera` for the class of T. The Arrow type only needs the width of T: dates, times
+/// and durations use this function too.
 template <class T>
 ::arrow::Result<hxArrayPtr> numeric_to_numera(const ColumnView& chunks) {
   return numbers_to_numera(chunks, format::kNumericClass<T>, sizeof(T));
 }
 
-/// Booleans to a packed logical struct. Bits are read from the start of each chunk's buffer: the
-/// offset of a slice is not applied.
+/// Converts booleans to a packed logical struct. Bits are read from the start of each chunk's
+/// buffer: the offset of a slice is not applied.
 ::arrow::Result<hxArrayPtr> logical_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

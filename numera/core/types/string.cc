@@ -15,8 +15,8 @@ std::unique_ptr<hxStringArray> make_string_column(std::int64_t length) {
   return hxMakeStringArray(std::array{static_cast<size_t>(length), size_t{1}});
 }
 
-/// Sets one element after another, where the store could not take them at once. Returns the number
-/// of the first that cannot be set.
+/// Sets the elements one by one, after the store failed to take them all at once. Returns the index
+/// of the first element that cannot be set.
 template <class Offset>
 std::optional<size_t> set_one_by_one(const VariableWidthValues<Offset>& texts, hxStringArray& store,
                                      size_t start) {
@@ -43,7 +43,7 @@ template <class Offset>
     row = store.assign_utf8(start, texts.offsets, texts.bytes.data());
     if (row) *row -= start;
   } catch (...) {
-    // The host has not said which element it is.
+    // The exception does not tell which element failed.
     row = set_one_by_one(texts, store, start);
   }
   if (!row) return ::arrow::Status::OK();

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Texts. Towards Arrow they are UTF-8 bytes and offsets, wrapped as they stand (see
-/// values_and_offsets.h); towards the host they become a string array of UTF-16 texts.
+/// Texts. Towards Arrow, UTF-8 bytes and offsets are wrapped without a copy (see
+/// values_and_offsets.h). Towards the host, they become a string array of UTF-16 texts.
 
 #include <arrow/result.h>
 #include <arrow/status.h>
@@ -19,36 +19,35 @@
 
 namespace numera::io::arrow::core {
 
-/// UTF-8 to UTF-16 by the host's strict codec. Any number of threads may convert. Throws
-/// `hxCodecError`.
+/// UTF-8 to UTF-16 with the host's strict codec. Any number of threads may convert at the same
+/// time. Throws `hxCodecError`.
 inline std::u16string Utf8ToUtf16(std::string_view utf8) { return hxUTF8Decoder().convert(utf8); }
 
 /// An `::arrow::LargeStringArray` over the memory of "Values" and "StartOffsets". The bytes are not
-/// looked at: whether they are UTF-8 is for the caller to know.
+/// checked: the caller must know that they are UTF-8.
 ArrayResult MakeLargeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
-/// An `::arrow::StringArray`; its offsets are a copy made by `NarrowOffsets`, with its errors.
+/// An `::arrow::StringArray`. `NarrowOffsets` copies its offsets and gives its errors.
 ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
-/// Sets the elements of `store` from `start` on to the texts of `array`; those under null slots are
-/// converted like any other. `store` has that many elements.
+/// Sets the elements of `store`, from `start` on, to the texts of `array`. Texts at null slots
+/// are converted like all others. `store` must have enough elements.
 ///
-/// Text that is not UTF-8, and whatever is thrown while an element is converted or set, is Invalid
-/// "Could not convert string in row R to UTF-16 string.\n"; R counts within `array`. Offsets that
-/// fall or leave their buffers are Invalid too. After a failure the elements are unspecified.
+/// Invalid "Could not convert string in row R to UTF-16 string.\n" if a text is not UTF-8 or if
+/// converting or setting it throws; R counts within `array`. Also Invalid if offsets decrease or
+/// point outside their buffers. After a failure the elements are unspecified.
 ///
-/// The whole array is one call of the store. Where that throws, the elements are set one after
-/// another: the first that throws is R, and where none does, the store holds all of them.
-/// `ArrowArray` is `::arrow::StringArray` or
-/// `::arrow::LargeStringArray`, here and below.
+/// The whole array is set in one call of the store. If that call throws, the elements are set one
+/// by one: R is the first that throws. If none throws, the store holds all of them. `ArrowArray` is
+/// `::arrow::StringArray` or `::arrow::LargeStringArray`, here and below.
 template <class ArrowArray>
 ::arrow::Status FillHostStrings(const ArrowArray& array, hxStringArray& store, size_t start);
 
-/// One array to a string array of N-by-1 elements, none of them missing.
+/// Converts one array to an N-by-1 string array without missing elements.
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> StringArrayToHost(const ArrowArray& array);
 
-/// All chunks to one string array of N-by-1 elements. A row that a failure names counts within its
+/// Converts all chunks to one N-by-1 string array. The row in an error message counts within its
 /// chunk.
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ColumnView& column);

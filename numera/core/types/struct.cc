@@ -25,8 +25,8 @@ size_t count_cells(const hxArray* cells) {
 
 struct StructParts {
   std::shared_ptr<::arrow::Buffer> validity;
-  const hxArray* names = nullptr;  ///< cells
-  const hxArray* cells = nullptr;  ///< the envelopes of the children
+  const hxArray* names = nullptr;  ///< cell array
+  const hxArray* cells = nullptr;  ///< cell array of the envelopes of the children
   ::arrow::FieldVector fields;     ///< of the children read so far
   std::vector<DataPtr> children;
 };
@@ -51,7 +51,7 @@ struct StructParts {
   parts.children.push_back(std::move(child));
 }
 
-/// Arrow's answer to children that make no struct.
+/// Arrow's error for children that do not make a struct.
 ::arrow::Status refuse_children(const StructParts& parts) {
   ::arrow::ArrayVector arrays;
   for (const DataPtr& child : parts.children) arrays.push_back(::arrow::MakeArray(child));

@@ -3,9 +3,9 @@
 /// \file
 /// Timestamps, with their unit and time zone.
 ///
-/// A timestamp travels as the 1-by-1 struct of "Values" (int64, counted in the unit since
-/// 1970-01-01 00:00:00 UTC), "Units" (char row), "TimeZone" (char row; empty: none) and, written
-/// only, "DateType" ("Timestamp").
+/// A timestamp is a 1-by-1 struct of "Values" (int64, counted in the unit since 1970-01-01 00:00:00
+/// UTC), "Units" (char row), "TimeZone" (char row; empty: none) and "DateType" ("Timestamp";
+/// written, but not read).
 
 #include <arrow/type_fwd.h>
 
@@ -16,15 +16,16 @@
 
 namespace numera::io::arrow::core {
 
-/// The type of a timestamp struct. An unknown unit means milliseconds; the time zone is taken as it
-/// stands, read as UTF-8.
+/// The type of a timestamp struct. An unknown unit means milliseconds. The time zone is read as
+/// UTF-8 and not checked.
 ::arrow::Result<std::shared_ptr<::arrow::DataType>> timestamp_type_from_struct(
     const hxArray* encoded);
 
-/// A timestamp struct to an array over its "Values", which may be of any shape.
+/// Converts a timestamp struct to an array over its "Values", which may have any shape.
 ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
-/// Timestamps to the timestamp struct. The time zone is written with one character a byte.
+/// Converts timestamps to the timestamp struct. The time zone is written with one character per
+/// byte.
 ::arrow::Result<hxArrayPtr> timestamp_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

@@ -1,10 +1,10 @@
 #pragma once
 
 /// \file
-/// Elements of any length as the host encodes them, the form that texts and byte strings share: a
-/// struct with the fields "Values" (uint8, the bytes of all elements back to back) and
-/// "StartOffsets" (uint64, N + 1 zero-based byte positions). Bytes behind the last offset are
-/// allowed; no offset is looked at where it need not be copied.
+/// The encoded form that texts and byte strings share: a struct with the fields "Values" (uint8,
+/// the bytes of all elements back to back) and "StartOffsets" (uint64, N + 1 zero-based byte
+/// positions). Bytes after the last offset are allowed. Offsets are read only if they must be
+/// copied.
 
 #include <arrow/buffer.h>
 #include <arrow/result.h>
@@ -24,19 +24,19 @@ struct ValuesAndStartOffsets {
   const hxArray* values;
   const hxArray* offsets;
 
-  /// -1 where "StartOffsets" has no elements at all.
+  /// -1 if "StartOffsets" has no elements.
   std::int64_t length() const {
     return static_cast<std::int64_t>(hxGetNumberOfElements(offsets)) - 1;
   }
 };
 
-/// Reads element 0 of a struct. Errors: what `VerifyHxStructContains` says of "Values", then of
-/// "StartOffsets"; then TypeError for a complex or sparse one.
+/// Reads element 0 of a struct. Errors: those of `VerifyHxStructContains` for "Values", then for
+/// "StartOffsets"; then TypeError if one of them is complex or sparse.
 ::arrow::Result<ValuesAndStartOffsets> ReadValuesAndStartOffsets(const hxArray* s);
 
-/// A copy of uint64 offsets as 32-bit ones, in memory of Arrow's default pool. Invalid "Cannot
-/// construct arrow::StringArray or arrow::BinaryArray with O offset." from 2147483647 on: the
-/// greatest 32-bit offset is refused as well.
+/// A copy of uint64 offsets as 32-bit offsets, in memory of Arrow's default pool. Offsets of
+/// 2147483647 or more, so also the greatest 32-bit offset, are Invalid "Cannot construct
+/// arrow::StringArray or arrow::BinaryArray with O offset."
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> NarrowOffsets(const hxArray* offsets);
 
 /// An `ArrowArray` with 64-bit offsets over the memory of both fields. O(1).
@@ -48,7 +48,7 @@ ArrayResult borrow_large_array(const hxArray* s, std::shared_ptr<::arrow::Buffer
                                       ::arrow::kUnknownNullCount, 0);
 }
 
-/// An `ArrowArray` with 32-bit offsets over the memory of "Values"; the offsets are copied.
+/// An `ArrowArray` with 32-bit offsets over the memory of "Values". The offsets are copied.
 template <class ArrowArray>
 ArrayResult borrow_narrow_array(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity) {
   ARROW_ASSIGN_OR_RAISE(const auto fields, ReadValuesAndStartOffsets(s));

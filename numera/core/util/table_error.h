@@ -15,7 +15,7 @@ namespace numera::io::arrow::core::util {
 
 /// The kind of status that a column failed with.
 enum class TableErrorCode : std::int32_t {
-  TypeError = 0,  ///< a type error: the column may pass as another type
+  TypeError = 0,  ///< a type error: the column may convert as another type
   Internal = 1    ///< every other code
 };
 
