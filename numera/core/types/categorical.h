@@ -12,6 +12,7 @@
 #include <arrow/type_fwd.h>
 
 #include <memory>
+#include <utility>
 
 #include "numera/core/dispatch.h"
 #include "numera/host/array.h"
