@@ -40,8 +40,9 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// - "Valid" of all other columns is a struct array with one such envelope per chunk.
 ///
 /// The bits of a sliced chunk are read from the start of their buffer, without its offset: those of
-/// its validity bitmap, and the values of booleans. Copy slices of booleans and slices with nulls to
-/// an array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does it.
+/// its validity bitmap, and the values of booleans. Copy slices of booleans and slices with nulls
+/// to an array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does
+/// it.
 ///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
