@@ -2,7 +2,6 @@
 
 #include <arrow/type.h>
 
-#include <memory>
 #include <utility>
 
 #include "numera/core/dispatch.h"
@@ -20,13 +19,6 @@ hxArrayPtr field_names(const ::arrow::Schema& schema) {
     hxSetCell(names.get(), i++, format::make_char_row_from_utf8(field->name()));
   }
   return names;
-}
-
-::arrow::Status name_column(const ::arrow::Status& status, const ::arrow::Schema& schema, int i) {
-  const auto code =
-      status.IsTypeError() ? util::TableErrorCode::TypeError : util::TableErrorCode::Internal;
-  return status.WithDetail(
-      std::make_shared<util::TableErrorStatusDetail>(code, schema.field(i)->name(), i));
 }
 
 }  // namespace
@@ -52,7 +44,7 @@ hxArrayPtr field_names(const ::arrow::Schema& schema) {
 
 ::arrow::Result<EncodedColumn> encode_column(const ::arrow::Table& table, int i) {
   auto column = encode_checked(table.columns()[static_cast<size_t>(i)].get());
-  if (!column.ok()) return name_column(column.status(), *table.schema(), i);
+  if (!column.ok()) return util::in_column(column.status(), table.schema()->field(i)->name(), i);
   return column;
 }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
+#include <type_traits>
 
 #include "numera/host/array.h"
 
@@ -61,6 +62,21 @@ template <class Use, class Otherwise>
 auto with_number_class(hxClassID host_class, const Use& use, const Otherwise& otherwise) {
   return with_number_class([host_class](const auto& row) { return row.host_class == host_class; },
                            use, otherwise);
+}
+
+/// The same with the row of the index type of a dictionary, which is always an integer.
+template <class Use>
+auto with_index_class(::arrow::Type::type index_type, const Use& use) {
+  const auto otherwise = [&use] { return use(kNumberClass<std::uint64_t>); };
+  const auto use_integer = [&]<class T>(const NumberClass<T>& row) {
+    if constexpr (std::is_integral_v<T>) {
+      return use(row);
+    } else {
+      return otherwise();
+    }
+  };
+  return with_number_class([=](const auto& row) { return row.arrow_type == index_type; },
+                           use_integer, otherwise);
 }
 
 }  // namespace numera::format

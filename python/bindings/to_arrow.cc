@@ -23,7 +23,6 @@ namespace numera::python {
 namespace {
 
 namespace py = ::arrow::py;
-using io::arrow::core::util::TableErrorCode;
 using io::arrow::core::util::TableErrorStatusDetail;
 
 constexpr const char* kEncodeNote =
@@ -75,9 +74,7 @@ std::string failed_column(const HostValue& host, const ::arrow::Status& status) 
                                       table.num_rows(), " like the first one.");
   }
   if (status.ok()) return status;
-  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
-  return status.WithDetail(
-      std::make_shared<TableErrorStatusDetail>(code, table.field(index)->name(), index));
+  return io::arrow::core::util::in_column(status, table.field(index)->name(), index);
 }
 
 ::arrow::Status validate_full(const ::arrow::Array& array) { return array.ValidateFull(); }

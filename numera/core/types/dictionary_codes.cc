@@ -16,6 +16,7 @@
 #include "numera/core/chunk_memory.h"
 #include "numera/core/messages.h"
 #include "numera/format/bitmap.h"
+#include "numera/format/number_classes.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -129,28 +130,6 @@ ArrayDataResult within_dictionary(const ArrayView& chunk) {
   return same;
 }
 
-ArrayDataResult within_dictionary(const ArrayView& chunk, ::arrow::Type::type index_type) {
-  switch (index_type) {
-    case ::arrow::Type::INT8:
-      return within_dictionary<std::int8_t>(chunk);
-    case ::arrow::Type::UINT8:
-      return within_dictionary<std::uint8_t>(chunk);
-    case ::arrow::Type::INT16:
-      return within_dictionary<std::int16_t>(chunk);
-    case ::arrow::Type::UINT16:
-      return within_dictionary<std::uint16_t>(chunk);
-    case ::arrow::Type::INT32:
-      return within_dictionary<std::int32_t>(chunk);
-    case ::arrow::Type::UINT32:
-      return within_dictionary<std::uint32_t>(chunk);
-    case ::arrow::Type::INT64:
-      return within_dictionary<std::int64_t>(chunk);
-    default:
-      // A dictionary type has only integer index types.
-      return within_dictionary<std::uint64_t>(chunk);
-  }
-}
-
 }  // namespace
 
 ArrayDataResult copy_of_codes(const ArrayView& chunk) {
@@ -166,7 +145,10 @@ ArrayDataResult copy_of_codes(const ArrayView& chunk) {
 ::arrow::Result<std::shared_ptr<::arrow::DictionaryArray>> codes_within_dictionary(
     const ArrayView& chunk) {
   const auto& type = static_cast<const ::arrow::DictionaryType&>(*chunk.data->type);
-  ARROW_ASSIGN_OR_RAISE(const auto data, within_dictionary(chunk, type.index_type()->id()));
+  const auto check = [&]<class Code>(const format::NumberClass<Code>&) {
+    return within_dictionary<Code>(chunk);
+  };
+  ARROW_ASSIGN_OR_RAISE(const auto data, format::with_index_class(type.index_type()->id(), check));
   return std::make_shared<::arrow::DictionaryArray>(data);
 }
 

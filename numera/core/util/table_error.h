@@ -6,6 +6,7 @@
 #include <arrow/status.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "numera/arrow_version.h"
@@ -57,5 +58,12 @@ class NUMERA_EXPORT TableErrorStatusDetail : public ::arrow::StatusDetail {
   std::string column_name_;
   int column_index_;
 };
+
+/// `status`, a failure, with the name and the 0-based index of the column that it is about.
+inline ::arrow::Status in_column(const ::arrow::Status& status, const std::string& name,
+                                 int index) {
+  const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;
+  return status.WithDetail(std::make_shared<TableErrorStatusDetail>(code, name, index));
+}
 
 }  // namespace numera::io::arrow::core::util

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "numera/core/to_numera.h"
+#include "numera/core/util/table_error.h"
 #include "numera/extras/convert/exact_type.h"
 #include "numera/extras/encode/encode.h"
-#include "numera/extras/in_column.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/parallel/in_order.h"
 #include "numera/extras/parallel/parallel.h"
@@ -18,6 +18,7 @@
 namespace numera::extras {
 namespace {
 
+using io::arrow::core::util::in_column;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 using ColumnPtr = std::shared_ptr<::arrow::ChunkedArray>;
 using TablePtr = std::shared_ptr<::arrow::Table>;

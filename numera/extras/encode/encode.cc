@@ -4,16 +4,17 @@
 #include <utility>
 #include <vector>
 
+#include "numera/core/util/table_error.h"
 #include "numera/extras/encode/envelope.h"
 #include "numera/extras/encode/leaf.h"
 #include "numera/extras/encode/readable.h"
-#include "numera/extras/in_column.h"
 #include "numera/extras/parallel/in_order.h"
 #include "numera/format/records.h"
 
 namespace numera::extras {
 namespace {
 
+using io::arrow::core::util::in_column;
 using namespace encoding;  // NOLINT(google-build-using-namespace): this file is its front
 
 /// Gives the name of column `index` and its readable envelope.

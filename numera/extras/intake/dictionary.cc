@@ -1,4 +1,5 @@
 #include <arrow/type.h>
+#include <arrow/type_traits.h>
 #include <arrow/util/bit_util.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include "numera/extras/intake/memory.h"
 #include "numera/extras/intake/plain_text.h"
 #include "numera/extras/intake/takes.h"
+#include "numera/format/number_classes.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -60,29 +62,6 @@ DataResult without_nulls(Work& work, const ::arrow::ArrayData& texts,
   return &taken;
 }
 
-/// Calls `use` with a value of the index type `id`, which is always an integer type.
-template <class Use>
-auto with_index(Type::type id, Use use) {
-  switch (id) {
-    case Type::INT8:
-      return use(std::int8_t{});
-    case Type::UINT8:
-      return use(std::uint8_t{});
-    case Type::INT16:
-      return use(std::int16_t{});
-    case Type::UINT16:
-      return use(std::uint16_t{});
-    case Type::INT32:
-      return use(std::int32_t{});
-    case Type::UINT32:
-      return use(std::uint32_t{});
-    case Type::UINT64:
-      return use(std::uint64_t{});
-    default:
-      return use(std::int64_t{});
-  }
-}
-
 template <class Index>
 std::vector<std::int64_t> places(const ::arrow::ArrayData& indices) {
   std::vector<std::int64_t> result(static_cast<size_t>(indices.length), kNowhere);
@@ -127,14 +106,17 @@ DataResult take_dictionary(Work& work, const std::string& path, const ::arrow::A
   ARROW_ASSIGN_OR_RAISE(Data out, take_fixed_width(work, path, array));
   const Type::type index = type.index_type()->id();
   if (!is_text(*values)) {
-    const auto of = with_index(index, [&](auto i) { return places<decltype(i)>(*out); });
+    const auto of = format::with_index_class(
+        index, [&]<class Index>(const format::NumberClass<Index>&) { return places<Index>(*out); });
     ARROW_ASSIGN_OR_RAISE(out, gather(work, *values, of));
     work.note(path, array.type, out->type);
     return out;
   }
   if (!taken->codes.empty()) {
-    ARROW_RETURN_NOT_OK(with_index(
-        index, [&](auto i) { return recode<decltype(i)>(work, taken->codes, out.get()); }));
+    const auto recode_as = [&]<class Index>(const format::NumberClass<Index>&) {
+      return recode<Index>(work, taken->codes, out.get());
+    };
+    ARROW_RETURN_NOT_OK(format::with_index_class(index, recode_as));
   }
   if (values->type != type.value_type()) {
     out->type = ::arrow::dictionary(type.index_type(), values->type, type.ordered());

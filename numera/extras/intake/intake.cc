@@ -2,13 +2,14 @@
 
 #include <utility>
 
-#include "numera/extras/in_column.h"
+#include "numera/core/util/table_error.h"
 #include "numera/extras/intake/column.h"
 #include "numera/host/array.h"
 
 namespace numera::extras {
 namespace {
 
+using io::arrow::core::util::in_column;
 ::arrow::Status null_pointer(const char* what) {
   return ::arrow::Status::Invalid(what, ": found a null pointer, expected a value.");
 }

@@ -10,9 +10,9 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_arrow_table.h"
+#include "numera/core/util/table_error.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
-#include "numera/extras/in_column.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/own/owned_memory.h"
 #include "numera/format/names.h"
@@ -21,6 +21,7 @@ namespace numera::extras {
 namespace {
 
 namespace core = io::arrow::core;
+using core::util::in_column;
 using core::util::VerifyHxStructContains;
 
 /// Reads the name and the borrowed array of a column.
