@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "numera/extras/intake/memory.h"
+#include "numera/extras/intake/rules.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -45,6 +46,14 @@ DataResult make_slots(Work& work, const ::arrow::ArrayData& values, Places place
   if (nulls > 0) out->buffers[0] = std::move(validity);
   out->null_count = nulls;
   return out;
+}
+
+/// Values of the null type have no memory.
+::arrow::Status gather_nothing(Work& /*work*/, const ::arrow::ArrayData& /*values*/, Places places,
+                               ::arrow::ArrayData* out) {
+  out->buffers[0] = nullptr;
+  out->null_count = static_cast<std::int64_t>(places.size());
+  return ::arrow::Status::OK();
 }
 
 ::arrow::Status gather_bits(Work& work, const ::arrow::ArrayData& values, Places places,
@@ -169,29 +178,30 @@ template <class From, class To>
 using Gather = ::arrow::Status (*)(Work&, const ::arrow::ArrayData&, Places, ::arrow::ArrayData*);
 
 /// How to gather values of a type that the host accepts.
-Gather gather_of(Type::type id, bool wide) {
-  switch (id) {
-    case Type::BOOL:
+Gather gather_of(Layout layout, bool wide) {
+  switch (layout) {
+    case Layout::kNoValues:
+      return gather_nothing;
+    case Layout::kBits:
       return gather_bits;
-    case Type::STRING:
-    case Type::BINARY:
+    case Layout::kFixedWidth:
+      return gather_fixed_width;
+    case Layout::kText:
       return wide ? gather_text<std::int32_t, std::int64_t>
                   : gather_text<std::int32_t, std::int32_t>;
-    case Type::LARGE_STRING:
-    case Type::LARGE_BINARY:
+    case Layout::kLargeText:
       return gather_text<std::int64_t, std::int64_t>;
-    case Type::LIST:
+    case Layout::kList:
       return wide ? gather_lists<std::int32_t, std::int64_t>
                   : gather_lists<std::int32_t, std::int32_t>;
-    case Type::LARGE_LIST:
+    case Layout::kLargeList:
       return gather_lists<std::int64_t, std::int64_t>;
-    case Type::MAP:
+    case Layout::kMap:
       return gather_maps;
-    case Type::STRUCT:
+    case Layout::kStruct:
       return gather_children;
-    default:
-      return gather_fixed_width;
   }
+  return nullptr;
 }
 
 std::shared_ptr<::arrow::DataType> widened(const std::shared_ptr<::arrow::DataType>& type) {
@@ -210,12 +220,10 @@ std::shared_ptr<::arrow::DataType> widened(const std::shared_ptr<::arrow::DataTy
 }  // namespace
 
 DataResult gather(Work& work, const ::arrow::ArrayData& values, Places places) {
-  const auto count = static_cast<std::int64_t>(places.size());
-  if (values.type->id() == Type::NA)
-    return ::arrow::ArrayData::Make(values.type, count, {nullptr}, count);
   ARROW_ASSIGN_OR_RAISE(Data out, make_slots(work, values, places));
   out->dictionary = values.dictionary;
-  ARROW_RETURN_NOT_OK(gather_of(values.type->id(), work.wide)(work, values, places, out.get()));
+  ARROW_RETURN_NOT_OK(
+      gather_of(layout_of(*values.type), work.wide)(work, values, places, out.get()));
   out->type = with_child_types(work.wide ? widened(values.type) : values.type, *out);
   return out;
 }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "numera/extras/intake/rules.h"
 #include "numera/format/bitmap.h"
 
 namespace numera::extras::intake {
@@ -80,17 +81,24 @@ std::shared_ptr<::arrow::DataType> with_child_types(const std::shared_ptr<::arro
   }
   if (same) return type;
   ::arrow::FieldVector fields = with_types(type->fields(), array);
-  switch (type->id()) {
-    case ::arrow::Type::LIST:
+  switch (layout_of(*type)) {
+    case Layout::kList:
       return ::arrow::list(fields[0]);
-    case ::arrow::Type::LARGE_LIST:
+    case Layout::kLargeList:
       return ::arrow::large_list(fields[0]);
-    case ::arrow::Type::MAP:
+    case Layout::kMap:
       return std::make_shared<::arrow::MapType>(
           fields[0], static_cast<const ::arrow::MapType&>(*type).keys_sorted());
-    default:
+    case Layout::kStruct:
       return ::arrow::struct_(fields);
+    case Layout::kNoValues:
+    case Layout::kBits:
+    case Layout::kFixedWidth:
+    case Layout::kText:
+    case Layout::kLargeText:
+      break;  // no children
   }
+  return type;
 }
 
 }  // namespace numera::extras::intake

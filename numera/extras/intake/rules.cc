@@ -14,56 +14,80 @@ namespace {
 
 using ::arrow::Type;
 
-constexpr Rule kept(Type::type id, const char* type, Take take) {
-  return {id, type, Fate::kKept, "", take};
+constexpr Take take_of(Layout layout) {
+  switch (layout) {
+    case Layout::kNoValues:
+      return take_null;
+    case Layout::kBits:
+      return take_bits;
+    case Layout::kFixedWidth:
+      return take_fixed_width;
+    case Layout::kText:
+      return take_text<std::int32_t>;
+    case Layout::kLargeText:
+      return take_text<std::int64_t>;
+    case Layout::kList:
+    case Layout::kMap:
+      return take_list<std::int32_t>;
+    case Layout::kLargeList:
+      return take_list<std::int64_t>;
+    case Layout::kStruct:
+      return take_struct;
+  }
+  return nullptr;
+}
+
+constexpr Rule kept(Type::type id, const char* type, Layout layout = Layout::kFixedWidth) {
+  return {id, type, Fate::kKept, layout, "", take_of(layout)};
 }
 
 constexpr Rule cast(Type::type id, const char* type, const char* to, Take take) {
-  return {id, type, Fate::kCast, to, take};
+  return {id, type, Fate::kCast, {}, to, take};
 }
 
 constexpr Rule refused(Type::type id, const char* type) {
-  return {id, type, Fate::kRefused, "", nullptr};
+  return {id, type, Fate::kRefused, {}, "", nullptr};
 }
 
 constexpr Rule kRules[] = {
-    kept(Type::NA, "null", take_null),
-    kept(Type::BOOL, "bool", take_bits),
-    kept(Type::UINT8, "uint8", take_fixed_width),
-    kept(Type::INT8, "int8", take_fixed_width),
-    kept(Type::UINT16, "uint16", take_fixed_width),
-    kept(Type::INT16, "int16", take_fixed_width),
-    kept(Type::UINT32, "uint32", take_fixed_width),
-    kept(Type::INT32, "int32", take_fixed_width),
-    kept(Type::UINT64, "uint64", take_fixed_width),
-    kept(Type::INT64, "int64", take_fixed_width),
+    kept(Type::NA, "null", Layout::kNoValues),
+    kept(Type::BOOL, "bool", Layout::kBits),
+    kept(Type::UINT8, "uint8"),
+    kept(Type::INT8, "int8"),
+    kept(Type::UINT16, "uint16"),
+    kept(Type::INT16, "int16"),
+    kept(Type::UINT32, "uint32"),
+    kept(Type::INT32, "int32"),
+    kept(Type::UINT64, "uint64"),
+    kept(Type::INT64, "int64"),
     cast(Type::HALF_FLOAT, "halffloat", "double", cast_half_float),
-    kept(Type::FLOAT, "float", take_fixed_width),
-    kept(Type::DOUBLE, "double", take_fixed_width),
-    kept(Type::STRING, "utf8", take_text<std::int32_t>),
-    kept(Type::BINARY, "binary", take_text<std::int32_t>),
-    kept(Type::FIXED_SIZE_BINARY, "fixed_size_binary", take_fixed_width),
-    kept(Type::DATE32, "date32", take_fixed_width),
-    kept(Type::DATE64, "date64", take_fixed_width),
-    kept(Type::TIMESTAMP, "timestamp", take_fixed_width),
-    kept(Type::TIME32, "time32", take_fixed_width),
-    kept(Type::TIME64, "time64", take_fixed_width),
+    kept(Type::FLOAT, "float"),
+    kept(Type::DOUBLE, "double"),
+    kept(Type::STRING, "utf8", Layout::kText),
+    kept(Type::BINARY, "binary", Layout::kText),
+    kept(Type::FIXED_SIZE_BINARY, "fixed_size_binary"),
+    kept(Type::DATE32, "date32"),
+    kept(Type::DATE64, "date64"),
+    kept(Type::TIMESTAMP, "timestamp"),
+    kept(Type::TIME32, "time32"),
+    kept(Type::TIME64, "time64"),
     cast(Type::INTERVAL_MONTHS, "month_interval", "utf8", cast_month_interval),
     cast(Type::INTERVAL_DAY_TIME, "day_time_interval", "utf8", cast_day_time_interval),
     cast(Type::DECIMAL128, "decimal128", "double", cast_decimal),
     cast(Type::DECIMAL256, "decimal256", "double", cast_decimal),
-    kept(Type::LIST, "list", take_list<std::int32_t>),
-    kept(Type::STRUCT, "struct", take_struct),
+    kept(Type::LIST, "list", Layout::kList),
+    kept(Type::STRUCT, "struct", Layout::kStruct),
     refused(Type::SPARSE_UNION, "sparse_union"),
     refused(Type::DENSE_UNION, "dense_union"),
-    {Type::DICTIONARY, "dictionary", Fate::kKeptOfText, "its values", take_dictionary},
-    kept(Type::MAP, "map", take_list<std::int32_t>),
+    {Type::DICTIONARY, "dictionary", Fate::kKeptOfText, Layout::kFixedWidth, "its values",
+     take_dictionary},
+    kept(Type::MAP, "map", Layout::kMap),
     cast(Type::EXTENSION, "extension", "its storage", cast_extension),
     cast(Type::FIXED_SIZE_LIST, "fixed_size_list", "list", cast_fixed_size_list),
-    kept(Type::DURATION, "duration", take_fixed_width),
-    kept(Type::LARGE_STRING, "large_utf8", take_text<std::int64_t>),
-    kept(Type::LARGE_BINARY, "large_binary", take_text<std::int64_t>),
-    kept(Type::LARGE_LIST, "large_list", take_list<std::int64_t>),
+    kept(Type::DURATION, "duration"),
+    kept(Type::LARGE_STRING, "large_utf8", Layout::kLargeText),
+    kept(Type::LARGE_BINARY, "large_binary", Layout::kLargeText),
+    kept(Type::LARGE_LIST, "large_list", Layout::kLargeList),
     cast(Type::INTERVAL_MONTH_DAY_NANO, "month_day_nano_interval", "utf8",
          cast_month_day_nano_interval),
     cast(Type::RUN_END_ENCODED, "run_end_encoded", "its values", cast_run_end_encoded),
@@ -94,9 +118,9 @@ std::string place_of(const std::string& path) { return path.empty() ? "" : path 
 constexpr const char* kAskForCasts = "; casts were not asked for";
 
 /// Whether a dictionary of this value type is kept: text, or text views if views may be cast.
-bool is_text(const ::arrow::DataType& type, Leave leave) {
+bool is_text(const ::arrow::DataType& type, AllowedCasts allowed) {
   return type.id() == Type::STRING || type.id() == Type::LARGE_STRING ||
-         (type.id() == Type::STRING_VIEW && leave.views);
+         (type.id() == Type::STRING_VIEW && allowed.views);
 }
 
 bool is_view(Type::type id) {
@@ -104,23 +128,25 @@ bool is_view(Type::type id) {
          id == Type::LARGE_LIST_VIEW;
 }
 
-bool may_cast(Type::type id, Leave leave) { return leave.all || (leave.views && is_view(id)); }
+bool may_cast(Type::type id, AllowedCasts allowed) {
+  return allowed.all || (allowed.views && is_view(id));
+}
 
 bool holds_types(const ::arrow::DataType& type) {
   return type.num_fields() > 0 || type.id() == Type::STRUCT || type.id() == Type::DICTIONARY ||
          type.id() == Type::EXTENSION;
 }
 
-::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, AllowedCasts allowed,
                       int levels);
 
-::arrow::Status check_fields(const std::string& path, const ::arrow::DataType& type, Leave leave,
-                             int levels) {
+::arrow::Status check_fields(const std::string& path, const ::arrow::DataType& type,
+                             AllowedCasts allowed, int levels) {
   for (const auto& field : type.fields()) {
     ARROW_RETURN_NOT_OK(check(type.id() == Type::STRUCT            ? field_path(path, field->name())
                               : type.id() == Type::RUN_END_ENCODED ? path + "<values>"
                                                                    : path + "[]",
-                              *field->type(), leave, levels));
+                              *field->type(), allowed, levels));
   }
   return ::arrow::Status::OK();
 }
@@ -138,7 +164,7 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 
 /// Allows `levels` more levels of nesting. A dictionary or an extension of a plain type is not a
 /// level.
-::arrow::Status check(const std::string& path, const ::arrow::DataType& type, Leave leave,
+::arrow::Status check(const std::string& path, const ::arrow::DataType& type, AllowedCasts allowed,
                       int levels) {
   if (!has_inner_types(type)) {
     return ::arrow::Status::Invalid(place_of(path), "found type ", type.name(),
@@ -146,7 +172,7 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   }
   const auto id = static_cast<size_t>(type.id());
   if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
-  if (kRules[id].fate == Fate::kCast && !may_cast(type.id(), leave))
+  if (kRules[id].fate == Fate::kCast && !may_cast(type.id(), allowed))
     return refuse(path, type, kAskForCasts);
   if (!holds_types(type)) return ::arrow::Status::OK();
   const ::arrow::DataType* represented = represented_type(type);
@@ -157,27 +183,30 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   }
   if (represented != nullptr) {
     const bool is_dictionary = type.id() == Type::DICTIONARY;
-    if (is_dictionary && !leave.all && !is_text(*represented, leave))
+    if (is_dictionary && !allowed.all && !is_text(*represented, allowed))
       return refuse(path, type, kAskForCasts);
-    return check(path + (is_dictionary ? "<dictionary>" : "<storage>"), *represented, leave,
+    return check(path + (is_dictionary ? "<dictionary>" : "<storage>"), *represented, allowed,
                  levels);
   }
-  if (type.id() != Type::MAP) return check_fields(path, type, leave, levels);
+  if (type.id() != Type::MAP) return check_fields(path, type, allowed, levels);
   const auto& map = static_cast<const ::arrow::MapType&>(type);
-  ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), leave, levels));
-  return check(path + "{item}", *map.item_type(), leave, levels);
+  ARROW_RETURN_NOT_OK(check(path + "{key}", *map.key_type(), allowed, levels));
+  return check(path + "{item}", *map.item_type(), allowed, levels);
 }
 
 }  // namespace
 
 std::span<const Rule> rules() { return kRules; }
 
+Layout layout_of(const ::arrow::DataType& type) { return kRules[type.id()].layout; }
+
 std::string field_path(const std::string& path, const std::string& name) {
   return path + "." + name;
 }
 
-::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, Leave leave) {
-  return check(path, type, leave, io::arrow::core::kMaxNestingLevels);
+::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type,
+                           AllowedCasts allowed) {
+  return check(path, type, allowed, io::arrow::core::kMaxNestingLevels);
 }
 
 DataResult take_in_data(Work& work, const std::string& path, const ::arrow::ArrayData& array) {

@@ -21,10 +21,25 @@ enum class Fate : std::uint8_t {
   kRefused,     ///< always refused: there is no rule
 };
 
+/// How values of a kept type lie in memory. What differs between kept types is a switch over this
+/// without a default, so a new layout compiles only once every switch has it.
+enum class Layout : std::uint8_t {
+  kNoValues,
+  kBits,
+  kFixedWidth,  ///< dictionaries too, by their codes
+  kText,
+  kLargeText,
+  kList,
+  kLargeList,
+  kMap,
+  kStruct,
+};
+
 struct Rule {
   ::arrow::Type::type id;
   const char* type;  ///< the name in the documentation
   Fate fate;
+  Layout layout;        ///< only of kept types
   const char* cast_to;  ///< the target in the documentation; empty if nothing is cast
   Take take;
 };
@@ -32,8 +47,11 @@ struct Rule {
 /// One row per type, in the order of type ids.
 std::span<const Rule> rules();
 
+/// The layout of a kept type.
+Layout layout_of(const ::arrow::DataType& type);
+
 /// What may be cast.
-struct Leave {
+struct AllowedCasts {
   bool all = false;
   bool views = false;
 };
@@ -43,6 +61,7 @@ std::string field_path(const std::string& path, const std::string& name);
 
 /// Checks a type at every depth. TypeError names the first type that has no rule or may not be
 /// cast. Invalid if types nest too deeply or an inner type is a null pointer.
-::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type, Leave leave);
+::arrow::Status check_type(const std::string& path, const ::arrow::DataType& type,
+                           AllowedCasts allowed);
 
 }  // namespace numera::extras::intake

@@ -70,8 +70,8 @@ bool drop(Elements* elements, size_t holds) noexcept {
 
 // Drops the reference of an array to elements. The last array frees the contents first and then
 // drops the reference to the block.
-hxArray* leave(const hxArray* array, Elements* elements, std::span<hxArray* const> slots,
-               hxArray* doomed) noexcept {
+hxArray* drop_reference(const hxArray* array, Elements* elements, std::span<hxArray* const> slots,
+                        hxArray* doomed) noexcept {
   const size_t before = elements->holders.fetch_sub(1, std::memory_order_acq_rel);
   if ((before & ~Elements::kHeader) != (Elements::kUsers | 1)) return doomed;
   doomed = free_contents(array->layout->content, slots, elements, doomed);
@@ -89,7 +89,7 @@ hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept {
     free_block(home, 1);
   } else {
     count_live(-1, 0);
-    doomed = leave(array, elements, slots_of(array), doomed);
+    doomed = drop_reference(array, elements, slots_of(array), doomed);
     if (drop(home, Elements::kHeader)) free_block(home);
   }
   drop_layout(layout);
@@ -165,7 +165,7 @@ Elements* copy_slots(const hxArray* array) {
       if (source[i] != nullptr) slots[i] = shared_copy(source[i]).release();
     }
   } catch (...) {
-    destroy_all(leave(array, copy, slots, nullptr));
+    destroy_all(drop_reference(array, copy, slots, nullptr));
     throw;
   }
   return copy;
@@ -243,7 +243,7 @@ void unshare(hxArray* array) {
   Elements* const own = content == Content::Slots ? copy_slots(array) : copy_numbers(array);
   Elements* const shared = std::exchange(array->elements, own);
   // The other arrays may have been destroyed during the copy.
-  destroy_all(leave(array, shared, slots, nullptr));
+  destroy_all(drop_reference(array, shared, slots, nullptr));
 }
 
 void destroy_array(hxArray* array) noexcept {
