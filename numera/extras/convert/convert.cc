@@ -63,8 +63,8 @@ template <class T>
     const auto status = exact_field(array, field, "Column").Value(&columns[i]);
     return status.ok() ? status : in_column(status, field.name(), index);
   };
-  ARROW_RETURN_NOT_OK(
-      parallel::in_order(count, parallel::thread_count(threads), threads, check, convert));
+  threads = parallel::thread_count(threads);
+  ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));
   return ::arrow::Table::Make(schema, columns, table.num_rows());
 }
 
