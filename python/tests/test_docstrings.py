@@ -12,7 +12,7 @@ import numera
 import pytest
 from numera import host
 
-FUNCTIONS = ["to_host", "to_arrow", "make_readable", "encode", "datatype", "utf16_to_utf8"]
+FUNCTIONS = ["to_host", "to_arrow", "make_readable", "datatype", "utf16_to_utf8"]
 FILES = ["read", "scan", "write"]
 BUILDERS = ["numeric", "logical", "char", "string", "cell", "struct"]
 # Special methods, which need no example.
@@ -87,4 +87,4 @@ def test_the_readme_holds():
     [code] = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)
     names = {}
     exec(code, names)
-    assert names["numera"].to_arrow(names["numera"].encode(names["host"])).num_rows == 2
+    assert names["numera"].to_arrow(names["numera"].make_readable(names["host"])).num_rows == 2
