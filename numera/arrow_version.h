@@ -2,7 +2,8 @@
 
 /// \file
 /// Stops the compilation if the Arrow headers have a different major version than the one that the
-/// library was built with: their binary interfaces differ. The package files set the version.
+/// library was built with: their binary interfaces differ. The package files define
+/// `NUMERA_ARROW_MAJOR`, the version that the library was built with.
 
 #include <arrow/util/config.h>
 

@@ -58,7 +58,8 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   if (child->type->id() != declared->id()) {
     return messages::wrong_layout(type, name + " of type " + child->type->name(), declared->name());
   }
-  // The type of the column is checked already, but the child has another type object.
+  // `check_type` has already checked the type of the column, but the child may have another type
+  // object.
   if (child->type != declared) ARROW_RETURN_NOT_OK(check_type(child->type.get()));
   if (type.id() == Type::STRUCT) {
     if (!extent_is_valid(*child)) return messages::wrong_extent(child->offset, child->length);

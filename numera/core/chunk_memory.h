@@ -47,8 +47,8 @@ struct VariableWidthValues {
 template <class Offset>
 ::arrow::Result<VariableWidthValues<Offset>> variable_width_values(const ArrayView& array);
 
-/// The part of this check that takes O(1): the buffer holds as many offsets of `width` bytes as the
-/// array needs.
+/// The O(1) part of the checks of `variable_width_values`: offset and length are valid, and the
+/// buffer holds all offsets that the array needs, `width` bytes each.
 ::arrow::Status check_offsets_fit(const ArrayView& array, std::int64_t width);
 
 /// The offsets of a list or map as stored: `length` + 1 of them, `width` bytes each. For an array
@@ -69,8 +69,8 @@ inline BytesResult unsliced_validity(const ArrayView& chunk) {
 bool extent_is_valid(const ArrayView& array);
 
 /// The number of null slots. All slots of the null type are null. If the array knows the count, no
-/// bits are read. Bits that a short bitmap lacks count as valid. The array stores a new count of
-/// all its slots if the bitmap is long enough, as Arrow's own function does.
+/// bits are read. Bits that a short bitmap lacks count as valid. If the view covers the whole array
+/// and the bitmap is long enough, a new count is stored in the array, as Arrow's own function does.
 ::arrow::Result<std::int64_t> count_nulls(const ArrayView& array);
 
 /// Invalid if a chunk is missing, has a negative offset or length, or has another type than the

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The two dispatches. The converters of nested types call them for their children.
+/// Selects the converter of a value: a reader towards Arrow, a writer towards the host. The
+/// converters of nested types call these functions for their children.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
@@ -24,7 +25,7 @@ using DataPtr = std::shared_ptr<::arrow::ArrayData>;
 /// A reader of one type name. `data` is the "Data" struct, `validity` the bitmap (null: no nulls).
 using Reader = ArrayResult (*)(const hxArray* data, std::shared_ptr<::arrow::Buffer> validity);
 
-/// The borrowed fields of one encoded array. Null is an empty slot.
+/// The borrowed fields of one encoded array. Null means that the slot is empty.
 struct EnvelopeFields {
   const hxArray* arrow_type;
   const hxArray* type;

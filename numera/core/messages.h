@@ -44,7 +44,8 @@ namespace numera::io::arrow::core::messages {
 /// Invalid: a dictionary that is missing or does not have the type that its array states.
 ::arrow::Status wrong_dictionary(std::string_view found, const ::arrow::DataType& expected);
 
-/// Invalid: an Arrow array whose offset or length is negative, or whose sum of both overflows.
+/// Invalid: an Arrow array with a negative offset or length, or with a sum of offset and length
+/// that overflows.
 ::arrow::Status wrong_extent(std::int64_t offset, std::int64_t length);
 
 /// Invalid: a chunked array whose length is not the sum of its chunk lengths.

@@ -34,14 +34,15 @@ namespace numera::io::arrow::core {
   const size_t count = hxGetDimensions(columns)[0];
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector arrays;
-  // An array without elements can have a first extent above 0. Then the first access throws.
+  // `count` is the first dimension. It can be above 0 although the array has no elements, for
+  // example 2-by-0. Then nothing is reserved, and the first access throws.
   const size_t stored = std::min(count, hxGetNumberOfElements(columns));
   fields.reserve(stored);
   arrays.reserve(stored);
   for (size_t i = 0; i < count; ++i) {
     hxThrowIfInterruptPending();
     std::string name = util::HxArrayToString(hxGetCellChecked(names, i));
-    // The checks look at element 0 only: once is enough.
+    // The classes of the fields are checked in element 0 only.
     ARROW_ASSIGN_OR_RAISE(
         auto array, i == 0 ? element_to_arrow(columns, i) : later_element_to_arrow(columns, i));
     ARROW_RETURN_NOT_OK(check_table_column(*array));

@@ -14,7 +14,8 @@
 namespace numera::io::arrow::core {
 namespace {
 
-/// The writer of a column whose chunks match its type.
+/// Finds the writer of a column. Fails if the type has no writer or a chunk does not match the
+/// column.
 [[gnu::noinline]] ::arrow::Status find_writer(const ColumnView& column, Writer* writer) {
   *writer = arrow_type_row(column.type()->id()).writer;
   if (*writer != nullptr) return check_chunks(column);

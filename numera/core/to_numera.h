@@ -39,10 +39,9 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 ///   is 0-by-1 if there is no null.
 /// - "Valid" of all other columns is a struct array with one such envelope per chunk.
 ///
-/// The bits of a sliced chunk are read from the start of their buffer, without its offset: those of
-/// its validity bitmap, and the values of booleans. Copy slices of booleans and slices with nulls
-/// to an array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does
-/// it.
+/// The offset of a sliced chunk is not applied to bits: its validity bitmap and its boolean values
+/// are read from the start of their buffers. Copy slices of booleans and slices with nulls to an
+/// array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does it.
 ///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
@@ -65,14 +64,15 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 /// - out of memory: the host's `std::bad_alloc`
 ///
 /// Cost: one host allocation per result array (byte strings: one per element) and one block copy
-/// per chunk (text: one pass). Peak memory is the result. A dictionary column of several chunks
-/// also needs temporary memory for its new codes and the merged dictionary.
+/// per chunk (text: one pass). Peak memory is the size of the result. A dictionary column of
+/// several chunks also needs temporary memory for its new codes and the merged dictionary.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::ChunkedArray> column);
 
 /// The buffer envelope of a buffer: a 1-by-1 struct with the fields "ArrowType" ("buffer"),
 /// "Values" (uint8 column of all its bytes) and "Length" (empty). A null pointer counts as an empty
-/// buffer. Memory of another device is Invalid "Buffer: found bytes that cannot be read here,
-/// expected main memory." Cost: one block copy.
+/// buffer. Memory of another device, no memory although the size is not 0, or a negative size is
+/// Invalid "Buffer: found bytes that cannot be read here, expected main memory." Cost: one block
+/// copy.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer);
 
 /// The encoded table: a 1-by-1 struct with the fields "ArrowType" ("table"), "Columns" (n-by-1

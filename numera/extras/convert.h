@@ -8,9 +8,9 @@
 ///   ARROW_ASSIGN_OR_RAISE(auto back, numera::extras::convert_to_arrow_table(std::move(host)));
 /// \endcode
 ///
-/// These calls check what they are given, and what they return keeps its memory alive. The
-/// conversions of core/ do neither: they trust their input, and read slices and lifetimes as their
-/// headers say.
+/// These functions validate their input, and their results keep the memory that they use alive. The
+/// conversions in core/ do neither: they trust their input, and their headers state how they treat
+/// slices and lifetimes.
 
 #include <arrow/array/array_base.h>
 #include <arrow/chunked_array.h>
@@ -31,18 +31,20 @@
 namespace numera::extras {
 
 struct ToHostOptions {
-  /// What may be cast on the way.
+  /// What `take_in` may cast before the conversion.
   IntakeOptions intake = {};
-  /// Threads that convert the columns of a table; 0 means one per processor.
+  /// Number of threads that convert the columns of a table or record batch. 0 means one per
+  /// processor that this process may use.
   size_t threads = 1;
-  /// Receives what was cast, behind what it holds already. May be null.
+  /// If not null, the casts that were made are appended to this vector.
   std::vector<IntakeCast>* casts = nullptr;
 };
 
 /// \name Towards the host
-/// The encoded value of Arrow data from anywhere: `take_in`, then `to_numera`. Slices, offsets and
-/// null counts are handled; the data is validated in full. The result is a new host value of the
-/// caller. The data is only read, and not needed by the result.
+/// Converts Arrow data from any source to its encoded value: calls `take_in`, then `to_numera`.
+/// Slices, array offsets and unknown null counts are allowed. The data is validated completely. The
+/// result is a new host value that the caller owns. The data is only read, and the result does not
+/// refer to it.
 ///
 /// Errors and exceptions: those of `take_in` and `to_numera`. The status of a column that fails
 /// carries a `TableErrorStatusDetail` with its name and index.
@@ -60,28 +62,40 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
 /// @}
 
 /// \name Towards Arrow
-/// The Arrow value of any host value that `make_readable` takes: ordinary values, and encoded ones
-/// in written or readable form. The value is given away, also where the call fails. What is
-/// returned passes `ValidateFull` and keeps the host value alive. To go on using the value, give
-/// `hxSharedCopy` of it away.
+/// Converts any host value that `make_readable` accepts to an Arrow value: ordinary values, and
+/// encoded values in written or readable form. The call takes ownership of the value, even if it
+/// fails; to keep using the value, pass `hxSharedCopy` of it. The result passes `ValidateFull` and
+/// keeps the host memory that it uses alive.
 ///
-/// With a type or a schema the result has exactly that one: names, nullability and metadata too.
-/// Only casts that lose nothing are made: text, bytes and lists to 32-bit offsets, bytes to a fixed
-/// width, whole days to dates, int64 to durations, lists of keys and values to maps, dictionaries
-/// to another index type, doubles that are all null to the null type, and all of this within lists
-/// and structs. A null type or schema asks for nothing.
+/// If a type or a schema is given, the result has exactly this type or schema, including names,
+/// nullability and metadata. If it is null, nothing is cast. Only casts without loss are made, also
+/// inside lists, structs and maps:
+/// - text, bytes and lists to 32-bit offsets
+/// - text and bytes to views
+/// - bytes to a fixed width
+/// - timestamps of whole days to dates
+/// - int64 to durations
+/// - lists of structs of key and value to maps
+/// - dictionaries to another index type, and their texts as above
+/// - doubles that are all null to the null type
 ///
-/// Errors: those of `make_readable` and `own_to_arrow`, and for a type that no such cast leads to
-/// TypeError "Column: found type X, expected Y, to which no cast leads without loss." The path
-/// names the field: "Column.a[].b". Values that a cast would change are Invalid. A failing column
-/// of a table carries a `TableErrorStatusDetail`.
+/// Errors are those of `make_readable` and `own_to_arrow`, and:
+/// - TypeError "Column: found type X, expected Y, to which no cast leads without loss." Inside
+///   nested types the message starts with the path of the field, such as "Column.a[].b"
+/// - Invalid if a cast would change a value
+/// - Invalid for nulls in a field that is not nullable, for column names that differ from the
+///   schema, and for a type that contains a null pointer or nests too deeply
 ///
-/// Cost: that of `make_readable`, one small allocation per buffer, and a copy of what is cast.
+/// If a column of a table fails, the status carries a `TableErrorStatusDetail`.
+///
+/// Cost: that of `make_readable`, plus one small allocation per buffer and one copy of all values
+/// that are cast.
 /// @{
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> convert_to_arrow(
     hxArrayPtr value, const std::shared_ptr<::arrow::DataType>& type = nullptr);
 
-/// `threads` threads convert the columns; 0 means one per processor.
+/// `threads` is the number of threads that convert the columns. 0 means one per processor that this
+/// process may use.
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> convert_to_arrow_table(
     hxArrayPtr value, const std::shared_ptr<::arrow::Schema>& schema = nullptr, size_t threads = 1);
 /// @}

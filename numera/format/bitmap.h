@@ -26,14 +26,15 @@ struct BitmapTarget {
 /// Returns the number of bits copied. If the source is too short, the bits beyond its end keep
 /// their values.
 ///
-/// If the copy starts on a byte boundary, the unused bits at the end of the target may take source
-/// bits after `length`. These come from all bytes of the source if `length` is a multiple of 8,
-/// else from all but the last. Bits in use never take them.
+/// If the copy starts on a byte boundary, the unused bits at the end of the target may also be
+/// overwritten with source bits after `length`. The last byte of the source is used for this only
+/// if `length` is a multiple of 8. Bits in use are never overwritten with them.
 std::int64_t copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length,
                          BitmapTarget target);
 
-/// Appends the bits of one chunk after another with `copy_bitmap`. Every byte is written: bits that
-/// a chunk does not have, and unused bits at the end, take the bits of a fill.
+/// Appends the bits of one chunk after another with `copy_bitmap`. Every byte is written. Bits that
+/// a chunk does not have are set to those of a fill. So are the unused bits at the end, unless
+/// `copy_bitmap` copies source bits into them.
 class BitmapWriter {
  public:
   /// `bytes` need not be initialized. They hold `total` bits, the sum of all lengths to be

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The names of the encoded form. No other file under numera/ contains the names of fields.
+/// The names of the encoded form. No other file under numera/ uses a field name as a literal to
+/// access a field. Messages and comments may quote the names.
 
 namespace numera::format {
 
@@ -40,7 +41,7 @@ inline constexpr const char* kTableKind = "table";
 /// @{
 inline constexpr const char* kBinaryType = "binary_array";
 inline constexpr const char* kCategoricalType = "categorical";
-inline constexpr const char* kCharType = "char";  ///< text too; read only
+inline constexpr const char* kCharType = "char";  ///< another name for text; read, never written
 inline constexpr const char* kDatetimeType = "datetime";
 inline constexpr const char* kDurationType = "duration";
 inline constexpr const char* kFixedBinaryType = "fixed_binary_array";
@@ -53,7 +54,7 @@ inline constexpr const char* kStringType = "string";
 inline constexpr const char* kStructType = "struct";
 /// @}
 
-/// \name Field names of the Arrow structs that maps are read as
+/// \name Field names of the structs that map entries are read as
 /// @{
 inline constexpr const char* kKey = "key";
 inline constexpr const char* kValue = "value";

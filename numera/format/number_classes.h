@@ -14,7 +14,7 @@
 
 namespace numera::format {
 
-/// A class of numbers. In memory its elements are `T` on both sides.
+/// A class of numbers. Both the host and Arrow store its elements as `T`.
 template <class T>
 struct NumberClass {
   using Element = T;
@@ -57,14 +57,15 @@ auto with_number_class(const IsIt& is_it, const Use& use, const Otherwise& other
   }
 }
 
-/// The same for the row of a host class.
+/// The same, with the row of `host_class`.
 template <class Use, class Otherwise>
 auto with_number_class(hxClassID host_class, const Use& use, const Otherwise& otherwise) {
   return with_number_class([host_class](const auto& row) { return row.host_class == host_class; },
                            use, otherwise);
 }
 
-/// The same with the row of the index type of a dictionary, which is always an integer.
+/// The same, with the row of `index_type`, the index type of a dictionary. It must be an integer
+/// type; for every other type, the row of uint64 is used.
 template <class Use>
 auto with_index_class(::arrow::Type::type index_type, const Use& use) {
   const auto otherwise = [&use] { return use(kNumberClass<std::uint64_t>); };

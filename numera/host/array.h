@@ -16,8 +16,9 @@
 ///
 /// Ownership: creation returns an owning `hxArrayPtr`. Storing it in a field or cell passes the
 /// ownership to the container; the stored array keeps its address. A pointer read from a container
-/// is borrowed. It is valid until the container is destroyed or written: a write to a shared copy
-/// replaces the values in all its slots.
+/// is borrowed. It is valid until the container is destroyed or written. A write can invalidate the
+/// pointers of all slots: if the container shares its storage, the write first replaces every value
+/// by a copy.
 ///
 /// Errors: operations report failure by throwing. Those that cannot fail are `noexcept`.
 ///

@@ -16,7 +16,7 @@
 #include "numera/export.h"
 
 /// A failure that the host reports by a message identifier. It does not derive from
-/// `std::exception` on purpose: a thrown object derives from both.
+/// `std::exception`: `hxTaggedException`, the class that is thrown, derives from both.
 class NUMERA_EXPORT MessageIdException {
  public:
   /// `identifier` is "catalog:key"; `message` is stored unchanged.
@@ -47,9 +47,9 @@ using hxMessageArgument = std::variant<std::uint64_t, std::string>;
 /// The exception of one message. `Tag` names it by `static constexpr` members `catalog` and `key`.
 ///
 /// `StandardBase` is the class that callers catch if they do not use identifiers. If it can be
-/// constructed from a `std::string`, it receives the identifier. `message()` is the identifier
-/// followed by the arguments in parentheses, because the wording belongs to the message catalogue
-/// of the host. Text arguments are copied byte by byte.
+/// constructed from a `std::string`, it receives the identifier. `message()` is the identifier,
+/// followed by the arguments in parentheses if there are any; the wording belongs to the message
+/// catalogue of the host. Each byte of a text argument becomes one code unit.
 template <class Tag, class StandardBase = std::exception>
 class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdException {
  public:
@@ -99,18 +99,18 @@ class NUMERA_EXPORT hxTaggedException : public StandardBase, public MessageIdExc
 
 /// Tag: the caller requests more outputs than the function has. No arguments.
 struct NUMERA_EXPORT hxTooManyOutputs {
-  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
-  static constexpr const char* key = "TooManyOutputs";   ///< after the last colon
+  static constexpr const char* catalog = "NUMERA:host";  ///< identifier before its last colon
+  static constexpr const char* key = "TooManyOutputs";   ///< identifier after its last colon
 };
 /// Tag: the caller passes fewer inputs than the function needs. No arguments.
 struct NUMERA_EXPORT hxTooFewInputs {
-  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
-  static constexpr const char* key = "TooFewInputs";     ///< after the last colon
+  static constexpr const char* catalog = "NUMERA:host";  ///< identifier before its last colon
+  static constexpr const char* key = "TooFewInputs";     ///< identifier after its last colon
 };
 /// Tag: the caller passes more inputs than the function accepts. No arguments.
 struct NUMERA_EXPORT hxTooManyInputs {
-  static constexpr const char* catalog = "NUMERA:host";  ///< before the last colon
-  static constexpr const char* key = "TooManyInputs";    ///< after the last colon
+  static constexpr const char* catalog = "NUMERA:host";  ///< identifier before its last colon
+  static constexpr const char* key = "TooManyInputs";    ///< identifier after its last colon
 };
 
 /// Throws the host's error for too many outputs: `hxTaggedException<hxTooManyOutputs>`.

@@ -52,8 +52,9 @@ class NUMERA_EXPORT hxStringArray {
   /// nullopt. After a failure the elements from `first` on are unspecified.
   ///
   /// The default implementation sets one element after another. It also returns the index of an
-  /// element that cannot be set for another reason. A host overrides it if it can do better; an
-  /// override may throw if it cannot tell which text failed.
+  /// element that cannot be set for another reason, such as lack of memory. An index out of range
+  /// throws. A host overrides it if it can do better; an override may throw if it cannot tell which
+  /// text failed.
   virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                             const std::uint8_t* bytes) {
     return assign_one_by_one(first, offsets, bytes);

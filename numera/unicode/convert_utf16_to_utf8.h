@@ -20,9 +20,9 @@ namespace numera::io::arrow::unicode {
 /// String and cell arrays without columns have no texts.
 ///
 /// outputs[0] receives the bytes, a (T + 1)-by-1 uint8 array: the T bytes of all texts without
-/// gaps, then one zero byte. outputs[1] receives the offsets of N texts, an (N + 1)-by-1 uint64
-/// array: text i is bytes [offsets[i], offsets[i + 1]). Previous values of the outputs are
-/// destroyed.
+/// gaps, then one zero byte. outputs[1] receives the offsets of the N texts (R texts for a char
+/// matrix), an (N + 1)-by-1 uint64 array: text i is bytes [offsets[i], offsets[i + 1]). Previous
+/// values of the outputs are destroyed.
 ///
 /// Errors are thrown and leave the outputs unchanged:
 /// - more than 2 outputs, or not exactly 1 input: thrown by `hxErrorMaxLhs`, `hxErrorMaxRhs` or
@@ -33,9 +33,9 @@ namespace numera::io::arrow::unicode {
 ///
 /// Cost: one pass over the texts measures them, a second pass converts them. Texts that are
 /// contiguous in the host's memory are converted many at a time: ASCII directly into the result,
-/// other texts by the host's codec. If the codec rejects a piece, all texts are converted again one
-/// by one to find the first invalid text. The rows of a char matrix are first gathered into a
-/// string array.
+/// other texts by the host's codec. If the codec rejects texts that are converted together, all
+/// texts are converted again one by one to find the first invalid text. The rows of a char matrix
+/// are first gathered into a string array.
 ///
 /// \code
 ///   hxArrayPtr outputs[2];

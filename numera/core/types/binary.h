@@ -26,8 +26,8 @@ ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ColumnView& column);
 
-/// The same for elements of the byte width of the type, which may be 0. Invalid if the buffer of a
-/// chunk is too short.
+/// The same for fixed-width elements. The type states the width in bytes, which may be 0. Invalid
+/// if the buffer of a chunk is too short.
 ::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

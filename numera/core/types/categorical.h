@@ -49,9 +49,9 @@ struct SingleDictionary {
 /// and numbers.
 ::arrow::Result<hxArrayPtr> DictionaryToHost(const ColumnView& column);
 
-/// No chunk: an empty dictionary. One chunk: its own dictionary and codes, and `dictType`. More:
-/// `UnifyDictionaryChunks`. Invalid if the dictionary of a chunk is missing or does not have the
-/// value type of `dictType`.
+/// Without chunks: an empty dictionary and no codes. With one chunk: its own dictionary and codes,
+/// and type `dictType`. With several: the result of `UnifyDictionaryChunks`. Invalid if the
+/// dictionary of a chunk is missing or does not have the value type of `dictType`.
 ::arrow::Result<SingleDictionary> DictionaryChunksToSingle(
     const ColumnView& column, const std::shared_ptr<::arrow::DataType>& dictType);
 

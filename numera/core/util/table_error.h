@@ -59,7 +59,8 @@ class NUMERA_EXPORT TableErrorStatusDetail : public ::arrow::StatusDetail {
   int column_index_;
 };
 
-/// `status`, a failure, with the name and the 0-based index of the column that it is about.
+/// Returns `status`, which is not OK, with the name and the 0-based index of the failing column as
+/// its `TableErrorStatusDetail`.
 inline ::arrow::Status in_column(const ::arrow::Status& status, const std::string& name,
                                  int index) {
   const auto code = status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal;

@@ -48,7 +48,8 @@ template <class T>
   return ::arrow::Status::Invalid("Table: found the columns ", found, ", expected ", expected, ".");
 }
 
-/// The table that the encoded value gives has one chunk in each column.
+/// Casts a table to `schema`. Every column must have exactly one chunk, as in a table converted
+/// from a host value.
 ::arrow::Result<TablePtr> with_schema(const ::arrow::Table& table,
                                       const std::shared_ptr<::arrow::Schema>& schema,
                                       size_t threads) {

@@ -40,7 +40,7 @@ DataResult exact(const Data& array, const ::arrow::Field& field, const std::stri
                                   " nulls, expected none in a field that is not nullable.");
 }
 
-/// A cast that Arrow refuses where it would change a value.
+/// Casts with Arrow. Fails if the cast would change a value.
 DataResult cast(const Data& array, const TypePtr& type, const std::string& path) {
   const auto values = ::arrow::MakeArray(array);
   const auto cast = ::arrow::compute::Cast(*values, type, ::arrow::compute::CastOptions::Safe());
@@ -48,7 +48,8 @@ DataResult cast(const Data& array, const TypePtr& type, const std::string& path)
   return (*cast)->data();
 }
 
-/// Arrow's cast drops the time of day.
+/// Casts timestamps to dates. Arrow's cast silently drops the time of day, so the result is cast
+/// back and compared.
 DataResult whole_days(const Data& times, const TypePtr& type, const std::string& path) {
   ARROW_ASSIGN_OR_RAISE(Data days, cast(times, type, path));
   ARROW_ASSIGN_OR_RAISE(const Data back, cast(days, times->type, path));
@@ -66,7 +67,7 @@ DataResult nulls(const Data& array, const TypePtr& type, const std::string& path
   return made->data();
 }
 
-/// The cast of values that hold no others.
+/// Casts values of types without children.
 DataResult plain(const Data& array, const TypePtr& type, const std::string& path) {
   const Type::type from = array->type->id();
   switch (type->id()) {
@@ -110,7 +111,7 @@ DataResult dictionary(const Data& array, const TypePtr& type, const std::string&
   return made;
 }
 
-/// Children of a struct, or the key and the value of map entries, whatever their names are.
+/// Casts the children of a struct or of map entries. The names of the children are not compared.
 DataResult with_children(const Data& array, const TypePtr& type, const std::string& path) {
   if (array->type->num_fields() != type->num_fields()) return no_cast(path, *array, *type);
   std::vector<Data> children;
@@ -177,7 +178,8 @@ DataResult exact(const Data& array, const ::arrow::Field& field, const std::stri
 ::arrow::Result<std::shared_ptr<::arrow::Array>> exact_field(
     const std::shared_ptr<::arrow::Array>& array, const ::arrow::Field& field,
     const std::string& path) {
-  // No type that a host value gives is nested deeper.
+  // No type of a converted host value is nested deeper, so a deeper type cannot be the result of a
+  // cast.
   constexpr int kLevels = 2 * io::arrow::core::kMaxNestingLevels;
   if (field.type() == nullptr || !is_whole(*field.type(), kLevels)) {
     return ::arrow::Status::Invalid(path, ": found a type with a null pointer in it or nested too ",

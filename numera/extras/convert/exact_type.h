@@ -9,9 +9,10 @@
 
 namespace numera::extras {
 
-/// The values of `array` as exactly the type of `field`, which need not be complete; `array` itself
-/// where it has that type. `array` has passed full validation and has no offset at any depth.
-/// `path` says in failures where the field is. convert.h lists the casts and the errors.
+/// Casts `array` to exactly the type of `field`. Returns `array` itself if it already has this
+/// type. Invalid if the type of `field` is null or contains a null pointer. `array` has passed full
+/// validation and has no offset at any depth. Error messages start with `path`, the position of the
+/// field. convert.h lists the casts and the errors.
 ::arrow::Result<std::shared_ptr<::arrow::Array>> exact_field(
     const std::shared_ptr<::arrow::Array>& array, const ::arrow::Field& field,
     const std::string& path);

@@ -7,8 +7,9 @@
 
 namespace numera::extras::encoding {
 
-/// A struct of "Values" (codes of an integer class), "Categories" (texts, packed or not) and
-/// "Ordinal" (one logical value). Codes are not looked at.
+/// Reads a struct of "Values" (codes of an integer class), "Categories" (texts, packed or not) and
+/// "Ordinal" (one logical value). Does not compare the codes with the number of categories:
+/// `validate` does so later.
 ::arrow::Result<ReadableValue> read_categorical(const Located& data);
 
 }  // namespace numera::extras::encoding

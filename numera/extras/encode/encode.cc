@@ -15,9 +15,9 @@ namespace numera::extras {
 namespace {
 
 using io::arrow::core::util::in_column;
-using namespace encoding;  // NOLINT(google-build-using-namespace): this file is its front
+using namespace encoding;  // NOLINT(google-build-using-namespace): the public functions use it
 
-/// Gives the name of column `index` and its readable envelope.
+/// Returns the readable envelope of column `index` and stores the column's name in `name`.
 ::arrow::Result<hxArrayPtr> readable_column(const Located& names, const Located& columns,
                                             size_t index, std::string* name) {
   ARROW_ASSIGN_OR_RAISE(const Located slot, cell(names, index));
@@ -58,7 +58,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
                              std::move(readable), hxSharedCopy(names.value));
 }
 
-// A buffer has one form.
+// The written form of a buffer is also its readable form.
 ::arrow::Result<hxArrayPtr> readable_buffer(const Located& buffer) {
   ARROW_ASSIGN_OR_RAISE(const Located values, field(buffer, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values, hxClassID::UInt8, "a uint8 array"));
@@ -82,7 +82,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): this file is
   if (value == nullptr) return invalid(place, "a null pointer", "an array");
   if (has_fields(value) && hxGetFieldNumber(value, format::kArrowType) >= 0)
     return readable_written(place, threads);
-  // Ordinary values become forms that are valid by their making.
+  // The readable form of an ordinary value is always valid, so it is not validated.
   ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_plain(place));
   return make_envelope(std::move(readable)).value;
 }

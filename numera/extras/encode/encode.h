@@ -1,22 +1,26 @@
 #pragma once
 
 /// \file
-/// Host values made readable: envelopes that the conversions towards Arrow read.
+/// Makes host values readable: turns them into envelopes that the conversions to Arrow accept.
 ///
 /// \code
+///   using numera::extras::make_readable;
+///
 ///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr written, core::to_numera(column));
-///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable,
-///   numera::extras::make_readable(written.get())); ARROW_ASSIGN_OR_RAISE(auto back,
-///   core::to_arrow<arrow::Array>(readable.get()));
-///   // back is valid, equals column up to returned_type(*column->type()), and lives on readable.
+///   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr readable, make_readable(written.get()));
+///   ARROW_ASSIGN_OR_RAISE(auto back, core::to_arrow<arrow::Array>(readable.get()));
+///   // back is valid and has the values of column. Its type is returned_type(*column->type()).
+///   // It borrows memory from readable.
 /// \endcode
 ///
-/// The core reads and writes different forms. It writes text as string arrays, bytes as cells, and
-/// nested values chunk by chunk. It reads packed UTF-8, packed bytes, and one chunk.
-/// `make_readable` turns what is written, and ordinary values, into what is read.
+/// The core reads and writes different forms:
+/// - It writes text as string arrays, bytes as cells, and nested values with one element per chunk.
+/// - It reads text as packed UTF-8, bytes in packed form, and nested values of one chunk.
 ///
-/// Any number of threads may call it at a time, with the same value too, as long as no thread
-/// writes that value.
+/// `make_readable` converts written values and ordinary values to the form that the core reads.
+///
+/// Any number of threads may call it at the same time, even with the same value, as long as no
+/// thread writes that value.
 
 #include <arrow/result.h>
 #include <arrow/type_fwd.h>
@@ -31,54 +35,62 @@
 
 namespace numera::extras {
 
-/// The readable form of one host value, a new array of the caller: an encoded array for
-/// `to_arrow`, or for an encoded table an encoded table for `to_arrow_table`.
+/// Returns the readable form of one host value, as a new array that the caller owns: an encoded
+/// array or a buffer envelope for `to_arrow`, or an encoded table for `to_arrow_table`.
 ///
 /// Ordinary values, of any shape and read in storage order:
-/// - real numbers that are not sparse: as they are;
-/// - logical arrays: packed;
-/// - string arrays (missing texts are nulls), char arrays (a row is one text, a matrix of two
-///   dimensions one text a row) and cells of char rows: text. A cell array without cells is text;
-/// - cells of uint8 arrays: bytes.
+/// - real numbers that are not sparse: unchanged
+/// - logical arrays: packed
+/// - string arrays, char arrays and cells of char rows: text. Missing texts become nulls. A char
+///   array has two dimensions, and each row is one text. A cell array without cells is text
+/// - cells of uint8 arrays: bytes
 ///
-/// Written values, recognised by their field "ArrowType" ("array", "list_array", "struct", "map",
-/// "table", "buffer"), and parts of them in any mixture of written and readable form:
-/// - numbers, times of day and timestamps as they are; values in readable form keep that form;
-/// - "Data" that is an ordinary value becomes what is said above, "Valid" kept; missing texts are
-///   nulls too;
-/// - categories become packed text, codes stay;
-/// - dates become timestamps without time zone: days as seconds, milliseconds as milliseconds;
-/// - a time zone that stands one character a byte, as it is written, becomes the text of these
-///   bytes where they are UTF-8;
-/// - nulls without type become doubles that are all null;
-/// - maps become lists of structs of "key" and "value";
-/// - lists, structs and maps of several chunks become one chunk, their "Valid" one bitmap.
+/// Written values. They have a field "ArrowType" ("array", "list_array", "struct", "map", "table"
+/// or "buffer"). Each part of such a value may be in written or in readable form:
+/// - numbers, times of day, timestamps and parts in readable form: unchanged
+/// - "Data" that is an ordinary value: converted as above. "Valid" is kept, and missing texts
+///   become nulls in addition
+/// - categories: packed text; the codes do not change
+/// - dates: timestamps without time zone. Days become seconds, milliseconds do not change
+/// - time zones: the core writes one character per byte. If these bytes are valid UTF-8, they are
+///   decoded; otherwise the time zone does not change
+/// - values of the null type: doubles that are all null
+/// - maps: lists of structs of "key" and "value"
+/// - lists, structs and maps of several chunks: one chunk with one validity bitmap
 ///
-/// What has no readable form is refused with its path and the reason, in the form
+/// A value without a readable form is an error. The message states the path and the reason:
 /// `.Columns(2).Data: found a complex 2-by-3 double array, expected real numbers that are not
-/// sparse.`; the path of the value itself is "Value":
-/// - TypeError: complex and sparse numbers; function handles and other classes; objects but string
-///   arrays and encoded values; structs that are not encoded; cells of anything else, or of mixed
-///   content; encoded values that lack a field or have one of a wrong class;
-/// - Invalid: a null pointer; texts that are not UTF-16; bitmaps, codes, offsets and
-///   lengths that do not fit; categories with a missing text; lists, structs and maps without
-///   chunks and structs without fields, whose type is not known; what Arrow's full validation
-///   refuses; nesting deeper than `kMaxNestingLevels`, a map taking two levels.
+/// sparse.` The path of the outermost value is "Value".
 ///
-/// What is wrong with a column of a table carries a `TableErrorStatusDetail` with the column's
-/// name, empty where that is no text, and its 0-based index.
+/// TypeError:
+/// - complex or sparse numbers; function handles and other classes
+/// - objects that are neither string arrays nor encoded values; structs that are not encoded
+/// - cells whose values are not all char rows or all uint8 arrays
+/// - encoded values with a missing or empty field, or with a field of a wrong class
 ///
-/// A value that is returned converts without failure and passes `ValidateFull`. It owns itself:
-/// `value` is not needed any more. Before each column of a table `hxThrowIfInterruptPending` is
+/// Invalid:
+/// - a null pointer
+/// - texts that are not UTF-16; categories with a missing text
+/// - bitmaps, codes, offsets and lengths that do not fit
+/// - lists, structs and maps without chunks, and structs without fields: their type is not known
+/// - everything that Arrow's full validation rejects
+/// - nesting deeper than `kMaxNestingLevels`, where a map counts as two levels
+///
+/// If a column of a table fails, the status carries a `TableErrorStatusDetail` with the column's
+/// name and 0-based index. The name is empty if it is not a text. If several columns fail, the call
+/// reports the failure with the lowest column index.
+///
+/// The result always converts to Arrow, and the Arrow value passes `ValidateFull`. The result stays
+/// valid after `value` is destroyed. Before each column of a table, `hxThrowIfInterruptPending` is
 /// called. Exceptions of the host pass through.
 ///
-/// `threads` threads make the columns of a table readable, one column each at a time; 0 means one
+/// `threads` threads make the columns of a table readable, each one column at a time; 0 means one
 /// thread per processor that this process may use. The host must allow arrays to be made on one
-/// thread and used on another. The failure of the lowest column comes out.
+/// thread and used on another.
 ///
-/// Cost: nothing is copied that is readable as it stands (shared copies), and every part is read
-/// once to check it. Text is converted once. Several chunks of a nested value are joined in Arrow
-/// and copied once more to the host.
+/// Cost: parts that are already readable are not copied (they become shared copies). Every part is
+/// read once to check it. Text is converted once. If a nested value has several chunks, Arrow
+/// concatenates them, and the result is copied once more, to host memory.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> make_readable(const hxArray* value, size_t threads = 1);
 
 /// The former name of `make_readable`.
@@ -87,20 +99,25 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> make_readable(const hxArray* value, si
   return make_readable(value);
 }
 
-/// The type of what `to_arrow` gives for `make_readable` of a written value of `type`; none where
-/// such a value cannot be written or has no readable form, or a type within is a null pointer.
-/// Field names of lists, nullability and metadata are those that the core gives.
+/// The type of a value of `type` after a round trip: `to_numera`, `make_readable`, `to_arrow`. None
+/// if such values cannot be written or have no readable form, or if `type` contains a null pointer
+/// in place of a type. Nullability, metadata and the field names of lists are those that the core
+/// sets, not those of `type`.
 ///
-/// `type` is one that a `std::shared_ptr` holds, as all types of Arrow's factories are.
+/// `type` must be owned by a `std::shared_ptr`, like all types that Arrow's factory functions make.
 ///
-/// A dictionary column of several chunks is written with the index type that its merged dictionary
-/// needs, and unordered: `returns_as` allows for it.
+/// If a dictionary column has several chunks, their dictionaries are merged. The written column is
+/// then unordered and has the index type that the merged dictionary needs. This function ignores
+/// that case; `returns_as` accepts it.
 NUMERA_EXPORT std::optional<std::shared_ptr<::arrow::DataType>> returned_type(
     const ::arrow::DataType& type);
 
-/// Whether a column of type `from` may return as `to`: as `returned_type` says or, for a
-/// dictionary, with any index type and unordered. False where it cannot return at all. Takes `from`
-/// as `returned_type` takes its type. Cost of both: one step a node of the type.
+/// Whether a column of type `from` may have type `to` after the round trip. True if `to` is
+/// `returned_type(from)`. If `from` is itself a dictionary, also true if `to` is the same with any
+/// index type and unordered. False if there is no such round trip.
+///
+/// `from` must be owned by a `std::shared_ptr`. Cost of both functions: one step per node of the
+/// type.
 NUMERA_EXPORT bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to);
 
 }  // namespace numera::extras

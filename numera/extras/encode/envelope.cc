@@ -17,7 +17,8 @@ namespace {
 
 using io::arrow::core::kMaxNestingLevels;
 
-// Clears what is cleared in either. Both have bits for all elements.
+// The bitwise AND of two validity bitmaps. Null means that all elements are valid; other bitmaps
+// have at least `length` bits.
 hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
   if (a == nullptr) return hxSharedCopy(b.get());
   if (b == nullptr) return a;
@@ -33,7 +34,7 @@ hxArrayPtr both_valid(hxArrayPtr a, const hxArrayPtr& b, size_t length) {
 
 ::arrow::Result<ReadableValue> read_array(const Encoded& encoded, int /*level*/) {
   ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_data(encoded.data, encoded.type));
-  // A column without chunks has no bits, and no elements that need them.
+  // A column without chunks has an empty "Valid" and no elements.
   if (hxIsEmpty(encoded.valid.value)) return readable;
   ARROW_RETURN_NOT_OK(check_one_element(encoded.valid));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr valid, read_validity(encoded.valid, 0, readable.length));
@@ -55,8 +56,8 @@ constexpr KindReader kKinds[] = {
     {format::kMapKind, read_maps},
 };
 
-// The steps of the recursion keep their frames small: what needs room stands in functions of its
-// own, which have returned before the next level begins.
+// The recursive functions keep their stack frames small. Code that needs more stack is in separate
+// functions, which return before the next level begins.
 
 ::arrow::Result<const KindReader*> find_kind(const Located& envelopes, size_t index) {
   ARROW_ASSIGN_OR_RAISE(const Located kind, field(envelopes, index, format::kArrowType));
@@ -75,7 +76,7 @@ constexpr KindReader kKinds[] = {
 }
 
 ::arrow::Status check_levels(const KindReader& row, int outer_levels) {
-  // A map is read as a list of structs.
+  // A map is read as a list of structs, which takes two levels.
   const int levels = row.read == read_array ? 0 : (row.read == read_maps ? 2 : 1);
   if (outer_levels + levels <= kMaxNestingLevels) return {};
   return ::arrow::Status::Invalid("Nested value: found more than ", kMaxNestingLevels,

@@ -12,19 +12,20 @@
 
 namespace numera::extras::encoding {
 
-/// Element `index` of a struct array of encoded arrays, which lies within `outer_levels` nested
-/// values. The result is still to be checked by `checked_envelope`.
+/// Reads element `index` of a struct array of encoded arrays. The element is inside `outer_levels`
+/// nested values. The caller must pass the result to `checked_envelope`.
 ::arrow::Result<ReadableValue> read_element(const Located& envelopes, size_t index,
                                             int outer_levels);
 
-/// The 1-by-1 envelope of a value, validated where that is still to be done. A failure names
-/// `origin`.
+/// Makes the 1-by-1 envelope of a value, and validates it unless it is known to be valid. Error
+/// messages start with the path of `origin`.
 ::arrow::Result<Envelope> checked_envelope(ReadableValue readable, const Located& origin);
 
-/// The envelope of a child, checked with all that is in it.
+/// Makes the readable envelope of a child, and checks the child with everything in it.
 ::arrow::Result<Envelope> read_child(const Located& child, int outer_levels);
 
-/// The bits of element `index` of "Valid" for `length` elements; null where it has none.
+/// The bitmap in element `index` of "Valid", with at least `length` bits. Null if it has no bytes:
+/// then all elements are valid.
 ::arrow::Result<hxArrayPtr> read_validity(const Located& valid, size_t index, size_t length);
 
 }  // namespace numera::extras::encoding

@@ -12,8 +12,9 @@ namespace {
 
 ::arrow::Result<ReadableValue> join(const Encoded& encoded, ChunkReader read_chunk, int level) {
   const size_t chunks = hxGetNumberOfElements(encoded.data.value);
-  // The Arrow arrays borrow the memory of the envelopes, and what they are joined to may still do
-  // so: a dictionary that is the same in all of them is not copied.
+  // The Arrow arrays borrow the memory of the envelopes. The joined array may borrow it too,
+  // because Arrow does not copy a dictionary that is the same in all chunks. So the envelopes must
+  // stay alive until `write_readable` returns.
   std::vector<Envelope> envelopes;
   ::arrow::ArrayVector arrays;
   for (size_t c = 0; c < chunks; ++c) {

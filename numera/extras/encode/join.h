@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Chunks of nested values joined to one.
+/// Joins the chunks of a nested value.
 
 #include <arrow/array/array_base.h>
 #include <arrow/result.h>
@@ -16,13 +16,15 @@ namespace numera::extras::encoding {
 using ChunkReader = ::arrow::Result<ReadableValue> (*)(const Encoded& encoded, size_t chunk,
                                                        int level);
 
-/// All chunks of a nested value. One alone is read as it stands; several go to Arrow, are joined
-/// there and written once. Invalid where there is none, since the types below are not known then.
+/// Reads all chunks of a nested value. A single chunk is read directly. Several chunks are
+/// converted to Arrow, concatenated there and written to the host once. Invalid if there is no
+/// chunk: then the types of the children are not known.
 ::arrow::Result<ReadableValue> read_chunks(const Encoded& encoded, ChunkReader read_chunk,
                                            int level);
 
-/// The readable form of an array of a type that the core reads, in new memory. It has no offset at
-/// any depth, as `arrow::Concatenate` gives it.
+/// Copies an Arrow array to its readable form in new host memory. The type must be one that
+/// `to_arrow` produces. The offset must be 0 at every depth, as in the results of
+/// `arrow::Concatenate`.
 ::arrow::Result<ReadableValue> write_readable(const ::arrow::Array& array);
 
 }  // namespace numera::extras::encoding

@@ -52,7 +52,7 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
   return first != nullptr && hxGetClassID(first) == hxClassID::UInt8;
 }
 
-// Nulls have no values: zeros stand for them.
+// The null type has no values. The result is a column of zeros that are all null.
 ::arrow::Result<ReadableValue> read_nulls(const Located& count) {
   ARROW_RETURN_NOT_OK(check_numbers(count, hxClassID::Int64, "an int64 number of elements"));
   ARROW_RETURN_NOT_OK(check_one_element(count));
@@ -99,7 +99,7 @@ struct StructReader {
   ::arrow::Result<ReadableValue> (*read)(const Located& data);
 };
 
-/// What a struct "Data" holds, by "Type".
+/// The reader of a struct "Data" for each "Type".
 constexpr StructReader kStructReaders[] = {
     {format::kStringType, packed_text_as_it_is},
     {format::kCharType, packed_text_as_it_is},

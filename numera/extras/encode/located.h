@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Values with the place where they stand, and failures that name it.
+/// Host values with their paths, for error messages.
 
 #include <arrow/result.h>
 #include <arrow/status.h>
@@ -15,32 +15,32 @@
 
 namespace numera::extras::encoding {
 
-/// A value below the one that is encoded. The chain of parents lies on the stack and is written out
-/// for a failure only, so a parent must outlive its children.
+/// The value that is made readable, or a value inside it. The parents are a linked list on the
+/// stack, so a parent must outlive its children. The text of the path is built only for an error.
 struct Located {
   const hxArray* value = nullptr;
-  const Located* parent = nullptr;  ///< null: the value that is encoded
+  const Located* parent = nullptr;  ///< null: the outermost value
   const char* field = nullptr;      ///< null: a cell or an element of its parent
-  size_t index = 0;                 ///< of the cell or element, or of the element with the field
+  size_t index = 0;  ///< of the cell or element; of the parent's element that has the field
 };
 
-/// `.Columns(2).Data.FieldData{1}`, or "Value" for the value that is encoded.
+/// The path, such as `.Columns(2).Data.FieldData{1}`; "Value" for the outermost value.
 std::string path_of(const Located& place);
 
 /// \name Failures: the place, what was found, what was expected
 /// @{
 ::arrow::Status wrong_class(const Located& place, std::string_view expected);
 ::arrow::Status invalid(const Located& place, std::string_view found, std::string_view expected);
-/// What another part of the system reports about a place.
+/// Puts the path of the place before the message of a status from other code.
 ::arrow::Status at(const Located& place, const ::arrow::Status& status);
 /// @}
 
-/// A struct or an object that is no string array.
+/// Whether the value is a struct, or an object that is not a string array.
 bool has_fields(const hxArray* value);
 
 /// \name Access
-/// TypeError where the record or cell array is of another class, has no such field, or the slot is
-/// empty. The element exists.
+/// TypeError if the container has another class or no such field, or if the slot is empty. `index`
+/// must be in range.
 /// @{
 ::arrow::Result<Located> field(const Located& record, size_t index, const char* name);
 ::arrow::Result<Located> field(Located&& record, size_t index, const char* name) = delete;
@@ -58,7 +58,8 @@ bool has_fields(const hxArray* value);
 ::arrow::Status check_one_element(const Located& place);
 /// @}
 
-/// The text of a char array as UTF-8. TypeError for another class, Invalid where it is not UTF-16.
+/// The text of a char array as UTF-8. TypeError for another class, Invalid if the text is not valid
+/// UTF-16.
 ::arrow::Result<std::string> text_of(const Located& place);
 
 }  // namespace numera::extras::encoding

@@ -14,13 +14,13 @@
 namespace numera::extras::encoding {
 namespace {
 
-// They must not fall and must stay within the values.
+// Checks that offsets never decrease and are at most `values`, the number of elements.
 template <class T>
 ::arrow::Status check_offsets(const Located& offsets, size_t values) {
   const std::span source(format::elements<T>(offsets.value), hxGetNumberOfElements(offsets.value));
   std::uint64_t last = 0;
   for (size_t i = 0; i < source.size(); ++i) {
-    // As an unsigned number a negative one lies beyond any values.
+    // A negative offset becomes a huge unsigned number and fails the check.
     const auto offset = static_cast<std::uint64_t>(source[i]);
     if (offset < last || offset > values) {
       return invalid(offsets, std::to_string(source[i]) + " at " + std::to_string(i),
@@ -41,7 +41,7 @@ template <class T>
   return widened;
 }
 
-// Offsets as the uint64 that the reader takes.
+// Checks offsets and converts them to uint64, the class that `to_arrow` requires.
 ::arrow::Result<hxArrayPtr> read_offsets(const Located& offsets, size_t values) {
   ARROW_RETURN_NOT_OK(check_numbers(offsets));
   if (hxIsEmpty(offsets.value)) {
@@ -57,7 +57,7 @@ template <class T>
   return hxSharedCopy(offsets.value);
 }
 
-// One chunk of lists over values that are readable already.
+// Makes one chunk of lists. `values` is already in readable form.
 ::arrow::Result<ReadableValue> make_lists(const Encoded& encoded, size_t chunk, Envelope values) {
   ARROW_ASSIGN_OR_RAISE(const Located offsets, field(encoded.data, chunk, format::kStartOffsets));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr widened, read_offsets(offsets, values.length));
@@ -72,7 +72,7 @@ template <class T>
                        .kind = format::kListKind};
 }
 
-// The entries of maps: structs without nulls of their own.
+// Makes the entries of maps: structs of key and value, none of them null.
 Envelope make_entries(Envelope keys, Envelope items) {
   hxArrayPtr names = format::make_cell(1, 2);
   hxSetCell(names.get(), 0, format::make_word(format::kKey));
@@ -94,7 +94,7 @@ Envelope make_entries(Envelope keys, Envelope items) {
                  std::to_string(expected) + " " + std::string(why));
 }
 
-// The child in a field of a chunk.
+// Reads the child in field `name` of a chunk.
 ::arrow::Result<Envelope> read_chunk_child(const Encoded& encoded, size_t chunk, const char* name,
                                            int level) {
   ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, name));
@@ -125,7 +125,7 @@ struct StructFields {
   Located children;
 };
 
-// As many names as children, at least one, and every name a text.
+// Checks that there is at least one child, one name per child, and that every name is a text.
 ::arrow::Result<StructFields> find_fields(const Encoded& encoded, size_t chunk) {
   ARROW_ASSIGN_OR_RAISE(const Located names, field(encoded.data, chunk, format::kFieldName));
   ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
@@ -149,7 +149,7 @@ struct StructFields {
   return read_child(place, level);
 }
 
-// The children of one chunk of structs, all of as many elements as the first.
+// Reads the children of one chunk of structs. All must have the length of the first.
 ::arrow::Result<Envelope> read_children(const Located& children, int level) {
   const size_t count = hxGetNumberOfElements(children.value);
   Envelope readable{format::make_cell(1, count)};

@@ -10,14 +10,14 @@
 
 namespace numera::extras::encoding {
 
-/// What the fields of an encoded array say.
+/// The borrowed fields of an encoded array.
 struct Encoded {
   Located type;
   Located valid;
   Located data;
 };
 
-/// Each reads an encoded array that lies `level` levels deep (the outermost is level 1).
+/// Each function reads an encoded array at nesting level `level` (outermost: 1).
 /// @{
 ::arrow::Result<ReadableValue> read_lists(const Encoded& encoded, int level);
 ::arrow::Result<ReadableValue> read_structs(const Encoded& encoded, int level);

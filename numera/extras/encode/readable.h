@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Values in readable form and the host arrays that they are made of.
+/// Values in readable form, and functions that make envelopes of them.
 
 #include <arrow/array/array_base.h>
 #include <arrow/result.h>
@@ -15,14 +15,14 @@
 
 namespace numera::extras::encoding {
 
-/// What the fields of a readable envelope hold.
+/// The values of the fields of a readable envelope.
 struct ReadableValue {
-  const char* type;  ///< "Type", of static life
+  const char* type;  ///< "Type"; static lifetime
   hxArrayPtr data;
   size_t length = 0;
   hxArrayPtr valid = nullptr;  ///< a uint8 array of bits; null: every element is valid
   const char* kind = format::kArrayKind;
-  bool is_valid = true;  ///< false: only Arrow's full validation can tell
+  bool is_valid = true;  ///< false: not known; Arrow's full validation must check it
 };
 
 /// An envelope, or a cell of envelopes, with the number of its elements.
@@ -31,16 +31,17 @@ struct Envelope {
   size_t length = 0;
 };
 
-/// Puts the fields into element `index` of a struct array that has them.
+/// Stores the fields in element `index` of a struct array that has the fields of an envelope.
 void store(hxArray* envelopes, size_t index, ReadableValue readable);
 /// The 1-by-1 envelope of the value.
 Envelope make_envelope(ReadableValue readable);
 
-/// Element `index` of readable envelopes as the core reads it. A failure names `origin`.
+/// Converts element `index` of readable envelopes with `to_arrow`. The array borrows their memory.
+/// Error messages start with the path of `origin`.
 ::arrow::Result<std::shared_ptr<::arrow::Array>> borrow(const hxArray* envelopes, size_t index,
                                                         const Located& origin);
 
-/// What Arrow's full validation says of this element.
+/// Runs Arrow's full validation on this element.
 ::arrow::Status validate(const hxArray* envelopes, size_t index, const Located& origin);
 
 }  // namespace numera::extras::encoding

@@ -62,7 +62,8 @@ bool is_utf8(const std::string& text) {
   }
 }
 
-/// A time zone is written one character a byte, and stays that where the bytes are no UTF-8.
+/// The core writes a time zone with one character per byte. `make_readable` decodes the bytes if
+/// they are valid UTF-8; otherwise the characters stay.
 TypePtr returned_timestamp(const ::arrow::TimestampType& type) {
   const std::string& bytes = type.timezone();
   if (is_utf8(bytes)) return ::arrow::timestamp(type.unit(), bytes);
@@ -72,7 +73,8 @@ TypePtr returned_timestamp(const ::arrow::TimestampType& type) {
                             hxUTF16ToUTF8("UTF-8").convert(characters.data(), characters.size()));
 }
 
-/// What returns as it is, or as one other type whatever its parameters.
+/// Types without children. Each returns unchanged or as one fixed type, whatever its parameters
+/// are. Only the time zone of a timestamp may change.
 std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
   switch (type.id()) {
     case Type::BOOL:
@@ -136,10 +138,10 @@ std::optional<TypePtr> returned_type(const ::arrow::DataType& type) {
 
 bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to) {
   const std::optional<TypePtr> returned = returned_type(from);
-  // No type that returns is nested deeper.
+  // No returned type is nested deeper, so a deeper `to` cannot be equal.
   if (!returned || !is_whole(to, 2 * kMaxNestingLevels)) return false;
   if ((*returned)->Equals(to)) return true;
-  // Chunks of a dictionary are merged under an index type that fits what they hold together.
+  // Dictionaries of several chunks are merged, with an index type that fits the merged dictionary.
   if (from.id() != Type::DICTIONARY || to.id() != Type::DICTIONARY) return false;
   const auto& merged = static_cast<const ::arrow::DictionaryType&>(to);
   return !merged.ordered() && merged.value_type()->id() == Type::LARGE_STRING;

@@ -33,7 +33,7 @@ bool is_char_row(const hxArray* value) {
   return dims.size() == 2 && dims[0] <= 1;
 }
 
-// The gateway takes columns only.
+// `convertUTF16ToUTF8` accepts string arrays with at most one column.
 hxArrayPtr as_string_column(const hxArray* value) {
   if (is_column(value)) return hxSharedCopy(value);
   const hxStringArray& strings = hxGetStringArray(value);
@@ -62,7 +62,7 @@ hxArrayPtr as_string_column(const hxArray* value) {
   return column;
 }
 
-// What the gateway takes: it refuses nothing of it but text that is not UTF-16.
+// The texts as input of `convertUTF16ToUTF8`, which then rejects only text that is not UTF-16.
 ::arrow::Result<hxArrayPtr> gateway_input(const Located& texts) {
   if (hxIsStringArray(texts.value)) return as_string_column(texts.value);
   if (hxGetClassID(texts.value) == hxClassID::Cell) return as_cell_column(texts);
@@ -130,7 +130,7 @@ hxArrayPtr bits_of_present(const hxStringArray& strings) {
     ARROW_ASSIGN_OR_RAISE(const Located bytes, cell(cells, i));
     ARROW_RETURN_NOT_OK(check_numbers(bytes, hxClassID::UInt8, "a uint8 array"));
     const size_t size = hxGetNumberOfElements(bytes.value);
-    // Cells that share one large array can say more than there is memory.
+    // Cells can share one large array, so the sum of their sizes can exceed the memory.
     constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::int64_t>::max();
     if (size > kMaxBytes - ends[i]) return invalid(cells, "2^63 bytes or more", "fewer");
     ends[i + 1] = ends[i] + size;

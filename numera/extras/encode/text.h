@@ -13,14 +13,15 @@
 
 namespace numera::extras::encoding {
 
-/// A string array, a char array (a text a row) or a cell of char rows, of any shape and in storage
-/// order. Missing texts are cleared bits.
+/// Packs a string array, a char array (one text per row) or a cell of char rows. String arrays and
+/// cells may have any shape and are read in storage order. Missing texts are cleared in the
+/// validity bitmap.
 ::arrow::Result<ReadableValue> pack_texts(const Located& texts);
 
-/// A cell of uint8 arrays, of any shape and in storage order.
+/// Packs a cell of uint8 arrays of any shape, in storage order.
 ::arrow::Result<ReadableValue> pack_bytes(const Located& cells);
 
-/// A struct that is packed already, as it stands.
+/// Reads a struct that is already packed. Copies nothing and does not check the offsets.
 ::arrow::Result<ReadableValue> packed_as_it_is(const Located& packed, const char* type);
 
 }  // namespace numera::extras::encoding

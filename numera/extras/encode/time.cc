@@ -14,8 +14,9 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-// The code units as the bytes of a text in UTF-8, if they are one. Text that was no such text
-// before stays: a lone character of Latin-1 is no UTF-8.
+// Decodes a text that was written with one character per byte. None if a code unit exceeds 255, all
+// are ASCII, or the bytes are not valid UTF-8. A single non-ASCII character of Latin-1 is not valid
+// UTF-8, so such text stays unchanged.
 std::optional<std::u16string> decode_bytes(const hxArray* text) {
   const size_t length = hxGetNumberOfElements(text);
   const auto* const units = format::elements<char16_t>(text);
@@ -44,7 +45,7 @@ bool is_date(const Located& data) {
          hxGetFieldNumber(data.value, format::kDateType) >= 0;
 }
 
-// Days reach further in seconds than an int32 can count them, so nothing is lost.
+// Every int32 number of days fits into int64 as seconds, so nothing is lost.
 hxArrayPtr days_as_seconds(const hxArray* days) {
   const size_t length = hxGetNumberOfElements(days);
   const auto* const source = format::elements<std::int32_t>(days);

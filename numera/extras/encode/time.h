@@ -9,14 +9,14 @@
 
 namespace numera::extras::encoding {
 
-/// Timestamps as they are, but for the text of their time zone; dates ("DateType" is "Date" and
-/// there are no "Units") as timestamps without time zone.
+/// Reads timestamps and dates. Timestamps do not change, except that their time zone is decoded.
+/// Dates ("DateType" is "Date" and there is no field "Units") become timestamps without time zone.
 ::arrow::Result<ReadableValue> read_datetime(const Located& data);
 
-/// Times of day as they are.
+/// Reads times of day, which do not change.
 ::arrow::Result<ReadableValue> read_time_of_day(const Located& data);
 
-/// The readable "Data" of timestamps.
+/// Makes the readable "Data" of timestamps.
 hxArrayPtr make_datetime(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone);
 
 }  // namespace numera::extras::encoding

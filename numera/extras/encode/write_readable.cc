@@ -20,7 +20,8 @@ namespace {
 
 using ::arrow::Type;
 
-// The first `length` elements of a class from a buffer, which may be absent where there are none.
+// Copies the first `length` elements of a buffer to a column of this class. The buffer may be null
+// if `length` is 0.
 hxArrayPtr copy_column(const ::arrow::ArrayData& array, size_t buffer, hxClassID class_id,
                        size_t length) {
   hxArrayPtr column = format::make_column(class_id, length);
@@ -38,7 +39,8 @@ hxArrayPtr copy_bits(const ::arrow::ArrayData& array, size_t buffer) {
                      static_cast<size_t>(format::bitmap_bytes(array.length)));
 }
 
-// One more offset than there are elements; an array without elements may have no offset at all.
+// Copies the offsets, one more than there are elements. An array without elements may have no
+// offsets buffer; the result is then one offset, 0.
 hxArrayPtr copy_offsets(const ::arrow::ArrayData& array) {
   if (array.length == 0) return format::make_zero_column(hxClassID::UInt64, 1);
   return copy_column(array, 1, hxClassID::UInt64, static_cast<size_t>(array.length) + 1);

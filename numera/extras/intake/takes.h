@@ -26,7 +26,7 @@ DataResult take_dictionary(Work& work, const std::string& path, const ::arrow::A
 /// @}
 
 /// \name Casts
-/// Values at null slots become 0 or empty.
+/// Values at null slots become 0 or empty, except in `cast_fixed_size_list`.
 /// @{
 
 /// Rounds to the nearest double.

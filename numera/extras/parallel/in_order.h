@@ -10,15 +10,15 @@
 
 namespace numera::extras::parallel {
 
-/// `threads`, or one per processor that this process may use where it is 0.
+/// Returns `threads`, or the number of processors that this process may use if `threads` is 0.
 size_t thread_count(size_t threads);
 
 /// `for (i = 0; i < count; ++i) { before(i); work(i); }` on several threads. Up to `threads` other
-/// threads call `work`. The calling thread calls `before`, for at most `ahead` pieces that no
-/// thread has taken yet. `work(i)` may begin before the work of a lower index has ended. A failure,
-/// by status or by exception, ends the loop. The failure of the lowest index comes out, after every
-/// thread has ended. With one thread, one piece, or no thread from the system, the calling thread
-/// does everything.
+/// threads call `work`. The calling thread calls `before(i)` for each piece before it hands the
+/// piece out. At most `ahead` pieces that were handed out wait for a thread. `work(i)` may begin
+/// before the work of a lower index has ended. A failure, by status or by exception, ends the loop.
+/// When all threads have ended, the failure with the lowest index is returned or thrown. With one
+/// thread, one piece, or no thread from the system, the calling thread does everything.
 ::arrow::Status in_order(size_t count, size_t threads, size_t ahead,
                          const std::function<void(size_t)>& before,
                          const std::function<::arrow::Status(size_t)>& work);

@@ -25,14 +25,15 @@ namespace numera::extras {
 /// threads. The host must allow arrays to be made on one thread and used on another (the in-memory
 /// host does).
 ///
-/// The calling thread hands out the columns in order, only as fast as they are taken. It calls
-/// `hxThrowIfInterruptPending` before each column; no other thread calls it. With 1 thread, or if
-/// the system gives none, no thread is started and the calling thread converts the columns too.
+/// The calling thread hands out the columns in order, and waits if too many of them wait for a
+/// thread. It calls `hxThrowIfInterruptPending` before each column; no other thread calls it. With
+/// 1 thread, or if the system gives none, no thread is started and the calling thread converts the
+/// columns too.
 ///
-/// Errors: if columns fail, by status or by exception, the failure with the lowest index comes out
-/// on the calling thread, as it would come out of `to_numera`. An interrupt counts as a failure of
-/// the next column. After a failure no further column is handed out. When a failure comes out,
-/// every thread has ended and everything made so far is destroyed.
+/// Errors: a column may fail by status or by exception. The call returns or throws the failure with
+/// the lowest column index, as `to_numera` would. An interrupt counts as a failure of the next
+/// column. After a failure no further column is handed out. Before the call returns or throws a
+/// failure, all threads have ended and everything made so far is destroyed.
 ///
 /// The result belongs to the caller. Several threads may call this at the same time. Each call has
 /// its own threads.

@@ -36,8 +36,9 @@ void count_allocation();
 
 /// A block aligned for every scalar type. Throws `std::bad_alloc`.
 void* allocate(size_t bytes);
-/// Resizes a block of `allocate`; allocates a new one if `block` is null. Pages of large blocks are
-/// moved, not copied. Throws `std::bad_alloc` and then leaves the block unchanged.
+/// Resizes a block of `allocate`; allocates a new one if `block` is null. If the old and the new
+/// block are both mapped from the system (128 KiB or more), pages are moved, not copied. Throws
+/// `std::bad_alloc` and then leaves the block unchanged.
 void* reallocate(void* block, size_t bytes);
 void release(void* block) noexcept;
 

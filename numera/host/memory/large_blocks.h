@@ -1,8 +1,9 @@
 #pragma once
 
 /// \file
-/// Blocks too large for a slab. Freed blocks are kept and reused for requests of the same size,
-/// because the first write to fresh memory costs several times as much as the write itself.
+/// Blocks too large for a slab. Freed blocks are kept and reused for requests of the same size
+/// class, because the first write to fresh memory costs several times as much as a write to used
+/// memory.
 ///
 /// Sizes are rounded up to size classes, 32 between each power of two and the next. A block is thus
 /// at most 1/32 larger than requested and fits every request of its class. All functions may be

@@ -17,11 +17,11 @@ struct Remembered {
   size_t stock;  ///< references not handed out
 };
 
-// Enough for byte strings of every short length at once.
+// Cached layouts per thread: enough for byte strings of 256 consecutive lengths.
 constexpr size_t kPlaces = 256;
 using Places = std::array<Remembered, kPlaces>;
-// Null before this thread's first use and after its end. The TLS model avoids a function call, as
-// in thread_cache.cc.
+// Null until this thread first uses it, and again when the thread ends. The TLS model avoids a
+// function call, as in thread_cache.cc.
 [[gnu::tls_model("initial-exec")]] thread_local constinit Places* remembered = nullptr;
 thread_local constinit bool ended = false;
 
@@ -53,7 +53,7 @@ bool equal(std::span<const size_t> a, std::span<const size_t> b) {
   return true;
 }
 
-// A wanted name may be null; a name of a layout is never null.
+// A name in `wanted` may be null. A name of a layout, in `names`, is never null.
 bool equal(std::span<const char* const> names, std::span<const char* const> wanted) {
   if (names.size() != wanted.size()) return false;
   for (size_t i = 0; i < names.size(); ++i) {
@@ -92,8 +92,8 @@ Layout* make_layout(const Description& description, size_t element_count, size_t
   return build_layout(take_block(layout_size(description)), description, element_count, holders);
 }
 
-// Creates the layout cache of this thread. Returns false after the end of the thread, or if there
-// is no memory.
+// Creates the layout cache of this thread. Returns false if the thread is ending and its cache is
+// already destroyed, or if there is no memory.
 [[gnu::noinline]] bool begin_to_remember() noexcept {
   if (ended) return false;
   auto* const places = new (std::nothrow) Places{};

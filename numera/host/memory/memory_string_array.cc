@@ -120,7 +120,8 @@ std::optional<size_t> MemoryStringArray::append_texts(size_t first, std::span<co
 }
 
 // Adds `length` code units for texts up to `end`. If the arena must grow and more texts will
-// follow, it reserves space for them too, assuming the average length of the texts so far.
+// follow, it also reserves space for them, based on the average length of the texts so far: at most
+// twice the size that is needed now.
 char16_t* MemoryStringArray::extend_for(size_t end, size_t length) {
   const size_t needed = arena_.size() + length;
   if (end == size_) {
@@ -178,8 +179,8 @@ void MemoryStringArray::place(size_t i, std::u16string_view text) {
     begins_[i] = begin;
   }
   lengths_[i] = text.size();
-  // The second condition avoids walking over all texts to reclaim little memory when texts are
-  // short.
+  // The second condition avoids a compaction, which visits all texts, if it would free at most one
+  // code unit per text.
   if (garbage_ > arena_.size() / 2 && garbage_ > size_) compact();
 }
 

@@ -77,7 +77,8 @@ const hxArray* get_cell_checked(const hxArray* array, size_t index) {
   return array->slots()[index];
 }
 
-// Implements both `hxSetCell` and `hxReplaceCell`: destroying the null of an empty slot is safe.
+// Implements both `hxSetCell` and `hxReplaceCell`. An empty slot is a null pointer, and destroying
+// that does nothing.
 void set_cell(hxArray* array, size_t slot, hxArrayPtr value) {
   if (array == nullptr || array->layout->content != Content::Slots) {
     throw std::invalid_argument(kNotCell);

@@ -31,8 +31,8 @@ size_t room_in_front(size_t inline_bytes) {
   return (inline_bytes + alignof(ArrayBlock) - 1) / alignof(ArrayBlock) * alignof(ArrayBlock);
 }
 
-// Frees the block of elements whose contents are already freed. The block may include the header of
-// an array.
+// Frees the block of `elements`, whose contents are already freed. The block may include the header
+// of an array. `arrays` is the number of arrays that end with it, for the count of live arrays.
 void free_block(Elements* elements, std::ptrdiff_t arrays = 0) noexcept {
   const size_t front = elements->own_data ? 0 : room_in_front(elements->bytes);
   const size_t bytes = front + (elements->with_header ? sizeof(ArrayBlock) : sizeof(Elements));

@@ -13,16 +13,16 @@ inline constexpr size_t kHugePage = size_t{2} * 1024 * 1024;
 inline constexpr size_t kMappedBytes = size_t{128} * 1024;
 
 /// A block of zeros, or null on failure. A block of at least one huge page starts at a huge page
-/// boundary. A block of at least two requests huge pages, since the first write to fresh memory
-/// costs one page fault per page. The request is advice: a system without huge pages uses small
-/// ones. The end of a block that does not fill a huge page uses small pages, so that a block takes
-/// no more memory than requested.
+/// boundary. A block of at least two requests huge pages, because the first write to each page
+/// costs a page fault. The request is only advice: a system without huge pages uses small pages.
+/// The end of a block that does not fill a huge page uses small pages, so that a block takes no
+/// more memory than requested.
 void* map_block(size_t bytes) noexcept;
 void unmap_block(void* block, size_t bytes) noexcept;
 /// Resizes a block of `map_block`. Pages are moved, not copied. Returns null on failure and then
 /// leaves `block` unchanged.
 void* remap_block(void* block, size_t old_bytes, size_t bytes) noexcept;
-/// Requests huge pages.
+/// Requests huge pages where they lie entirely inside the block. Does nothing if none does.
 void advise_huge_pages(void* block, size_t bytes) noexcept;
 
 }  // namespace numera::host::memory

@@ -43,9 +43,10 @@ constinit IntrusiveList<ThreadCache> active_caches;
 constinit ThreadCount arrays_of_ended{0};
 constinit ThreadCount bytes_of_ended{0};
 
-// Null before this thread's first use and after its end. This TLS model makes access possible
-// without a function call. Its cost: if a program loads the library late, there is little space for
-// all thread-local variables together. Large data is therefore stored behind a pointer.
+// Null until this thread first uses it, and again when the thread ends. With this TLS model, access
+// needs no function call. The disadvantage: if the library is loaded while the program runs, little
+// space is left for all its thread-local variables together. So large data is stored behind a
+// pointer.
 [[gnu::tls_model("initial-exec")]] thread_local constinit ThreadCache* cache = nullptr;
 thread_local constinit bool ended = false;
 
@@ -66,8 +67,8 @@ struct EndOfThread {
   }
 };
 
-// Creates the cache of this thread. Returns null after the end of the thread, or if there is no
-// memory.
+// Creates the cache of this thread. Returns null if the thread is ending and its cache is already
+// destroyed, or if there is no memory.
 [[gnu::noinline]] ThreadCache* new_cache() noexcept {
   if (ended) return nullptr;
   auto* const made = new (std::nothrow) ThreadCache{};

@@ -12,7 +12,8 @@ namespace numera::host::memory {
 
 bool is_ascii(std::string_view text) noexcept;
 
-/// UTF-16 code units of a valid text. For an invalid text, at least the units of each valid piece.
+/// UTF-16 code units of a valid text. For an invalid text, at least as many as any valid part of it
+/// has.
 size_t measure_utf8(std::string_view text) noexcept;
 
 /// UTF-8 bytes of a valid text. For an invalid text, at least the bytes of its valid beginning.

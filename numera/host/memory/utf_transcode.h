@@ -23,7 +23,7 @@ enum class TextFault {
 };
 
 struct Transcoded {
-  size_t read;     ///< bytes or code units read; after a fault, its position
+  size_t read;     ///< number of bytes or code units read; after a fault, the position of the fault
   size_t written;  ///< code units or bytes written
   TextFault fault = TextFault::None;
 };

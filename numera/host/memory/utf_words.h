@@ -33,7 +33,7 @@ constexpr std::uint64_t in_each_quarter(std::uint16_t bits) {
   return bits * std::uint64_t{0x0001000100010001};
 }
 
-/// Whether each quarter, none above 0x7FFF, is at least 0x80.
+/// Whether every quarter is at least 0x80. No quarter may be above 0x7FFF.
 inline bool no_quarter_is_ascii(std::uint64_t quarters) {
   return ((quarters + in_each_quarter(0x8000 - 0x80)) & in_each_quarter(0x8000)) ==
          in_each_quarter(0x8000);
