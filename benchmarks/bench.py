@@ -1,7 +1,7 @@
-"""Runs all benchmarks and writes summary.json; without --quick also docs/performance.md.
+"""Runs all benchmarks and writes summary.json. Without --quick, also writes docs/performance.md.
 
-`./dev bench` calls it in the environment that has the peers. With --quick everything runs once on
-little data, and only the form of the summary is checked.
+`./dev bench` runs this script in the environment where the peers are installed. With --quick, every
+benchmark runs once on little data, and only the form of the summary is checked.
 """
 
 import argparse
@@ -85,10 +85,11 @@ def measure(arguments, folder):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", type=pathlib.Path, required=True,
-                        help="the folder of the built benchmarks")
+                        help="folder of the built benchmark programs")
     parser.add_argument("--folder", type=pathlib.Path, default=ROOT / "build" / "bench")
     parser.add_argument("--quick", action="store_true")
-    parser.add_argument("--no-document", action="store_true", help="leave docs/performance.md")
+    parser.add_argument("--no-document", action="store_true",
+                        help="do not write docs/performance.md")
     arguments = parser.parse_args()
     folder = arguments.folder / "quick" if arguments.quick else arguments.folder
     folder.mkdir(parents=True, exist_ok=True)

@@ -1,8 +1,9 @@
 """Measures the peers of the benchmarks, interleaved with the C++ program.
 
-For every row, a round measures our own conversion and its limit (the C++ program, run for this row
-alone) and then each peer; there are at least 7 rounds. All times are processor time of the process,
-system calls and all threads included, in milliseconds.
+Each row is measured in several rounds, 7 by default. A round measures our own conversion and its
+limit, then each peer. The C++ program, started for this row alone, measures the conversion and the
+limit. All times are processor times of the process in milliseconds. They include system calls and
+all threads.
 """
 
 import argparse
@@ -132,7 +133,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--program", required=True)
     parser.add_argument("--json", type=pathlib.Path, required=True)
-    parser.add_argument("--rows", default=".*", help="a regular expression that names match whole")
+    parser.add_argument("--rows", default=".*",
+                        help="regular expression; measure the rows whose whole name matches it")
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--quick", action="store_true")
     arguments = parser.parse_args()

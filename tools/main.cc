@@ -40,7 +40,9 @@ struct Commands {
 
 void add_input(CLI::App* command, ConvertOptions& options) {
   command->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
-  command->add_option("--columns", options.source.columns, "Only these, separated by commas")
+  command
+      ->add_option("--columns", options.source.columns,
+                   "Read only these columns, in this order, separated by commas")
       ->delimiter(',')
       ->allow_extra_args(false);  // FILE may follow
 }
@@ -48,31 +50,35 @@ void add_input(CLI::App* command, ConvertOptions& options) {
 Commands add_commands(CLI::App& program, Arguments& arguments) {
   ConvertOptions& options = arguments.convert;
   Commands commands{};
-  commands.types = program.add_subcommand("types", "List the columns and what they become");
+  commands.types =
+      program.add_subcommand("types", "List the columns, their types and what they become");
   commands.types->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
 
   commands.show = program.add_subcommand("show", "Print the first rows as encoded host values");
   add_input(commands.show, options);
-  commands.show->add_option("--rows", arguments.show.rows, "How many rows (10)")
+  commands.show->add_option("--rows", arguments.show.rows, "Number of rows to print (default: 10)")
       ->check(CLI::NonNegativeNumber);
   commands.show->add_flag("--cast", arguments.show.cast, "Cast types that have no host form");
 
   commands.convert = program.add_subcommand(
-      "convert", "Take every column to the host and back, and say what became of it");
+      "convert", "Convert every column to the host and back, and report what became of it");
   add_input(commands.convert, options);
   commands.convert->add_flag("--cast", options.cast, "Cast types that have no host form");
   commands.convert
       ->add_option("--output", options.output,
-                   "Write what came back: .parquet, or .arrow, .feather, .ipc")
+                   "Write the returned columns to this file: .parquet, .arrow, .feather or .ipc")
       ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
   commands.convert
-      ->add_option("--batch-rows", options.source.batch_rows, "Most rows at a time (65536)")
+      ->add_option("--batch-rows", options.source.batch_rows,
+                   "Maximum number of rows per batch (default: 65536)")
       ->check(CLI::PositiveNumber);
-  commands.convert->add_flag("--show", options.show, "Print the first rows, too, like show");
-  commands.convert->add_flag("--strict", options.strict, "A change of type is a failure, too");
+  commands.convert->add_flag("--show", options.show,
+                             "Also print the first rows, like the command show");
+  commands.convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
   commands.convert
-      ->add_option("--threads", options.threads,
-                   "Convert columns to the host on so many threads (1); 0: all processors")
+      ->add_option(
+          "--threads", options.threads,
+          "Number of threads that convert columns to the host (default: 1; 0: one per processor)")
       ->check(CLI::NonNegativeNumber);
   return commands;
 }
@@ -169,8 +175,9 @@ int main(int argc, char** argv) {
   // Arrow's other memory pools keep freed memory. They would add half to a bounded memory use.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
-  CLI::App program("Takes the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",
-                   "numera-arrow");
+  CLI::App program(
+      "Converts the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",
+      "numera-arrow");
   program.set_version_flag("--version", "numera-arrow " + std::string(numera::kVersion));
   program.require_subcommand(1);
   Arguments arguments;

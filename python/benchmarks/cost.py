@@ -1,4 +1,4 @@
-"""What a call costs, beside what pyarrow itself takes for the like: ratios of one run.
+"""Times numera calls and similar pyarrow calls in one run, and prints the ratios.
 
 usage: python python/benchmarks/cost.py [--rounds N]
 """

@@ -6,30 +6,38 @@
 namespace numera::python::docs {
 
 inline constexpr const char* kTableErrorCode =
-    R"(What kind of failure a column had: the `error_code` of exceptions.)";
+    R"(The kind of failure in a column, given as `error_code` of exceptions.)";
 
-inline constexpr const char* kToHost = R"(The encoded host value of Arrow data.
+inline constexpr const char* kToHost = R"(Converts Arrow data to an encoded host value.
 
 x is one of
 - an object with `__arrow_c_stream__`: tables, data frames, relations, record batches and their
-  readers, chunked arrays, series. A stream of structs becomes an encoded table, any other an
-  encoded array; rows of a table that are null are null in every column;
-- an object with `__arrow_c_array__`: an encoded array;
-- one-dimensional bytes-like memory (bytes, bytearray, memoryview, pyarrow.Buffer): the envelope
-  of a buffer.
+  readers, chunked arrays, series. A stream of structs becomes an encoded table; a null row is
+  null in every column. Any other stream becomes an encoded array;
+- an object with `__arrow_c_array__`: it becomes an encoded array;
+- one-dimensional bytes-like memory (bytes, bytearray, memoryview, pyarrow.Buffer): it becomes the
+  envelope of a buffer.
 
-Everything is validated once and copied; x is only read. With cast=True values that have no host
-form (decimals, half floats, intervals, views, list views, fixed-size lists, run-end encoded and
-extension values) are cast where there is a rule for it. Views and list views of other libraries
-than pyarrow, which polars holds text as, become plain text, bytes and lists without being asked:
-nothing is lost by that.
+The data is validated once and copied. x is only read.
 
-Raises pyarrow.ArrowTypeError for a type without host form, pyarrow.ArrowInvalid for data that is
-not valid, OSError for a stream that fails, TypeError for any other x, MemoryError. Where a column
-of a table failed, the exception has its `column_name`, its 0-based `column_index` and an
-`error_code`. Ctrl-C raises KeyboardInterrupt between two columns.
+cast=True casts values that have no host form, if there is a rule for their type: decimals, half
+floats, intervals, views, list views, fixed-size lists, run-end encoded and extension values.
 
-Other Python threads run meanwhile.
+Views and list views from libraries other than pyarrow are always cast to plain text, bytes and
+lists, even with cast=False. Nothing is lost by this. For example, polars stores text as views.
+
+Raises
+- pyarrow.ArrowTypeError if a type has no host form;
+- pyarrow.ArrowInvalid if the data is not valid;
+- OSError if a stream fails;
+- TypeError for any other x;
+- MemoryError;
+- KeyboardInterrupt between two columns, after Ctrl-C.
+
+If a column of a table fails, the exception has the attributes `column_name`, `column_index`
+(0-based) and `error_code`.
+
+Other Python threads can run during the conversion.
 
 >>> import numera, pyarrow
 >>> numera.to_host(pyarrow.array([1.5, 2.0, 3.0]))
@@ -44,12 +52,12 @@ struct 1x1
 )";
 
 inline constexpr const char* kDatatype =
-    R"(The name of the host class that values of an Arrow type become, or None.
+    R"(The name of the host class to which values of an Arrow type are converted, or None.
 
-type is a pyarrow.DataType or any object with `__arrow_c_schema__`; a schema is a "table". None
-says that the type, or the type of a child, has no host form.
+type is a pyarrow.DataType or any object with `__arrow_c_schema__`. The result for a schema is
+"table". The result is None if the type, or the type of a child, has no host form.
 
-Raises TypeError for any other object, pyarrow.ArrowInvalid for a schema that is not valid.
+Raises TypeError for any other object, and pyarrow.ArrowInvalid for a schema that is not valid.
 
 >>> import numera, pyarrow
 >>> numera.datatype(pyarrow.timestamp("us", "UTC"))
@@ -58,24 +66,29 @@ Raises TypeError for any other object, pyarrow.ArrowInvalid for a schema that is
 True
 )";
 
-inline constexpr const char* kToArrow = R"(The Arrow value of an encoded host value.
+inline constexpr const char* kToArrow = R"(Converts an encoded host value to Arrow.
 
-An encoded table gives a pyarrow.Table, the envelope of a buffer a pyarrow.Buffer, any other
-encoded value a pyarrow.Array. The result shares the memory of the host value, at the same
-addresses, and keeps it alive as long as any of its buffers lives.
+An encoded table becomes a pyarrow.Table, the envelope of a buffer becomes a pyarrow.Buffer, and
+any other encoded value becomes a pyarrow.Array. The result shares the memory of the host value, at
+the same addresses. Each buffer of the result keeps the host value alive.
 
-`to_arrow` reads what `make_readable` makes. What `to_host` gave is read as it stands only where
-both forms are the same, as with numbers. Call `make_readable` first for text, dates, bytes and
-nested values.
+`to_arrow` reads the results of `make_readable`. It reads a result of `to_host` directly only if
+both forms are the same, for example for numbers. For text, dates, bytes and nested values, call
+`make_readable` first.
 
-With validate=True the result is checked completely before it is returned. Without it, codes,
-offsets and texts are taken as they stand: only for values that are known to be sound, since Arrow
-trusts them.
+validate=True checks the result completely before it is returned. validate=False does not check
+codes, offsets and texts. Use it only for values that are known to be valid, because Arrow trusts
+them.
 
-Raises pyarrow.ArrowTypeError and pyarrow.ArrowInvalid with what is wrong, ValueError for a struct
-that is not encoded ("Wrong field name."), IndexError for a struct without elements, MemoryError.
-Where a column of a table failed, the exception has its `column_name`, its 0-based `column_index`
-and an `error_code`, and a note with its type. Ctrl-C raises KeyboardInterrupt between two columns.
+Raises
+- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid, with a message that says what is wrong;
+- ValueError for a struct that is not encoded ("Wrong field name.");
+- IndexError for a struct without elements;
+- MemoryError;
+- KeyboardInterrupt between two columns, after Ctrl-C.
+
+If a column of a table fails, the exception has the attributes `column_name`, `column_index`
+(0-based) and `error_code`, and a note with the type of the column.
 
 >>> import numera, pyarrow
 >>> texts = numera.to_host(pyarrow.array(["one", None, "three"]))
@@ -83,30 +96,41 @@ and an `error_code`, and a note with its type. Ctrl-C raises KeyboardInterrupt b
 ['one', None, 'three']
 )";
 
-inline constexpr const char* kMakeReadable = R"(The form of a host value that `to_arrow` reads.
+inline constexpr const char* kMakeReadable =
+    R"(Converts a host value to the form that `to_arrow` reads.
 
-value is an ordinary value (real numbers, logical values, string arrays, char arrays, cells of
-char rows or of uint8 arrays; any shape, read in storage order) or an encoded value in the form
-that `to_host` gives. Nothing is copied that can be read as it stands.
+value is one of
+- an ordinary value: real numbers, logical values, a string array, a char array, or a cell array of
+  char rows or of uint8 arrays. It may have any shape; elements are read in storage order;
+- an encoded value in the form that `to_host` returns.
 
-Raises pyarrow.ArrowTypeError and pyarrow.ArrowInvalid with the place, what was found there and
-what was expected; MemoryError. Where a column of a table failed, the exception has its
-`column_name`, its 0-based `column_index` and an `error_code`, and a note with its type and what
-can be done. Ctrl-C raises KeyboardInterrupt between two columns.
+Parts that `to_arrow` can read already are not copied.
+
+Raises
+- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid; the message states the place of the error, what
+  was found there and what was expected;
+- MemoryError;
+- KeyboardInterrupt between two columns, after Ctrl-C.
+
+If a column of a table fails, the exception has the attributes `column_name`, `column_index`
+(0-based) and `error_code`, and a note with the type of the column and what can be done.
 
 >>> import numera
 >>> numera.to_arrow(numera.make_readable(numera.host.string(["a", None, "c"]))).to_pylist()
 ['a', None, 'c']
 )";
 
-inline constexpr const char* kUtf16ToUtf8 = R"(UTF-8 bytes and offsets of host texts.
+inline constexpr const char* kUtf16ToUtf8 = R"(Converts host texts to UTF-8 bytes and offsets.
 
-text is an N-by-1 string array (a missing text gives no bytes), an N-by-1 cell of char rows, or a
-char matrix of N rows. The result is a pair of
-- the bytes, (T + 1)-by-1 uint8: the texts back to back and one zero byte behind them;
+text is an N-by-1 string array, an N-by-1 cell array of char rows, or a char matrix of N rows. A
+missing text has no bytes.
+
+The result is a pair of
+- the bytes, (T + 1)-by-1 uint8: the T bytes of all texts without gaps, then one zero byte;
 - the offsets, (N + 1)-by-1 uint64: text i is bytes[offsets[i]:offsets[i + 1]].
 
-Raises ValueError with an `identifier` for any other value and for a text that is not UTF-16.
+Raises ValueError for any other value and for a text that is not UTF-16. The exception has the
+attribute `identifier`.
 
 >>> import numera
 >>> numera.utf16_to_utf8(numera.host.string(["one", "é"]))

@@ -6,15 +6,15 @@
 namespace numera::python::docs {
 
 inline constexpr const char* kHostArray =
-    R"(A value of the host: an array of numbers, truth values, text, texts, cells or structs.
+    R"(A host value: an array of numbers, logical values, characters, strings, cells or structs.
 
-Made by `numera.to_host`, `numera.make_readable` and the functions of `numera.host`; never changed
-afterwards. Every array has a class and two dimensions or more; elements lie in column-major
-order, and are indexed from 0 in that order. What is read out of a value shares its memory and
-keeps all of it alive.
+`numera.to_host`, `numera.make_readable` and the functions of `numera.host` create host values. They
+are immutable. Every array has a class and at least two dimensions. Its elements are stored in
+column-major order. Indexes follow that order and start at 0. Host values and views that are taken
+from a value share its memory and keep the whole value alive.
 
-Arrays of numbers, truth values and text speak the buffer protocol, so that numpy.asarray and
-memoryview read them without a copy.
+Numeric, logical and char arrays support the buffer protocol: numpy.asarray and memoryview read them
+without a copy.
 
 >>> import numera, pyarrow
 >>> column = numera.to_host(pyarrow.array([1, 2, 3]))
@@ -25,7 +25,10 @@ memoryview read them without a copy.
 )";
 
 inline constexpr const char* kClassName =
-    R"("cell", "struct", "logical", "char", "double", "single", "int8" to "uint64", "string", or the class name of another object.
+    R"(The name of the class.
+
+One of "cell", "struct", "logical", "char", "double", "single", "int8" to "uint64" and "string". Any
+other object has the name of its own class.
 
 >>> import numera
 >>> numera.host.string(["a", "b"]).class_name
@@ -40,7 +43,7 @@ inline constexpr const char* kShape = R"(The dimensions, at least two.
 )";
 
 inline constexpr const char* kFields =
-    R"(The names of the fields of a struct in their order; empty for every other class.
+    R"(The field names of a struct, in order. Empty for every other class.
 
 >>> import numera
 >>> numera.host.struct({"Name": "x", "Size": 2}).fields
@@ -55,7 +58,7 @@ True
 )";
 
 inline constexpr const char* kIsSparse =
-    R"(Whether the host stores the numbers sparsely; their elements cannot be read.
+    R"(Whether the array is sparse. The elements of a sparse array cannot be read.
 
 >>> import numera
 >>> numera.host.numeric([1.0]).is_sparse
@@ -63,32 +66,35 @@ False
 )";
 
 inline constexpr const char* kText =
-    R"(The text of a char array, all its code units in storage order.
+    R"(The text of a char array: all its code units in storage order.
 
-Code units that belong to no pair become lone surrogates. Raises ValueError "Array is not char
-array." for every other class; the elements of a string array are read by index.
+Unpaired surrogates of the array stay unpaired surrogates in the str.
+
+Raises ValueError "Array is not char array." for every other class. Read the elements of a string
+array by index.
 
 >>> import numera
 >>> numera.host.char("données").text
 'données'
 )";
 
-inline constexpr const char* kLen = R"(The number of elements, over all dimensions.)";
+inline constexpr const char* kLen = R"(The total number of elements, over all dimensions.)";
 
 inline constexpr const char* kGetField =
-    R"(The value of a field of a struct of one element, or None where it is empty.
+    R"(The value of a field of a struct with one element, or None if the field is empty.
 
-Raises KeyError "Wrong field name.", ValueError for another class and for a struct array of
-several elements, IndexError for one without elements.
+Raises KeyError "Wrong field name.". Raises ValueError for every other class and for a struct array
+with several elements. Raises IndexError for a struct array without elements.
 )";
 
 inline constexpr const char* kGetElement =
-    R"(Element `index` in storage order; negative ones count from the end.
+    R"(The element at `index` in storage order. Negative indexes count from the end.
 
-Of a cell array its value, or None where it is empty; of a struct array a 1-by-1 struct; of any
-other array a Python number, bool or text (None where it is missing).
+- cell array: the value of the cell, or None if the cell is empty;
+- struct array: a 1-by-1 struct;
+- any other array: a Python number, bool or str, or None for a missing text.
 
-Raises IndexError.
+Raises IndexError if the index is out of range.
 
 >>> import numera
 >>> cell = numera.host.cell(["text", None, 1.5])
@@ -96,18 +102,20 @@ Raises IndexError.
 (char 1x4 "text", None, 1.5)
 )";
 
-inline constexpr const char* kIter = R"(The elements in storage order, as `self[i]` gives them.)";
+inline constexpr const char* kIter = R"(Iterates over the elements `self[i]` in storage order.)";
 
-inline constexpr const char* kContains = R"(Whether a struct has a field of this name.)";
+inline constexpr const char* kContains =
+    R"(Whether the value is a struct that has a field of this name.)";
 
 inline constexpr const char* kNumpy =
-    R"(The elements as a read-only NumPy array of the same shape, without a copy.
+    R"(A read-only NumPy view of the elements, with the same shape and without a copy.
 
-Logical values are bool, char arrays the uint16 code units; the array is column-major. It keeps
-the host array alive.
+The view is column-major and keeps the host array alive. Logical values have the dtype bool. The
+elements of a char array are its code units, with the dtype uint16.
 
-Raises TypeError for classes without a block of elements (string, cell, struct, objects), and for
-complex integers and sparse arrays, which NumPy has no form for.
+Raises TypeError for string, cell and struct arrays and objects, because their elements are not one
+block of memory. Raises TypeError for complex integers and sparse arrays, because NumPy has no form
+for them.
 
 >>> import numera
 >>> view = numera.host.numeric([[1.0, 2.0], [3.0, 4.0]]).numpy()
@@ -115,17 +123,20 @@ complex integers and sparse arrays, which NumPy has no form for.
 ([3.0, 4.0], False, True)
 )";
 
-inline constexpr const char* kToPython = R"(The value as plain Python objects, copied.
+inline constexpr const char* kToPython =
+    R"(The value as plain Python objects. The contents are copied.
 
-- numbers, truth values, texts of a string array: one element is itself, a vector (one dimension
-  longer than 1, or no elements and two dimensions) a list, anything else nested lists, the row
-  first, like numpy.ndarray.tolist;
-- a char row: str; another char array: the list of its rows, page after page;
-- a cell array: always lists, shaped likewise; a struct: a dict; a struct array: a list of them,
-  shaped likewise;
-- missing texts and empty slots: None.
+- numeric, logical or string array: one element becomes a number, bool or str. A two-dimensional
+  array with a dimension of 1 or 0 becomes a list. Any other array becomes nested lists, with the
+  rows outermost, like numpy.ndarray.tolist;
+- char array: a row or a 0-by-0 array becomes a str. Any other shape becomes a list of the rows,
+  page by page;
+- cell array: always a list or nested lists, by the same rule;
+- struct array: a single element becomes a dict. Any other struct array becomes a list or nested
+  lists of dicts, by the same rule;
+- missing texts, empty cells and empty fields become None.
 
-Raises TypeError for sparse arrays, complex integers and classes without known contents.
+Raises TypeError for sparse arrays, complex integers and classes whose contents are not known.
 
 >>> import numera
 >>> numera.host.struct({"A": [1, 2], "B": "text", "C": numera.host.cell([None, True])}).to_python()
@@ -133,10 +144,14 @@ Raises TypeError for sparse arrays, complex integers and classes without known c
 )";
 
 inline constexpr const char* kTree =
-    R"(The value printed as a tree, like `repr`, within other limits.
+    R"(The value printed as a tree, like `repr`, with limits of your choice.
 
-max_depth: levels below the value; max_elements: elements listed of each array; max_width: columns
-of a line; max_lines: lines in all. What is cut off is marked with "...".
+- max_depth: number of levels below the value;
+- max_elements: number of elements listed per array;
+- max_width: number of columns per line;
+- max_lines: total number of lines.
+
+"..." marks what a limit cuts off.
 
 >>> import numera
 >>> print(numera.host.numeric(range(100)).tree(max_elements=3))
@@ -146,22 +161,22 @@ int64 100x1 [0 1 2 ... 97 more]
 inline constexpr const char* kRepr = R"(The value printed as a tree.)";
 
 inline constexpr const char* kReprHtml =
-    R"(The value as a folding tree of HTML, which notebooks show.)";
+    R"(The value as an HTML tree that can be folded, for notebooks.)";
 
 inline constexpr const char* kEqual =
-    R"(Whether class, size, field names and every bit of the contents are the same.
+    R"(Whether the class, the size, the field names and every bit of the contents are equal.
 
-NaN equals NaN of the same bits; -0.0 differs from 0.0.
+NaN equals NaN with the same bits. -0.0 differs from 0.0.
 )";
 
 inline constexpr const char* kReduce =
-    R"(How pickle and copy take the value apart: numbers, truth values, text, cells and structs.
+    R"(Supports pickle and copy for numeric, logical, char, string, cell and struct arrays.
 
-Raises TypeError for sparse arrays, complex integers and objects of other classes than "string".
+Raises TypeError for sparse arrays, complex integers and objects of classes other than "string".
 )";
 
 inline constexpr const char* kLiveArrays =
-    R"(The number of arrays of the host that live now, those inside of others and shared copies counted.
+    R"(The number of host arrays that exist now, including nested arrays and shared copies.
 
 >>> import numera
 >>> before = numera.host.live_arrays()
@@ -170,7 +185,7 @@ inline constexpr const char* kLiveArrays =
 1
 )";
 
-inline constexpr const char* kLiveBytes = R"(The bytes that the arrays of the host take now.
+inline constexpr const char* kLiveBytes = R"(The number of bytes that host arrays occupy now.
 
 >>> import numera
 >>> before = numera.host.live_bytes()
@@ -180,7 +195,10 @@ True
 )";
 
 inline constexpr const char* kFirstDifference =
-    R"(The first difference between two values as one line that opens with its path, or None.
+    R"(The first difference between two values, or None if they are equal.
+
+The result is one line. It starts with the path of the difference, unless the difference concerns
+the outermost value as a whole.
 
 >>> import numera
 >>> a, b = numera.host.struct({"X": [1, 2]}), numera.host.struct({"X": [1, 3]})
