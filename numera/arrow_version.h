@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// Stops the compilation if the Arrow headers have a different major version than the one that the
-/// library was built with: their binary interfaces differ. The package files define
-/// `NUMERA_ARROW_MAJOR`, the version that the library was built with.
+/// Stops the compilation if the major version of the Arrow headers is not `NUMERA_ARROW_MAJOR`, the
+/// version that the library was built with: binary interfaces differ between major versions. The
+/// package files define this macro.
 
 #include <arrow/util/config.h>
 

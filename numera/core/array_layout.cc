@@ -72,9 +72,9 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// Checks an array itself, but not its children. `levels` is how many nesting levels are left, that
-/// of `array` included. This is a separate function so that the recursive `check_array` takes
-/// little stack.
+/// Checks an array itself, but not its children. `levels` is the number of nesting levels still
+/// allowed, including that of `array`. This is a separate function so that the recursive
+/// `check_array` takes little stack.
 [[gnu::noinline]] Status check_node(const ArrayData& array, const DataType& type, int levels) {
   ARROW_RETURN_NOT_OK(check_buffers(array, type));
   if (std::cmp_not_equal(array.child_data.size(), type.num_fields())) {

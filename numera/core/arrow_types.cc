@@ -31,7 +31,7 @@ using ::arrow::Type;
   return format::make_int64(column.length());
 }
 
-/// A type whose values are numbers of a host class.
+/// The row of a type whose values are numbers of a host class.
 template <class T>
 constexpr ArrowTypeRow number(Type::type id = format::kNumberClass<T>.arrow_type) {
   const char* const name = format::kNumberClass<T>.name;
@@ -112,9 +112,10 @@ bool is_flat(const ::arrow::DataType& type) {
   return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
 }
 
-/// `levels` is how many nesting levels are left, that of `type` included. A map takes one level,
-/// although Arrow stores its keys and items in a struct. A dictionary takes none, unless its value
-/// type contains other types. This function is recursive, so its stack frame is kept small.
+/// `levels` is the number of nesting levels still allowed, including that of `type`. A map takes
+/// one level, although Arrow stores its keys and items in a struct. A dictionary takes none, unless
+/// its value type contains other types. This function is recursive, so its stack frame is kept
+/// small.
 TypeFault fault_of(const ::arrow::DataType* type, int levels) {
   if (type == nullptr) return TypeFault::NoType;
   if (type->id() == Type::EXTENSION) {

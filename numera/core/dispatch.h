@@ -37,9 +37,9 @@ struct EnvelopeFields {
 /// The result is `ArrayData`, because making an Arrow list array also makes the arrays of all
 /// levels below it. It is enough to do that once, at the end.
 ///
-/// Readers and `child_to_arrow` call each other. A level takes 308 bytes of stack and may take 480
-/// (`kStackBytes`). Code that needs more stack, for example for a `Result`, is in noinline
-/// functions that return before the next level begins.
+/// Readers and `child_to_arrow` call each other. A level takes 308 bytes of stack; `kStackBytes`
+/// allows 480. Code that needs more stack, for example for a `Result`, is in noinline functions
+/// that return before the next level begins.
 using NestedReader = ::arrow::Status (*)(const EnvelopeFields& envelope, int level, DataPtr& data);
 
 /// A writer: converts all chunks of a column to its "Data".

@@ -3,7 +3,7 @@
 /// \file
 /// Builds an encoded table from columns that are converted one by one, on any thread, in any order.
 ///
-/// `to_numera` of a table does only this, with the host's interrupt check before each column:
+/// `to_numera` of a table does the same, plus the host's interrupt check before each column:
 ///
 /// \code
 ///   ARROW_ASSIGN_OR_RAISE(EncodedTable encoded, begin_encoded_table(table.get()));

@@ -108,7 +108,7 @@ EnvelopeFields fields_of(const hxArray* encoded, size_t index) {
   ARROW_RETURN_NOT_OK(check_struct(encoded));
   // A struct without elements passes the checks. Getting its fields throws.
   if (hxIsEmpty(encoded)) return fields_of(encoded, index);
-  // Get all fields before checking any. So a missing field always gives the host's exception.
+  // Get all fields before checking any, so that a missing field always gives the host's exception.
   const EnvelopeFields first = fields_of(encoded, 0);
   ARROW_RETURN_NOT_OK(check_classes(first));
   return index == 0 ? first : fields_of(encoded, index);

@@ -51,8 +51,8 @@ namespace numera::io::arrow::core {
 ///   array, expected a real array that is not sparse."
 /// - lists and structs nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more
 ///   than 1024 levels, expected at most 1024."
-/// - fields of "Data" that do not fit its type: TypeError or Invalid that names what was found and
-///   what was expected
+/// - fields of "Data" that do not fit its type: TypeError or Invalid; the message states what was
+///   found and what was expected
 /// - a field that the struct does not have: the host's `std::invalid_argument` "Wrong field name."
 /// - a struct without elements: the host's `std::out_of_range` "Struct index is out of range."
 ///

@@ -15,7 +15,7 @@
 namespace numera::io::arrow::core {
 
 /// Converts an encoded table: a struct with the fields "ArrowType" (char; its text is not checked),
-/// "Names" (cell of char rows; a cell of another class gives an empty name) and "Columns" (n-by-1
+/// "Names" (cell of char rows; a value of another class gives an empty name) and "Columns" (n-by-1
 /// struct array, element i is the encoded array of column i).
 ///
 /// Fields are nullable and have no metadata. The lengths of the columns are not compared. Like the
@@ -35,9 +35,9 @@ namespace numera::io::arrow::core {
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> to_arrow_table(
     const hxArray* encoded);
 
-/// The check that `to_arrow_table` runs on each converted column before it makes the table. Use it
-/// if you put tables together yourself: Arrow then counts the nulls of the columns, and trusts
-/// their lengths and bitmaps.
+/// The check that `to_arrow_table` runs on each converted column before it makes the table. Call it
+/// if you build tables yourself: Arrow counts the nulls of the columns, and trusts their lengths
+/// and bitmaps.
 ///
 /// Errors:
 /// - a negative length with a bitmap: Invalid "Array: found offset 0 and length -1, expected

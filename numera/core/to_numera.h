@@ -41,25 +41,24 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Arr
 ///
 /// The offset of a sliced chunk is not applied to bits: its validity bitmap and its boolean values
 /// are read from the start of their buffers. Copy slices of booleans and slices with nulls to an
-/// array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does it.
+/// array of offset 0 first, or call `convert_to_host` (numera/extras/convert.h), which does so.
 ///
 /// Errors:
 /// - null pointer: Invalid "Received null pointer in arrow::Column conversion"
 /// - a type without a host form: TypeError "Unsupported type for Arrrow-NUMERA conversion: T"
 /// - types nested deeper than `kMaxNestingLevels`: Invalid "Nested value: found more than 1024
 ///   levels, expected at most 1024."
-/// - a null pointer in place of the type, or of the type of a field or of dictionary values:
-///   Invalid "Type: found a null pointer, expected a type, with the types of all its fields and
-///   values."
+/// - a null pointer in place of the type of the column, of a field or of dictionary values: Invalid
+///   "Type: found a null pointer, expected a type, with the types of all its fields and values."
 /// - text that is not UTF-8, or that the host cannot store: Invalid "Could not convert string in
 ///   row R to UTF-16 string.\n", where R counts from 0 in each chunk
 /// - dictionaries of anything but text: Invalid "Invalid dictionary value type: T"
 /// - memory of another device: Invalid "Buffer: found bytes that cannot be read here, expected main
 ///   memory."
 /// - chunks that do not match their column, buffers too short for their elements, codes outside
-///   their dictionary: Invalid that names what was found and what was expected, such as "Values
-///   buffer: found 8 bytes, expected enough for 2 elements." Struct chunks may differ in the names,
-///   nullability and metadata of their fields; each chunk is written with its own names.
+///   their dictionary: Invalid; the message states what was found and what was expected, such as
+///   "Values buffer: found 8 bytes, expected enough for 2 elements." Struct chunks may differ in
+///   the names, nullability and metadata of their fields; each chunk is written with its own names.
 /// - dictionaries that cannot be merged: Arrow's status
 /// - out of memory: the host's `std::bad_alloc`
 ///

@@ -5,7 +5,8 @@
 namespace numera::io::arrow::core {
 namespace {
 
-/// The only child of a map is the struct of key and item. It has a name if both of them have one.
+/// The only child of a map is the struct of key and item. It has a class name if both of them have
+/// one.
 bool has_name(const ::arrow::DataType& type) {
   if (arrow_type_row(type.id()).class_name == nullptr) return false;
   for (const auto& field : type.fields()) {

@@ -8,7 +8,7 @@
 ///   ARROW_ASSIGN_OR_RAISE(auto back, numera::extras::convert_to_arrow_table(std::move(host)));
 /// \endcode
 ///
-/// These functions validate their input, and their results keep the memory that they use alive. The
+/// These functions validate their input, and each result keeps alive the memory that it uses. The
 /// conversions in core/ do neither: they trust their input, and their headers state how they treat
 /// slices and lifetimes.
 

@@ -62,8 +62,8 @@ void copy_shifted(const std::uint8_t* source, std::int64_t bits, std::uint8_t* t
   if (bits % 64 != 0) copy_shifted_end(source, bits % 64, target, shift);
 }
 
-/// Copies from `source` to the unused bits of the last target byte, if whole source bytes reach
-/// them.
+/// Copies source bits into the unused bits of the last target byte, under the conditions that
+/// `copy_bitmap` states.
 void carry_unused_bits(std::span<const std::uint8_t> source, std::int64_t length,
                        const BitmapTarget& target) {
   const auto size = static_cast<std::int64_t>(source.size());

@@ -32,9 +32,9 @@ struct BitmapTarget {
 std::int64_t copy_bitmap(std::span<const std::uint8_t> source, std::int64_t length,
                          BitmapTarget target);
 
-/// Appends the bits of one chunk after another with `copy_bitmap`. Every byte is written. Bits that
-/// a chunk does not have are set to those of a fill. So are the unused bits at the end, unless
-/// `copy_bitmap` copies source bits into them.
+/// Appends the bits of one chunk after another with `copy_bitmap`. Every byte is written. Missing
+/// bits of a chunk are taken from `fill`. So are the unused bits at the end, unless `copy_bitmap`
+/// copies source bits into them.
 class BitmapWriter {
  public:
   /// `bytes` need not be initialized. They hold `total` bits, the sum of all lengths to be

@@ -54,7 +54,7 @@ inline constexpr const char* kStringType = "string";
 inline constexpr const char* kStructType = "struct";
 /// @}
 
-/// \name Field names of the structs that map entries are read as
+/// \name Field names of map entries, which are read as structs
 /// @{
 inline constexpr const char* kKey = "key";
 inline constexpr const char* kValue = "value";

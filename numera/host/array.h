@@ -41,7 +41,7 @@ enum class hxClassID : std::int32_t {
   Unknown = 0,    ///< in a field check: any class
   Cell = 1,       ///< slots, found by index
   Struct = 2,     ///< slots, found by element and field
-  Logical = 3,    ///< truth values, one byte each: 0 or 1
+  Logical = 3,    ///< booleans, one byte each: 0 or 1
   Char = 4,       ///< UTF-16 code units
   Void = 5,       ///< no value; the interface neither creates nor reads one
   Double = 6,     ///< 64-bit floating point; a complex element is a pair, real part first
@@ -81,12 +81,12 @@ using hxArrayPtr = std::unique_ptr<hxArray, hxDestroy_deleter>;
 /// Throws `std::bad_alloc` if memory runs out or the number of elements overflows; nothing leaks.
 /// @{
 
-/// A numeric or logical array of zeros. `class_id` is a numeric class, or `Logical` for real
-/// elements. Cost: at worst linear in the bytes of the elements.
+/// A numeric or logical array of zeros. `class_id` is a numeric class, or `Logical` if `complexity`
+/// is `Real`. Cost: at worst linear in the bytes of the elements.
 NUMERA_EXPORT hxArrayPtr hxCreateNumericArray(std::span<const size_t> dims, hxClassID class_id,
                                               hxComplexity complexity);
-/// The same with uninitialized elements: the caller must write all of them. The purpose is speed: a
-/// host does not touch their memory.
+/// The same with uninitialized elements: the caller must write all of them. This is faster, because
+/// the host does not touch their memory.
 NUMERA_EXPORT hxArrayPtr hxCreateUninitNumericArray(std::span<const size_t> dims,
                                                     hxClassID class_id, hxComplexity complexity);
 /// A cell array; all slots are empty.
@@ -119,7 +119,7 @@ NUMERA_EXPORT bool hxIsEmpty(const hxArray* array) noexcept;  ///< no elements
 NUMERA_EXPORT bool hxIsNumeric(const hxArray* array) noexcept;
 /// Elements are pairs. False for arrays that are not numeric.
 NUMERA_EXPORT bool hxIsComplex(const hxArray* array) noexcept;
-/// Only some elements are stored. The host alone knows their layout: the library rejects such
+/// Only some elements are stored. Only the host knows their layout, so the library rejects such
 /// arrays.
 NUMERA_EXPORT bool hxIsSparse(const hxArray* array) noexcept;
 /// Another array shares the element block.
@@ -133,8 +133,9 @@ NUMERA_EXPORT std::span<const size_t> hxGetDimensions(const hxArray* array) noex
 /// The element block of a numeric, logical or char array, borrowed; null for other classes. The
 /// block moves only when the array itself is written while shared.
 NUMERA_EXPORT const void* hxGetData(const hxArray* array) noexcept;
-/// The same for writing. Unshares first, which may copy the block. Earlier pointers then refer to
-/// the old block, which lives as long as other arrays share it. Throws `std::bad_alloc`.
+/// The same for writing. The array is unshared first, which may copy the block. Earlier pointers
+/// then refer to the old block, which lives as long as other arrays share it. Throws
+/// `std::bad_alloc`.
 NUMERA_EXPORT void* hxGetData(hxArray* array);
 /// The text of a char array (all elements in storage order) as UTF-8; NUL is kept. Throws
 /// `hxCodecError` on an unpaired surrogate and `std::invalid_argument` "Array is not char array."
@@ -149,7 +150,7 @@ NUMERA_EXPORT std::string hxGetString(const hxArray* array);
 
 /// Number of the field, or -1 if no field has this name.
 NUMERA_EXPORT int hxGetFieldNumber(const hxArray* array, const char* name) noexcept;
-/// Fields of a struct or object; 0 for every other array, string arrays included.
+/// Number of fields of a struct or object; 0 for every other array, string arrays included.
 NUMERA_EXPORT int hxGetNumberOfFields(const hxArray* array) noexcept;
 /// Name of the field, or null if there is no field `number`. Lives as long as the array.
 NUMERA_EXPORT const char* hxGetFieldName(const hxArray* array, int number) noexcept;

@@ -4,9 +4,9 @@
 /// The in-memory host, for tests and for programs that run without another host. This header
 /// declares what it offers beyond the host interface.
 ///
-/// It supplies every operation of the host interface, with the thread safety stated there. A write
-/// to a shared struct array always works: the array is unshared first. Storing checks the slot and
-/// throws like `hxGetCellChecked`.
+/// It supplies every operation of the host interface, with the thread safety that array.h states. A
+/// write to a shared struct array always works: the array is unshared first. Storing checks the
+/// slot and throws like `hxGetCellChecked`.
 
 #include <cstddef>
 #include <exception>
@@ -38,8 +38,8 @@ NUMERA_EXPORT void RequestInterrupt() noexcept;
 /// the next computation.
 NUMERA_EXPORT void ClearInterrupt() noexcept;
 /// Sets a thread-local function that `hxThrowIfInterruptPending` calls first on this thread; what
-/// it throws passes through. An empty function removes it. Everything it refers to must live until
-/// it is removed or the thread ends.
+/// it throws passes through. An empty function removes it. Everything that the function refers to
+/// must live until it is removed or the thread ends.
 NUMERA_EXPORT void SetInterruptCheck(std::function<void()> check);
 
 /// The exception that `hxThrowIfInterruptPending` throws.
@@ -58,8 +58,8 @@ NUMERA_EXPORT size_t LiveArrays() noexcept;
 ///
 /// The first write to fresh memory costs several times as much as a write to used memory. The host
 /// therefore keeps the memory of destroyed arrays for reuse: every block of more than 2 KiB, and
-/// every 2 MiB chunk that holds no small array any more. If more than `kMaxKeptBytes` would be
-/// kept, the blocks kept longest go back to the system. Under an address sanitizer nothing is kept
+/// every 2 MiB chunk that no longer holds a small array. If more than `kMaxKeptBytes` would be
+/// kept, the oldest kept blocks go back to the system. Under an address sanitizer nothing is kept
 /// and `KeptBytes` is 0.
 /// @{
 

@@ -17,9 +17,9 @@
 #include "numera/host/array.h"
 #include "numera/host/text_codec.h"
 
-/// The codec that decodes the library's UTF-8. Each shared object that calls this function has one
-/// instance, since the function is inline. It is created on first use and then only read, by any
-/// number of threads.
+/// The codec that decodes the library's UTF-8. The function is inline, so each shared object that
+/// calls it has its own codec. The codec is created on first use and then only read, by any number
+/// of threads.
 inline const hxUTF8ToUTF16& hxUTF8Decoder() {
   static const hxUTF8ToUTF16 codec("UTF-8");
   return codec;
@@ -53,8 +53,8 @@ class NUMERA_EXPORT hxStringArray {
   ///
   /// The default implementation sets one element after another. It also returns the index of an
   /// element that cannot be set for another reason, such as lack of memory. An index out of range
-  /// throws. A host overrides it if it can do better; an override may throw if it cannot tell which
-  /// text failed.
+  /// throws. A host can override it with something faster. An override may throw if it cannot tell
+  /// which text failed.
   virtual std::optional<size_t> assign_utf8(size_t first, std::span<const std::int32_t> offsets,
                                             const std::uint8_t* bytes) {
     return assign_one_by_one(first, offsets, bytes);
@@ -92,11 +92,11 @@ class NUMERA_EXPORT hxStringArray {
 /// caller owns the result. Throws `std::bad_alloc`.
 NUMERA_EXPORT std::unique_ptr<hxStringArray> hxMakeStringArray(std::span<const size_t> dims);
 /// Creates an array that owns `strings`: class `hxClassID::Object`, class name "string", no fields.
-/// No text is copied. Throws `std::invalid_argument` for a null pointer, and `std::bad_alloc`; then
-/// `strings` is destroyed.
+/// No text is copied. Throws `std::invalid_argument` for a null pointer, and `std::bad_alloc`. On
+/// failure `strings` is destroyed.
 NUMERA_EXPORT hxArrayPtr hxCreateStringArrayFrom(std::unique_ptr<hxStringArray> strings);
-/// True for results of `hxCreateStringArrayFrom` and their copies. The class is not enough to tell,
-/// since other objects have it too. `array` is not null.
+/// True for results of `hxCreateStringArrayFrom` and their copies. The class does not tell: other
+/// objects have it too. `array` is not null.
 NUMERA_EXPORT bool hxIsStringArray(const hxArray* array) noexcept;
 /// The elements, borrowed; they live as long as the array. Throws `std::invalid_argument` "Array is
 /// not string array.", also for a null array.

@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// The host's strict text codecs. A codec rejects invalid text and never replaces parts of it:
-/// unpaired surrogates, overlong forms, surrogate code points in UTF-8, truncated sequences and
-/// values above U+10FFFF.
+/// The host's strict text codecs. A codec never replaces invalid text but rejects it: unpaired
+/// surrogates, overlong forms, surrogate code points in UTF-8, truncated sequences and values above
+/// U+10FFFF.
 
 #include <cstddef>
 #include <memory>

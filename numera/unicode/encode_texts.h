@@ -94,8 +94,8 @@ hxArrayPtr encode_one_by_one(size_t count, const Text& text, const hxUTF16ToUTF8
   return std::move(bytes);
 }
 
-/// Encodes `count` texts. `text(i)` returns text i as a `std::u16string_view` that outlives the
-/// call, or throws an exception if text i is invalid. It is called in order, once per text; if a
+/// Encodes `count` texts. `text(i)` returns text i as a `std::u16string_view` that stays valid
+/// during this call, or throws if text i is invalid. It is called in order, once per text; if a
 /// text is rejected, the texts are requested again from the first one.
 template <class Text>
 EncodedTexts encode_texts(size_t count, const Text& text) {

@@ -17,7 +17,7 @@ namespace numera::io::arrow::core {
 /// An `::arrow::LargeBinaryArray` over the memory of "Values" and "StartOffsets".
 ArrayResult MakeLargeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
-/// An `::arrow::BinaryArray`. `NarrowOffsets` copies its offsets and gives its errors.
+/// An `::arrow::BinaryArray`. `NarrowOffsets` copies the offsets and states the errors.
 ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Converts all chunks to a cell. Every cell is filled; those of null slots get the bytes that

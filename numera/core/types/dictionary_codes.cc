@@ -71,7 +71,7 @@ bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
   if (std::cmp_less_equal(dictionary_length, kMost)) {
     return are_below(unsigned_codes, static_cast<Unsigned>(dictionary_length));
   }
-  // The dictionary is long enough for every non-negative code.
+  // The dictionary has an entry for every non-negative code.
   return std::is_unsigned_v<Code> || are_below(unsigned_codes, static_cast<Unsigned>(kMost + 1U));
 }
 

@@ -21,8 +21,8 @@
 namespace numera::io::arrow::core {
 
 /// Converts a list envelope to a large list over its offsets. "StartOffsets" that is not a real
-/// uint64 array is a TypeError; one without elements is Invalid. Both come before "Values" is
-/// converted.
+/// uint64 array is a TypeError; one without elements is Invalid. Both are checked before "Values"
+/// is converted.
 ::arrow::Status ListToArrow(const EnvelopeFields& envelope, int level, DataPtr& data);
 
 /// Converts lists or large lists to their "Data".

@@ -27,7 +27,7 @@ inline std::u16string Utf8ToUtf16(std::string_view utf8) { return hxUTF8Decoder(
 /// checked: the caller must know that they are UTF-8.
 ArrayResult MakeLargeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
-/// An `::arrow::StringArray`. `NarrowOffsets` copies its offsets and gives its errors.
+/// An `::arrow::StringArray`. `NarrowOffsets` copies the offsets and states the errors.
 ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Sets the elements of `store`, from `start` on, to the texts of `array`. Texts at null slots

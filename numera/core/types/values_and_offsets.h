@@ -31,12 +31,12 @@ struct ValuesAndStartOffsets {
 };
 
 /// Reads element 0 of a struct. Errors: those of `VerifyHxStructContains` for "Values", then for
-/// "StartOffsets"; then TypeError if one of them is complex or sparse.
+/// "StartOffsets"; then TypeError if either is complex or sparse.
 ::arrow::Result<ValuesAndStartOffsets> ReadValuesAndStartOffsets(const hxArray* s);
 
 /// A copy of uint64 offsets as 32-bit offsets, in memory of Arrow's default pool. Offsets of
-/// 2147483647 or more, so also the greatest 32-bit offset, are Invalid "Cannot construct
-/// arrow::StringArray or arrow::BinaryArray with O offset."
+/// 2147483647 (the maximum of int32) or more are Invalid "Cannot construct arrow::StringArray or
+/// arrow::BinaryArray with O offset."
 ::arrow::Result<std::shared_ptr<::arrow::Buffer>> NarrowOffsets(const hxArray* offsets);
 
 /// An `ArrowArray` with 64-bit offsets over the memory of both fields. O(1).

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Tells on which column the conversion of a table failed.
+/// Tells which column of a table failed to convert.
 
 #include <arrow/status.h>
 
@@ -16,14 +16,13 @@ namespace numera::io::arrow::core::util {
 
 /// The kind of status that a column failed with.
 enum class TableErrorCode : std::int32_t {
-  TypeError = 0,  ///< a type error: the column may convert as another type
+  TypeError = 0,  ///< a type error: with another type the column may convert
   Internal = 1    ///< every other code
 };
 
-/// Names the column on which the conversion of a table failed. It is attached to the status of the
-/// column. Read it with `dynamic_cast`, or with `static_cast` after a check of `type_id()`. The
-/// status owns the detail, and copies of the status share it. It never changes, so any thread may
-/// read it.
+/// Names the column of a table that failed to convert. It is attached to the status of the failure.
+/// Read it with `dynamic_cast`, or with `static_cast` after a check of `type_id()`. The status owns
+/// the detail, and copies of the status share it. It never changes, so any thread may read it.
 ///
 /// \code
 ///   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
@@ -33,7 +32,7 @@ class NUMERA_EXPORT TableErrorStatusDetail : public ::arrow::StatusDetail {
  public:
   /// `columnName` is copied; `columnIndex` counts from 0.
   TableErrorStatusDetail(TableErrorCode code, const std::string& columnName, int columnIndex);
-  /// For a detail in your own status. There is no assignment, because details are shared.
+  /// For use in your own status. There is no assignment, because details are shared.
   TableErrorStatusDetail(const TableErrorStatusDetail&) = default;
   /// The moved-from detail may only be destroyed.
   TableErrorStatusDetail(TableErrorStatusDetail&&) = default;

@@ -38,7 +38,7 @@ namespace numera::extras {
 /// Returns the readable form of one host value, as a new array that the caller owns: an encoded
 /// array or a buffer envelope for `to_arrow`, or an encoded table for `to_arrow_table`.
 ///
-/// Ordinary values, of any shape and read in storage order:
+/// Ordinary values of any shape, read in storage order:
 /// - real numbers that are not sparse: unchanged
 /// - logical arrays: packed
 /// - string arrays, char arrays and cells of char rows: text. Missing texts become nulls. A char
@@ -84,8 +84,8 @@ namespace numera::extras {
 /// valid after `value` is destroyed. Before each column of a table, `hxThrowIfInterruptPending` is
 /// called. Exceptions of the host pass through.
 ///
-/// `threads` threads make the columns of a table readable, each one column at a time; 0 means one
-/// thread per processor that this process may use. The host must allow arrays to be made on one
+/// `threads` threads make the columns of a table readable, one column per thread at a time; 0 means
+/// one thread per processor that this process may use. The host must allow arrays to be made on one
 /// thread and used on another.
 ///
 /// Cost: parts that are already readable are not copied (they become shared copies). Every part is
@@ -113,8 +113,8 @@ NUMERA_EXPORT std::optional<std::shared_ptr<::arrow::DataType>> returned_type(
     const ::arrow::DataType& type);
 
 /// Whether a column of type `from` may have type `to` after the round trip. True if `to` is
-/// `returned_type(from)`. If `from` is itself a dictionary, also true if `to` is the same with any
-/// index type and unordered. False if there is no such round trip.
+/// `returned_type(from)`. If `from` is itself a dictionary, also true if `to` is an unordered
+/// dictionary of large utf8 with any index type. False if the round trip is not possible.
 ///
 /// `from` must be owned by a `std::shared_ptr`. Cost of both functions: one step per node of the
 /// type.

@@ -21,7 +21,7 @@ struct Located {
   const hxArray* value = nullptr;
   const Located* parent = nullptr;  ///< null: the outermost value
   const char* field = nullptr;      ///< null: a cell or an element of its parent
-  size_t index = 0;  ///< of the cell or element; of the parent's element that has the field
+  size_t index = 0;  ///< of the cell, the element, or the parent's element that has the field
 };
 
 /// The path, such as `.Columns(2).Data.FieldData{1}`; "Value" for the outermost value.

@@ -22,7 +22,7 @@ struct ReadableValue {
   size_t length = 0;
   hxArrayPtr valid = nullptr;  ///< a uint8 array of bits; null: every element is valid
   const char* kind = format::kArrayKind;
-  bool is_valid = true;  ///< false: not known; Arrow's full validation must check it
+  bool is_valid = true;  ///< false: unknown, so Arrow's full validation must check it
 };
 
 /// An envelope, or a cell of envelopes, with the number of its elements.

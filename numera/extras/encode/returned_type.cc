@@ -73,7 +73,7 @@ TypePtr returned_timestamp(const ::arrow::TimestampType& type) {
                             hxUTF16ToUTF8("UTF-8").convert(characters.data(), characters.size()));
 }
 
-/// Types without children. Each returns unchanged or as one fixed type, whatever its parameters
+/// Types without children. Each comes back unchanged or as one fixed type, whatever its parameters
 /// are. Only the time zone of a timestamp may change.
 std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
   switch (type.id()) {

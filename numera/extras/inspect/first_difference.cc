@@ -16,14 +16,14 @@ namespace {
 
 using inspect::Content;
 
-// A difference, and the element that it is at: "(3)", or "" for the value as a whole.
+// A difference and its element: "(3)", or "" if the value as a whole differs.
 struct Difference {
   std::string element;
   std::string text;
 };
 using Finding = std::optional<Difference>;
 
-// Two containers on the path from the values compared to the slots that are compared now.
+// A pair of containers on the path from the two values to the slots that are compared now.
 struct Frame {
   const hxArray* a;
   const hxArray* b;

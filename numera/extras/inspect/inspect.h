@@ -74,11 +74,11 @@ NUMERA_EXPORT std::string print(const hxArray* value, const PrintOptions& option
 /// from that, sparse arrays and classes that the interface gives no access to count as different,
 /// because their elements cannot be read.
 ///
-/// The difference is one line. It starts with the path of the place, unless that is the value
-/// itself: `.Data.Values(3): 1.5 is not 2.5`, `.Columns(2).Data{4}: <empty> is not cell 0x0`,
+/// The result is one line. It starts with the path of the part that differs, unless that is the
+/// value itself: `.Data.Values(3): 1.5 is not 2.5`, `.Columns(2).Data{4}: <empty> is not cell 0x0`,
 /// `.Type: "single" is not "double"`, `.Valid: size 3x1 is not 1x3`. An array with rows and columns
-/// is indexed by both: `(1,0)`. A single element takes no index. Values are compared in storage
-/// order, each one completely before the next.
+/// is indexed by both: `(1,0)`. An index in parentheses is left out if the array has one element.
+/// Values are compared in storage order, each one completely before the next.
 ///
 /// Throws `std::bad_alloc`. Cost: linear in the size of the values up to the difference. Blocks are
 /// compared at memory speed; blocks that both values share are not compared.

@@ -40,7 +40,7 @@ std::string part_text(hxClassID class_id, const std::uint8_t* block, size_t part
     std::memcpy(&value, block + part * sizeof(T), sizeof(T));
     return to_text(value);
   };
-  // Truth values are the only others, a byte each.
+  // Only logical values remain: one byte each.
   return format::with_number_class(
       class_id, text, [&] { return std::string(block[part] != 0 ? "true" : "false"); });
 }

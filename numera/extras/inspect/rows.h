@@ -10,7 +10,7 @@
 
 namespace numera::extras::inspect {
 
-/// Lists an array row by row and page by page.
+/// The order: row by row and page by page.
 class Rows {
  public:
   explicit Rows(std::span<const size_t> dims)

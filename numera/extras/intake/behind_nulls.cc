@@ -37,12 +37,12 @@ Shown without_nulls(const ::arrow::ArrayData& array, Shown shown) {
   return shown;
 }
 
-/// The child elements that the given slots refer to. `range_of(i)` is the begin and the size of
-/// slot i. Both may be out of bounds: offsets are not validated yet.
+/// The child elements that the given slots refer to. `range_of(i)` is the begin and the size of the
+/// range of slot i. Both may be out of bounds: offsets are not validated yet.
 template <class RangeOf>
 Shown elements_of(const ::arrow::ArrayData& lists, const Shown& slots, RangeOf range_of) {
   const std::int64_t count = lists.child_data[0]->length;
-  // Per element: ranges that begin there minus ranges that end there.
+  // Per element: the number of ranges that begin there minus the number that end there.
   std::vector<std::int64_t> steps(static_cast<size_t>(count) + 1, 0);
   for (size_t i = 0; i < slots.size(); ++i) {
     if (!slots[i]) continue;

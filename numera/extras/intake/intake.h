@@ -3,7 +3,7 @@
 /// \file
 /// Prepares Arrow data from outside for `to_numera`.
 ///
-/// `to_numera` trusts its input. It reads validity and truth values from the first bit of their
+/// `to_numera` trusts its input. It reads validity bits and booleans from the first bit of their
 /// buffers, even if a slice has an offset. `take_in` checks the data completely and removes offsets
 /// at every depth, in children and dictionaries too. On request it also casts types that
 /// `to_numera` refuses. docs/intake.md has the rule of every Arrow type.
@@ -73,9 +73,9 @@ struct Intake {
 /// - null counts are right or unknown (-1)
 /// - its type is unchanged, unless `options` allow casts
 ///
-/// Buffers are shared with the input where possible. An array that is already fit keeps all of
-/// them. Copies are made of:
-/// - bitmaps and truth values that do not start at a byte boundary
+/// Buffers are shared with the input where possible. An array that is already fit keeps all its
+/// buffers. Copies are made of:
+/// - bitmaps and booleans that do not start at a byte boundary
 /// - list and map offsets that do not start at 0
 /// - text with invalid UTF-8 in a null slot; that slot becomes empty
 /// - values that are cast
@@ -87,9 +87,9 @@ struct Intake {
 /// A cast to text, bytes or lists gives 32-bit offsets. If one chunk has too many bytes or elements
 /// for them, the whole column gets 64-bit offsets ("large").
 ///
-/// Errors, each of which begins with the path if that is not empty:
+/// Errors; each message begins with the path, unless the path is empty:
 /// - a null pointer, at any depth, in types too: Invalid. For the argument itself the text is
-///   "Array: found a null pointer, expected a value." ("Column", "Table")
+///   "Array: found a null pointer, expected a value." (or "Column: ...", "Table: ...")
 /// - a type that `to_numera` refuses and that has no rule or may not be cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of a device other than the CPU: Invalid
@@ -104,14 +104,14 @@ struct Intake {
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Array>> take_in(
     const std::shared_ptr<::arrow::Array>& array, const IntakeOptions& options = {});
 
-/// Chunk by chunk; all chunks get the same type. A list, struct or map column without chunks gets
-/// an empty chunk: without it the host would not know the types of its elements.
+/// Takes in each chunk; all chunks get the same type. A list, struct or map column without chunks
+/// gets an empty chunk: without it the host would not know the element types.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::ChunkedArray>> take_in(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const IntakeOptions& options = {});
 
-/// Column by column. Names, nullability and metadata stay. `hxThrowIfInterruptPending` is called
-/// before every column; its exception passes through. If a column fails, the status carries a
-/// `TableErrorStatusDetail` with its name and index.
+/// Takes in each column. Names, nullability and metadata stay. `hxThrowIfInterruptPending` is
+/// called before every column; its exception passes through. If a column fails, the status carries
+/// a `TableErrorStatusDetail` with its name and index.
 NUMERA_EXPORT ::arrow::Result<Intake<::arrow::Table>> take_in(
     const std::shared_ptr<::arrow::Table>& table, const IntakeOptions& options = {});
 

@@ -29,7 +29,7 @@ std::vector<Range> ranges_of(const ::arrow::ArrayData& views, const ::arrow::Arr
   return ranges;
 }
 
-/// The smallest range that covers all of them.
+/// The smallest range that covers all `ranges`.
 Range span_of(const std::vector<Range>& ranges) {
   std::int64_t begin = std::numeric_limits<std::int64_t>::max();
   std::int64_t end = 0;

@@ -40,8 +40,8 @@ BufferResult allocate(Work& work, std::int64_t count, std::int64_t width);
 BufferResult cut_bits(Work& work, const std::shared_ptr<::arrow::Buffer>& bits, std::int64_t offset,
                       std::int64_t length);
 
-/// `length` elements of `width` bytes from element `offset` on. If `offset` is 0, the buffer
-/// itself, uncut.
+/// `length` elements of `width` bytes from element `offset` on. Returns the buffer itself, uncut,
+/// if `offset` is 0.
 std::shared_ptr<::arrow::Buffer> cut_elements(const std::shared_ptr<::arrow::Buffer>& buffer,
                                               std::int64_t offset, std::int64_t length,
                                               std::int64_t width);

@@ -21,12 +21,12 @@ enum class Fate : std::uint8_t {
   kRefused,     ///< always refused: there is no rule
 };
 
-/// How values of a kept type lie in memory. What differs between kept types is a switch over this
-/// without a default, so a new layout compiles only once every switch has it.
+/// The memory layout of the values of a kept type. Every `switch` over it has no default, so a new
+/// layout compiles only when every `switch` handles it.
 enum class Layout : std::uint8_t {
   kNoValues,
   kBits,
-  kFixedWidth,  ///< dictionaries too, by their codes
+  kFixedWidth,  ///< also the codes of dictionaries
   kText,
   kLargeText,
   kList,
@@ -39,7 +39,7 @@ struct Rule {
   ::arrow::Type::type id;
   const char* type;  ///< the name in the documentation
   Fate fate;
-  Layout layout;        ///< only of kept types
+  Layout layout;        ///< only for kept types
   const char* cast_to;  ///< the target in the documentation; empty if nothing is cast
   Take take;
 };
@@ -50,7 +50,6 @@ std::span<const Rule> rules();
 /// The layout of a kept type.
 Layout layout_of(const ::arrow::DataType& type);
 
-/// What may be cast.
 struct AllowedCasts {
   bool all = false;
   bool views = false;

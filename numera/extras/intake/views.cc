@@ -6,8 +6,8 @@
 namespace numera::extras::intake {
 namespace {
 
-/// The bytes of a view. Few bytes are stored in the view itself, more in one of the data buffers,
-/// which start at the third buffer.
+/// The bytes of a view. A short value is stored in the view itself, a longer one in a data buffer.
+/// The data buffers start at the third buffer.
 std::string_view bytes_of(const ::arrow::ArrayData& array, std::int64_t index) {
   using View = ::arrow::BinaryViewType::c_type;
   const std::uint8_t* view = array.buffers[1]->data() + index * std::int64_t{sizeof(View)};

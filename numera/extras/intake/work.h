@@ -36,14 +36,15 @@ struct Work {
   bool views = false;
   /// The largest 32-bit offset; smaller in tests.
   std::int64_t narrow_limit = std::numeric_limits<std::int32_t>::max();
-  /// Casts give 64-bit offsets, because 32 bits were not enough for a chunk of the column.
+  /// Whether casts give 64-bit offsets, because 32 bits were not enough for a chunk of the column.
   bool wide = false;
   /// Set if a cast failed that would succeed with `wide`.
   bool needs_wide = false;
   /// Whether `note` records casts. Only for the first chunk: the other chunks have the same casts.
   bool records = true;
   std::vector<IntakeCast> casts;
-  /// Dictionaries taken in so far, by input dictionary. Chunks that share one share its result.
+  /// Dictionaries taken in so far, by input dictionary. Chunks with the same dictionary share its
+  /// result.
   std::unordered_map<const ::arrow::ArrayData*, TakenDictionary> dictionaries;
 
   void note(const std::string& path, std::shared_ptr<::arrow::DataType> from,

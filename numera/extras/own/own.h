@@ -12,7 +12,7 @@
 /// that (the in-memory host does). To keep using a value, pass `hxSharedCopy` of it: the copy
 /// shares the memory, and a later write to either one does not change the other.
 ///
-/// Thread safety as in to_arrow.h. The Arrow values may be used and released on any thread.
+/// Thread safety is as in to_arrow.h. The Arrow values may be used and released on any thread.
 ///
 /// \code
 ///   auto column = numera::extras::own_to_arrow<arrow::Array>(std::move(envelope));

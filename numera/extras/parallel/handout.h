@@ -30,7 +30,6 @@ class Handout {
 
   /// Waits until another piece may be given. False if none is wanted because a piece has failed.
   bool wait_for_room();
-  /// Gives the next piece.
   void give();
   /// Says that no more pieces will come.
   void close() noexcept;

@@ -25,7 +25,7 @@ namespace numera::extras {
 /// threads. The host must allow arrays to be made on one thread and used on another (the in-memory
 /// host does).
 ///
-/// The calling thread hands out the columns in order, and waits if too many of them wait for a
+/// The calling thread hands out the columns in order, and pauses if too many of them wait for a
 /// thread. It calls `hxThrowIfInterruptPending` before each column; no other thread calls it. With
 /// 1 thread, or if the system gives none, no thread is started and the calling thread converts the
 /// columns too.

@@ -21,7 +21,7 @@ struct LargeBlock {
   bool zeroed;  ///< fresh from the system and therefore all zeros
 };
 
-/// A block of `large_block_bytes(bytes)`, aligned to 64 bytes; a block of at least a huge page is
+/// A block of `large_block_bytes(bytes)`, aligned to 64 bytes; a block of at least one huge page is
 /// aligned to a huge page. Throws `std::bad_alloc`. O(1) apart from the cost of system calls.
 LargeBlock take_large_block(size_t bytes);
 /// Keeps the block for reuse. Gives the oldest kept blocks back to the system so that at most

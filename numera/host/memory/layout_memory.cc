@@ -26,7 +26,7 @@ using Places = std::array<Remembered, kPlaces>;
 thread_local constinit bool ended = false;
 
 // Structs that represent columns have few field names. Layouts with more names are not cached: they
-// take longer to compare and more memory.
+// take more memory and more time to compare.
 constexpr size_t kMostNames = 8;
 
 bool is_remembered(const Description& description) {

@@ -20,8 +20,8 @@ namespace numera::host::memory {
 /// Texts set in order are contiguous: text i ends where text i + 1 begins. The first text set out
 /// of order switches the array to a begin and a length per text. From then on, a new text
 /// overwrites the old one in place if it fits; otherwise it is added at the end. The arena is
-/// compacted when more than half of it is unused, so that a set costs amortized time linear in its
-/// text.
+/// compacted when more than half of it is unused, so that the amortized cost of `set` is linear in
+/// its text.
 ///
 /// `set` and `element` throw `std::out_of_range` "String index is out of range.".
 class MemoryStringArray final : public hxStringArray {

@@ -32,7 +32,7 @@ size_t room_in_front(size_t inline_bytes) {
 }
 
 // Frees the block of `elements`, whose contents are already freed. The block may include the header
-// of an array. `arrays` is the number of arrays that end with it, for the count of live arrays.
+// of an array. `arrays` is the number of arrays destroyed with it, for the count of live arrays.
 void free_block(Elements* elements, std::ptrdiff_t arrays = 0) noexcept {
   const size_t front = elements->own_data ? 0 : room_in_front(elements->bytes);
   const size_t bytes = front + (elements->with_header ? sizeof(ArrayBlock) : sizeof(Elements));

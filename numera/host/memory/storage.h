@@ -37,7 +37,7 @@ struct Layout {
   bool sparse;
   const char* class_name;
   size_t element_count;
-  size_t element_bytes;  ///< of one element
+  size_t element_bytes;  ///< per element
   std::span<const size_t> dims;
   std::span<const char* const> field_names;
   std::span<const int> fields_by_name;  ///< field numbers sorted by name; equal names by number
