@@ -30,6 +30,7 @@
 
 namespace numera::extras {
 
+/// How Arrow data is taken to the host.
 struct ToHostOptions {
   /// What `take_in` may cast before the conversion.
   IntakeOptions intake = {};
@@ -40,7 +41,6 @@ struct ToHostOptions {
   std::vector<IntakeCast>* casts = nullptr;
 };
 
-/// \name Towards the host
 /// Converts Arrow data from any source to its encoded value: calls `take_in`, then `to_numera`.
 /// Slices, array offsets and unknown null counts are allowed. The data is validated completely. The
 /// result is a new host value that the caller owns. The data is only read, and the result does not
@@ -50,18 +50,18 @@ struct ToHostOptions {
 /// carries a `TableErrorStatusDetail` with its name and index.
 ///
 /// Cost: that of `to_numera`, and one pass over the data to validate it.
-/// @{
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
     const std::shared_ptr<::arrow::Array>& array, const ToHostOptions& options = {});
+/// The same for a column: all chunks.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
     const std::shared_ptr<::arrow::ChunkedArray>& column, const ToHostOptions& options = {});
+/// The same for a record batch: an encoded table.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
     const std::shared_ptr<::arrow::RecordBatch>& batch, const ToHostOptions& options = {});
+/// The same for a table: an encoded table.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
     const std::shared_ptr<::arrow::Table>& table, const ToHostOptions& options = {});
-/// @}
 
-/// \name Towards Arrow
 /// Converts any host value that `make_readable` accepts to an Arrow value: ordinary values, and
 /// encoded values in written or readable form. The call takes ownership of the value, even if it
 /// fails; to keep using the value, pass `hxSharedCopy` of it. The result passes `ValidateFull` and
@@ -90,14 +90,12 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
 ///
 /// Cost: that of `make_readable`, plus one small allocation per buffer and one copy of all values
 /// that are cast.
-/// @{
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Array>> convert_to_arrow(
     hxArrayPtr value, const std::shared_ptr<::arrow::DataType>& type = nullptr);
 
-/// `threads` is the number of threads that convert the columns. 0 means one per processor that this
-/// process may use.
+/// The same for an encoded table. `threads` is the number of threads that convert the columns. 0
+/// means one per processor that this process may use.
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Table>> convert_to_arrow_table(
     hxArrayPtr value, const std::shared_ptr<::arrow::Schema>& schema = nullptr, size_t threads = 1);
-/// @}
 
 }  // namespace numera::extras
