@@ -3,6 +3,7 @@
 #include <arrow/util/key_value_metadata.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -87,6 +88,13 @@ TEST(ConvertToArrow, GivesExactlyTheTypeThatIsAskedFor) {
     EXPECT_TRUE(SameArray(**back, *array));
     EXPECT_TRUE((*back)->ValidateFull().ok()) << (*back)->ValidateFull();
   }
+}
+
+TEST(ConvertToArrow, GivesTextAndBytesAsViews) {
+  const auto texts = convert_to_arrow(Strings({u"a", std::nullopt}), ::arrow::utf8_view());
+  EXPECT_TRUE(SameArray(*texts.ValueOrDie(), *ArrowArray(::arrow::utf8_view(), R"(["a", null])")));
+  const auto bytes = convert_to_arrow(Cell({Column<std::uint8_t>({'a'})}), ::arrow::binary_view());
+  EXPECT_TRUE(SameArray(*bytes.ValueOrDie(), *ArrowArray(::arrow::binary_view(), R"(["a"])")));
 }
 
 TEST(ConvertToArrow, GivesDictionariesOfSeveralChunksTheirIndexType) {
