@@ -257,55 +257,6 @@ TEST(ToNumera, CallsThatPassThroughBothDoorsGiveAnEqualArray) {
   }
 }
 
-TEST(ToNumeraBuffer, CopiesTheBytes) {
-  const hxArrayPtr expected = Struct({{"ArrowType", Char("buffer")},
-                                      {"Values", Column<std::uint8_t>({1, 2, 255})},
-                                      {"Length", Empty()}});
-  const auto buffer = ArrowBuffer({1, 2, 255});
-  const hxArrayPtr actual = to_numera(buffer).ValueOrDie();
-  EXPECT_TRUE(SameHostValue(actual.get(), expected.get()));
-  const hxArray* values = hxGetField(actual.get(), 0, "Values");
-  EXPECT_NE(hxGetData(values), buffer->data());
-  EXPECT_FALSE(hxIsDataShared(values));
-}
-
-TEST(ToNumeraBuffer, TakesNullAsAnEmptyBuffer) {
-  const hxArrayPtr expected = Struct(
-      {{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>({})}, {"Length", Empty()}});
-  for (const auto& buffer : {std::shared_ptr<::arrow::Buffer>(), ArrowBuffer({})}) {
-    EXPECT_TRUE(SameHostValue(to_numera(buffer).ValueOrDie().get(), expected.get()));
-  }
-}
-
-TEST(ToNumeraBuffer, RefusesBytesThatCannotBeRead) {
-  const std::uint8_t byte = 0;
-  const std::shared_ptr<::arrow::Buffer> buffers[] = {
-      BufferOfOtherDevice(4),
-      std::make_shared<::arrow::Buffer>(static_cast<const std::uint8_t*>(nullptr), 4),
-      std::make_shared<::arrow::Buffer>(&byte, -1)};
-  for (const auto& buffer : buffers) {
-    EXPECT_EQ(
-        to_numera(buffer).status(),
-        Status::Invalid("Buffer: found bytes that cannot be read here, expected main memory."));
-  }
-}
-
-TEST(ToNumeraBuffer, ReadsBackWhatToArrowMade) {
-  const hxArrayPtr encoded = BufferEnvelope({9, 8, 7});
-  const auto buffer = to_arrow<::arrow::Buffer>(encoded.get()).ValueOrDie();
-  const hxArrayPtr expected = Struct({{"ArrowType", Char("buffer")},
-                                      {"Values", Column<std::uint8_t>({9, 8, 7})},
-                                      {"Length", Empty()}});
-  EXPECT_TRUE(SameHostValue(to_numera(buffer).ValueOrDie().get(), expected.get()));
-}
-
-TEST(ToNumeraBuffer, LeavesNothingBehindWhereverItFails) {
-  const auto buffer = ArrowBuffer({1, 2});
-  const FaultSites sites = FailEverywhere([&buffer] { return to_numera(buffer).status(); });
-  EXPECT_GE(sites.allocations, 4U);
-  EXPECT_GE(sites.calls, 7U);
-}
-
 TEST(ToNumera, LeavesNothingBehindOfNullColumnsWhereverItFails) {
   const auto column = ArrowChunks(::arrow::null(), {"[null, null]"});
   const FaultSites sites = FailEverywhere([&column] { return to_numera(column).status(); });

@@ -57,4 +57,9 @@ inline hxArrayPtr WrittenEnvelope(std::string_view kind, std::string_view type, 
                  {"Data", std::move(data)}});
 }
 
+/// "Data" of structs with one chunk.
+inline hxArrayPtr StructData(hxArrayPtr names, hxArrayPtr children) {
+  return Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(children)}});
+}
+
 }  // namespace numera::testing

@@ -35,9 +35,8 @@ hxArrayPtr Lists(double length, hxArrayPtr values, hxArrayPtr offsets,
 
 hxArrayPtr Structs(double length, hxArrayPtr names, hxArrayPtr fields,
                    const std::vector<std::uint8_t>& valid = {}) {
-  return WrittenEnvelope(
-      "struct", "struct", WrittenValidity(length, valid),
-      Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(fields)}}));
+  return WrittenEnvelope("struct", "struct", WrittenValidity(length, valid),
+                         StructData(std::move(names), std::move(fields)));
 }
 
 /// The encoded form of the envelope that `to_numera` writes for these chunks.

@@ -21,9 +21,8 @@ TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
                            Packed(std::move(values), std::move(offsets)));
   };
   const auto structs = [](hxArrayPtr names, hxArrayPtr fields) {
-    return WrittenEnvelope(
-        "struct", "struct", WrittenValidity(1),
-        Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(fields)}}));
+    return WrittenEnvelope("struct", "struct", WrittenValidity(1),
+                           StructData(std::move(names), std::move(fields)));
   };
   const auto maps = [](hxArrayPtr keys, hxArrayPtr items) {
     return WrittenEnvelope("map", "map", WrittenValidity(1),

@@ -23,10 +23,6 @@ using namespace numera::testing;
 using ::arrow::field;
 using ::arrow::Status;
 
-hxArrayPtr StructData(hxArrayPtr names, hxArrayPtr children) {
-  return Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(children)}});
-}
-
 hxArrayPtr StructEnvelope(hxArrayPtr names, hxArrayPtr children,
                           const std::vector<std::uint8_t>& valid = {}) {
   return KindEnvelope("struct", "struct", StructData(std::move(names), std::move(children)), valid);
@@ -37,35 +33,12 @@ hxArrayPtr Numbers(std::string_view type, const std::vector<T>& values) {
   return Envelope(type, Column<T>(values));
 }
 
-template <class T>
-hxArrayPtr WrittenNumbers(std::string_view type, const std::vector<T>& values) {
-  return WrittenEnvelope("array", type, WrittenValidity(static_cast<double>(values.size())),
-                         Column<T>(values));
-}
-
 Status StatusOfReading(const hxArrayPtr& encoded) {
   return to_arrow<::arrow::Array>(encoded.get()).status();
 }
 
-std::shared_ptr<::arrow::DataType> struct_of(const char* name) {
-  return ::arrow::struct_({field(name, ::arrow::int32())});
-}
-
 const std::shared_ptr<::arrow::DataType> kPoint =
     ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float64())});
-
-TEST(StructToHost, TakesTheNamesOfEachChunkFromItsOwnType) {
-  const auto column = std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{
-      ArrowArray(struct_of("a"), "[[1]]"), ArrowArray(struct_of("b"), "[[2]]")});
-
-  const hxArrayPtr encoded = ValueOf(to_numera(column));
-
-  const hxArrayPtr expected = StructArray(
-      {2, 1}, {"FieldName", "FieldData"},
-      {{Cell({1, 1}, {Char("a")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1})})},
-       {Cell({1, 1}, {Char("b")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {2})})}});
-  EXPECT_TRUE(SameHostValue(hxGetField(encoded.get(), 0, "Data"), expected.get()));
-}
 
 TEST(StructToArrow, NamesItsChildrenInOrder) {
   const hxArrayPtr encoded = StructEnvelope(
@@ -204,133 +177,6 @@ TEST(StructToArrow, LetsTheHostReportWhatIsNoCellOrNoStruct) {
       KindEnvelope("struct", "struct", StructArray({0, 0}, {"FieldName", "FieldData"}, {}));
   EXPECT_THAT([&] { return StatusOfReading(no_element); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
-}
-
-TEST(StructToHost, WritesNamesAndEnvelopesAsRows) {
-  const auto structs = ArrowArray(kPoint, "[[1, 2.5], [3, 4.5]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(structs)).get(),
-      WrittenEnvelope("struct", "struct", WrittenBitmap(2),
-                      StructData(Cell({1, 2}, {Char("a"), Char("b")}),
-                                 Cell({1, 2}, {WrittenNumbers<std::int32_t>("int32", {1, 3}),
-                                               WrittenNumbers<double>("double", {2.5, 4.5})})))
-          .get()));
-}
-
-TEST(StructToHost, CutsChildrenToTheSlice) {
-  const auto structs =
-      ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1], [2], [3], [4], [5]]");
-  const ::arrow::ChunkedArray slice(structs->Slice(1, 3)->Slice(1));
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(StructToHost(slice)).get(),
-                    StructData(Cell({1, 1}, {Char("a")}),
-                               Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {3, 4})}))
-                        .get()));
-}
-
-TEST(StructToHost, ReadsTheValidityOfASliceFromTheStartOfItsBitmap) {
-  const auto structs =
-      ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1], null, [3], [4]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(structs->Slice(1, 3))).get(),
-      WrittenEnvelope("struct", "struct", WrittenBitmap(3, {0b11111101}),
-                      StructData(Cell({1, 1}, {Char("a")}),
-                                 Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {0, 3, 4})})))
-          .get()));
-}
-
-TEST(StructToHost, CutsAChildThatIsLongerThanTheStruct) {
-  const auto child = ArrowArray(::arrow::int32(), "[1, 2, 3]");
-  const auto structs = ::arrow::MakeArray(::arrow::ArrayData::Make(
-      ::arrow::struct_({field("a", ::arrow::int32())}), 2, {nullptr}, {child->data()}, 0));
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(StructToHost(::arrow::ChunkedArray(structs))).get(),
-                    StructData(Cell({1, 1}, {Char("a")}),
-                               Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1, 2})}))
-                        .get()));
-}
-
-TEST(StructToHost, WritesOneElementAChunkWithItsOwnCellsAndValidity) {
-  const auto type = ::arrow::struct_({field("a", ::arrow::int32())});
-  const auto chunks = ArrowChunks(type, {"[[1]]", "[null, [3]]"});
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(chunks)).get(),
-      WrittenEnvelope(
-          "struct", "struct",
-          StructArray({2, 1}, {"Values", "Length", "ArrowType"},
-                      {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
-                       {Column<std::uint8_t>({0b11111110}), Scalar(2.0), Char("buffer")}}),
-          StructArray({2, 1}, {"FieldName", "FieldData"},
-                      {{Cell({1, 1}, {Char("a")}),
-                        Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1})})},
-                       {Cell({1, 1}, {Char("a")}),
-                        Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {0, 3})})}}))
-          .get()));
-}
-
-TEST(StructToHost, WritesNoElementsForNoChunks) {
-  EXPECT_TRUE(SameHostValue(ValueOf(StructToHost(*ArrowChunks(kPoint, {}))).get(),
-                            StructArray({0, 1}, {"FieldName", "FieldData"}, {}).get()));
-}
-
-TEST(StructToHost, WritesAStructWithoutFields) {
-  const auto structs = ArrowArray(::arrow::struct_({}), "[[], [], []]");
-  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(structs)).get(),
-                            WrittenEnvelope("struct", "struct", WrittenBitmap(3),
-                                            StructData(Cell({1, 0}, {}), Cell({1, 0}, {})))
-                                .get()));
-}
-
-TEST(StructToHost, KeepsTheTextOfNames) {
-  const auto type = ::arrow::struct_({field("\xC3\x9F\xE4\xB8\xAD\xF0\x9F\x98\x80", kPoint),
-                                      field("", ::arrow::null()), field("", ::arrow::null())});
-  const hxArrayPtr data = ValueOf(StructToHost(::arrow::ChunkedArray(ArrowArray(type, "[]"))));
-  EXPECT_TRUE(
-      SameHostValue(hxGetField(data.get(), 0, "FieldName"),
-                    Cell({1, 3}, {Char(u"\u00DF\u4E2D\U0001F600"), Char(""), Char("")}).get()));
-}
-
-TEST(StructToHost, LetsTheCodecReportANameThatIsNotUtf8) {
-  const auto type = ::arrow::struct_({field("\xFF", ::arrow::null())});
-  const auto structs = ArrowArray(type, "[]");
-  EXPECT_THROW(static_cast<void>(to_numera(structs)), hxCodecError);
-}
-
-TEST(StructToHost, ReturnsTheFailureOfAChild) {
-  const auto type =
-      ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float16())});
-  EXPECT_EQ(ToNumeraOnlyReads(ArrowArray(type, "[]")).status(),
-            Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: halffloat"));
-}
-
-TEST(StructToHost, RefusesAChildThatEndsBeforeItsStruct) {
-  const auto child = ArrowArray(::arrow::int32(), "[1, 2, 3]");
-  const auto type = ::arrow::struct_({field("a", ::arrow::int32())});
-  const std::pair<std::int64_t, std::int64_t> extents[] = {{4, 0}, {3, 1}, {0, 4}};
-  for (const auto& [length, offset] : extents) {
-    const auto structs = ::arrow::MakeArray(
-        ::arrow::ArrayData::Make(type, length, {nullptr}, {child->data()}, 0, offset));
-    EXPECT_EQ(ToNumeraOnlyReads(structs).status(),
-              Status::Invalid("Array of type struct: found child 0 of length 3, expected at least "
-                              "4."));
-  }
-}
-
-TEST(StructToHost, ReadsAValidityThatEndsEarlyAsFarAsItGoes) {
-  const auto child = ::arrow::MakeArray(::arrow::ArrayData::Make(
-      ::arrow::uint8(), 9, {ArrowBuffer({0b11111110}), ArrowBuffer({1, 2, 3, 4, 5, 6, 7, 8, 9})}));
-  const auto structs =
-      ::arrow::MakeArray(::arrow::ArrayData::Make(::arrow::struct_({field("a", ::arrow::uint8())}),
-                                                  9, {ArrowBuffer({0b11111011})}, {child->data()}));
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(structs)).get(),
-      WrittenEnvelope(
-          "struct", "struct", WrittenBitmap(9, {0b11111011, 0xFF}),
-          StructData(Cell({1, 1}, {Char("a")}),
-                     Cell({1, 1},
-                          {WrittenEnvelope("array", "uint8", WrittenValidity(9, {0b11111110, 0xFF}),
-                                           Column<std::uint8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9}))})))
-          .get()));
 }
 
 TEST(Struct, ReturnsToTheSameStructs) {
