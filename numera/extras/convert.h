@@ -73,13 +73,16 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
 /// - text, bytes and lists to 32-bit offsets
 /// - text and bytes to views
 /// - bytes to a fixed width
-/// - timestamps of whole days to dates
+/// - timestamps of whole days, without time zone, to dates
 /// - int64 to durations
 /// - lists of structs of key and value to maps
 /// - dictionaries to another index type, and their texts as above
 /// - doubles that are all null to the null type
 ///
 /// Errors are those of `make_readable` and `own_to_arrow`, and:
+/// - TypeError "Value: found an encoded value of the kind 'table', expected an array.", and the
+/// other
+///   way round
 /// - TypeError "Column: found type X, expected Y, to which no cast leads without loss." Inside
 ///   nested types the message starts with the path of the field, such as "Column.a[].b"
 /// - Invalid if a cast would change a value

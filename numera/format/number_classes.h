@@ -17,7 +17,6 @@ namespace numera::format {
 /// A class of numbers. Both the host and Arrow store its elements as `T`.
 template <class T>
 struct NumberClass {
-  using Element = T;
   hxClassID host_class;
   ::arrow::Type::type arrow_type;
   const char* name;  ///< name of the host class, and the text of "Type"

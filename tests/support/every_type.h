@@ -45,12 +45,22 @@ inline std::vector<Chunks> nested_columns(const ColumnType& one) {
   return columns;
 }
 
-/// A column of every type, plain and in every nesting. Columns share arrays and differ in length.
+/// The column, repeated up to `rows` elements.
+inline Chunks repeated(const Chunks& column, std::int64_t rows) {
+  ::arrow::ArrayVector chunks;
+  for (std::int64_t length = 0; length < rows; length += column->length()) {
+    chunks.insert(chunks.end(), column->chunks().begin(), column->chunks().end());
+  }
+  return ::arrow::ChunkedArray(std::move(chunks), column->type()).Slice(0, rows);
+}
+
+/// A column of every type, plain and in every nesting. Columns share arrays.
 inline std::shared_ptr<::arrow::Table> table_of_every_type() {
+  constexpr std::int64_t kRows = 8;  // the length of the longest column
   std::vector<Chunks> columns;
   for (const ColumnType& one : column_types()) {
-    columns.push_back(plain_column(one));
-    for (Chunks& nested : nested_columns(one)) columns.push_back(std::move(nested));
+    columns.push_back(repeated(plain_column(one), kRows));
+    for (const Chunks& nested : nested_columns(one)) columns.push_back(repeated(nested, kRows));
   }
   return table_of(std::move(columns));
 }

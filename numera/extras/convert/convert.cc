@@ -1,19 +1,22 @@
 #include "numera/extras/convert.h"
 
 #include <arrow/array/util.h>
+#include <arrow/array/validate.h>
 #include <arrow/type.h>
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
 #include "numera/core/to_numera.h"
 #include "numera/core/util/table_error.h"
+#include "numera/core/util/text.h"
 #include "numera/extras/convert/exact_type.h"
 #include "numera/extras/encode/encode.h"
+#include "numera/extras/intake/soundness.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/parallel/in_order.h"
 #include "numera/extras/parallel/parallel.h"
+#include "numera/format/names.h"
 
 namespace numera::extras {
 namespace {
@@ -36,16 +39,32 @@ template <class T>
   return std::move(taken.value);
 }
 
-::arrow::Status check_columns(const ::arrow::Table& table, const ::arrow::Schema& schema) {
-  const auto same_name = [](const auto& a, const auto& b) { return a->name() == b->name(); };
-  if (std::ranges::equal(table.fields(), schema.fields(), same_name)) return {};
-  std::string found;
-  for (const auto& field : table.fields()) found += (found.empty() ? "" : ", ") + field->name();
-  std::string expected;
-  for (const auto& field : schema.fields()) {
-    expected += (expected.empty() ? "" : ", ") + field->name();
+/// The columns of a batch, checked before Arrow makes arrays of them: it would read through null
+/// pointers and end the process at a wrong number of buffers.
+::arrow::Result<TablePtr> table_of(const ::arrow::RecordBatch& batch) {
+  ::arrow::ChunkedArrayVector columns;
+  for (const auto& data : batch.column_data()) {
+    ARROW_RETURN_NOT_OK(intake::check_soundness(data));
+    ARROW_RETURN_NOT_OK(::arrow::internal::ValidateArray(*data));
+    columns.push_back(std::make_shared<::arrow::ChunkedArray>(::arrow::MakeArray(data)));
   }
-  return ::arrow::Status::Invalid("Table: found the columns ", found, ", expected ", expected, ".");
+  return ::arrow::Table::Make(batch.schema(), std::move(columns), batch.num_rows());
+}
+
+/// Refuses a readable value that is no table where one is expected, and the other way round.
+::arrow::Status check_kind(const hxArray* readable, bool is_table) {
+  const std::string kind =
+      io::arrow::core::util::HxArrayToString(hxGetField(readable, 0, format::kArrowType));
+  const bool is_array = kind != format::kTableKind && kind != format::kBufferKind;
+  if (is_table ? kind == format::kTableKind : is_array) return {};
+  return ::arrow::Status::TypeError("Value: found an encoded value of the kind '", kind,
+                                    "', expected ", is_table ? "a table." : "an array.");
+}
+
+std::string names_of(const ::arrow::FieldVector& fields) {
+  std::string names;
+  for (const auto& field : fields) names += (names.empty() ? "" : ", ") + field->name();
+  return names;
 }
 
 /// Casts a table to `schema`. Every column must have exactly one chunk, as in a table converted
@@ -53,7 +72,10 @@ template <class T>
 ::arrow::Result<TablePtr> with_schema(const ::arrow::Table& table,
                                       const std::shared_ptr<::arrow::Schema>& schema,
                                       size_t threads) {
-  ARROW_RETURN_NOT_OK(check_columns(table, *schema));
+  if (!same_names(table.fields(), schema->fields())) {
+    return ::arrow::Status::Invalid("Table: found the columns ", names_of(table.fields()),
+                                    ", expected ", names_of(schema->fields()), ".");
+  }
   const auto count = static_cast<size_t>(table.num_columns());
   ::arrow::ArrayVector columns(count);
   const auto check = [](size_t) { hxThrowIfInterruptPending(); };
@@ -84,7 +106,7 @@ template <class T>
 ::arrow::Result<hxArrayPtr> convert_to_host(const std::shared_ptr<::arrow::RecordBatch>& batch,
                                             const ToHostOptions& options) {
   if (batch == nullptr) return convert_to_host(TablePtr(), options);
-  ARROW_ASSIGN_OR_RAISE(const TablePtr table, ::arrow::Table::FromRecordBatches({batch}));
+  ARROW_ASSIGN_OR_RAISE(const TablePtr table, table_of(*batch));
   return convert_to_host(table, options);
 }
 
@@ -96,6 +118,7 @@ template <class T>
 ::arrow::Result<ArrayPtr> convert_to_arrow(hxArrayPtr value,
                                            const std::shared_ptr<::arrow::DataType>& type) {
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, make_readable(value.get()));
+  ARROW_RETURN_NOT_OK(check_kind(readable.get(), /*is_table=*/false));
   ARROW_ASSIGN_OR_RAISE(ArrayPtr array, own_to_arrow<::arrow::Array>(std::move(readable)));
   return type == nullptr ? array : exact_field(array, ::arrow::Field("", type), "Column");
 }
@@ -104,6 +127,7 @@ template <class T>
                                                  const std::shared_ptr<::arrow::Schema>& schema,
                                                  size_t threads) {
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, make_readable(value.get(), threads));
+  ARROW_RETURN_NOT_OK(check_kind(readable.get(), /*is_table=*/true));
   ARROW_ASSIGN_OR_RAISE(TablePtr table, own_to_arrow_table(std::move(readable)));
   return schema == nullptr ? table : with_schema(*table, schema, threads);
 }

@@ -48,6 +48,11 @@ DataResult cast(const Data& array, const TypePtr& type, const std::string& path)
   return (*cast)->data();
 }
 
+/// Dates have no time zone.
+bool has_no_zone(const ::arrow::DataType& timestamp) {
+  return static_cast<const ::arrow::TimestampType&>(timestamp).timezone().empty();
+}
+
 /// Casts timestamps to dates. Arrow's cast silently drops the time of day, so the result is cast
 /// back and compared.
 DataResult whole_days(const Data& times, const TypePtr& type, const std::string& path) {
@@ -82,7 +87,9 @@ DataResult plain(const Data& array, const TypePtr& type, const std::string& path
       break;
     case Type::DATE32:
     case Type::DATE64:
-      if (from == Type::TIMESTAMP) return whole_days(array, type, path);
+      if (from == Type::TIMESTAMP && has_no_zone(*array->type)) {
+        return whole_days(array, type, path);
+      }
       break;
     case Type::DURATION:
       if (from == Type::INT64) return cast(array, type, path);
@@ -125,11 +132,6 @@ DataResult with_children(const Data& array, const TypePtr& type, const std::stri
                          array->null_count);
 }
 
-bool same_names(const ::arrow::DataType& one, const ::arrow::DataType& other) {
-  return std::ranges::equal(one.fields(), other.fields(),
-                            [](const auto& a, const auto& b) { return a->name() == b->name(); });
-}
-
 DataResult list(const Data& array, const TypePtr& type, const std::string& path) {
   std::shared_ptr<::arrow::Buffer> offsets = array->buffers[1];
   if (type->id() != Type::LARGE_LIST) {
@@ -157,7 +159,7 @@ DataResult exact_type(const Data& array, const TypePtr& type, const std::string&
     case Type::MAP:
       return from == Type::LARGE_LIST ? list(array, type, path) : no_cast(path, *array, *type);
     case Type::STRUCT:
-      if (from != Type::STRUCT || !same_names(*array->type, *type)) break;
+      if (from != Type::STRUCT || !same_names(array->type->fields(), type->fields())) break;
       return with_children(array, type, path);
     case Type::DICTIONARY:
       if (from == Type::DICTIONARY) return dictionary(array, type, path);
@@ -174,6 +176,11 @@ DataResult exact(const Data& array, const ::arrow::Field& field, const std::stri
 }
 
 }  // namespace
+
+bool same_names(const ::arrow::FieldVector& one, const ::arrow::FieldVector& other) {
+  return std::ranges::equal(one, other,
+                            [](const auto& a, const auto& b) { return a->name() == b->name(); });
+}
 
 ::arrow::Result<std::shared_ptr<::arrow::Array>> exact_field(
     const std::shared_ptr<::arrow::Array>& array, const ::arrow::Field& field,

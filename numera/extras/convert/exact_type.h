@@ -9,6 +9,9 @@
 
 namespace numera::extras {
 
+/// Whether both have the same field names in the same order.
+bool same_names(const ::arrow::FieldVector& one, const ::arrow::FieldVector& other);
+
 /// Casts `array` to exactly the type of `field`. Returns `array` itself if it already has this
 /// type. Invalid if the type of `field` is null or contains a null pointer. `array` has passed full
 /// validation and has no offset at any depth. Error messages start with `path`, the position of the

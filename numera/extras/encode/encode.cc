@@ -18,14 +18,31 @@ using io::arrow::core::util::in_column;
 using namespace encoding;  // NOLINT(google-build-using-namespace): the public functions use it
 
 /// Returns the readable envelope of column `index` and stores the column's name in `name`.
-::arrow::Result<hxArrayPtr> readable_column(const Located& names, const Located& columns,
-                                            size_t index, std::string* name) {
+::arrow::Result<Envelope> readable_column(const Located& names, const Located& columns,
+                                          size_t index, std::string* name) {
   ARROW_ASSIGN_OR_RAISE(const Located slot, cell(names, index));
   ARROW_ASSIGN_OR_RAISE(*name, text_of(slot));
   ARROW_ASSIGN_OR_RAISE(ReadableValue column, read_element(columns, index, 0));
-  const Located place{columns.value, &columns, nullptr, index};
-  ARROW_ASSIGN_OR_RAISE(Envelope envelope, checked_envelope(std::move(column), place));
-  return std::move(envelope.value);
+  return checked_envelope(std::move(column), {columns.value, &columns, nullptr, index});
+}
+
+/// The columns of a readable table, all of as many elements as the first.
+::arrow::Result<hxArrayPtr> join_columns(const Located& columns, std::vector<Envelope> envelopes,
+                                         const std::vector<std::string>& names) {
+  hxArrayPtr joined = format::make_struct(envelopes.size(), format::kTableColumns);
+  for (size_t i = 0; i < envelopes.size(); ++i) {
+    const Located place{columns.value, &columns, nullptr, i};
+    if (envelopes[i].length != envelopes[0].length) {
+      return in_column(invalid(place, std::to_string(envelopes[i].length) + " elements",
+                               std::to_string(envelopes[0].length) + " as in the first column"),
+                       names[i], static_cast<int>(i));
+    }
+    const hxArray* const envelope = envelopes[i].value.get();
+    for (const char* const field : format::kTableColumns) {
+      hxSetField(joined.get(), i, field, hxSharedCopy(hxGetField(envelope, 0, field)));
+    }
+  }
+  return joined;
 }
 
 ::arrow::Result<hxArrayPtr> readable_table(const Located& table, size_t threads) {
@@ -38,22 +55,16 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
     return invalid(names, std::to_string(hxGetNumberOfElements(names.value)) + " names",
                    std::to_string(count) + ", one for each column");
   }
-  std::vector<hxArrayPtr> envelopes(count);
+  std::vector<Envelope> envelopes(count);
+  std::vector<std::string> texts(count);
   const auto check = [](size_t) { hxThrowIfInterruptPending(); };
   const auto convert = [&](size_t i) -> ::arrow::Status {
-    std::string name;
-    const auto status = readable_column(names, columns, i, &name).Value(&envelopes[i]);
-    return status.ok() ? status : in_column(status, name, static_cast<int>(i));
+    const auto status = readable_column(names, columns, i, &texts[i]).Value(&envelopes[i]);
+    return status.ok() ? status : in_column(status, texts[i], static_cast<int>(i));
   };
   threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));
-  hxArrayPtr readable = format::make_struct(count, format::kTableColumns);
-  for (size_t i = 0; i < count; ++i) {
-    for (const char* const name : format::kTableColumns) {
-      hxSetField(readable.get(), i, name, hxSharedCopy(hxGetField(envelopes[i].get(), 0, name)));
-    }
-    envelopes[i] = nullptr;
-  }
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, join_columns(columns, std::move(envelopes), texts));
   return format::make_record(format::kTable, format::make_word(format::kTableKind),
                              std::move(readable), hxSharedCopy(names.value));
 }

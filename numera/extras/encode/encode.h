@@ -71,7 +71,7 @@ namespace numera::extras {
 /// Invalid:
 /// - a null pointer
 /// - texts that are not UTF-16; categories with a missing text
-/// - bitmaps, codes, offsets and lengths that do not fit
+/// - bitmaps, codes, offsets and lengths that do not fit, and columns of different lengths
 /// - lists, structs and maps without chunks, and structs without fields: their type is not known
 /// - everything that Arrow's full validation rejects
 /// - nesting deeper than `kMaxNestingLevels`, where a map counts as two levels

@@ -93,7 +93,10 @@ constexpr KindReader kKinds[] = {
 ::arrow::Result<Envelope> checked_envelope(ReadableValue readable, const Located& origin) {
   const bool is_valid = readable.is_valid;
   Envelope envelope = make_envelope(std::move(readable));
-  if (!is_valid) ARROW_RETURN_NOT_OK(validate(envelope.value.get(), 0, origin));
+  if (is_valid) return envelope;
+  ARROW_ASSIGN_OR_RAISE(const auto array, borrow(envelope, origin));
+  const ::arrow::Status status = array->ValidateFull();
+  if (!status.ok()) return at(origin, status);
   return envelope;
 }
 

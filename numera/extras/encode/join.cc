@@ -21,7 +21,7 @@ namespace {
     ARROW_ASSIGN_OR_RAISE(ReadableValue readable, read_chunk(encoded, c, level));
     envelopes.push_back(make_envelope(std::move(readable)));
     const Located place{encoded.data.value, &encoded.data, nullptr, c};
-    ARROW_ASSIGN_OR_RAISE(auto array, borrow(envelopes.back().value.get(), 0, place));
+    ARROW_ASSIGN_OR_RAISE(auto array, borrow(envelopes.back(), place));
     arrays.push_back(std::move(array));
   }
   const auto joined = ::arrow::Concatenate(arrays);

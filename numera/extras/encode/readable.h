@@ -31,17 +31,12 @@ struct Envelope {
   size_t length = 0;
 };
 
-/// Stores the fields in element `index` of a struct array that has the fields of an envelope.
-void store(hxArray* envelopes, size_t index, ReadableValue readable);
 /// The 1-by-1 envelope of the value.
 Envelope make_envelope(ReadableValue readable);
 
-/// Converts element `index` of readable envelopes with `to_arrow`. The array borrows their memory.
-/// Error messages start with the path of `origin`.
-::arrow::Result<std::shared_ptr<::arrow::Array>> borrow(const hxArray* envelopes, size_t index,
+/// Converts a readable envelope with `to_arrow`. The array borrows its memory. Error messages start
+/// with the path of `origin`.
+::arrow::Result<std::shared_ptr<::arrow::Array>> borrow(const Envelope& envelope,
                                                         const Located& origin);
-
-/// Runs Arrow's full validation on this element.
-::arrow::Status validate(const hxArray* envelopes, size_t index, const Located& origin);
 
 }  // namespace numera::extras::encoding

@@ -25,6 +25,10 @@ intake::Work work_of(const IntakeOptions& options) {
                                                        const IntakeOptions& options) {
   const auto& column = table.column(index);
   if (column == nullptr) return null_pointer("Column");
+  if (column->length() != table.num_rows()) {
+    return ::arrow::Status::Invalid("Column: found ", column->length(), " elements, expected ",
+                                    table.num_rows(), ", the rows of the table.");
+  }
   return intake::take_in_column(table.field(index)->name(), column->type(), column->chunks(),
                                 work_of(options));
 }

@@ -93,6 +93,7 @@ struct Intake {
 /// - a type that `to_numera` refuses and that has no rule or may not be cast: TypeError
 /// - nesting deeper than `kMaxNestingLevels`: Invalid
 /// - memory of a device other than the CPU: Invalid
+/// - a column whose length is not the number of rows of its table: Invalid
 /// - whatever else `ValidateFull` finds: its status
 /// - a map that, after a cast, has null keys or too many entries for 32-bit offsets: Invalid
 ///

@@ -13,6 +13,7 @@
 #include "numera/extras/convert.h"
 #include "numera/host/memory.h"
 #include "tests/support/arrow_values.h"
+#include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
 
 namespace numera::testing {
@@ -128,6 +129,19 @@ const Refused kRefused[] = {
     {"times of day as dates", ::arrow::timestamp(::arrow::TimeUnit::SECOND), "[86401]",
      ::arrow::date32(),
      "Invalid: Column: found times of day, expected whole days for date32[day]."},
+    {"timestamps with a time zone as dates", ::arrow::timestamp(::arrow::TimeUnit::SECOND, "UTC"),
+     "[86400]", ::arrow::date32(), no_cast("Column", "timestamp[s, tz=UTC]", "date32[day]")},
+    {"null entries of a map",
+     ::arrow::list(::arrow::struct_({field("a", ::arrow::int8()), field("b", ::arrow::int8())})),
+     "[[null]]", ::arrow::map(::arrow::int8(), ::arrow::int8()),
+     "Invalid: Column[]: found 1 nulls, expected none in a field that is not nullable."},
+    {"null keys of a map",
+     ::arrow::list(::arrow::struct_({field("a", ::arrow::int8()), field("b", ::arrow::int8())})),
+     R"([[{"a": null, "b": 1}]])", ::arrow::map(::arrow::int8(), ::arrow::int8()),
+     "Invalid: Column[].key: found 1 nulls, expected none in a field that is not nullable."},
+    {"a dictionary of text as one of bytes", ::arrow::dictionary(::arrow::int16(), ::arrow::utf8()),
+     R"(["a"])", ::arrow::dictionary(::arrow::int8(), ::arrow::binary()),
+     no_cast("Column<dictionary>", "large_string", "binary")},
     {"numbers as nulls", ::arrow::float64(), "[1, null]", ::arrow::null(),
      "Invalid: Column: found values, expected nulls alone for the null type."},
     {"within lists", ::arrow::list(::arrow::int8()), "[[1]]", ::arrow::list(::arrow::int16()),
@@ -201,6 +215,20 @@ TEST(ConvertToArrowTable, NamesTheColumnThatCannotBeCast) {
   ASSERT_NE(detail, nullptr);
   EXPECT_EQ(detail->column_name(), "text");
   EXPECT_EQ(detail->column_index(), 1);
+}
+
+TEST(ConvertToArrowTable, IsToldFromOtherValues) {
+  const auto array = [](hxArrayPtr value) { return convert_to_arrow(std::move(value)).status(); };
+  const auto as_table = [](hxArrayPtr value) {
+    return convert_to_arrow_table(std::move(value)).status();
+  };
+  EXPECT_EQ(array(convert_to_host(table()).ValueOrDie()).ToString(),
+            "Type error: Value: found an encoded value of the kind 'table', expected an array.");
+  EXPECT_EQ(array(BufferEnvelope({1})).ToString(),
+            "Type error: Value: found an encoded value of the kind 'buffer', expected an array.");
+  EXPECT_EQ(as_table(Scalar(1.0)).ToString(),
+            "Type error: Value: found an encoded value of the kind 'array', expected a table.");
+  EXPECT_EQ(array(nullptr).ToString(), "Invalid: Value: found a null pointer, expected an array.");
 }
 
 TEST(ConvertToArrowTable, RefusesASchemaOfOtherColumns) {

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "numera/core/to_numera.h"
@@ -77,6 +78,26 @@ TEST(ConvertToHost, RefusesWhatIsNoData) {
             "Invalid: Table: found a null pointer, expected a value.");
   EXPECT_EQ(refusal(std::shared_ptr<::arrow::Table>()),
             "Invalid: Table: found a null pointer, expected a value.");
+}
+
+TEST(ConvertToHost, RefusesBatchesThatAreNotWhatTheirSchemaSays) {
+  const auto refusal = [](std::shared_ptr<::arrow::Schema> schema,
+                          ::arrow::ArrayDataVector columns) {
+    return convert_to_host(::arrow::RecordBatch::Make(std::move(schema), 1, std::move(columns)))
+        .status()
+        .ToString();
+  };
+  const auto schema = ::arrow::schema({::arrow::field("n", ::arrow::int8())});
+  const auto one = ArrowArray(::arrow::int8(), "[1]")->data();
+  EXPECT_EQ(refusal(schema, {nullptr}),
+            "Invalid: Array: found a null pointer, expected an array with a type.");
+  EXPECT_EQ(refusal(schema, {one, one}),
+            "Invalid: Table: found 2 columns, expected 1, one for each field of the schema.");
+  EXPECT_EQ(refusal(schema, {::arrow::ArrayData::Make(::arrow::int8(), 1, {nullptr})}),
+            "Invalid: Expected 2 buffers in array of type int8, got 1");
+  EXPECT_EQ(refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
+            "Invalid: Column: found 2 elements, expected 1, the rows of the table.. Detail: "
+            "Internal");
 }
 
 TEST(ConvertToHost, NamesTheColumnThatHasNoHostForm) {

@@ -68,6 +68,10 @@ TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
            ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate "
            "at code unit 0.), expected paired surrogates."),
        "b"},
+      {table_of(names_a_and_b(), columns_with(Column<double>({1, 2}))),
+       ::arrow::Status::Invalid(
+           ".Columns(1): found 2 elements, expected 1 as in the first column."),
+       "b"},
       {table_of(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
        ::arrow::Status::TypeError(".Names{1}: found a 1-by-1 double array, expected a char array."),
        ""},
@@ -82,6 +86,26 @@ TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
     EXPECT_EQ(detail->column_index(), 1);
     EXPECT_EQ(detail->error_code(),
               row.status.IsTypeError() ? TableErrorCode::TypeError : TableErrorCode::Internal);
+  }
+}
+
+TEST(EncodeRefusedTables, NameTheFirstRefusedColumnOnAnyNumberOfThreads) {
+  const hxArrayPtr refused = Complex<double>({1, 1}, {{1, 2}});
+  hxArrayPtr columns = StructArray(
+      {4, 1}, {"ArrowType", "Type", "Data", "Valid"},
+      {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
+       {Char("array"), Char("double"), hxSharedCopy(refused.get()), BufferEnvelope({})},
+       {Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
+       {Char("array"), Char("double"), hxSharedCopy(refused.get()), BufferEnvelope({})}});
+  const hxArrayPtr table =
+      Struct({{"ArrowType", Char("table")},
+              {"Names", Cell({1, 4}, {Char("a"), Char("b"), Char("c"), Char("d")})},
+              {"Columns", std::move(columns)}});
+  for (const size_t threads : {0U, 1U, 2U, 4U}) {
+    const ::arrow::Status status = make_readable(table.get(), threads).status();
+    const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
+    ASSERT_NE(detail, nullptr) << status;
+    EXPECT_EQ(detail->column_name(), "b");
   }
 }
 
