@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "numera/core/layout.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/binary.h"
@@ -96,14 +97,17 @@ constexpr ArrowTypeRow kRows[] = {
     refused(Type::DECIMAL64),
 };
 
-constexpr bool rows_are_in_order_of_id() {
+constexpr bool rows_are_complete() {
   for (size_t i = 0; i < std::size(kRows); ++i) {
-    if (static_cast<size_t>(kRows[i].id) != i) return false;
+    const ArrowTypeRow& row = kRows[i];
+    if (static_cast<size_t>(row.id) != i) return false;
+    if ((row.writer == nullptr) != (layout_of(row.id) == Layout::kNoHostForm)) return false;
   }
   return true;
 }
 static_assert(std::size(kRows) == Type::MAX_ID, "every type has a row");
-static_assert(rows_are_in_order_of_id(), "a row is found by its id");
+static_assert(rows_are_complete(),
+              "a row is found by its id, and types with a writer have a layout");
 
 enum class TypeFault : std::uint8_t { None, NoType, TooDeep };
 

@@ -1,6 +1,8 @@
+#include <arrow/buffer.h>
+
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
+#include "numera/core/array_view.h"
 #include "numera/core/messages.h"
 #include "numera/core/to_numera.h"
 #include "numera/format/records.h"
@@ -8,7 +10,7 @@
 namespace numera::io::arrow::core {
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Buffer> buffer) {
-  ARROW_ASSIGN_OR_RAISE(const auto bytes, readable_bytes(buffer));
+  const Bytes bytes = bytes_of(buffer.get());
   if (buffer != nullptr && std::cmp_not_equal(bytes.size(), buffer->size())) {
     return messages::not_readable();
   }

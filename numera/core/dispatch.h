@@ -63,7 +63,7 @@ ArrayResult later_element_to_arrow(const hxArray* encoded, size_t index);
 /// Moves the four fields of a column into element `index` of a struct array with these fields.
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column);
 
-/// Makes only "Data".
+/// Makes only "Data". The column has passed `check_column`.
 ::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column);
 
 }  // namespace numera::io::arrow::core

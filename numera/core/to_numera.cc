@@ -3,9 +3,8 @@
 #include <string_view>
 #include <utility>
 
-#include "numera/core/array_layout.h"
+#include "numera/core/array_checks.h"
 #include "numera/core/arrow_types.h"
-#include "numera/core/chunk_memory.h"
 #include "numera/core/dispatch.h"
 #include "numera/core/types/nested.h"
 #include "numera/core/validity.h"
@@ -14,25 +13,14 @@
 namespace numera::io::arrow::core {
 namespace {
 
-/// Finds the writer of a column. Fails if the type has no writer or a chunk does not match the
-/// column.
-[[gnu::noinline]] ::arrow::Status find_writer(const ColumnView& column, Writer* writer) {
-  *writer = arrow_type_row(column.type()->id()).writer;
-  if (*writer != nullptr) return check_chunks(column);
-  return ::arrow::Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ",
-                                    column.type()->ToString());
-}
-
 /// Adds the other fields to "Data".
-[[gnu::noinline]] ::arrow::Result<EncodedColumn> complete(const ColumnView& column,
-                                                          hxArrayPtr data) {
+[[gnu::noinline]] EncodedColumn complete(const ColumnView& column, hxArrayPtr data) {
   const ArrowTypeRow& row = arrow_type_row(column.type()->id());
   EncodedColumn encoded;
   encoded.data = std::move(data);
   encoded.arrow_type = format::make_word(row.kind);
   encoded.type = format::make_word(row.encoded_name);
-  ARROW_ASSIGN_OR_RAISE(
-      encoded.valid, validity_to_numera(column, std::string_view(row.kind) == format::kArrayKind));
+  encoded.valid = validity_to_numera(column, std::string_view(row.kind) == format::kArrayKind);
   return encoded;
 }
 
@@ -42,26 +30,17 @@ hxArrayPtr envelope_of(EncodedColumn column) {
   return envelope;
 }
 
-[[gnu::noinline]] ::arrow::Status store_envelope(const Slot& slot, const ColumnView& column,
-                                                 hxArrayPtr data) {
-  ARROW_ASSIGN_OR_RAISE(EncodedColumn encoded, complete(column, std::move(data)));
-  hxArrayPtr envelope = envelope_of(std::move(encoded));
+[[gnu::noinline]] void store_envelope(const Slot& slot, const ColumnView& column, hxArrayPtr data) {
+  hxArrayPtr envelope = envelope_of(complete(column, std::move(data)));
   if (slot.field == nullptr) {
     hxSetCell(slot.container, slot.index, std::move(envelope));
   } else {
     hxSetField(slot.container, slot.index, slot.field, std::move(envelope));
   }
-  return ::arrow::Status::OK();
 }
 
-/// Every column from outside goes through these checks.
 ::arrow::Result<EncodedColumn> encode_checked(const ColumnView& column) {
-  ARROW_RETURN_NOT_OK(check_type(column.type().get()));
-  for (const ArrayView& chunk : column.chunks()) {
-    if (chunk.data == nullptr || chunk.data->type == column.type()) continue;
-    ARROW_RETURN_NOT_OK(check_type(chunk.data->type.get()));
-  }
-  ARROW_RETURN_NOT_OK(check_layout(column));
+  ARROW_RETURN_NOT_OK(check_column(column));
   ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, data_to_numera(column));
   return complete(column, std::move(data));
 }
@@ -69,9 +48,7 @@ hxArrayPtr envelope_of(EncodedColumn column) {
 }  // namespace
 
 ::arrow::Result<hxArrayPtr> data_to_numera(const ColumnView& column) {
-  Writer writer = nullptr;
-  ARROW_RETURN_NOT_OK(find_writer(column, &writer));
-  return writer(column);
+  return arrow_type_row(column.type()->id()).writer(column);
 }
 
 void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
@@ -92,10 +69,9 @@ void put_fields(hxArray* envelopes, size_t index, EncodedColumn column) {
 
 ::arrow::Status store_child(const Slot& slot, const ArrayView& child) {
   const ColumnView column(child);
-  Writer writer = nullptr;
-  ARROW_RETURN_NOT_OK(find_writer(column, &writer));
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, writer(column));
-  return store_envelope(slot, column, std::move(data));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr data, data_to_numera(column));
+  store_envelope(slot, column, std::move(data));
+  return ::arrow::Status::OK();
 }
 
 ::arrow::Result<hxArrayPtr> to_numera(std::shared_ptr<::arrow::Array> array) {

@@ -5,10 +5,8 @@
 #include <arrow/util/checked_cast.h>
 
 #include <cstdint>
-#include <span>
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/types/values_and_offsets.h"
 #include "numera/format/values.h"
 
@@ -25,9 +23,6 @@ ArrayResult MakeBinaryArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> BinaryChunksToHost(const ColumnView& column) {
   using Offset = typename ArrowArray::offset_type;
-  for (const ArrayView& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(check_offsets_fit(chunk, sizeof(Offset)));
-  }
   hxArrayPtr cell = format::make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
   for (const ArrayView& chunk : column.chunks()) {
@@ -49,14 +44,11 @@ template ::arrow::Result<hxArrayPtr> BinaryChunksToHost<::arrow::LargeBinaryArra
 ::arrow::Result<hxArrayPtr> FixedSizeBinaryChunksToHost(const ColumnView& column) {
   const auto& type =
       ::arrow::internal::checked_cast<const ::arrow::FixedSizeBinaryType&>(*column.type());
-  for (const ArrayView& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(fixed_width_values(chunk, type.byte_width()));
-  }
   const auto width = static_cast<size_t>(type.byte_width());
   hxArrayPtr cell = format::make_cell(static_cast<size_t>(column.length()), 1);
   size_t slot = 0;
   for (const ArrayView& chunk : column.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, type.byte_width()));
+    const Bytes bytes = fixed_width_values(chunk, type.byte_width());
     const auto count = static_cast<size_t>(chunk.length);
     for (size_t i = 0; i < count; ++i) {
       hxSetCell(cell.get(), slot++, format::make_byte_column(bytes.subspan(i * width, width)));

@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/dictionary_codes.h"
@@ -37,31 +36,16 @@ const ::arrow::DictionaryType& as_dictionary_type(const ::arrow::DataType& type)
   return *static_cast<const std::uint8_t*>(hxGetData(ordinal)) != 0;
 }
 
-/// The dictionary of a chunk, with checked offsets. Its nulls are not counted.
-template <class Offset>
-::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
-    const ArrayView& chunk, const std::shared_ptr<::arrow::DataType>& value_type) {
-  const auto& dictionary = chunk.data->dictionary;
-  if (dictionary == nullptr) return messages::wrong_dictionary("none", *value_type);
-  if (dictionary->type == nullptr) {
-    return messages::wrong_dictionary("an array without a type", *value_type);
-  }
-  if (!dictionary->type->Equals(*value_type)) {
-    return messages::wrong_dictionary(dictionary->type->name(), *value_type);
-  }
-  if (dictionary->buffers.size() != 3) {
-    return messages::wrong_dictionary("an array without its buffers", *value_type);
-  }
-  ARROW_RETURN_NOT_OK(variable_width_values<Offset>(*dictionary).status());
-  return ::arrow::MakeArray(dictionary->Copy());
+/// The dictionary of a chunk. Arrow counts and stores nothing in the caller's array.
+std::shared_ptr<::arrow::Array> copy_of_dictionary(const ArrayView& chunk) {
+  return ::arrow::MakeArray(chunk.data->dictionary->Copy());
 }
 
-::arrow::Result<std::shared_ptr<::arrow::Array>> readable_dictionary(
-    const ArrayView& chunk, const ::arrow::DataType& dict_type) {
-  const auto& value_type = as_dictionary_type(dict_type).value_type();
-  return value_type->id() == Type::LARGE_STRING
-             ? readable_dictionary<std::int64_t>(chunk, value_type)
-             : readable_dictionary<std::int32_t>(chunk, value_type);
+/// Arrow reads dictionaries by their offsets.
+::arrow::Status check_offsets(const ::arrow::ArrayData& dictionary) {
+  return dictionary.type->id() == Type::LARGE_STRING
+             ? variable_width_values<std::int64_t>(dictionary).status()
+             : variable_width_values<std::int32_t>(dictionary).status();
 }
 
 ::arrow::Result<SingleDictionary> empty_dictionary(
@@ -110,8 +94,9 @@ ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buf
                                           as_dictionary_type(*dictType).value_type(), pool));
   std::vector<std::shared_ptr<::arrow::Buffer>> maps;
   for (const ArrayView& chunk : column.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto dictionary, readable_dictionary(chunk, *dictType));
-    ARROW_ASSIGN_OR_RAISE(dictionary->data()->null_count, count_nulls(*chunk.data->dictionary));
+    ARROW_RETURN_NOT_OK(check_offsets(*chunk.data->dictionary));
+    const auto dictionary = copy_of_dictionary(chunk);
+    dictionary->data()->null_count = count_nulls(*chunk.data->dictionary);
     ARROW_RETURN_NOT_OK(unifier->Unify(*dictionary, &maps.emplace_back()));
   }
   SingleDictionary single;
@@ -134,11 +119,10 @@ ArrayResult CategoricalToArrow(const hxArray* data, std::shared_ptr<::arrow::Buf
   if (column.chunks().empty()) return empty_dictionary(dictType);
   if (column.chunks().size() > 1) return UnifyDictionaryChunks(column, dictType);
   const ArrayView& chunk = column.chunks()[0];
-  ARROW_ASSIGN_OR_RAISE(auto dictionary, readable_dictionary(chunk, *dictType));
-  ARROW_ASSIGN_OR_RAISE(const auto codes, copy_of_codes(chunk));
+  const auto codes = copy_of_codes(chunk);
   codes->type = as_dictionary_type(*dictType).index_type();
   codes->dictionary = nullptr;
-  return SingleDictionary{std::move(dictionary),
+  return SingleDictionary{copy_of_dictionary(chunk),
                           std::make_shared<::arrow::ChunkedArray>(::arrow::MakeArray(codes)),
                           dictType};
 }

@@ -34,8 +34,9 @@ std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> ty
 }
 
 /// Writes dates and times as int64 if `wide`, else as int32.
-::arrow::Result<hxArrayPtr> counts_to_numera(const ColumnView& chunks, bool wide) {
-  return wide ? numeric_to_numera<std::int64_t>(chunks) : numeric_to_numera<std::int32_t>(chunks);
+hxArrayPtr counts_to_numera(const ColumnView& chunks, bool wide) {
+  return wide ? numbers_to_numera(chunks, hxClassID::Int64, sizeof(std::int64_t))
+              : numbers_to_numera(chunks, hxClassID::Int32, sizeof(std::int32_t));
 }
 
 }  // namespace
@@ -79,7 +80,7 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   hxArrayPtr date = format::make_struct(1, format::kDates);
   hxSetField(date.get(), 0, format::kDateType, format::make_word(format::kDate));
   const bool wide = chunks.type()->id() == ::arrow::Type::DATE64;
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
+  const hxArrayPtr values = counts_to_numera(chunks, wide);
   hxSetField(date.get(), 0, format::kValues, hxSharedCopy(values.get()));
   return date;
 }
@@ -87,7 +88,7 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
 ::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks) {
   hxArrayPtr time = format::make_struct(1, format::kTimes);
   const bool wide = chunks.type()->id() == ::arrow::Type::TIME64;
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, counts_to_numera(chunks, wide));
+  const hxArrayPtr values = counts_to_numera(chunks, wide);
   hxSetField(time.get(), 0, format::kValues, hxSharedCopy(values.get()));
   const auto unit = static_cast<const ::arrow::TimeType&>(*chunks.type()).unit();
   hxSetField(time.get(), 0, format::kUnits, time_unit_name(unit));

@@ -8,12 +8,10 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <span>
 #include <string>
 #include <type_traits>
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/messages.h"
 #include "numera/format/bitmap.h"
 #include "numera/format/number_classes.h"
@@ -28,9 +26,9 @@ using ArrayDataResult = ::arrow::Result<std::shared_ptr<ArrayData>>;
 template <std::integral Code>
 class Codes {
  public:
-  explicit Codes(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+  explicit Codes(Bytes bytes) : bytes_(bytes) {}
 
-  std::span<const std::uint8_t> bytes() const { return bytes_; }
+  Bytes bytes() const { return bytes_; }
   size_t size() const { return bytes_.size() / sizeof(Code); }
   Code operator[](size_t i) const {
     Code code;
@@ -39,7 +37,7 @@ class Codes {
   }
 
  private:
-  std::span<const std::uint8_t> bytes_;
+  Bytes bytes_;
 };
 
 /// Whether all codes are less than `limit`, which is positive. If `limit` <= `kTopBit`, a code of
@@ -77,8 +75,7 @@ bool are_within(Codes<Code> codes, std::int64_t dictionary_length) {
 
 /// A copy with offset 0, codes within the dictionary and a bitmap that covers all codes.
 template <class Code>
-ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes,
-                        std::span<const std::uint8_t> bits) {
+ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes, Bytes bits) {
   const std::int64_t dictionary_length = chunk.data->dictionary->length;
   const auto is_valid = [&](size_t i) {
     const size_t bit = static_cast<size_t>(chunk.offset) + i;
@@ -109,13 +106,9 @@ ArrayDataResult rebuild(const ArrayView& chunk, Codes<Code> codes,
 
 template <class Code>
 ArrayDataResult within_dictionary(const ArrayView& chunk) {
-  ARROW_ASSIGN_OR_RAISE(const auto bytes, fixed_width_values(chunk, sizeof(Code)));
-  const Codes<Code> codes(bytes);
-  ARROW_ASSIGN_OR_RAISE(auto same, copy_of_codes(chunk));
-  std::span<const std::uint8_t> bits;
-  if (same->null_count != 0) {
-    ARROW_ASSIGN_OR_RAISE(bits, unsliced_validity(chunk));
-  }
+  const Codes<Code> codes(fixed_width_values(chunk, sizeof(Code)));
+  std::shared_ptr<ArrayData> same = copy_of_codes(chunk);
+  const Bytes bits = same->null_count != 0 ? unsliced_validity(chunk) : Bytes();
   const bool covered =
       bits.empty() ||
       std::cmp_less_equal(format::bitmap_bytes(chunk.offset + chunk.length), bits.size());
@@ -132,12 +125,11 @@ ArrayDataResult within_dictionary(const ArrayView& chunk) {
 
 }  // namespace
 
-ArrayDataResult copy_of_codes(const ArrayView& chunk) {
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t nulls, count_nulls(chunk));
+std::shared_ptr<ArrayData> copy_of_codes(const ArrayView& chunk) {
   auto copy = chunk.data->Copy();
   copy->offset = chunk.offset;
   copy->length = chunk.length;
-  copy->null_count = nulls;
+  copy->null_count = count_nulls(chunk);
   copy->buffers.resize(2);
   return copy;
 }

@@ -17,12 +17,12 @@ namespace numera::io::arrow::core {
 
 /// A copy of a dictionary array over the same buffers, made safe for Arrow: it has the offset and
 /// length of the view, its nulls are counted, and missing buffers are null.
-::arrow::Result<std::shared_ptr<::arrow::ArrayData>> copy_of_codes(const ArrayView& chunk);
+std::shared_ptr<::arrow::ArrayData> copy_of_codes(const ArrayView& chunk);
 
 /// An array of the same values with every code inside its dictionary. If that is already true, it
 /// shares the memory of the chunk. Else it is a copy in which codes outside the dictionary, at null
-/// slots, are 0. Invalid if the code of a valid slot is outside the dictionary, or if the codes
-/// buffer is too short. Cost: one pass over the codes.
+/// slots, are 0. Invalid if the code of a valid slot is outside the dictionary. Cost: one pass over
+/// the codes.
 ::arrow::Result<std::shared_ptr<::arrow::DictionaryArray>> codes_within_dictionary(
     const ArrayView& chunk);
 

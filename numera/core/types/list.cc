@@ -6,7 +6,6 @@
 #include <cstring>
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/nested.h"
@@ -74,7 +73,7 @@ struct ListParts {
 template <class Offset>
 [[gnu::noinline]] ::arrow::Status store_start_offsets(hxArray* data, size_t index,
                                                       const ArrayView& chunk) {
-  ARROW_ASSIGN_OR_RAISE(const auto bytes, stored_offsets(chunk, sizeof(Offset)));
+  const Bytes bytes = stored_offsets(chunk, sizeof(Offset));
   hxArrayPtr offsets =
       format::make_column(format::kNumericClass<Offset>, bytes.size() / sizeof(Offset));
   std::memcpy(format::elements<Offset>(offsets), bytes.data(), bytes.size());

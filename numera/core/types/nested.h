@@ -28,7 +28,7 @@ struct Slot {
   const char* field = nullptr;
 };
 
-/// Stores the whole envelope of an array. Type and layout must have been checked.
+/// Stores the whole envelope of an array. `check_column` has checked the column that contains it.
 ::arrow::Status store_child(const Slot& slot, const ArrayView& child);
 
 /// Turns a status into a result. noinline: this takes more stack than all else in a writer.

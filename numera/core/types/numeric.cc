@@ -7,7 +7,6 @@
 #include <cstring>
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
 #include "numera/core/messages.h"
 #include "numera/core/to_arrow.h"
@@ -63,12 +62,10 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
                                                  ::arrow::kUnknownNullCount, 0);
 }
 
-::arrow::Result<std::int64_t> copy_chunks(const ColumnView& chunks,
-                                          std::span<std::byte> destination, std::int64_t start,
-                                          size_t width) {
+std::int64_t copy_chunks(const ColumnView& chunks, std::span<std::byte> destination,
+                         std::int64_t start, size_t width) {
   for (const ArrayView& chunk : chunks.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto bytes,
-                          fixed_width_values(chunk, static_cast<std::int64_t>(width)));
+    const Bytes bytes = fixed_width_values(chunk, static_cast<std::int64_t>(width));
     const auto target = destination.subspan(static_cast<size_t>(start) * width);
     if (!bytes.empty()) std::memcpy(target.data(), bytes.data(), bytes.size());
     start += chunk.length;
@@ -76,16 +73,11 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
   return start;
 }
 
-::arrow::Result<hxArrayPtr> numbers_to_numera(const ColumnView& chunks, hxClassID class_id,
-                                              size_t width) {
-  // Check before the host allocates.
-  for (const ArrayView& chunk : chunks.chunks()) {
-    ARROW_RETURN_NOT_OK(fixed_width_values(chunk, static_cast<std::int64_t>(width)));
-  }
+hxArrayPtr numbers_to_numera(const ColumnView& chunks, hxClassID class_id, size_t width) {
   const auto length = static_cast<size_t>(chunks.length());
   hxArrayPtr column = format::make_column(class_id, length);
   const std::span bytes(format::elements<std::byte>(column), length * width);
-  ARROW_RETURN_NOT_OK(copy_chunks(chunks, bytes, 0, width));
+  copy_chunks(chunks, bytes, 0, width);
   return column;
 }
 
@@ -94,10 +86,7 @@ ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Bu
   format::BitmapWriter writer =
       format::store_bitmap(packed.get(), 0, chunks.length(), format::BitFill::Zeros);
   if (chunks.length() == 0) return packed;
-  for (const ArrayView& chunk : chunks.chunks()) {
-    ARROW_ASSIGN_OR_RAISE(const auto bits, unsliced_bits(chunk));
-    writer.append(bits, chunk.length);
-  }
+  for (const ArrayView& chunk : chunks.chunks()) writer.append(unsliced_bits(chunk), chunk.length);
   return packed;
 }
 

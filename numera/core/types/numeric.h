@@ -32,20 +32,17 @@ ArrayResult numeric_to_arrow(const hxArray* values, std::shared_ptr<::arrow::Buf
 ArrayResult logical_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
 
 /// Copies the elements of all chunks, `width` bytes each, to `destination`, from element `start`
-/// on. Returns the index after the last copied element. Invalid if the buffer of a chunk is too
-/// short.
-::arrow::Result<std::int64_t> copy_chunks(const ColumnView& chunks,
-                                          std::span<std::byte> destination, std::int64_t start,
-                                          size_t width);
+/// on. Returns the index after the last copied element.
+std::int64_t copy_chunks(const ColumnView& chunks, std::span<std::byte> destination,
+                         std::int64_t start, size_t width);
 
 /// Copies fixed-width arrays bit for bit to an N-by-1 column of a class with the same width.
-::arrow::Result<hxArrayPtr> numbers_to_numera(const ColumnView& chunks, hxClassID class_id,
-                                              size_t width);
+hxArrayPtr numbers_to_numera(const ColumnView& chunks, hxClassID class_id, size_t width);
 
 /// `copy_chunks` of elements as wide as T.
 template <class T>
-::arrow::Result<std::int64_t> numeric_chunk_copy(const ColumnView& chunks, std::span<T> destination,
-                                                 std::int64_t start) {
+std::int64_t numeric_chunk_copy(const ColumnView& chunks, std::span<T> destination,
+                                std::int64_t start) {
   return copy_chunks(chunks, std::as_writable_bytes(destination), start, sizeof(T));
 }
 

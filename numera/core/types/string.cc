@@ -6,8 +6,6 @@
 #include <optional>
 #include <utility>
 
-#include "numera/core/chunk_memory.h"
-
 namespace numera::io::arrow::core {
 namespace {
 
@@ -73,9 +71,6 @@ template <class ArrowArray>
 template <class ArrowArray>
 ::arrow::Result<hxArrayPtr> ChunkedStringArrayToHost(const ColumnView& column) {
   using Offset = typename ArrowArray::offset_type;
-  for (const ArrayView& chunk : column.chunks()) {
-    ARROW_RETURN_NOT_OK(check_offsets_fit(chunk, sizeof(Offset)));
-  }
   auto strings = make_string_column(column.length());
   size_t start = 0;
   for (const ArrayView& chunk : column.chunks()) {

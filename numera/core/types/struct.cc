@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "numera/core/chunk_memory.h"
 #include "numera/core/host_values.h"
 #include "numera/core/types/nested.h"
 #include "numera/core/util/text.h"

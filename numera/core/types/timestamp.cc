@@ -41,7 +41,7 @@ ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   const auto& type = static_cast<const ::arrow::TimestampType&>(*chunks.type());
   hxArrayPtr timestamp = format::make_struct(1, format::kTimestamps);
   hxSetField(timestamp.get(), 0, format::kDateType, format::make_word(format::kTimestamp));
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr values, numeric_to_numera<std::int64_t>(chunks));
+  const hxArrayPtr values = numbers_to_numera(chunks, hxClassID::Int64, sizeof(std::int64_t));
   hxSetField(timestamp.get(), 0, format::kValues, hxSharedCopy(values.get()));
   hxSetField(timestamp.get(), 0, format::kUnits, time_unit_name(type.unit()));
   const std::string& time_zone = type.timezone();

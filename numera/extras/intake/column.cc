@@ -1,6 +1,7 @@
 #include "numera/extras/intake/column.h"
 
 #include <arrow/array/util.h>
+#include <arrow/type_traits.h>
 
 #include <stdexcept>
 #include <utility>

@@ -9,13 +9,15 @@
 #include <utility>
 #include <vector>
 
+#include "numera/core/layout.h"
 #include "numera/extras/intake/memory.h"
-#include "numera/extras/intake/rules.h"
 
 namespace numera::extras::intake {
 namespace {
 
 using ::arrow::Type;
+using io::arrow::core::Layout;
+using io::arrow::core::layout_of;
 using Places = std::span<const std::int64_t>;
 
 /// A bitmap whose bit i is `is_set(places[i])`. `unset` receives the number of bits that are 0.
@@ -178,8 +180,10 @@ template <class From, class To>
 using Gather = ::arrow::Status (*)(Work&, const ::arrow::ArrayData&, Places, ::arrow::ArrayData*);
 
 /// How to gather values of a type that the host accepts.
-Gather gather_of(Layout layout, bool wide) {
-  switch (layout) {
+Gather gather_of(const ::arrow::DataType& type, bool wide) {
+  switch (layout_of(type.id())) {
+    case Layout::kNoHostForm:
+      break;
     case Layout::kNoValues:
       return gather_nothing;
     case Layout::kBits:
@@ -222,8 +226,7 @@ std::shared_ptr<::arrow::DataType> widened(const std::shared_ptr<::arrow::DataTy
 DataResult gather(Work& work, const ::arrow::ArrayData& values, Places places) {
   ARROW_ASSIGN_OR_RAISE(Data out, make_slots(work, values, places));
   out->dictionary = values.dictionary;
-  ARROW_RETURN_NOT_OK(
-      gather_of(layout_of(*values.type), work.wide)(work, values, places, out.get()));
+  ARROW_RETURN_NOT_OK(gather_of(*values.type, work.wide)(work, values, places, out.get()));
   out->type = with_child_types(work.wide ? widened(values.type) : values.type, *out);
   return out;
 }

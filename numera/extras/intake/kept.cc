@@ -1,4 +1,5 @@
 #include <arrow/type.h>
+#include <arrow/type_traits.h>
 #include <arrow/util/utf8.h>
 
 #include <string_view>

@@ -7,11 +7,14 @@
 #include <limits>
 #include <utility>
 
-#include "numera/extras/intake/rules.h"
+#include "numera/core/layout.h"
 #include "numera/format/bitmap.h"
 
 namespace numera::extras::intake {
 namespace {
+
+using io::arrow::core::Layout;
+using io::arrow::core::layout_of;
 
 std::shared_ptr<::arrow::Buffer> cut_bytes(const std::shared_ptr<::arrow::Buffer>& buffer,
                                            std::int64_t begin, std::int64_t size) {
@@ -81,7 +84,7 @@ std::shared_ptr<::arrow::DataType> with_child_types(const std::shared_ptr<::arro
   }
   if (same) return type;
   ::arrow::FieldVector fields = with_types(type->fields(), array);
-  switch (layout_of(*type)) {
+  switch (layout_of(type->id())) {
     case Layout::kList:
       return ::arrow::list(fields[0]);
     case Layout::kLargeList:
@@ -91,6 +94,7 @@ std::shared_ptr<::arrow::DataType> with_child_types(const std::shared_ptr<::arro
           fields[0], static_cast<const ::arrow::MapType&>(*type).keys_sorted());
     case Layout::kStruct:
       return ::arrow::struct_(fields);
+    case Layout::kNoHostForm:
     case Layout::kNoValues:
     case Layout::kBits:
     case Layout::kFixedWidth:

@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "numera/core/layout.h"
 #include "numera/core/limits.h"
 #include "numera/extras/intake/takes.h"
 #include "numera/extras/intake/type_text.h"
@@ -13,9 +14,13 @@ namespace numera::extras::intake {
 namespace {
 
 using ::arrow::Type;
+using io::arrow::core::Layout;
+using io::arrow::core::layout_of;
 
 constexpr Take take_of(Layout layout) {
   switch (layout) {
+    case Layout::kNoHostForm:
+      return nullptr;
     case Layout::kNoValues:
       return take_null;
     case Layout::kBits:
@@ -37,21 +42,21 @@ constexpr Take take_of(Layout layout) {
   return nullptr;
 }
 
-constexpr Rule kept(Type::type id, const char* type, Layout layout = Layout::kFixedWidth) {
-  return {id, type, Fate::kKept, layout, "", take_of(layout)};
+constexpr Rule kept(Type::type id, const char* type) {
+  return {id, type, Fate::kKept, "", take_of(layout_of(id))};
 }
 
 constexpr Rule cast(Type::type id, const char* type, const char* to, Take take) {
-  return {id, type, Fate::kCast, {}, to, take};
+  return {id, type, Fate::kCast, to, take};
 }
 
 constexpr Rule refused(Type::type id, const char* type) {
-  return {id, type, Fate::kRefused, {}, "", nullptr};
+  return {id, type, Fate::kRefused, "", nullptr};
 }
 
 constexpr Rule kRules[] = {
-    kept(Type::NA, "null", Layout::kNoValues),
-    kept(Type::BOOL, "bool", Layout::kBits),
+    kept(Type::NA, "null"),
+    kept(Type::BOOL, "bool"),
     kept(Type::UINT8, "uint8"),
     kept(Type::INT8, "int8"),
     kept(Type::UINT16, "uint16"),
@@ -63,8 +68,8 @@ constexpr Rule kRules[] = {
     cast(Type::HALF_FLOAT, "halffloat", "double", cast_half_float),
     kept(Type::FLOAT, "float"),
     kept(Type::DOUBLE, "double"),
-    kept(Type::STRING, "utf8", Layout::kText),
-    kept(Type::BINARY, "binary", Layout::kText),
+    kept(Type::STRING, "utf8"),
+    kept(Type::BINARY, "binary"),
     kept(Type::FIXED_SIZE_BINARY, "fixed_size_binary"),
     kept(Type::DATE32, "date32"),
     kept(Type::DATE64, "date64"),
@@ -75,19 +80,18 @@ constexpr Rule kRules[] = {
     cast(Type::INTERVAL_DAY_TIME, "day_time_interval", "utf8", cast_day_time_interval),
     cast(Type::DECIMAL128, "decimal128", "double", cast_decimal),
     cast(Type::DECIMAL256, "decimal256", "double", cast_decimal),
-    kept(Type::LIST, "list", Layout::kList),
-    kept(Type::STRUCT, "struct", Layout::kStruct),
+    kept(Type::LIST, "list"),
+    kept(Type::STRUCT, "struct"),
     refused(Type::SPARSE_UNION, "sparse_union"),
     refused(Type::DENSE_UNION, "dense_union"),
-    {Type::DICTIONARY, "dictionary", Fate::kKeptOfText, Layout::kFixedWidth, "its values",
-     take_dictionary},
-    kept(Type::MAP, "map", Layout::kMap),
+    {Type::DICTIONARY, "dictionary", Fate::kKeptOfText, "its values", take_dictionary},
+    kept(Type::MAP, "map"),
     cast(Type::EXTENSION, "extension", "its storage", cast_extension),
     cast(Type::FIXED_SIZE_LIST, "fixed_size_list", "list", cast_fixed_size_list),
     kept(Type::DURATION, "duration"),
-    kept(Type::LARGE_STRING, "large_utf8", Layout::kLargeText),
-    kept(Type::LARGE_BINARY, "large_binary", Layout::kLargeText),
-    kept(Type::LARGE_LIST, "large_list", Layout::kLargeList),
+    kept(Type::LARGE_STRING, "large_utf8"),
+    kept(Type::LARGE_BINARY, "large_binary"),
+    kept(Type::LARGE_LIST, "large_list"),
     cast(Type::INTERVAL_MONTH_DAY_NANO, "month_day_nano_interval", "utf8",
          cast_month_day_nano_interval),
     cast(Type::RUN_END_ENCODED, "run_end_encoded", "its values", cast_run_end_encoded),
@@ -99,14 +103,16 @@ constexpr Rule kRules[] = {
     cast(Type::DECIMAL64, "decimal64", "double", cast_decimal),
 };
 
-constexpr bool rules_are_in_order_of_id() {
+constexpr bool rules_are_complete() {
   for (size_t i = 0; i < std::size(kRules); ++i) {
-    if (static_cast<size_t>(kRules[i].id) != i) return false;
+    const Rule& rule = kRules[i];
+    if (static_cast<size_t>(rule.id) != i) return false;
+    if ((rule.take == nullptr) != (rule.fate == Fate::kRefused)) return false;
   }
   return true;
 }
 static_assert(std::size(kRules) == Type::MAX_ID, "every type has a rule");
-static_assert(rules_are_in_order_of_id(), "a rule is found by its id");
+static_assert(rules_are_complete(), "a rule is found by its id, and kept types have a layout");
 
 std::string place_of(const std::string& path) { return path.empty() ? "" : path + ": "; }
 
@@ -197,8 +203,6 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 }  // namespace
 
 std::span<const Rule> rules() { return kRules; }
-
-Layout layout_of(const ::arrow::DataType& type) { return kRules[type.id()].layout; }
 
 std::string field_path(const std::string& path, const std::string& name) {
   return path + "." + name;

@@ -21,34 +21,16 @@ enum class Fate : std::uint8_t {
   kRefused,     ///< always refused: there is no rule
 };
 
-/// The memory layout of the values of a kept type. Every `switch` over it has no default, so a new
-/// layout compiles only when every `switch` handles it.
-enum class Layout : std::uint8_t {
-  kNoValues,
-  kBits,
-  kFixedWidth,  ///< also the codes of dictionaries
-  kText,
-  kLargeText,
-  kList,
-  kLargeList,
-  kMap,
-  kStruct,
-};
-
 struct Rule {
   ::arrow::Type::type id;
   const char* type;  ///< the name in the documentation
   Fate fate;
-  Layout layout;        ///< only for kept types
   const char* cast_to;  ///< the target in the documentation; empty if nothing is cast
   Take take;
 };
 
 /// One row per type, in the order of type ids.
 std::span<const Rule> rules();
-
-/// The layout of a kept type.
-Layout layout_of(const ::arrow::DataType& type);
 
 struct AllowedCasts {
   bool all = false;

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 
+#include "numera/core/array_view.h"
 #include "numera/core/limits.h"
 #include "numera/extras/whole_type.h"
 
@@ -68,8 +68,7 @@ Status check(const ::arrow::ArrayData* array, int levels) {
     return Status::Invalid("Arrays: found more than ", kMaxLevels,
                            " in one another, expected no more than that.");
   }
-  if (array->offset < 0 || array->length < 0 ||
-      array->offset > std::numeric_limits<std::int64_t>::max() - array->length) {
+  if (!io::arrow::core::extent_is_valid(*array)) {
     return Status::Invalid("Array: found offset ", array->offset, " and length ", array->length,
                            ", expected 0 or more and a sum of 64 bits.");
   }

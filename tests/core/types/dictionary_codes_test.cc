@@ -132,7 +132,7 @@ TEST(CopyOfCodes, HasTheExtentAndTheNullsOfTheView) {
   slice.offset = 2;
   slice.length = 2;
 
-  const auto copy = copy_of_codes(slice).ValueOrDie();
+  const auto copy = copy_of_codes(slice);
 
   EXPECT_EQ(copy->offset, 2);
   EXPECT_EQ(copy->length, 2);

@@ -1,4 +1,4 @@
-#include "numera/core/array_layout.h"
+#include "numera/core/array_checks.h"
 
 #include <arrow/extension/opaque.h>
 #include <arrow/extension/uuid.h>
@@ -62,15 +62,16 @@ TEST(ArrayLayout, RefusesBuffersThatTheTypeDoesNotHave) {
             Refused("struct", "0 buffers, expected 1."));
 }
 
-TEST(ArrayLayout, RefusesABitmapOfAUnionWhichHasNone) {
+TEST(ArrayLayout, IsNotLookedAtInTypesThatAreRefused) {
   const auto add_bitmap = [](ArrayData& data) {
     data.buffers[0] = ExactBuffer(std::vector<std::uint8_t>{1});
   };
   const auto fields = {field("a", ::arrow::int8())};
-  EXPECT_EQ(StatusOf(::arrow::sparse_union(fields), "[[0, 1]]", add_bitmap),
-            Refused("sparse_union", "a validity bitmap, expected none."));
-  EXPECT_EQ(StatusOf(::arrow::dense_union(fields), "[[0, 1]]", add_bitmap),
-            Refused("dense_union", "a validity bitmap, expected none."));
+  for (const auto& type : {::arrow::sparse_union(fields), ::arrow::dense_union(fields)}) {
+    EXPECT_EQ(
+        StatusOf(type, "[[0, 1]]", add_bitmap),
+        Status::TypeError("Unsupported type for Arrrow-NUMERA conversion: ", type->ToString()));
+  }
 }
 
 TEST(ArrayLayout, RefusesChildrenThatTheTypeDoesNotHave) {
@@ -187,6 +188,43 @@ TEST(ArrayLayout, LeavesTypesThatAreRefusedToTheirMessage) {
         ::arrow::list(array->type()), 1, ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0}), array, nullptr, 0);
     EXPECT_EQ(ToNumeraOnlyReads(Around(list->type(), list->data())).status(), unsupported);
   }
+}
+
+TEST(CheckChunks, AcceptsWhatArrowMakes) {
+  EXPECT_EQ(check_column(*ArrowChunks(::arrow::int8(), {"[1]", "[]", "[2, null]"})), Status::OK());
+  EXPECT_EQ(check_column(*ArrowChunks(::arrow::int8(), {})), Status::OK());
+}
+
+TEST(CheckChunks, AcceptsEqualTypesThatAreNotTheSame) {
+  const auto type = [] { return ::arrow::timestamp(::arrow::TimeUnit::SECOND, "UTC"); };
+  EXPECT_EQ(check_column(::arrow::ChunkedArray({ArrowArray(type(), "[1]")}, type())), Status::OK());
+}
+
+TEST(CheckChunks, AcceptsFieldsOfOtherNamesNullabilityAndMetadata) {
+  const auto type = [](const char* name, bool nullable) {
+    const auto metadata = ::arrow::key_value_metadata({"key"}, {name});
+    const auto leaf = ::arrow::field(name, ::arrow::int8(), nullable, metadata);
+    return ::arrow::struct_({::arrow::field(name, ::arrow::list(leaf)),
+                             ::arrow::field(name, ::arrow::map(::arrow::utf8(), leaf))});
+  };
+  const auto chunk = ArrowArray(type("a", true), R"([[[1], [["k", 2]]]])");
+  EXPECT_EQ(check_column(::arrow::ChunkedArray({chunk}, type("b", false))), Status::OK());
+}
+
+TEST(CheckChunks, ShowsBothTypesInFullWhereTheyDiffer) {
+  const auto chunk = ArrowArray(::arrow::list(::arrow::int16()), "[[1]]");
+  EXPECT_EQ(check_column(::arrow::ChunkedArray({chunk}, ::arrow::list(::arrow::int8()))),
+            Status::Invalid("Chunk 0: found list<item: int16>, expected list<item: int8>, the type "
+                            "of the column."));
+  const auto field = ::arrow::field("a", ::arrow::int8());
+  EXPECT_EQ(
+      check_column(::arrow::ChunkedArray({ArrowArray(::arrow::struct_({field, field}), "[]")},
+                                         ::arrow::struct_({field}))),
+      Status::Invalid("Chunk 0: found struct<a: int8, a: int8>, expected struct<a: int8>, the "
+                      "type of the column."));
+  EXPECT_EQ(check_column(
+                ::arrow::ChunkedArray({ArrowArray(::arrow::utf8(), "[]")}, ::arrow::struct_({}))),
+            Status::Invalid("Chunk 0: found string, expected struct<>, the type of the column."));
 }
 
 }  // namespace

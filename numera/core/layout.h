@@ -1,0 +1,72 @@
+#pragma once
+
+/// \file
+/// The memory layouts of the Arrow types that have a host form. Everything that depends on the
+/// layout switches over it without a default, so a new layout compiles only once all of them know
+/// it.
+
+#include <arrow/type_fwd.h>
+
+#include <cstdint>
+
+namespace numera::io::arrow::core {
+
+enum class Layout : std::uint8_t {
+  kNoHostForm,  ///< any layout: the type is refused, or cast before it is converted
+  kNoValues,
+  kBits,
+  kFixedWidth,  ///< also the codes of dictionaries
+  kText,        ///< text and bytes
+  kLargeText,
+  kList,
+  kLargeList,
+  kMap,
+  kStruct,
+};
+
+constexpr Layout layout_of(::arrow::Type::type id) {
+  using ::arrow::Type;
+  switch (id) {
+    case Type::NA:
+      return Layout::kNoValues;
+    case Type::BOOL:
+      return Layout::kBits;
+    case Type::UINT8:
+    case Type::INT8:
+    case Type::UINT16:
+    case Type::INT16:
+    case Type::UINT32:
+    case Type::INT32:
+    case Type::UINT64:
+    case Type::INT64:
+    case Type::FLOAT:
+    case Type::DOUBLE:
+    case Type::FIXED_SIZE_BINARY:
+    case Type::DATE32:
+    case Type::DATE64:
+    case Type::TIMESTAMP:
+    case Type::TIME32:
+    case Type::TIME64:
+    case Type::DURATION:
+    case Type::DICTIONARY:
+      return Layout::kFixedWidth;
+    case Type::STRING:
+    case Type::BINARY:
+      return Layout::kText;
+    case Type::LARGE_STRING:
+    case Type::LARGE_BINARY:
+      return Layout::kLargeText;
+    case Type::LIST:
+      return Layout::kList;
+    case Type::LARGE_LIST:
+      return Layout::kLargeList;
+    case Type::MAP:
+      return Layout::kMap;
+    case Type::STRUCT:
+      return Layout::kStruct;
+    default:
+      return Layout::kNoHostForm;
+  }
+}
+
+}  // namespace numera::io::arrow::core
