@@ -81,10 +81,9 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
 ///
 /// Errors are those of `make_readable` and `own_to_arrow`, and:
 /// - TypeError "Value: found an encoded value of the kind 'table', expected an array.", and the
-/// other
-///   way round
-/// - TypeError "Column: found type X, expected Y, to which no cast leads without loss." Inside
-///   nested types the message starts with the path of the field, such as "Column.a[].b"
+///   other way round
+/// - TypeError "Column: found type X, expected Y or a type that can be cast to it without loss."
+///   Inside nested types the message starts with the path of the field, such as "Column.a[].b"
 /// - Invalid if a cast would change a value
 /// - Invalid for nulls in a field that is not nullable, for column names that differ from the
 ///   schema, and for a type that contains a null pointer or nests too deeply

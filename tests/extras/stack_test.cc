@@ -191,8 +191,8 @@ TEST(StackOfTakeIn, HoldsTheRefusalOfWhatIsDeeper) {
     const auto array = NestedArray(containers, 5 * kDeepest);
     Status status;
     OnStatedStack(kIntakeStackBytes, [&] { status = extras::take_in(array).status(); });
-    EXPECT_EQ(status, Status::Invalid("Types: found more than 1024 in one another, expected no "
-                                      "more than that."));
+    EXPECT_EQ(status, Status::Invalid("Types: found more than 1024 levels of nesting, expected at "
+                                      "most 1024."));
   }
 }
 

@@ -30,7 +30,8 @@ DataResult exact(const Data& array, const ::arrow::Field& field, const std::stri
 ::arrow::Status no_cast(const std::string& path, const ArrayData& array,
                         const ::arrow::DataType& type) {
   return ::arrow::Status::TypeError(path, ": found type ", array.type->ToString(), ", expected ",
-                                    type.ToString(), ", to which no cast leads without loss.");
+                                    type.ToString(),
+                                    " or a type that can be cast to it without loss.");
 }
 
 ::arrow::Status check_nulls(const ArrayData& array, const ::arrow::Field& field,
@@ -65,8 +66,8 @@ DataResult whole_days(const Data& times, const TypePtr& type, const std::string&
 
 DataResult nulls(const Data& array, const TypePtr& type, const std::string& path) {
   if (array->GetNullCount() != array->length) {
-    return ::arrow::Status::Invalid(path,
-                                    ": found values, expected nulls alone for the null type.");
+    return ::arrow::Status::Invalid(
+        path, ": found values that are not null, expected only nulls for the null type.");
   }
   ARROW_ASSIGN_OR_RAISE(const auto made, ::arrow::MakeArrayOfNull(type, array->length));
   return made->data();
@@ -189,8 +190,9 @@ bool same_names(const ::arrow::FieldVector& one, const ::arrow::FieldVector& oth
   // cast.
   constexpr int kLevels = 2 * io::arrow::core::kMaxNestingLevels;
   if (field.type() == nullptr || !is_whole(*field.type(), kLevels)) {
-    return ::arrow::Status::Invalid(path, ": found a type with a null pointer in it or nested too ",
-                                    "deeply, expected a type.");
+    return ::arrow::Status::Invalid(
+        path, ": found a null pointer instead of a type or more than ", kLevels,
+        " levels of types, expected a complete type of at most ", kLevels, " levels.");
   }
   ARROW_ASSIGN_OR_RAISE(const Data data, exact(array->data(), field, path));
   return data == array->data() ? array : ::arrow::MakeArray(data);

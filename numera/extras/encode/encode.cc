@@ -34,7 +34,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
     const Located place{columns.value, &columns, nullptr, i};
     if (envelopes[i].length != envelopes[0].length) {
       return in_column(invalid(place, std::to_string(envelopes[i].length) + " elements",
-                               std::to_string(envelopes[0].length) + " as in the first column"),
+                               std::to_string(envelopes[0].length) + ", as in the first column"),
                        names[i], static_cast<int>(i));
     }
     const hxArray* const envelope = envelopes[i].value.get();

@@ -110,7 +110,8 @@ constexpr KindReader kKinds[] = {
   if (bytes == 0) return nullptr;
   if (bytes < format::bitmap_bytes(length)) {
     return invalid(bits, std::to_string(bytes) + " bytes",
-                   "bits for " + std::to_string(length) + " elements");
+                   "at least " + std::to_string(format::bitmap_bytes(length)) +
+                       ", one bit for each of " + std::to_string(length) + " elements");
   }
   return hxSharedCopy(bits.value);
 }

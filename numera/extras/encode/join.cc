@@ -33,7 +33,10 @@ namespace {
   if (!has_fields(encoded.data.value)) return wrong_class(encoded.data, "a struct array");
   const size_t chunks = hxGetNumberOfElements(encoded.data.value);
   const size_t bitmaps = hxGetNumberOfElements(encoded.valid.value);
-  if (chunks == 0) return invalid(encoded.data, "no chunk, so that no type is known", "one");
+  if (chunks == 0) {
+    return invalid(encoded.data, "no chunks",
+                   "at least one: without a chunk the type is not known");
+  }
   if (bitmaps != chunks) {
     return invalid(encoded.valid, std::to_string(bitmaps) + " elements",
                    std::to_string(chunks) + ", one for each chunk");

@@ -54,10 +54,13 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
 
 // The null type has no values. The result is a column of zeros that are all null.
 ::arrow::Result<ReadableValue> read_nulls(const Located& count) {
-  ARROW_RETURN_NOT_OK(check_numbers(count, hxClassID::Int64, "an int64 number of elements"));
+  ARROW_RETURN_NOT_OK(
+      check_numbers(count, hxClassID::Int64, "an int64 array that holds the number of elements"));
   ARROW_RETURN_NOT_OK(check_one_element(count));
   const std::int64_t length = *format::elements<std::int64_t>(count.value);
-  if (length < 0) return invalid(count, std::to_string(length), "a number of elements");
+  if (length < 0) {
+    return invalid(count, std::to_string(length), "the number of elements, 0 or more");
+  }
   const auto size = static_cast<size_t>(length);
   return ReadableValue{
       .type = format::kNumberClass<double>.name,
@@ -78,7 +81,8 @@ bool holds_bytes(const hxArray* cells, const std::string& type_name) {
   const double found = *format::elements<double>(length.value);
   const double bits = 8.0 * static_cast<double>(hxGetNumberOfElements(values.value));
   if (!(found >= 0 && found <= bits)) {
-    return invalid(length, std::to_string(found), "a number of bits that 'Values' has");
+    return invalid(length, std::to_string(found),
+                   "a number from 0 to the number of bits in 'Values'");
   }
   return ReadableValue{.type = format::kLogicalType,
                        .data = hxSharedCopy(packed.value),
@@ -130,7 +134,7 @@ constexpr StructReader kStructReaders[] = {
   if (!has_fields(data.value)) return read_plain(data, type_name);
   const auto* const row = std::ranges::find(kStructReaders, type_name, &StructReader::type_name);
   if (row != std::ranges::end(kStructReaders)) return row->read(data);
-  return invalid(type, "'" + type_name + "'", "the type name of data that is a struct");
+  return invalid(type, "'" + type_name + "'", "the name of a type whose 'Data' is a struct");
 }
 
 }  // namespace numera::extras::encoding

@@ -23,8 +23,9 @@ template <class T>
     // A negative offset becomes a huge unsigned number and fails the check.
     const auto offset = static_cast<std::uint64_t>(source[i]);
     if (offset < last || offset > values) {
-      return invalid(offsets, std::to_string(source[i]) + " at " + std::to_string(i),
-                     "offsets that never fall, within " + std::to_string(values) + " values");
+      return invalid(offsets,
+                     "offset " + std::to_string(source[i]) + " at index " + std::to_string(i),
+                     "offsets from 0 to " + std::to_string(values) + " that never decrease");
     }
     last = offset;
   }
@@ -91,7 +92,7 @@ Envelope make_entries(Envelope keys, Envelope items) {
                              std::string_view why) {
   if (length == expected) return {};
   return invalid(place, std::to_string(length) + " elements",
-                 std::to_string(expected) + " " + std::string(why));
+                 std::to_string(expected) + ", " + std::string(why));
 }
 
 // Reads the child in field `name` of a chunk.
@@ -109,7 +110,7 @@ Envelope make_entries(Envelope keys, Envelope items) {
 ::arrow::Result<ReadableValue> make_maps(const Encoded& encoded, size_t chunk, Envelope keys,
                                          Envelope items) {
   ARROW_ASSIGN_OR_RAISE(const Located place, field(encoded.data, chunk, format::kValues));
-  ARROW_RETURN_NOT_OK(check_length(place, items.length, keys.length, "as there are keys"));
+  ARROW_RETURN_NOT_OK(check_length(place, items.length, keys.length, "one for each key"));
   return make_lists(encoded, chunk, make_entries(std::move(keys), std::move(items)));
 }
 

@@ -59,7 +59,7 @@ hxArrayPtr days_as_seconds(const hxArray* days) {
   ARROW_ASSIGN_OR_RAISE(const Located date_type, field(data, 0, format::kDateType));
   ARROW_ASSIGN_OR_RAISE(const std::string name, text_of(date_type));
   if (name != format::kDate)
-    return invalid(date_type, "'" + name + "'", "'Date', or 'Units' beside it");
+    return invalid(date_type, "'" + name + "'", "'Date', or a field 'Units' in the same struct");
   ARROW_ASSIGN_OR_RAISE(const Located values, field(data, 0, format::kValues));
   ARROW_RETURN_NOT_OK(check_numbers(values));
   const hxClassID class_id = hxGetClassID(values.value);

@@ -110,7 +110,7 @@ hxArrayPtr write_times(const ::arrow::Array& array, hxClassID class_id) {
   };
   return format::with_number_class(is_it, write, [&]() -> ::arrow::Status {
     return ::arrow::Status::TypeError("Array: found ", array.type()->ToString(),
-                                      ", expected a type that host values are read as.");
+                                      ", expected a type to which host values are converted.");
   });
 }
 

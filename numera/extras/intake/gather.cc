@@ -172,7 +172,7 @@ template <class From, class To>
   const std::int64_t size = sum_of_ranges<std::int32_t>(values, places);
   if (size > work.narrow_limit) {
     return ::arrow::Status::Invalid("Map: found ", size, " entries, expected at most ",
-                                    work.narrow_limit, ".");
+                                    work.narrow_limit, ", because maps have 32-bit offsets.");
   }
   return gather_lists<std::int32_t, std::int32_t>(work, values, places, out);
 }

@@ -27,7 +27,7 @@ intake::Work work_of(const IntakeOptions& options) {
   if (column == nullptr) return null_pointer("Column");
   if (column->length() != table.num_rows()) {
     return ::arrow::Status::Invalid("Column: found ", column->length(), " elements, expected ",
-                                    table.num_rows(), ", the rows of the table.");
+                                    table.num_rows(), ", the number of rows of the table.");
   }
   return intake::take_in_column(table.field(index)->name(), column->type(), column->chunks(),
                                 work_of(options));

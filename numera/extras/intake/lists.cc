@@ -65,7 +65,8 @@ BufferResult make_offsets(Work& work, bool large, std::int64_t length, SizeOf si
     }
     if (i == length) return offsets;
     if (__builtin_add_overflow(sum, size_of(i), &sum)) {
-      return ::arrow::Status::CapacityError("List views: found more elements than can be counted.");
+      return ::arrow::Status::CapacityError(
+          "List views: found more elements in total than 64 bits can count.");
     }
   }
 }

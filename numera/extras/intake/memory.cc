@@ -34,7 +34,7 @@ std::shared_ptr<::arrow::Buffer> cut_bytes(const std::shared_ptr<::arrow::Buffer
 BufferResult allocate(Work& work, std::int64_t count, std::int64_t width) {
   if (count > (std::numeric_limits<std::int64_t>::max() - 64) / width) {
     return ::arrow::Status::CapacityError("Cast: found ", count, " elements of ", width,
-                                          " bytes, expected fewer.");
+                                          " bytes, expected a total size that fits in 64 bits.");
   }
   ARROW_ASSIGN_OR_RAISE(auto buffer, ::arrow::AllocateBuffer(count * width, work.pool));
   return std::shared_ptr<::arrow::Buffer>(std::move(buffer));

@@ -173,8 +173,9 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 ::arrow::Status check(const std::string& path, const ::arrow::DataType& type, AllowedCasts allowed,
                       int levels) {
   if (!has_inner_types(type)) {
-    return ::arrow::Status::Invalid(place_of(path), "found type ", type.name(),
-                                    " with a null pointer in place of a type, expected a type.");
+    return ::arrow::Status::Invalid(
+        place_of(path), "found type ", type.name(),
+        " with a null pointer instead of an inner type, expected a complete type.");
   }
   const auto id = static_cast<size_t>(type.id());
   if (id >= std::size(kRules) || kRules[id].fate == Fate::kRefused) return refuse(path, type, "");
@@ -185,7 +186,8 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
   const bool is_level = represented == nullptr || holds_types(*represented);
   if (is_level && --levels < 0) {
     return ::arrow::Status::Invalid("Types: found more than ", io::arrow::core::kMaxNestingLevels,
-                                    " in one another, expected no more than that.");
+                                    " levels of nesting, expected at most ",
+                                    io::arrow::core::kMaxNestingLevels, ".");
   }
   if (represented != nullptr) {
     const bool is_dictionary = type.id() == Type::DICTIONARY;

@@ -22,12 +22,15 @@ Status check_buffer(const std::shared_ptr<::arrow::Buffer>& buffer) {
   if (buffer == nullptr) return Status::OK();
   if (!buffer->is_cpu()) {
     return Status::Invalid("Buffer: found memory of ", buffer->device()->ToString(),
-                           ", expected that of the CPU.");
+                           ", expected memory of the CPU.");
   }
-  if (buffer->size() < 0 || (buffer->size() > 0 && buffer->data() == nullptr)) {
-    return Status::Invalid("Buffer: found ", buffer->size(), " bytes at ",
-                           buffer->data() == nullptr ? "no" : "an",
-                           " address, expected 0 or more at one.");
+  if (buffer->size() < 0) {
+    return Status::Invalid("Buffer: found a size of ", buffer->size(),
+                           " bytes, expected 0 or more.");
+  }
+  if (buffer->size() > 0 && buffer->data() == nullptr) {
+    return Status::Invalid("Buffer: found a null pointer, expected the address of ", buffer->size(),
+                           " bytes.");
   }
   return Status::OK();
 }
@@ -39,8 +42,8 @@ Status check_fixed_size_list(const ::arrow::ArrayData& array) {
   const std::int64_t size = static_cast<const ::arrow::FixedSizeListType&>(*array.type).list_size();
   const std::int64_t elements = array.child_data[0]->length;
   if (size <= 0 || array.offset + array.length <= elements / size) return Status::OK();
-  return Status::Invalid("Array: found ", elements, " elements, expected ", size, " for each of ",
-                         array.offset + array.length, " lists.");
+  return Status::Invalid("Array: found ", elements, " elements for ", array.offset + array.length,
+                         " lists, expected ", size, " elements for each list.");
 }
 
 /// Arrow's validation of views reads their buffers without checking that they exist.
@@ -50,7 +53,8 @@ Status check_views(const ::arrow::ArrayData& array) {
   const size_t buffers = array.buffers.size();
   for (size_t i = 1; i < std::max<size_t>(buffers, 2); ++i) {
     if (i < buffers && array.buffers[i] != nullptr) continue;
-    return Status::Invalid("Array: found no buffer ", i, ", expected one for views.");
+    return Status::Invalid("Array: found no buffer ", i,
+                           ", expected one, because arrays of views use it.");
   }
   return Status::OK();
 }
@@ -60,17 +64,17 @@ Status check(const ::arrow::ArrayData* array, int levels) {
     return Status::Invalid("Array: found a null pointer, expected an array with a type.");
   }
   if (!is_whole(*array->type, kMaxLevels)) {
-    return Status::Invalid("Array: found type ", array->type->name(), " with a null pointer in ",
-                           "place of a type or more than ", kMaxLevels,
-                           " types in one another, expected neither.");
+    return Status::Invalid("Array: found type ", array->type->name(), " with a null pointer ",
+                           "instead of an inner type or with more than ", kMaxLevels,
+                           " levels, expected a complete type of at most ", kMaxLevels, " levels.");
   }
   if (levels == 0) {
     return Status::Invalid("Arrays: found more than ", kMaxLevels,
-                           " in one another, expected no more than that.");
+                           " levels of nesting, expected at most ", kMaxLevels, ".");
   }
   if (!io::arrow::core::extent_is_valid(*array)) {
     return Status::Invalid("Array: found offset ", array->offset, " and length ", array->length,
-                           ", expected 0 or more and a sum of 64 bits.");
+                           ", expected both to be 0 or more and their sum to fit in 64 bits.");
   }
   ARROW_RETURN_NOT_OK(check_fixed_size_list(*array));
   ARROW_RETURN_NOT_OK(check_views(*array));

@@ -118,7 +118,7 @@ struct Refused {
 
 std::string no_cast(const std::string& path, const std::string& from, const std::string& to) {
   return "Type error: " + path + ": found type " + from + ", expected " + to +
-         ", to which no cast leads without loss.";
+         " or a type that can be cast to it without loss.";
 }
 
 const Refused kRefused[] = {
@@ -143,7 +143,7 @@ const Refused kRefused[] = {
      R"(["a"])", ::arrow::dictionary(::arrow::int8(), ::arrow::binary()),
      no_cast("Column<dictionary>", "large_string", "binary")},
     {"numbers as nulls", ::arrow::float64(), "[1, null]", ::arrow::null(),
-     "Invalid: Column: found values, expected nulls alone for the null type."},
+     "Invalid: Column: found values that are not null, expected only nulls for the null type."},
     {"within lists", ::arrow::list(::arrow::int8()), "[[1]]", ::arrow::list(::arrow::int16()),
      no_cast("Column[]", "int8", "int16")},
     {"within structs", ::arrow::struct_({field("a", ::arrow::int8())}), R"([{"a": 1}])",
@@ -168,8 +168,8 @@ const Refused kRefused[] = {
      no_cast("Column", "large_string", "dictionary<values=string, indices=int8, ordered=0>")},
     {"a type without a type", ::arrow::list(::arrow::int8()), "[[1]]",
      ::arrow::list(std::shared_ptr<::arrow::DataType>()),
-     "Invalid: Column: found a type with a null pointer in it or nested too deeply, expected a "
-     "type."},
+     "Invalid: Column: found a null pointer instead of a type or more than 2048 levels of types, "
+     "expected a complete type of at most 2048 levels."},
 };
 
 TEST(ConvertToArrow, RefusesTypesThatNoCastLeadsToWithoutLoss) {
@@ -209,8 +209,8 @@ TEST(ConvertToArrowTable, NamesTheColumnThatCannotBeCast) {
       ::arrow::schema({field("day", ::arrow::date32()), field("text", ::arrow::int8())});
   const ::arrow::Status status = convert_to_arrow_table(std::move(host), schema).status();
   EXPECT_EQ(status.message(),
-            "Column: found type large_string, expected int8, to which no cast "
-            "leads without loss.");
+            "Column: found type large_string, expected int8 or a type that can be cast to it "
+            "without loss.");
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
   ASSERT_NE(detail, nullptr);
   EXPECT_EQ(detail->column_name(), "text");

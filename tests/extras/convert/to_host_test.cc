@@ -95,9 +95,10 @@ TEST(ConvertToHost, RefusesBatchesThatAreNotWhatTheirSchemaSays) {
             "Invalid: Table: found 2 columns, expected 1, one for each field of the schema.");
   EXPECT_EQ(refusal(schema, {::arrow::ArrayData::Make(::arrow::int8(), 1, {nullptr})}),
             "Invalid: Expected 2 buffers in array of type int8, got 1");
-  EXPECT_EQ(refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
-            "Invalid: Column: found 2 elements, expected 1, the rows of the table.. Detail: "
-            "Internal");
+  EXPECT_EQ(
+      refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
+      "Invalid: Column: found 2 elements, expected 1, the number of rows of the table.. Detail: "
+      "Internal");
 }
 
 TEST(ConvertToHost, NamesTheColumnThatHasNoHostForm) {

@@ -80,10 +80,9 @@ TEST(EncodeFailures, RefusalsLeaveNothingBehind) {
   const hxArray* const data = hxGetField(value.get(), 0, "Data");
   hxSetField(const_cast<hxArray*>(data), 1, "StartOffsets", Column<std::int32_t>({0, 9}));
   const size_t before = host::memory::LiveArrays();
-  EXPECT_EQ(
-      make_readable(value.get()).status().ToString(),
-      "Invalid: .Data(1).StartOffsets: found 9 at 1, expected offsets that never fall, within "
-      "1 values.");
+  EXPECT_EQ(make_readable(value.get()).status().ToString(),
+            "Invalid: .Data(1).StartOffsets: found offset 9 at index 1, expected offsets from 0 to "
+            "1 that never decrease.");
   EXPECT_EQ(host::memory::LiveArrays(), before);
 }
 

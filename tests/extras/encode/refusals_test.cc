@@ -102,9 +102,10 @@ TEST(EncodeRefusals, EnvelopesThatLackAFieldOrHaveOneOfAWrongClass) {
       {WrittenEnvelope("array", "double", Scalar(1.0), Scalar(1.0)),
        "Type error: .Valid: found a 1-by-1 double array, expected a struct array."},
       {Written("double", 1, WrittenBitmap(1, {1})),
-       "Invalid: .Type: found 'double', expected the type name of data that is a struct."},
+       "Invalid: .Type: found 'double', expected the name of a type whose 'Data' is a struct."},
       {Written("double", 9, Column<double>({1, 2, 3, 4, 5, 6, 7, 8, 9}), {1}),
-       "Invalid: .Valid.Values: found 1 bytes, expected bits for 9 elements."},
+       "Invalid: .Valid.Values: found 1 bytes, expected at least 2, one bit for each of 9 "
+       "elements."},
       {WrittenEnvelope("array", "double",
                        Struct({{"ArrowType", Char("bits")}, {"Values", Column<std::uint8_t>({})}}),
                        Scalar(1.0)),
@@ -130,19 +131,22 @@ TEST(EncodeRefusals, DataThatDoesNotFitItsType) {
   };
   const Refused rows[] = {
       {written("null", Scalar(3.0)),
-       "Type error: .Data: found a 1-by-1 double array, expected an int64 number of elements."},
+       "Type error: .Data: found a 1-by-1 double array, expected an int64 array that holds the "
+       "number of elements."},
       {written("null", Scalar<std::int64_t>(-1)),
-       "Invalid: .Data: found -1, expected a number of elements."},
+       "Invalid: .Data: found -1, expected the number of elements, 0 or more."},
       {written("null", Column<std::int64_t>({1, 2})),
        "Invalid: .Data: found 2 elements, expected one."},
       {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
                                   {"Length", Scalar(9.0)},
                                   {"ArrowType", Char("buffer")}})),
-       "Invalid: .Data.Length: found 9.000000, expected a number of bits that 'Values' has."},
+       "Invalid: .Data.Length: found 9.000000, expected a number from 0 to the number of bits in "
+       "'Values'."},
       {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
                                   {"Length", Scalar(std::numeric_limits<double>::quiet_NaN())},
                                   {"ArrowType", Char("buffer")}})),
-       "Invalid: .Data.Length: found nan, expected a number of bits that 'Values' has."},
+       "Invalid: .Data.Length: found nan, expected a number from 0 to the number of bits in "
+       "'Values'."},
       {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
                                   {"Length", Scalar(1.0)},
                                   {"ArrowType", Char("bits")}})),
@@ -162,7 +166,8 @@ TEST(EncodeRefusals, DataThatDoesNotFitItsType) {
        "milliseconds."},
       {written("datetime",
                Struct({{"Values", Scalar<std::int64_t>(1)}, {"DateType", Char("Timestamp")}})),
-       "Invalid: .Data.DateType: found 'Timestamp', expected 'Date', or 'Units' beside it."},
+       "Invalid: .Data.DateType: found 'Timestamp', expected 'Date', or a field 'Units' in the "
+       "same struct."},
       {categorical(Strings({u"a"}), Scalar(0.0), Logical({false})),
        "Type error: .Data.Values: found a 1-by-1 double array, expected codes of an integer "
        "class."},

@@ -32,14 +32,14 @@ TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
   };
   const Refused rows[] = {
       {lists(Numbers(1, {1}), Column<std::int32_t>({0, 2})),
-       "Invalid: .Data.StartOffsets: found 2 at 1, expected offsets that never fall, within 1 "
-       "values."},
+       "Invalid: .Data.StartOffsets: found offset 2 at index 1, expected offsets from 0 to 1 that "
+       "never decrease."},
       {lists(Numbers(1, {1}), Column<std::int32_t>({-1, 1})),
-       "Invalid: .Data.StartOffsets: found -1 at 0, expected offsets that never fall, within 1 "
-       "values."},
+       "Invalid: .Data.StartOffsets: found offset -1 at index 0, expected offsets from 0 to 1 that "
+       "never decrease."},
       {lists(Numbers(2, {1, 2}), Column<std::int64_t>({0, 2, 1})),
-       "Invalid: .Data.StartOffsets: found 1 at 2, expected offsets that never fall, within 2 "
-       "values."},
+       "Invalid: .Data.StartOffsets: found offset 1 at index 2, expected offsets from 0 to 2 that "
+       "never decrease."},
       {lists(Numbers(1, {1}), Column<std::int32_t>({})),
        "Invalid: .Data.StartOffsets: found no elements, expected one more than there are lists."},
       {lists(Numbers(1, {1}), Column<double>({0, 1})),
@@ -48,8 +48,8 @@ TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
       {lists(Scalar(1.0), Column<std::int32_t>({0, 1})),
        "Type error: .Data.Values: found a 1-by-1 double array, expected an encoded array."},
       {lists(lists(Numbers(1, {1}), Column<std::int32_t>({0, 5})), Column<std::int32_t>({0, 1})),
-       "Invalid: .Data.Values.Data.StartOffsets: found 5 at 1, expected offsets that never fall, "
-       "within 1 values."},
+       "Invalid: .Data.Values.Data.StartOffsets: found offset 5 at index 1, expected offsets from "
+       "0 to 1 that never decrease."},
       {WrittenEnvelope("list_array", "list_array", WrittenValidity(1), Scalar(1.0)),
        "Type error: .Data: found a 1-by-1 double array, expected a struct array."},
       {structs(Cell({Char("a")}), Cell({})),
@@ -57,7 +57,7 @@ TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
       {structs(Cell({Char("a")}), Cell({Numbers(1, {1}), Numbers(1, {1})})),
        "Invalid: .Data.FieldName: found 1 names, expected 2, one for each field."},
       {structs(Cell({Char("a"), Char("b")}), Cell({Numbers(1, {1}), Numbers(2, {1, 2})})),
-       "Invalid: .Data.FieldData{1}: found 2 elements, expected 1 as in the first field."},
+       "Invalid: .Data.FieldData{1}: found 2 elements, expected 1, as in the first field."},
       {structs(Cell({Scalar(1.0)}), Cell({Numbers(1, {1})})),
        "Type error: .Data.FieldName{0}: found a 1-by-1 double array, expected a char array."},
       {structs(Cell({Char("a")}), Cell({Empty()})),
@@ -66,7 +66,7 @@ TEST(EncodeRefusals, NestedValuesThatDoNotFit) {
        "Type error: .Data.FieldData{0}: found a complex 1-by-1 double array, expected an encoded "
        "array."},
       {maps(Numbers(1, {1}), Numbers(2, {1, 2})),
-       "Invalid: .Data.Values: found 2 elements, expected 1 as there are keys."},
+       "Invalid: .Data.Values: found 2 elements, expected 1, one for each key."},
   };
   for (const Refused& row : rows) EXPECT_EQ(refusal(row.value), row.text);
 }
@@ -76,8 +76,10 @@ TEST(EncodeRefusals, NestedValuesWithoutChunks) {
     const hxArrayPtr value =
         WrittenEnvelope(kind, kind, StructArray({0, 1}, {"Values", "Length", "ArrowType"}, {}),
                         StructArray({0, 1}, {"Values", "StartOffsets"}, {}));
-    EXPECT_EQ(refusal(value),
-              "Invalid: .Data: found no chunk, so that no type is known, expected one.");
+    EXPECT_EQ(
+        refusal(value),
+        "Invalid: .Data: found no chunks, expected at least one: without a chunk the type is not "
+        "known.");
   }
 }
 

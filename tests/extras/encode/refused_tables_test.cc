@@ -70,7 +70,7 @@ TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
        "b"},
       {table_of(names_a_and_b(), columns_with(Column<double>({1, 2}))),
        ::arrow::Status::Invalid(
-           ".Columns(1): found 2 elements, expected 1 as in the first column."),
+           ".Columns(1): found 2 elements, expected 1, as in the first column."),
        "b"},
       {table_of(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
        ::arrow::Status::TypeError(".Names{1}: found a 1-by-1 double array, expected a char array."),

@@ -101,7 +101,8 @@ TEST(IntakeColumns, RefuseMapsThatNeedLargeOffsets) {
   const TypePtr map = ::arrow::map(int8(), int8());
   const auto maps = coded("[0, 0, 0]", map, "[[[1, 2], [3, 4]]]");
   EXPECT_EQ(take_in_narrowly(maps->type(), {maps}).status(),
-            ::arrow::Status::Invalid("Map: found 6 entries, expected at most 4."));
+            ::arrow::Status::Invalid(
+                "Map: found 6 entries, expected at most 4, because maps have 32-bit offsets."));
 }
 
 TEST(IntakeColumns, HaveOneTypeAndReportEachCastOnce) {

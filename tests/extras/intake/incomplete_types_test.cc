@@ -42,7 +42,8 @@ struct Row {
 };
 
 std::string lacks(const std::string& path, const std::string& name) {
-  return path + "found type " + name + " with a null pointer in place of a type, expected a type.";
+  return path + "found type " + name +
+         " with a null pointer instead of an inner type, expected a complete type.";
 }
 
 std::vector<Row> rows() {

@@ -112,7 +112,7 @@ TEST(IntakeRefusals, MeetListsOfFixedSizeThatLieBehindTheirElements) {
   const auto lists = ArrowArray(::arrow::fixed_size_list(int32(), 2), "[[1, 2]]")->data()->Copy();
   lists->offset = 5;
   const Status expected =
-      Status::Invalid("Array: found 2 elements, expected 2 for each of 6 lists.");
+      Status::Invalid("Array: found 2 elements for 6 lists, expected 2 elements for each list.");
   EXPECT_EQ(take_in(::arrow::MakeArray(lists), {.cast = true}).status(), expected);
 
   const auto fields = ArrayData::Make(::arrow::struct_({field("a", lists->type)}), 1, {nullptr});
@@ -136,17 +136,18 @@ TEST(IntakeRefusals, MeetMoreElementsOfListViewsThanCanBeCounted) {
   data->buffers.push_back(ExactBuffer(std::vector<std::int64_t>{0, 0}));
   data->buffers.push_back(ExactBuffer(std::vector<std::int64_t>{kMany, kMany}));
   data->child_data = {ArrayData::Make(::arrow::struct_({}), kMany, {nullptr}, 0)};
-  EXPECT_EQ(take_in(::arrow::MakeArray(data), {.cast = true}).status(),
-            Status::CapacityError("List views: found more elements than can be counted."));
+  EXPECT_EQ(
+      take_in(::arrow::MakeArray(data), {.cast = true}).status(),
+      Status::CapacityError("List views: found more elements in total than 64 bits can count."));
 }
 
 TEST(IntakeRefusals, MeetArraysNestedDeeperThanTheirTypes) {
   auto data = ArrowArray(int8(), "[1]")->data();
   const auto type = ::arrow::struct_({field("a", int8())});
   for (int i = 0; i < 5'000; ++i) data = ArrayData::Make(type, 1, {nullptr}, {data}, 0);
-  EXPECT_EQ(take_in(::arrow::MakeArray(data)).status(),
-            Status::Invalid("Arrays: found more than 4096 in one another, expected no more than "
-                            "that."));
+  EXPECT_EQ(
+      take_in(::arrow::MakeArray(data)).status(),
+      Status::Invalid("Arrays: found more than 4096 levels of nesting, expected at most 4096."));
 }
 
 }  // namespace

@@ -121,8 +121,9 @@ TEST(IntakeRefusals, MeetTablesThatAreNotWhatTheirSchemaSays) {
   EXPECT_EQ(
       take_in(::arrow::Table::Make(schema, {column}, 1)).status(),
       Status::Invalid("Table: found 1 columns, expected 2, one for each field of the schema."));
-  EXPECT_EQ(take_in(::arrow::Table::Make(schema, {column, column}, 2)).status().WithDetail(nullptr),
-            Status::Invalid("Column: found 1 elements, expected 2, the rows of the table."));
+  EXPECT_EQ(
+      take_in(::arrow::Table::Make(schema, {column, column}, 2)).status().WithDetail(nullptr),
+      Status::Invalid("Column: found 1 elements, expected 2, the number of rows of the table."));
 }
 
 TEST(IntakeRefusals, CarryTheColumnOfATable) {
@@ -163,9 +164,8 @@ TypePtr nested(int levels, TypePtr type) {
 TEST(IntakeRefusals, BeginWhereNestingExceedsItsLimit) {
   EXPECT_EQ(refusal(nested(kMaxNestingLevels, int8()), false), Status::OK());
   const Status deeper = refusal(nested(kMaxNestingLevels + 1, int8()), false);
-  EXPECT_EQ(deeper,
-            Status::Invalid("Types: found more than 1024 in one another, expected no more than "
-                            "that."));
+  EXPECT_EQ(deeper, Status::Invalid(
+                        "Types: found more than 1024 levels of nesting, expected at most 1024."));
   EXPECT_EQ(refusal(nested(20'000, int8()), true).code(), StatusCode::Invalid);
   TypePtr dictionaries = utf8();
   for (int i = 0; i < 20'000; ++i) dictionaries = ::arrow::dictionary(int8(), dictionaries);
