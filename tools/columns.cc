@@ -15,7 +15,8 @@ namespace numera::tools {
     const auto found = schema.GetAllFieldIndices(name);
     if (found.empty()) return ::arrow::Status::Invalid("there is no column '", name, "'");
     if (found.size() > 1) {
-      return ::arrow::Status::Invalid("there are ", found.size(), " columns '", name, "'");
+      return ::arrow::Status::Invalid(found.size(), " columns have the name '", name,
+                                      "', so --columns cannot select it");
     }
     if (std::ranges::find(numbers, found.front()) != numbers.end()) {
       return ::arrow::Status::Invalid("column '", name, "' is asked for twice");

@@ -65,7 +65,7 @@ class Conversion {
         columns_, [](const WayBack& column) { return !column.failure.empty(); });
     if (failed > 0) {
       return ::arrow::Status::Invalid(failed, " of ", columns_.size(),
-                                      " columns did not return as they went");
+                                      " columns were refused or came back different");
     }
     return options_.strict ? check_types() : ::arrow::Status::OK();
   }

@@ -42,7 +42,8 @@ class CsvRows {
       status = make_reader();
     }
     if (status.IsInvalid() && status.message().find("Empty CSV file") != std::string::npos) {
-      return ::arrow::Status::Invalid("as a CSV it has no heading: not one line that has an end");
+      return ::arrow::Status::Invalid(
+          "read as CSV, it has no heading: no line with text ends with a line break");
     }
     ARROW_RETURN_NOT_OK(status);
     schema_ = reader_->schema();
@@ -94,8 +95,9 @@ class CsvRows {
   /// Invalid if the block already is as long as the file or as the largest block.
   ::arrow::Status enlarge_block() {
     if (block_ >= std::min<std::int64_t>(kLargestBlock, size_)) {
-      return ::arrow::Status::Invalid("a row behind the first ", given_rows_,
-                                      " is longer than 64 MiB, or a quote in it has no end");
+      return ::arrow::Status::Invalid("a row after the first ", given_rows_,
+                                      " rows is longer than 64 MiB, or a quotation mark in it is "
+                                      "not closed");
     }
     block_ = static_cast<std::int32_t>(std::min(std::int64_t{block_} * kGrowth, size_));
     return ::arrow::Status::OK();
@@ -107,8 +109,8 @@ class CsvRows {
     ARROW_RETURN_NOT_OK(make_reader());
     if (!reader_->schema()->Equals(*schema_)) {  // the types are set by column name
       return ::arrow::Status::Invalid(
-          "a row behind the first ", given_rows_,
-          " is longer than 1 MiB, and columns of one name differ in type");
+          "a row after the first ", given_rows_,
+          " rows is longer than 1 MiB, and columns with the same name have different types");
     }
     known_rows_ = given_rows_;
     return ::arrow::Status::OK();

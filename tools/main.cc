@@ -50,8 +50,8 @@ void add_input(CLI::App* command, ConvertOptions& options) {
 Commands add_commands(CLI::App& program, Arguments& arguments) {
   ConvertOptions& options = arguments.convert;
   Commands commands{};
-  commands.types =
-      program.add_subcommand("types", "List the columns, their types and what they become");
+  commands.types = program.add_subcommand(
+      "types", "List the columns, their Arrow types and their types in the host");
   commands.types->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
 
   commands.show = program.add_subcommand("show", "Print the first rows as encoded host values");
@@ -61,7 +61,7 @@ Commands add_commands(CLI::App& program, Arguments& arguments) {
   commands.show->add_flag("--cast", arguments.show.cast, "Cast types that have no host form");
 
   commands.convert = program.add_subcommand(
-      "convert", "Convert every column to the host and back, and report what became of it");
+      "convert", "Convert every column to the host and back, and compare it with the input");
   add_input(commands.convert, options);
   commands.convert->add_flag("--cast", options.cast, "Cast types that have no host form");
   commands.convert

@@ -97,8 +97,8 @@ class RowGroups {
   }
 
   ::arrow::Status miscounted(std::int64_t count, const char* what) const {
-    return ::arrow::Status::Invalid("found ", count, " ", what, ", expected the ",
-                                    group_->num_rows(), " of the footer");
+    return ::arrow::Status::Invalid("found ", count, " ", what, ", expected ", group_->num_rows(),
+                                    ", as the footer states");
   }
 
   ::arrow::Status in_column(const Column& column, const ::arrow::Status& failure) const {
@@ -122,8 +122,8 @@ class RowGroups {
   }
   const auto rows = static_cast<std::int64_t>(sum);
   if (rows == footer.num_rows()) return ::arrow::Status::OK();
-  return ::arrow::Status::Invalid("found ", rows, " rows in the row groups, expected the ",
-                                  footer.num_rows(), " of the footer");
+  return ::arrow::Status::Invalid("found ", rows, " rows in the row groups, expected ",
+                                  footer.num_rows(), ", as the footer states");
 }
 
 /// Verifies the checksums of pages that have them.

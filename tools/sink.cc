@@ -90,7 +90,7 @@ Sink::~Sink() {
   struct stat source = {};
   if (::stat(input.c_str(), &source) == 0 && source.st_dev == target.st_dev &&
       source.st_ino == target.st_ino) {
-    return ::arrow::Status::Invalid("it is the file that is read");
+    return ::arrow::Status::Invalid("it is the input file");
   }
   if (!S_ISREG(target.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
   return ::access(path_.c_str(), W_OK) == 0 ? ::arrow::Status::OK() : last_error();

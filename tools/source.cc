@@ -53,8 +53,7 @@ bool looks_like_csv(std::string_view start, bool whole) {
   ARROW_ASSIGN_OR_RAISE(const bool is_old, is_old_ipc_stream(file));
   if (is_old) return open_ipc_stream;
   if (looks_like_csv(bytes, size <= kLookedAt)) return open_csv;
-  return ::arrow::Status::Invalid(
-      "it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no CSV");
+  return ::arrow::Status::Invalid("it is not a Parquet, Arrow IPC or CSV file");
 }
 
 /// Checks before the file is opened, because opening a pipe waits for a writer.

@@ -196,7 +196,7 @@ TEST_F(BadFiles, AStreamFromBeforeArrow015ThatIsTruncatedIsRefused) {
       {whole - 1, "Corrupted message, only 3 bytes available"},
       {whole - 5, "Expected to be able to read 8000 bytes for message body, got 7999"},
       {whole / 2, "Expected to be able to read 8000 bytes for message body"},
-      {64, "it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no CSV"}};
+      {64, "it is not a Parquet, Arrow IPC or CSV file"}};
   for (const auto& [size, reason] : cases) {
     SCOPED_TRACE(size);
     std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
@@ -214,7 +214,8 @@ TEST_F(BadFiles, ACsvWithoutAWholeLineHasNoHeading) {
   const std::string file = folder_.path("line.csv");
   for (const char* text : {"\n", "\n\n", "a,b", "\"", "\xEF\xBB\xBF"}) {
     write_text(file, text);
-    expect_refusal(file, "as a CSV it has no heading: not one line that has an end");
+    expect_refusal(file,
+                   "read as CSV, it has no heading: no line with text ends with a line break");
   }
 }
 

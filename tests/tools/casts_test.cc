@@ -106,7 +106,7 @@ TEST_F(Casts, AreRefusedWhereTheyAreNotAskedFor) {
     EXPECT_THAT(table_rows(run.out), ::testing::StartsWith("c | " + test.type + " | - | "));
     EXPECT_THAT(table_rows(run.out), ::testing::HasSubstr("casts were not asked for"));
     EXPECT_EQ(run.errors,
-              "numera-arrow: " + file_ + ": 1 of 1 columns did not return as they went\n");
+              "numera-arrow: " + file_ + ": 1 of 1 columns were refused or came back different\n");
   }
 }
 
@@ -123,7 +123,7 @@ TEST_F(Casts, LeaveOtherColumnsOnTheirWay) {
       "form; casts were not asked for.\n"
       "t | string | string | string | 1 | 1 | 0 | equal as large_string\n");
   EXPECT_EQ(run.errors,
-            "numera-arrow: " + file_ + ": 1 of 3 columns did not return as they went\n");
+            "numera-arrow: " + file_ + ": 1 of 3 columns were refused or came back different\n");
 }
 
 TEST_F(Casts, HaveNoRuleForUnions) {

@@ -86,8 +86,9 @@ TEST_F(LongRows, AreRefusedWhereTypesOfOneNameDiffer) {
   write_text(file_, file + "1," + std::string(3 * kBlock, 'x') + "\n");
   const Outcome run = run_program({"types", file_});
   EXPECT_EQ(run.exit_status, 1);
-  EXPECT_NE(run.errors.find("is longer than 1 MiB, and columns of one name differ in type"),
-            std::string::npos)
+  EXPECT_NE(
+      run.errors.find("is longer than 1 MiB, and columns with the same name have different types"),
+      std::string::npos)
       << run.errors;
 }
 
@@ -96,8 +97,8 @@ TEST_F(LongRows, HaveAnEnd) {
   write_text(file_, "n,t\n1,a\n2,\"" + std::string(140 * kBlock, 'x') + "\"\n");
   const Outcome expected{1, "",
                          "numera-arrow: " + file_ +
-                             ": a row behind the first 1 is longer than 64 MiB, or a quote in it "
-                             "has no end\n"};
+                             ": a row after the first 1 rows is longer than 64 MiB, or a quotation "
+                             "mark in it is not closed\n"};
   EXPECT_EQ(run_program({"types", file_}), expected);
 }
 

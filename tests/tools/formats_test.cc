@@ -132,10 +132,8 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
   for (const auto& [what, text] : cases) {
     SCOPED_TRACE(what);
     write_text(file_, text);
-    const Outcome expected{1, "",
-                           "numera-arrow: " + file_ +
-                               ": it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no "
-                               "CSV\n"};
+    const Outcome expected{
+        1, "", "numera-arrow: " + file_ + ": it is not a Parquet, Arrow IPC or CSV file\n"};
     for (const char* command : {"types", "show", "convert"}) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
@@ -148,10 +146,8 @@ TEST_F(Formats, AStreamFromBeforeArrow015OpensWithItsSchema) {
   std::int32_t length = 0;  // of the schema, which follows it
   std::memcpy(&length, content.data(), sizeof length);
   write_text(file_, content.substr(sizeof length + static_cast<size_t>(length)));
-  const Outcome expected{1, "",
-                         "numera-arrow: " + file_ +
-                             ": it is no Parquet, no Arrow IPC file, no Arrow IPC stream and no "
-                             "CSV\n"};
+  const Outcome expected{
+      1, "", "numera-arrow: " + file_ + ": it is not a Parquet, Arrow IPC or CSV file\n"};
   EXPECT_EQ(run_program({"types", file_}), expected);
 }
 

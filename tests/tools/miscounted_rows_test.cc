@@ -94,9 +94,9 @@ class MiscountedRows : public ::testing::Test {
 
 TEST_F(MiscountedRows, AColumnWithFewerRowsThanTheFooterIsNamed) {
   const std::tuple<size_t, const char*, const char*> cases[] = {
-      {0, "n", "found 400 rows, expected the 1000 of the footer"},
-      {1, "l", "found 400 rows, expected the 1000 of the footer"},
-      {2, "s", "found 400 rows, expected the 1000 of the footer"},
+      {0, "n", "found 400 rows, expected 1000, as the footer states"},
+      {1, "l", "found 400 rows, expected 1000, as the footer states"},
+      {2, "s", "found 400 rows, expected 1000, as the footer states"},
       {3, "s",
        "Struct child array #1 has length smaller than expected for struct array (400 < 1000)"}};
   for (const auto& [page, column, found] : cases) {
@@ -114,7 +114,7 @@ TEST_F(MiscountedRows, ColumnsThatAllHaveFewerRowsAreRefusedAndNothingIsWritten)
   write();
   for (const size_t page : {3U, 2U, 1U, 0U}) recount_page(file_, page, 400);
   expect_refused({"convert", file_, "--cast", "--output", folder_.path("back.arrow")},
-                 "row group 0, column 'n': found 400 rows, expected the 1000 of the footer");
+                 "row group 0, column 'n': found 400 rows, expected 1000, as the footer states");
   EXPECT_THAT(folder_.names(), ElementsAre("rows.parquet"));
 }
 
@@ -122,14 +122,14 @@ TEST_F(MiscountedRows, AColumnThatEndsWithABatchIsNamed) {
   write();
   recount_page(file_, 1, 400);
   expect_refused({"convert", file_, "--batch-rows", "200"},
-                 "row group 0, column 'l': found 400 rows, expected the 1000 of the footer");
+                 "row group 0, column 'l': found 400 rows, expected 1000, as the footer states");
 }
 
 TEST_F(MiscountedRows, TheRowGroupIsNamed) {
   write(2 * kRows);
   recount_page(file_, 4, 400);
   expect_refused({"convert", file_},
-                 "row group 1, column 'n': found 400 rows, expected the 1000 of the footer");
+                 "row group 1, column 'n': found 400 rows, expected 1000, as the footer states");
 }
 
 TEST_F(MiscountedRows, ColumnsThatAreNotAskedForAreNotRead) {
@@ -145,7 +145,7 @@ TEST_F(MiscountedRows, AColumnOfMoreValuesThanRowsIsNamed) {
   write();
   recount_footer(file_, kValuesOfN, 1400);
   expect_refused({"convert", file_},
-                 "row group 0, column 'n': found 1400 values, expected the 1000 of the footer");
+                 "row group 0, column 'n': found 1400 values, expected 1000, as the footer states");
 }
 
 TEST_F(MiscountedRows, ListsMayHaveMoreValuesThanRows) {
@@ -159,8 +159,8 @@ TEST_F(MiscountedRows, RowGroupsThatHaveOtherRowsThanTheFileAreRefused) {
   for (const std::uint32_t rows : {400U, 1400U}) {
     write();
     recount_footer(file_, kRowsOfFile, rows);
-    expect_refused({"convert", file_}, "found 1000 rows in the row groups, expected the " +
-                                           std::to_string(rows) + " of the footer");
+    expect_refused({"convert", file_}, "found 1000 rows in the row groups, expected " +
+                                           std::to_string(rows) + ", as the footer states");
   }
 }
 
