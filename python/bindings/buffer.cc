@@ -45,12 +45,15 @@ bool is_row_major_too(std::span<const size_t> dims) {
 }
 
 const char* refusal(const HostValue& value, const char* format, int flags) {
-  if (format == nullptr) return "HostArray: its elements are no numbers, truth values or text.";
+  if (format == nullptr) {
+    return "HostArray: found elements without a buffer format, expected a numeric, logical or char "
+           "array that NumPy can represent.";
+  }
   if (wants(flags, PyBUF_WRITABLE) && !value.writable)
-    return "HostArray: found a request to write, expected one to read.";
+    return "HostArray: found a request for writable memory, expected one for read-only memory.";
   const bool row_major = wants(flags, PyBUF_C_CONTIGUOUS) || !wants(flags, PyBUF_STRIDES);
   if (row_major && !is_row_major_too(hxGetDimensions(value.get()))) {
-    return "HostArray: found a request for row-major memory, expected one for column-major.";
+    return "HostArray: found a request for row-major memory, expected one for column-major memory.";
   }
   return nullptr;
 }

@@ -25,7 +25,8 @@ using Dimensions = std::vector<size_t>;
 Dimensions dimensions(const nb::tuple& shape) {
   Dimensions dims;
   for (const nb::handle extent : shape) dims.push_back(nb::cast<size_t>(extent));
-  if (dims.size() < 2) throw std::invalid_argument("Shape: found fewer than two dimensions.");
+  if (dims.size() < 2)
+    throw std::invalid_argument("Shape: found fewer than two dimensions, expected two or more.");
   return dims;
 }
 
@@ -59,7 +60,8 @@ HostValue new_char(const nb::bytes& units, const nb::tuple& shape) {
     if (__builtin_mul_overflow(count, extent, &count)) throw std::bad_alloc();
   }
   if (units.size() % 2 != 0 || units.size() / 2 != count) {
-    throw std::invalid_argument("Shape: found another number of elements than the text has.");
+    throw std::invalid_argument("Shape: found " + std::to_string(count) +
+                                " elements, expected one for each code unit of the text.");
   }
   std::u16string text(count, u'\0');
   if (count > 0) std::memcpy(text.data(), units.c_str(), units.size());

@@ -72,8 +72,8 @@ An encoded table becomes a pyarrow.Table, the envelope of a buffer becomes a pya
 any other encoded value becomes a pyarrow.Array. The result shares the memory of the host value, at
 the same addresses. Each buffer of the result keeps the host value alive.
 
-`to_arrow` reads the results of `make_readable`. It reads a result of `to_host` directly only if
-both forms are the same, for example for numbers. For text, dates, bytes and nested values, call
+`to_arrow` reads the results of `make_readable`. It can also read results of `to_host` for types
+that need no change, for example numbers. For text, dates, bytes and nested values, call
 `make_readable` first.
 
 validate=True checks the result completely before it is returned. validate=False does not check

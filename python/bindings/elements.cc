@@ -42,7 +42,7 @@ nb::object get_element(const HostValue& value, Py_ssize_t position) {
   if (!form) {
     throw nb::type_error(
         "HostArray: found complex integers or a sparse array, expected elements "
-        "that Python has a form for.");
+        "that Python can represent.");
   }
   return form->read(hxGetData(array), index);
 }

@@ -66,8 +66,8 @@ nb::object get_field(const HostValue& value, const nb::str& name) {
     }
     if (hxGetNumberOfElements(value.get()) > 1) {
       throw std::invalid_argument(
-          "HostArray: found a struct array of several elements, expected one element to take a "
-          "field of.");
+          "HostArray: found a struct array of several elements, expected a struct with one "
+          "element, such as value[0].");
     }
   }
   const std::string spelled = host_name(name).value_or("");

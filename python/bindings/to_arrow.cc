@@ -26,12 +26,11 @@ namespace py = ::arrow::py;
 using io::arrow::core::util::TableErrorStatusDetail;
 
 constexpr const char* kEncodeNote =
-    "numera.to_arrow reads encoded values; numera.make_readable(value) makes one of an ordinary "
-    "value and "
-    "of what numera.to_host gave.";
+    "numera.to_arrow reads encoded values in readable form; numera.make_readable(value) converts "
+    "ordinary values and results of numera.to_host to this form.";
 
 constexpr const char* kRefusedColumnNote =
-    "change what stands at that place to what was expected there, or leave the column out of the "
+    "change the value at that place to what was expected there, or leave the column out of the "
     "table.";
 
 /// The text of a field of element `index`; empty if it cannot be read.
@@ -71,7 +70,7 @@ std::string failed_column(const HostValue& host, const ::arrow::Status& status) 
   ::arrow::Status status = column.ValidateFull();
   if (status.ok() && column.length() != table.num_rows()) {
     status = ::arrow::Status::Invalid("Column: found ", column.length(), " elements, expected ",
-                                      table.num_rows(), " like the first one.");
+                                      table.num_rows(), ", as in the first column.");
   }
   if (status.ok()) return status;
   return io::arrow::core::util::in_column(status, table.field(index)->name(), index);

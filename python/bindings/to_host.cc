@@ -30,7 +30,9 @@ namespace core = io::arrow::core;
 namespace py = ::arrow::py;
 
 constexpr const char* kCastNote =
-    "numera.to_host(x, cast=True) casts what has no host form, as far as there is a rule for it.";
+    "numera.to_host(x, cast=True) casts values that have no host form, if there is a rule for "
+    "their "
+    "type.";
 
 /// Options for objects of other libraries. Their views are always cast, because some of these
 /// libraries have no plain text. Views in pyarrow objects were chosen by the user.
@@ -96,7 +98,8 @@ HostValue from_stream(nb::handle capsule, bool cast) {
 
 HostValue from_array(const nb::object& capsules, bool cast) {
   if (!nb::isinstance<nb::tuple>(capsules) || nb::len(capsules) != 2) {
-    throw nb::type_error("__arrow_c_array__: found something else than a pair of capsules.");
+    throw nb::type_error(
+        "__arrow_c_array__: found a result of another form, expected a pair of capsules.");
   }
   auto* schema = content<ArrowSchema>(nb::object(capsules[0]), "arrow_schema");
   auto* array = content<ArrowArray>(nb::object(capsules[1]), "arrow_array");
@@ -111,10 +114,10 @@ HostValue from_bytes(nb::handle object) {
   const std::unique_ptr<Py_buffer, void (*)(Py_buffer*)> release(&view, PyBuffer_Release);
   const std::string format = view.format == nullptr ? "B" : view.format;
   if (view.ndim > 1 || (format != "B" && format != "b" && format != "c")) {
-    throw nb::type_error(("Buffer: found " + std::to_string(view.ndim) + " dimensions of format '" +
-                          format +
-                          "', expected one of bytes; numera.host.numeric takes arrays of NumPy.")
-                             .c_str());
+    throw nb::type_error(
+        ("Buffer: found " + std::to_string(view.ndim) + " dimensions of format '" + format +
+         "', expected one dimension of bytes; numera.host.numeric takes NumPy arrays.")
+            .c_str());
   }
   ::arrow::Result<hxArrayPtr> result = [&] {
     const Unlocked unlocked;

@@ -129,7 +129,7 @@ def test_cells_have_a_shape_in_storage_order():
     with pytest.raises(ValueError, match="^Shape: found 4 elements, expected 3, one for each value.$"):
         host.cell([1, 2, 3], (2, 2))
     for shape in [(1,), (-1, 1), (), (2**64, 1)]:
-        with pytest.raises(ValueError, match="^shape: found .*, expected two extents or more"):
+        with pytest.raises(ValueError, match="^shape: found .*, expected two or more dimensions"):
             host.cell([1], shape)
     for shape in [(1.5, 1), ("1", "1"), 5]:
         with pytest.raises(TypeError):
@@ -167,12 +167,12 @@ def test_elements_without_the_same_fields_are_refused(elements, error):
 
 
 @pytest.mark.parametrize("make, value, message", [
-    (host.char, b"a", "char: found bytes, expected a text or texts."),
-    (host.char, 5, "char: found int, expected a text or texts."),
+    (host.char, b"a", "char: found bytes, expected a text or an iterable of texts."),
+    (host.char, 5, "char: found int, expected a text or an iterable of texts."),
     (host.string, 5, "string: found int, expected a text, None or an iterable of them."),
-    (host.cell, 5, "cell: found int, expected values."),
-    (host.struct, 5, "struct: found int, expected a mapping or mappings."),
-    (host.struct, [{"a": 1}, 5], "struct: found int at 1, expected a mapping or mappings."),
+    (host.cell, 5, "cell: found int, expected an iterable of values."),
+    (host.struct, 5, "struct: found int, expected a mapping or an iterable of mappings."),
+    (host.struct, [{"a": 1}, 5], "struct: found int at index 1, expected a mapping."),
 ])
 def test_what_is_no_value_of_a_builder_is_refused_by_its_type(make, value, message):
     with pytest.raises(TypeError) as caught:

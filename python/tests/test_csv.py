@@ -109,7 +109,7 @@ def test_rows_of_a_csv_that_are_too_long_are_refused(tmp_path, small_blocks):
         with pytest.raises(pa.ArrowInvalid) as caught:
             call(path)
         assert str(caught.value) == (
-            "CSV: found a row of more than 16,384 bytes, expected no longer one.")
+            "CSV: found a row of more than 16,384 bytes, expected a shorter row.")
 
 
 def test_where_columns_share_a_name_scans_have_blocks_of_one_length(tmp_path, small_blocks):

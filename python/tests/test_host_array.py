@@ -141,7 +141,7 @@ def test_numpy_views_of_text_are_code_units():
 
 @pytest.mark.parametrize("value", [CELL, STRUCT, host.string("a")], ids=lambda x: x.class_name)
 def test_numpy_refuses_what_has_no_block_of_elements(value):
-    with pytest.raises(TypeError, match="^HostArray: found .*, expected numbers, logical values or"):
+    with pytest.raises(TypeError, match="^HostArray: found .*, expected a numeric, logical or"):
         value.numpy()
 
 

@@ -60,7 +60,7 @@ def test_a_column_with_fewer_rows_than_the_footer_is_named(tmp_path, call, page,
     path = written(tmp_path)
     recount(path, "page", page, 400)
     expected = (f"{str(path)!r}, row group 0, column {name!r}: found 400 rows, "
-                "expected the 1000 of the footer.")
+                "expected 1000, as the footer states.")
     assert refusal(call, path) == expected
     assert refusal(call, path, [name]) == expected
 
@@ -80,7 +80,7 @@ def test_columns_that_all_have_fewer_rows_than_the_footer_are_refused(tmp_path, 
     for page in (3, 2, 1, 0):
         recount(path, "page", page, 400)
     assert refusal(call, path) == (f"{str(path)!r}, row group 0, column 'n': found 400 rows, "
-                                   "expected the 1000 of the footer.")
+                                   "expected 1000, as the footer states.")
 
 
 @CALLS
@@ -88,7 +88,7 @@ def test_the_row_group_is_named(tmp_path, call):
     path = written(tmp_path, 2 * ROWS)
     recount(path, "page", 4, 400)
     assert refusal(call, path) == (f"{str(path)!r}, row group 1, column 'n': found 400 rows, "
-                                   "expected the 1000 of the footer.")
+                                   "expected 1000, as the footer states.")
 
 
 @CALLS
@@ -96,7 +96,7 @@ def test_a_column_of_more_values_than_rows_is_named(tmp_path, call):
     path = written(tmp_path)
     recount(path, "footer", VALUES_OF_N, 1400)
     expected = (f"{str(path)!r}, row group 0, column 'n': found 1400 values, "
-                "expected the 1000 of the footer.")
+                "expected 1000, as the footer states.")
     assert refusal(call, path) == expected
     assert refusal(call, path, ["n"]) == expected
 
@@ -115,7 +115,7 @@ def test_row_groups_that_have_other_rows_than_the_file_are_refused(tmp_path, cal
     path = written(tmp_path)
     recount(path, "footer", ROWS_OF_FILE, rows)
     assert refusal(call, path) == (f"{str(path)!r}: found 1000 rows in the row groups, "
-                                   f"expected the {rows} of the footer.")
+                                   f"expected {rows}, as the footer states.")
 
 
 @pytest.mark.parametrize("kind, which, count", [("page", 0, 400), ("footer", VALUES_OF_N, 1400)])

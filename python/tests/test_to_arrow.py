@@ -91,8 +91,8 @@ def test_written_text_is_refused_with_the_way_out():
         numera.to_arrow(numera.to_host(pa.array(["a"])))
     assert str(caught.value) == "Wrong field name."
     assert caught.value.__notes__ == [
-        "numera.to_arrow reads encoded values; numera.make_readable(value) makes one of an ordinary value "
-        "and of what numera.to_host gave."
+        "numera.to_arrow reads encoded values in readable form; numera.make_readable(value) converts "
+        "ordinary values and results of numera.to_host to this form."
     ]
 
 
@@ -111,8 +111,9 @@ def test_a_failing_column_is_named():
     assert (caught.value.column_name, caught.value.column_index) == ("bad", 1)
     assert caught.value.error_code is numera.TableErrorCode.Internal
     assert caught.value.__notes__ == [
-        "Column 'bad' (index 1, type 'nothing'): numera.to_arrow reads encoded values; "
-        "numera.make_readable(value) makes one of an ordinary value and of what numera.to_host gave."
+        "Column 'bad' (index 1, type 'nothing'): numera.to_arrow reads encoded values in readable "
+        "form; numera.make_readable(value) converts ordinary values and results of numera.to_host to "
+        "this form."
     ]
 
 
@@ -182,7 +183,7 @@ def test_make_readable_says_which_column_it_refuses_and_what_can_be_done(column,
                                        if error is pa.ArrowTypeError
                                        else numera.TableErrorCode.Internal)
     assert caught.value.__notes__ == [
-        f"Column 'Größe €' ({found}): change what stands at that place to what was expected there, "
+        f"Column 'Größe €' ({found}): change the value at that place to what was expected there, "
         "or leave the column out of the table."
     ]
 

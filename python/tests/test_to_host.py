@@ -123,7 +123,8 @@ def test_values_without_host_form_are_cast_on_request_alone():
         numera.to_host(table)
     assert (caught.value.column_name, caught.value.column_index) == ("d", 0)
     assert caught.value.__notes__ == [
-        "numera.to_host(x, cast=True) casts what has no host form, as far as there is a rule for it."
+        "numera.to_host(x, cast=True) casts values that have no host form, if there is a rule for "
+        "their type."
     ]
     columns = numera.to_host(table, cast=True)["Columns"]
     assert [data(column) for column in columns] == [1.0, "x"]

@@ -42,7 +42,7 @@ class _Parquet:
         found = sum(self._rows_of(group) for group in range(self._file.num_row_groups))
         if found != self.rows:
             raise pa.ArrowInvalid(f"{path!r}: found {found} rows in the row groups, "
-                                  f"expected the {self.rows} of the footer.")
+                                  f"expected {self.rows}, as the footer states.")
 
     def parts(self, names):
         return self._counted(names, lambda group: [self._file.read_row_group(group, names)])
@@ -105,7 +105,7 @@ class _Parquet:
 
     def _miscounted(self, group, count, what):
         return pa.ArrowInvalid(
-            f"found {count} {what}, expected the {self._rows_of(group)} of the footer.")
+            f"found {count} {what}, expected {self._rows_of(group)}, as the footer states.")
 
     def _in_column(self, group, name, error):
         *number, text = error.args  # an OSError has a number
@@ -198,7 +198,7 @@ def _explained(error, block_bytes):
     if not _is_too_long(error):
         return error
     return pa.ArrowInvalid(f"CSV: found a row of more than {block_bytes:,} bytes, "
-                           "expected no longer one.")
+                           "expected a shorter row.")
 
 
 def _behind(rows, batches):

@@ -10,7 +10,8 @@ def view(value):
         return numpy.asarray(memoryview(value))
     except BufferError:
         raise TypeError(
-            f"HostArray: found {_described(value)}, expected numbers, logical values or text."
+            f"HostArray: found {_described(value)}, expected a numeric, logical or char "
+            "array that NumPy can represent."
         ) from None
 
 

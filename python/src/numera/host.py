@@ -1,7 +1,8 @@
-"""Host values made from NumPy arrays and Python objects, and counters of the host.
+"""Host values made from NumPy arrays and Python objects, and counts of all host arrays.
 
-An array with one dimension becomes a column, one without dimensions a 1-by-1 value. Two or more
-dimensions stay. Everything is copied, except host values in cells and structs: these share memory.
+An array with one dimension becomes a column, one without dimensions a 1-by-1 value. An array with
+two or more dimensions keeps its shape. Everything is copied, except host values in cells and
+structs: these share memory.
 
 >>> import numpy
 >>> from numera import host
@@ -49,7 +50,7 @@ _CLASSES = {
 
 
 def numeric(values: Any) -> HostArray:
-    """A numeric array of the class for the dtype of values; bool becomes logical.
+    """A numeric array. The dtype of values determines its class; bool becomes logical.
 
     values is a NumPy array of any strides and byte order, or anything that numpy.asarray accepts.
     float64 becomes "double" and float32 "single"; integers keep their names; complex numbers become
@@ -93,12 +94,12 @@ def char(text: str | Sequence[str]) -> HostArray:
     if isinstance(text, str):
         units = _units(text)
         return _core._new_char(units, (1, len(units) // 2))
-    texts = _iterated(text, "char", "a text or texts")
+    texts = _iterated(text, "char", "a text or an iterable of texts")
     rows = [_units(_text(row, i, "char")) for i, row in enumerate(texts)]
     lengths = {len(row) // 2 for row in rows}
     if len(lengths) > 1:
         raise ValueError(f"char: found rows of {min(lengths)} and {max(lengths)} code units, "
-                         "expected one length.")
+                         "expected rows of the same length.")
     length = lengths.pop() if lengths else 0
     matrix = numpy.frombuffer(b"".join(rows), dtype="<u2").reshape(len(rows), length)
     return _char_of_units(matrix)
@@ -129,13 +130,14 @@ def cell(values: Iterable[Any], shape: Sequence[int] | None = None) -> HostArray
     """A cell array of values in storage order, as a column or with the given shape.
 
     A value is a HostArray, None (an empty slot), a str (a char row), or numbers for `numeric`.
-    Raises TypeError for other values, and ValueError if shape has another number of elements.
+    Raises TypeError for other values, and ValueError if the number of values does not fit shape.
 
     >>> from numera import host
     >>> host.cell(["a", 1.5, None]).shape, host.cell(["a", "b"], shape=(1, 2)).shape
     ((3, 1), (1, 2))
     """
-    slots = [_value(value, i) for i, value in enumerate(_iterated(values, "cell", "values"))]
+    iterated = _iterated(values, "cell", "an iterable of values")
+    slots = [_value(value, i) for i, value in enumerate(iterated)]
     return _core._new_cell(slots, _given(shape, len(slots)))
 
 
@@ -149,8 +151,8 @@ def struct(
     Field values are the same as in `cell`. All mappings have the same fields in the same order.
     `fields` names the fields if there is no element.
 
-    Raises TypeError for other values, and ValueError if the fields differ or if shape has another
-    number of elements.
+    Raises TypeError for other values, and ValueError if the fields differ or if the number of
+    elements does not fit shape.
 
     >>> from numera import host
     >>> host.struct({"Name": "x", "Sizes": [1, 2]})
@@ -160,18 +162,18 @@ def struct(
     >>> host.struct([{"A": 1}, {"A": 2}])[1]["A"]
     int64 1x1 [2]
     """
-    expected = "a mapping or mappings"
     rows = [elements]
     if not isinstance(elements, Mapping):
-        rows = list(_iterated(elements, "struct", expected))
+        rows = list(_iterated(elements, "struct", "a mapping or an iterable of mappings"))
     for i, row in enumerate(rows):
         if not isinstance(row, Mapping):
-            raise TypeError(f"struct: found {type(row).__name__} at {i}, expected {expected}.")
+            raise TypeError(f"struct: found {type(row).__name__} at index {i}, expected a mapping.")
     names = list(fields) if fields is not None else list(rows[0]) if rows else []
     slots = []
     for i, row in enumerate(rows):
         if list(row) != names:
-            raise ValueError(f"struct: found the fields {list(row)} at {i}, expected {names}.")
+            raise ValueError(f"struct: found the fields {list(row)} at index {i}, "
+                             f"expected {names}.")
         slots.extend(_value(row[name], name) for name in names)
     for name in names:
         if not isinstance(name, str):
@@ -181,7 +183,7 @@ def struct(
 
 def _array(values):
     if isinstance(values, HostArray):
-        raise TypeError("values: found a HostArray, expected an array of NumPy or a sequence.")
+        raise TypeError("values: found a HostArray, expected a NumPy array or a sequence.")
     if isinstance(values, numpy.ma.MaskedArray):
         raise ValueError("values: found a masked array, expected one without a mask.")
     return numpy.asarray(values)
@@ -216,7 +218,8 @@ def _char_of_units(units):
 
 def _text(text, i, function):
     if not isinstance(text, str):
-        raise TypeError(f"{function}: found {type(text).__name__} at {i}, expected a text.")
+        raise TypeError(f"{function}: found {type(text).__name__} at index {i}, "
+                        "expected a text.")
     return text
 
 
@@ -235,7 +238,8 @@ def _given(shape, count):
         return (count, 1)
     extents = tuple(operator.index(extent) for extent in shape)
     if len(extents) < 2 or not all(0 <= extent < 2**63 for extent in extents):
-        raise ValueError(f"shape: found {extents}, expected two extents or more, none negative.")
+        raise ValueError(f"shape: found {extents}, expected two or more dimensions, "
+                         "each from 0 to 2**63 - 1.")
     return extents
 
 

@@ -30,9 +30,10 @@ def read(
     """Reads a file and returns its encoded table, as `to_host` does.
 
     The suffix of path selects the format: ".parquet"; ".csv"; ".arrow", ".ipc", ".feather" and
-    ".arrows" for Arrow IPC files and streams, where the first bytes tell which. The types of CSV
-    columns are inferred from the whole file, by the rules of pyarrow.csv. In a CSV file with one
-    column an empty line is a null. A CSV row of more than 32 MB raises pyarrow.ArrowInvalid.
+    ".arrows" for Arrow IPC. The first bytes of an Arrow IPC file tell whether it is in the file or
+    in the stream format. The types of CSV columns are inferred from the whole file, by the rules of
+    pyarrow.csv. In a CSV file with one column an empty line is a null. A CSV row of more than 32 MB
+    raises pyarrow.ArrowInvalid.
 
     columns names the columns to read, in the order of the result; None reads all. cast is the same
     as in `to_host`. If reading takes long and stderr is a terminal, a bar shows the progress.
@@ -41,8 +42,8 @@ def read(
     - KeyError, with the names, for columns that the file does not have;
     - ValueError for a name that is listed twice or that several columns have, and for any other
       suffix;
-    - pyarrow.ArrowInvalid, a ValueError, for invalid contents, such as a Parquet column with a
-      number of rows other than the footer states;
+    - pyarrow.ArrowInvalid, which is a ValueError, for invalid contents, such as a Parquet column
+      whose number of rows differs from the footer;
     - OSError for a file that cannot be read or a Parquet page that does not match its checksum;
     - whatever `to_host` raises.
 
@@ -81,9 +82,9 @@ def scan(
     to 80 times its length in memory, because files are read ahead. At such a row the file is read
     again from the start; if two columns have the same name, the row is refused instead.
 
-    path, columns and cast are the same as in `read`, and so are the errors. A batch_rows that is no
-    integer is a TypeError; one that is not positive or exceeds 64 bits is a ValueError. Errors of
-    path, columns and batch_rows are raised at once, others when they occur.
+    path, columns and cast are the same as in `read`, and so are the errors. A batch_rows that is
+    not an integer raises TypeError; one that is not positive or is 2**63 or more raises ValueError.
+    Errors of path, columns and batch_rows are raised at once, others when they occur.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
@@ -93,7 +94,7 @@ def scan(
     """
     batch_rows = operator.index(batch_rows)
     if not 0 < batch_rows < 2**63:
-        raise ValueError(f"batch_rows: found {batch_rows}, expected a positive number of 64 bits.")
+        raise ValueError(f"batch_rows: found {batch_rows}, expected a positive number below 2**63.")
     path = os.fsdecode(path)
     source = open_source(path)
     names = _checked(columns, source.names, path)
@@ -109,11 +110,13 @@ def write(host: HostArray, path: _Path) -> None:
     one, and after any failure the old one stays. If writing takes long and stderr is a terminal, a
     bar shows the progress.
 
-    Columns have the types of `to_arrow(make_readable(host))`. CSV has no nested columns and no types: a
-    null text reads back as an empty text, and a column with nulls only reads back as type null.
+    Columns have the types of `to_arrow(make_readable(host))`. CSV has no nested columns and no
+    types: a null text reads back as an empty text, and a column that holds only nulls reads back as
+    type null.
 
     Raises:
-    - ValueError for any other suffix, before anything else, and for a path that is no regular file;
+    - ValueError for any other suffix, which is checked first, and for a path that exists but is
+      not a regular file;
     - TypeError for any other value;
     - OSError, with the path, for a file that cannot be written;
     - whatever `make_readable`, `to_arrow` and the pyarrow writers raise.
