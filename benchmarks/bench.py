@@ -100,7 +100,7 @@ def main():
     summary.write(folder / "summary.json", whole)
     if not arguments.quick:
         for line in summary.wrong_limits(whole):
-            print(f"bench: a limit is beaten; {line}")
+            print(f"bench: a conversion is faster than its limit, so the limit is wrong: {line}")
         if not arguments.no_document:
             import report  # the only part that needs matplotlib
             report.write(ROOT / "docs", whole, entries)

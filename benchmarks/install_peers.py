@@ -34,7 +34,8 @@ def install(requirement):
 def main():
     for requirement in requirements(REQUIREMENTS.read_text()):
         if not install(requirement):
-            print(f"install_peers: went on without {requirement.split()[0]}", file=sys.stderr)
+            print(f"install_peers: cannot install {requirement.split()[0]}; continuing without it",
+                  file=sys.stderr)
 
 
 if __name__ == "__main__":

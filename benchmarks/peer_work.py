@@ -27,7 +27,7 @@ def _optional(name):
     try:
         return importlib.import_module(name)
     except ImportError as error:
-        print(f"peers: {name} is not there ({error}); its figures are null", file=sys.stderr)
+        print(f"peers: {name} cannot be imported ({error}); its figures are null", file=sys.stderr)
         return None
 
 

@@ -5,38 +5,42 @@ import summary
 
 TEXT = """# Performance
 
-How close every conversion comes to what the memory allows, and how it compares with the libraries
-that people use today. `./dev bench` measures all of it, on any machine in one run, and writes this
-page; the figures in this copy are of the machine below. Ratios travel, milliseconds do not.
+How close every conversion comes to the least work that its data needs, and how it compares with
+the libraries that people use today. `./dev bench` measures all of it in one run on one machine and
+writes this page. The figures below are of the machine described below. Compare ratios between
+machines, not milliseconds.
 
 ## How to read it
 
-- **Ours** is the conversion, from the call to the destruction of its result, which is what a loop
-  over many columns pays.
-- **Limit** is the least work that brings the same bytes into memory of the same host: one copy, one
-  pass that widens or transcodes, one copy a column. It looks at nothing it need not look at and
-  makes no value that a user could read. [limits.h](../benchmarks/limits.h) lists them; none takes
-  more than a few lines. The ratio is ours over the limit: 1.00 is the least, and a ratio clearly
-  below 1 would say that the limit is wrong; the run names those.
-- **Warm copy** is `memcpy` of the input's bytes between two blocks in use: what the memory gives.
-- **Peer** is the nearest that another library offers: Arrow data to values that a user can work on
-  without Arrow, or back. Copies are compared with copies; where a peer does not copy, the table
-  says so. The ratio is the peer over ours: above 1 we are faster.
-- **Peak** is the most memory of the host that is held during the call, over what the result holds.
+- **Ours** is the time of the conversion, from the call until its result is destroyed. A loop over
+  many columns pays this time.
+- **Limit** is the time of the least work that puts the same bytes into memory of the same host: one
+  copy, one pass that widens or transcodes, or one copy per column. It reads no more of the data
+  than it must, and it makes no value that a user could read. [limits.h](../benchmarks/limits.h)
+  lists the limits; none takes more than a few lines. The ratio is ours divided by the limit: 1.00
+  is the least. A ratio clearly below 1 means that the limit is wrong; the run names such limits.
+- **Warm copy** is the time of `memcpy` for the input's bytes, between two blocks of memory that are
+  already in use. It shows how fast the memory is.
+- **Peer** is the closest equivalent in another library: from Arrow data to values that a user can
+  work on without Arrow, or back. Copies are compared with copies; if a peer does not copy, the
+  table says so. The ratio is the peer divided by ours: above 1 we are faster.
+- **Peak** is the most host memory that is held during the call, divided by what the result holds.
 
 ## How it is measured
 
-Medians of at least 7 repetitions in one run, and minimums beside them. Times are processor time of
-the process, system calls and all its threads included, so that whoever else uses the machine counts
-little; parallel conversions alone are measured by the clock. The repetitions of a row, its limit
-and the warm copy are shuffled. Rows with peers are measured in rounds: our own program, started
-anew for that row, then each peer in turn, then the next round. Every library runs on one thread, on
-data made by the same rule; texts and bytes differ from row to row, 12 bytes of ASCII, 29 bytes of
-Latin, Chinese and Greek, 16 bytes. Texts of Python are made anew for each measurement, since Python
-keeps their UTF-8 once it has made it.
+The figures are medians of at least 7 repetitions in one run, with the minimums beside them. Times
+are processor times of the process, including system calls and all threads, so that other programs
+on the machine change them little. Only parallel conversions are measured by the clock. The
+repetitions of a row, its limit and the warm copy run in random order. Rows with peers are measured
+in rounds. In each round our own program, started for that row alone, runs first, and then each peer
+in turn. Every library runs on one thread, on data made by the same rule. Texts have 12 bytes of
+ASCII, or 29 bytes of Latin, Chinese and Greek; byte strings have 16 bytes. Each differs from the
+one before it. Python texts are made anew for each measurement, because Python keeps the UTF-8 of a
+text once it has made it.
 
-A name says direction, type, and the one thing that differs from the row without it:
-`to_host/text_ascii/length=1000`. Base rows have no nulls, one chunk, no offset.
+The name of a row states the direction, the type, and the one property that differs from the row
+without it: `to_host/text_ascii/length=1000`. A row without such a property has no nulls, one chunk
+and no offset.
 """
 
 
@@ -72,7 +76,7 @@ def names_as_code(cells):
 
 
 def machine_list(machine):
-    versions = ", ".join(f"{name} {version or '(not there)'}"
+    versions = ", ".join(f"{name} {version or '(not installed)'}"
                          for name, version in machine["packages"].items())
     facts = [f"{machine['processor']}, {machine['processors']} processors, "
              f"{machine['memory_gib']} GiB of memory, huge pages: {machine['huge_pages']}",
@@ -128,7 +132,8 @@ def parallel_section(rows):
     lines = [names_as_code([row["name"], f"{row['elements']:,}", str(row["threads"]),
                             milliseconds(row["serial_ms"]), milliseconds(row["parallel_ms"]),
                             ratio(row["speedup"])]) for row in rows]
-    return ("## Columns spread over threads\n\nBy the clock; both ways give the same value.\n\n"
+    return ("## Columns spread over threads\n\n"
+            "Measured by the clock. Both ways give the same value.\n\n"
             + table(head, lines) + "\n")
 
 
@@ -155,8 +160,8 @@ def document(whole, entries):
 
 ![Time of each peer over our own](performance/peers.svg)
 
-For `to_host/binary/freeing` the time is that of destroying the result, and what stands as its limit
-is the making of it. The limits of `files/...` are those of their columns.
+In the row `to_host/binary/freeing`, "ours" is the time to destroy the result and "limit" is the
+time to make it. The limits of `files/...` are those of their columns.
 
 {conversion_table(base, entries)}
 ## Beside the peers
@@ -166,10 +171,11 @@ is the making of it. The limits of `files/...` are those of their columns.
 
 ![Cost against the number of elements and of columns](performance/sizes.svg)
 
-The slope of log cost over log size between 100,000 and 10,000,000 elements, and between 100 and
-10,000 columns. 1 is in proportion; a conversion towards Arrow that wraps memory has none. 100,000
-numbers stay in the caches of the processor and 10,000,000 do not, so that a plain copy comes out
-above 1, too: the slope of the limit says by how much.
+The slope of log cost over log size, between 100,000 and 10,000,000 elements and between 100 and
+10,000 columns. A slope of 1 means that the cost is proportional to the size. The slope of a
+conversion towards Arrow that wraps memory is near 0. 100,000 numbers stay in the caches of the
+processor and 10,000,000 do not, so that the slope of a plain copy is above 1, too. The slope of the
+limit shows by how much.
 
 {slopes}
 ## Every axis
