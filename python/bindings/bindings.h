@@ -14,6 +14,7 @@ void bind_host_array(nb::module_& module);
 void bind_builders(nb::module_& module);
 void bind_to_host(nb::module_& module);
 void bind_to_arrow(nb::module_& module);
+void bind_make_readable(nb::module_& module);
 /// @}
 
 }  // namespace numera::python

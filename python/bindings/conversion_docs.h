@@ -66,45 +66,71 @@ Raises TypeError for any other object, and pyarrow.ArrowInvalid for a schema tha
 True
 )";
 
-inline constexpr const char* kToArrow = R"(Converts an encoded host value to Arrow.
+inline constexpr const char* kToArrow = R"(Converts a host value to Arrow.
+
+host is an encoded value from `to_host` or `read`, the result of `make_readable`, or an ordinary
+value that `make_readable` takes: numbers, logical values, texts, and cells of texts or of bytes.
 
 An encoded table becomes a pyarrow.Table, the envelope of a buffer becomes a pyarrow.Buffer, and
-any other encoded value becomes a pyarrow.Array. The result shares the memory of the host value, at
-the same addresses. Each buffer of the result keeps the host value alive.
+any other value becomes a pyarrow.Array. The result shares the memory of the parts of the host value
+that are in readable form, at the same addresses; the other parts are converted to new memory. Each
+buffer of the result keeps the memory that it uses alive. host is only read.
 
-`to_arrow` reads the results of `make_readable`. It can also read results of `to_host` for types
-that need no change, for example numbers. For text, dates, bytes and nested values, call
-`make_readable` first.
+type is the pyarrow.DataType of the array, or the pyarrow.Schema of the table. The result has
+exactly this type or schema, including names, nullability and metadata. Only casts without loss are
+made, also inside lists, structs and maps:
+- text, bytes and lists to 32-bit offsets;
+- text and bytes to views, and bytes to a fixed width;
+- timestamps of whole days, without time zone, to dates;
+- int64 to durations;
+- lists of structs of key and value to maps;
+- dictionaries to another index type, and their texts as above;
+- doubles that are all null to the null type.
+Without a type nothing is cast.
 
-validate=True checks the result completely before it is returned. validate=False does not check
-codes, offsets and texts. Use it only for values that are known to be valid, because Arrow trusts
-them.
+The result is checked completely. validate=False reads a value in readable form as it is, and does
+not check codes, offsets and texts. Use it only for results of `make_readable` and for other values
+in readable form that are known to be valid, because Arrow trusts them. It cannot be combined with a
+type.
 
 Raises
-- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid, with a message that says what is wrong;
-- ValueError for a struct that is not encoded ("Wrong field name.");
+- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid, with a message that says what is wrong: with the
+  value, or with the type that no cast leads to without loss;
+- TypeError for a type that is no pyarrow.Schema, if the value is a table, or no pyarrow.DataType,
+  if the value is an array; and for any type, if the value is a buffer;
+- ValueError for a struct that is not encoded ("Wrong field name."), and for validate=False beside
+  a type;
 - IndexError for a struct without elements;
 - MemoryError;
 - KeyboardInterrupt between two columns, after Ctrl-C.
 
 If a column of a table fails, the exception has the attributes `column_name`, `column_index`
-(0-based) and `error_code`, and a note with the type of the column.
+(0-based) and `error_code`, and a note with the type of the column and what can be done.
+
+Other Python threads can run during the conversion.
 
 >>> import numera, pyarrow
->>> texts = numera.to_host(pyarrow.array(["one", None, "three"]))
->>> numera.to_arrow(numera.make_readable(texts)).to_pylist()
-['one', None, 'three']
+>>> table = pyarrow.table({"n": [1, 2], "text": ["one", None]})
+>>> numera.to_arrow(numera.to_host(table)).to_pydict()
+{'n': [1, 2], 'text': ['one', None]}
+>>> numera.to_arrow(numera.to_host(table), table.schema) == table
+True
+>>> numera.to_arrow(numera.host.string(["a", None, "c"]), pyarrow.string()).to_pylist()
+['a', None, 'c']
 )";
 
 inline constexpr const char* kMakeReadable =
-    R"(Converts a host value to the form that `to_arrow` reads.
+    R"(Converts a host value to the form that Arrow reads.
+
+`to_arrow` calls it. Call it yourself to keep the readable value, for example to convert it several
+times.
 
 value is one of
 - an ordinary value: real numbers, logical values, a string array, a char array, or a cell array of
   char rows or of uint8 arrays. It may have any shape; elements are read in storage order;
 - an encoded value in the form that `to_host` returns.
 
-Parts that `to_arrow` can read already are not copied.
+Parts that are in this form already are not copied.
 
 Raises
 - pyarrow.ArrowTypeError and pyarrow.ArrowInvalid; the message states the place of the error, what
@@ -116,8 +142,9 @@ If a column of a table fails, the exception has the attributes `column_name`, `c
 (0-based) and `error_code`, and a note with the type of the column and what can be done.
 
 >>> import numera
->>> numera.to_arrow(numera.make_readable(numera.host.string(["a", None, "c"]))).to_pylist()
-['a', None, 'c']
+>>> readable = numera.make_readable(numera.host.char(["ab", "cd"]))
+>>> readable["Type"].text, readable["Data"]["StartOffsets"]
+('string', uint64 3x1 [0 2 4])
 )";
 
 inline constexpr const char* kUtf16ToUtf8 = R"(Converts host texts to UTF-8 bytes and offsets.

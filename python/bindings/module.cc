@@ -22,4 +22,5 @@ NB_MODULE(_core, module) {
   bind_builders(module);
   bind_to_host(module);
   bind_to_arrow(module);
+  bind_make_readable(module);
 }

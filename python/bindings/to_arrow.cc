@@ -1,20 +1,22 @@
 #include <arrow/buffer.h>
 #include <arrow/chunked_array.h>
 #include <arrow/python/pyarrow.h>
+#include <arrow/result.h>
+#include <arrow/status.h>
 #include <arrow/table.h>
 
-#include <array>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "numera/core/util/table_error.h"
-#include "numera/extras/encode/encode.h"
+#include "numera/extras/convert.h"
 #include "numera/extras/own/own.h"
-#include "numera/unicode/convert_utf16_to_utf8.h"
+#include "numera/host/text_codec.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/conversion_docs.h"
+#include "python/bindings/encoded_fields.h"
 #include "python/bindings/errors.h"
 #include "python/bindings/host_value.h"
 #include "python/bindings/unlocked.h"
@@ -23,47 +25,18 @@ namespace numera::python {
 namespace {
 
 namespace py = ::arrow::py;
-using io::arrow::core::util::TableErrorStatusDetail;
 
-constexpr const char* kEncodeNote =
-    "numera.to_arrow reads encoded values in readable form; numera.make_readable(value) converts "
-    "ordinary values and results of numera.to_host to this form.";
+constexpr const char* kUncheckedNote =
+    "with validate=False, numera.to_arrow reads values in readable form alone; "
+    "numera.make_readable(value) makes one of an ordinary value and of what numera.to_host gave.";
 
-constexpr const char* kRefusedColumnNote =
-    "change the value at that place to what was expected there, or leave the column out of the "
-    "table.";
+constexpr const char* kTakenNote =
+    "numera.to_arrow takes encoded values, such as those of numera.to_host, and ordinary values: "
+    "numbers, logical values, texts, and cells of texts or of bytes.";
 
-/// The text of a field of element `index`; empty if it cannot be read.
-std::string text_in(const hxArray* value, size_t index, const char* name) {
-  constexpr size_t kLongerThanAnyName = 64;
-  if (!has_fields(value) || index >= hxGetNumberOfElements(value)) return {};
-  const hxArray* field = hxGetField(value, index, name);
-  if (field == nullptr || hxGetClassID(field) != hxClassID::Char) return {};
-  if (hxGetNumberOfElements(field) > kLongerThanAnyName) return {};
-  std::string text;
-  const auto* units = static_cast<const char16_t*>(hxGetData(field));
-  for (size_t i = 0; i < hxGetNumberOfElements(field); ++i) {
-    text.push_back(units[i] < 0x80 ? static_cast<char>(units[i]) : '?');
-  }
-  return text;
-}
-
-std::string kind_of(const hxArray* value) { return text_in(value, 0, "ArrowType"); }
-
-/// `Column 'price' (index 1, type 'double'): `; empty if the failure names no column.
-std::string failed_column(const HostValue& host, const ::arrow::Status& status) {
-  const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
-  if (detail == nullptr) return {};
-  const std::string index = std::to_string(detail->column_index());
-  std::string text = "Column '" + detail->column_name() + "' (index " + index;
-  const hxArray* columns = hxGetField(host.get(), 0, "Columns");
-  if (columns != nullptr) {
-    const auto position = static_cast<size_t>(detail->column_index());
-    const std::string type = text_in(columns, position, "Type");
-    if (!type.empty()) text += ", type '" + type + "'";
-  }
-  return text + "): ";
-}
+constexpr const char* kExactTypeNote =
+    "without a type, numera.to_arrow gives the type that the value has, or says what is wrong with "
+    "the value.";
 
 ::arrow::Status validate_column(const ::arrow::Table& table, int index) {
   const ::arrow::ChunkedArray& column = *table.column(index);
@@ -86,24 +59,87 @@ std::string failed_column(const HostValue& host, const ::arrow::Status& status) 
   return ::arrow::Status::OK();
 }
 
-/// Calls `convert` with a shared copy of the value, so that the `HostArray` and Arrow own one each.
-template <class Convert>
-auto converted(const HostValue& host, bool validate, Convert convert) {
-  auto validated = [&]() -> decltype(convert(nullptr)) {
+template <class T>
+using Converted = ::arrow::Result<std::shared_ptr<T>>;
+/// Makes an Arrow value that owns the host value. The callers pass a shared copy, so that the
+/// `HostArray` keeps its own.
+template <class T>
+using Conversion = Converted<T> (*)(hxArrayPtr value);
+
+/// Reads a value in readable form. If a field or an element is missing, the status has the host's
+/// text.
+template <class T>
+Converted<T> try_to_read(const hxArray* value, Conversion<T> read) {
+  try {
+    return read(hxSharedCopy(value));
+  } catch (const std::logic_error& error) {
+    return ::arrow::Status::Invalid(error.what());
+  } catch (const hxCodecError& error) {
+    return ::arrow::Status::Invalid(error.what());
+  }
+}
+
+template <class T>
+Converted<T> validated(Converted<T> value) {
+  if (value.ok()) ARROW_RETURN_NOT_OK(validate_full(**value));
+  return value;
+}
+
+/// Converts a value in any form. A few readable values are refused by `make_readable`, for example
+/// tables with more names than columns; they are read as they are. If that fails too, the failure
+/// is that of `convert`, unless only the other one names a column.
+template <class T>
+Converted<T> convert_or_read(const hxArray* value, Conversion<T> convert, Conversion<T> read) {
+  if (is_known_readable(value)) {
+    Converted<T> found = try_to_read(value, read);
+    if (found.ok()) return validated(std::move(found));
+  }
+  Converted<T> made = convert(hxSharedCopy(value));
+  const ::arrow::Status& refusal = made.status();
+  if (!refusal.IsTypeError() && !refusal.IsInvalid()) return made;
+  Converted<T> found = try_to_read(value, read);
+  if (found.ok()) return validated(std::move(found));
+  return refusal.detail() == nullptr && found.status().detail() != nullptr ? found : made;
+}
+
+/// Calls `convert` while other Python threads run. `note` makes the note of a failure.
+template <class Convert, class Note>
+auto value_of(const Convert& convert, const Note& note) {
+  auto result = [&] {
     const Unlocked unlocked;
-    ARROW_ASSIGN_OR_RAISE(auto value, convert(hxSharedCopy(host.get())));
-    if (validate) ARROW_RETURN_NOT_OK(validate_full(*value));
-    return value;
+    return convert();
+  }();
+  if (!result.ok()) raise_status(result.status(), note(result.status()));
+  return *std::move(result);
+}
+
+/// Converts a value in any form. Without a check, reads a value in readable form alone.
+template <class T>
+std::shared_ptr<T> converted(const HostValue& host, bool validate, Conversion<T> convert,
+                             Conversion<T> read) {
+  const hxArray* value = host.get();
+  const auto note = [&](const ::arrow::Status& status) {
+    return validate ? refused_column_note(host, status)
+                    : failed_column(host, status) + kUncheckedNote;
+  };
+  const auto call = [&] {
+    return validate && !is_other_struct(value) ? convert_or_read(value, convert, read)
+                                               : read(hxSharedCopy(value));
   };
   try {
-    auto result = validated();
-    if (!result.ok()) {
-      raise_status(result.status(), failed_column(host, result.status()) + kEncodeNote);
-    }
-    return std::move(result).MoveValueUnsafe();
+    return value_of(call, note);
   } catch (const std::invalid_argument& error) {
-    raise_with_note(PyExc_ValueError, error.what(), nb::str(kEncodeNote));
+    raise_with_note(PyExc_ValueError, error.what(),
+                    nb::str(validate ? kTakenNote : kUncheckedNote));
   }
+}
+
+Converted<::arrow::Array> any_to_array(hxArrayPtr value) {
+  return extras::convert_to_arrow(std::move(value));
+}
+
+Converted<::arrow::Table> any_to_table(hxArrayPtr value) {
+  return extras::convert_to_arrow_table(std::move(value));
 }
 
 nb::object wrapped(PyObject* object) {
@@ -111,49 +147,69 @@ nb::object wrapped(PyObject* object) {
   return nb::steal(object);
 }
 
-nb::object to_arrow(const HostValue& host, bool validate) {
-  const std::string kind = kind_of(host.get());
+/// Checks that `type` is what may be asked of a value of this kind.
+void check_type(nb::handle type, const std::string& kind, bool validate) {
+  const bool fits = kind == "table" ? py::is_schema(type.ptr())
+                                    : kind != "buffer" && py::is_data_type(type.ptr());
+  if (!fits) {
+    const char* const expected = kind == "table"    ? "a pyarrow.Schema for a table"
+                                 : kind == "buffer" ? "None for a buffer"
+                                                    : "a pyarrow.DataType for an array";
+    throw nb::type_error((std::string("type: found ") + Py_TYPE(type.ptr())->tp_name +
+                          ", expected " + expected + ".")
+                             .c_str());
+  }
+  if (!validate) {
+    throw nb::value_error("validate: found False beside a type, expected True.");
+  }
+}
+
+nb::object to_arrow_exactly(const HostValue& host, nb::handle type, const std::string& kind) {
+  const auto note = [&](const ::arrow::Status& status) {
+    return failed_column(host, status) + kExactTypeNote;
+  };
   if (kind == "table") {
-    return wrapped(py::wrap_table(converted(host, validate, extras::own_to_arrow_table)));
+    const auto schema = value_or_raise(py::unwrap_schema(type.ptr()));
+    const auto convert = [&] {
+      return extras::convert_to_arrow_table(hxSharedCopy(host.get()), schema);
+    };
+    return wrapped(py::wrap_table(value_of(convert, note)));
+  }
+  const auto data_type = value_or_raise(py::unwrap_data_type(type.ptr()));
+  const auto convert = [&] {
+    return extras::convert_to_arrow(hxSharedCopy(host.get()), data_type);
+  };
+  return wrapped(py::wrap_array(value_of(convert, note)));
+}
+
+nb::object to_arrow(const HostValue& host, nb::handle type, bool validate) {
+  const std::string kind = kind_of(host.get());
+  if (!type.is_none()) {
+    check_type(type, kind, validate);
+    return to_arrow_exactly(host, type, kind);
+  }
+  if (kind == "table") {
+    return wrapped(
+        py::wrap_table(converted(host, validate, any_to_table, extras::own_to_arrow_table)));
   }
   if (kind == "buffer") {
-    return wrapped(
-        py::wrap_buffer(converted(host, validate, extras::own_to_arrow<::arrow::Buffer>)));
+    // The only form of a buffer is readable.
+    const Conversion<::arrow::Buffer> read = extras::own_to_arrow<::arrow::Buffer>;
+    return wrapped(py::wrap_buffer(converted(host, validate, read, read)));
   }
-  return wrapped(py::wrap_array(converted(host, validate, extras::own_to_arrow<::arrow::Array>)));
-}
-
-HostValue make_readable(const HostValue& value) {
-  ::arrow::Result<hxArrayPtr> result = [&] {
-    const Unlocked unlocked;
-    return extras::make_readable(value.get());
-  }();
-  const std::string column = failed_column(value, result.status());
-  return adopt(
-      value_or_raise(std::move(result), column.empty() ? "" : column + kRefusedColumnNote));
-}
-
-nb::tuple utf16_to_utf8(const HostValue& text) {
-  std::array<hxArrayPtr, 2> outputs;
-  {
-    const Unlocked unlocked;
-    const hxArray* input = text.get();
-    io::arrow::unicode::convertUTF16ToUTF8(2, outputs.data(), 1, &input);
-  }
-  return nb::make_tuple(adopt(std::move(outputs[0])), adopt(std::move(outputs[1])));
+  return wrapped(py::wrap_array(converted<::arrow::Array>(host, validate, any_to_array,
+                                                          extras::own_to_arrow<::arrow::Array>)));
 }
 
 }  // namespace
 
 void bind_to_arrow(nb::module_& module) {
-  module.def("to_arrow", &to_arrow, nb::arg("host"), nb::arg("validate") = true,
-             nb::sig("def to_arrow(host: HostArray, validate: bool = True) -> pyarrow.Array | "
-                     "pyarrow.Table | pyarrow.Buffer"),
+  module.def("to_arrow", &to_arrow, nb::arg("host"), nb::arg("type").none() = nb::none(),
+             nb::arg("validate") = true,
+             nb::sig("def to_arrow(host: HostArray, type: pyarrow.DataType | pyarrow.Schema | None "
+                     "= None, validate: bool = True) -> pyarrow.Array | pyarrow.Table | "
+                     "pyarrow.Buffer"),
              docs::kToArrow);
-  module.def("make_readable", &make_readable, nb::arg("value"), docs::kMakeReadable);
-  module.def("utf16_to_utf8", &utf16_to_utf8, nb::arg("text"),
-             nb::sig("def utf16_to_utf8(text: HostArray) -> tuple[HostArray, HostArray]"),
-             docs::kUtf16ToUtf8);
 }
 
 }  // namespace numera::python

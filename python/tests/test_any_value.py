@@ -33,6 +33,10 @@ def held(column):
     return [losses.in_host(column.type, value) for value in column.to_pylist()]
 
 
+def addresses(array):
+    return [buffer and buffer.address for buffer in array.buffers()]
+
+
 @given(drawn.column(drawn.known))
 def test_the_host_holds_what_pyarrow_reads(column):
     check(encoded.elements(numera.to_host(column)), held(column))
@@ -56,6 +60,39 @@ def test_what_comes_back_is_what_pyarrow_reads(column):
     back = numera.to_arrow(numera.make_readable(numera.to_host(column)))
     expected = [losses.back_in_arrow(column.type, value) for value in column.to_pylist()]
     check(back.to_pylist(), expected)
+
+
+@given(drawn.column(drawn.known))
+def test_written_and_readable_values_come_back_alike(column):
+    written = numera.to_host(column)
+    back = numera.to_arrow(written)
+    readable = numera.to_arrow(numera.make_readable(written))
+    assert back.type == readable.type
+    check(back.to_pylist(), readable.to_pylist())
+
+
+@given(drawn.column(drawn.known))
+def test_readable_values_are_wrapped_alike_with_and_without_a_check(column):
+    value = numera.make_readable(numera.to_host(column))
+    checked, unchecked = numera.to_arrow(value), numera.to_arrow(value, validate=False)
+    assert checked.type == unchecked.type
+    assert addresses(checked) == addresses(unchecked)
+
+
+@given(drawn.column(drawn.known))
+def test_the_type_that_is_asked_for_brings_back_what_was_there(column):
+    back = numera.to_arrow(numera.to_host(column), column.type)
+    assert back.type.equals(column.type, check_metadata=True)
+    back.validate(full=True)
+    check(back.to_pylist(), column.to_pylist())
+
+
+@given(drawn.table(drawn.known))
+def test_the_schema_that_is_asked_for_brings_back_what_was_there(table):
+    back = numera.to_arrow(numera.to_host(table), table.schema)
+    assert back.schema.equals(table.schema, check_metadata=True)
+    for name in table.column_names:
+        check(back[name].to_pylist(), table[name].to_pylist())
 
 
 @given(drawn.column(drawn.known))

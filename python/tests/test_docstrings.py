@@ -87,4 +87,4 @@ def test_the_readme_holds():
     [code] = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)
     names = {}
     exec(code, names)
-    assert names["numera"].to_arrow(names["numera"].make_readable(names["host"])).num_rows == 2
+    assert names["numera"].to_arrow(names["host"]).num_rows == 2

@@ -85,7 +85,7 @@ def test_a_conversion_may_convert():
     assert numera.to_host(Converting())["Columns"][0]["Data"].to_python() == [1, 2]
 
 
-@pytest.mark.parametrize("convert", ["to_host", "make_readable"])
+@pytest.mark.parametrize("convert", ["to_host", "make_readable", "to_arrow"])
 def test_ctrl_c_ends_a_conversion_between_two_columns(convert):
     column = pa.array(["text of some length"] * 20_000)
     table = pa.table({f"c{i}": column for i in range(3_000)})

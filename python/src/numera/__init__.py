@@ -4,7 +4,7 @@
 >>> host = numera.to_host(pyarrow.table({"n": [1, 2], "text": ["a", None]}))
 >>> host["Columns"][1]["Data"]
 string 2x1 ["a" ""]
->>> numera.to_arrow(numera.make_readable(host)).to_pydict()
+>>> numera.to_arrow(host).to_pydict()
 {'n': [1, 2], 'text': ['a', None]}
 """
 

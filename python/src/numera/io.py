@@ -13,7 +13,7 @@ from pathlib import Path
 import pyarrow as pa
 from tqdm import tqdm
 
-from ._core import HostArray, make_readable, to_arrow, to_host
+from ._core import HostArray, to_arrow, to_host
 from ._files import format_of, open_sink, open_source
 
 __all__ = ["read", "scan", "write"]
@@ -110,16 +110,15 @@ def write(host: HostArray, path: _Path) -> None:
     one, and after any failure the old one stays. If writing takes long and stderr is a terminal, a
     bar shows the progress.
 
-    Columns have the types of `to_arrow(make_readable(host))`. CSV has no nested columns and no
-    types: a null text reads back as an empty text, and a column that holds only nulls reads back as
-    type null.
+    Columns have the types of `to_arrow(host)`. CSV has no nested columns and no types: a null text
+    reads back as an empty text, and a column with nulls only reads back as type null.
 
     Raises:
     - ValueError for any other suffix, which is checked first, and for a path that exists but is
       not a regular file;
     - TypeError for any other value;
     - OSError, with the path, for a file that cannot be written;
-    - whatever `make_readable`, `to_arrow` and the pyarrow writers raise.
+    - whatever `to_arrow` and the pyarrow writers raise.
 
     >>> import numera, pyarrow, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.parquet")
@@ -190,7 +189,7 @@ def _gathered(batches, rows):
 def _table(host):
     if not isinstance(host, HostArray):
         raise TypeError(f"host: found {type(host).__name__}, expected a HostArray.")
-    table = to_arrow(make_readable(host))
+    table = to_arrow(host)
     if not isinstance(table, pa.Table):
         kind = f"{host.class_name} {'x'.join(map(str, host.shape))}"
         raise TypeError(f"host: found {kind}, expected an encoded table.")
