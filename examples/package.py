@@ -15,5 +15,5 @@ print(columns["island"].tree(max_elements=4))
 mass = columns["body_mass_g"]["Data"].numpy()
 print(f"{mass.dtype} {mass.shape}, read-only, not copied; the heaviest: {mass.max()} g\n")
 
-back = numera.to_arrow(numera.make_readable(host))
+back = numera.to_arrow(host)
 print(back.slice(0, 2).to_pylist()[0])

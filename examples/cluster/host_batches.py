@@ -18,7 +18,7 @@ def call_on_host(function: HostFunction, batch: pyarrow.Table) -> pyarrow.Table:
     The chunks of the batch are joined first, so that each host column is one array.
     """
     result = function(numera.to_host(batch.combine_chunks()))
-    return numera.to_arrow(numera.make_readable(result))
+    return numera.to_arrow(result)
 
 
 class HostActor:
