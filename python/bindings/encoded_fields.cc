@@ -30,11 +30,13 @@ std::string text_in(const hxArray* value, size_t index, const char* name) {
 
 bool is_readable_array(const hxArray* encoded, size_t index) {
   if (text_in(encoded, index, "ArrowType") != "array") return false;
+  const hxArray* valid = hxGetField(encoded, index, "Valid");
   const hxArray* data = hxGetField(encoded, index, "Data");
-  if (data == nullptr) return false;
+  // A column without chunks has an empty "Valid".
+  if (valid == nullptr || hxIsEmpty(valid) || data == nullptr) return false;
   const std::string type = text_in(encoded, index, "Type");
-  if (has_fields(data)) return type != "datetime" && type != "categorical";
-  return hxIsNumeric(data) && type != "null";
+  if (!has_fields(data)) return hxIsNumeric(data) && type != "null";
+  return type == "string" || type == "binary" || type == "logical" || type == "duration";
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include "numera/core/util/table_error.h"
 #include "numera/extras/convert.h"
 #include "numera/extras/own/own.h"
-#include "numera/host/text_codec.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/conversion_docs.h"
 #include "python/bindings/encoded_fields.h"
@@ -66,42 +65,6 @@ using Converted = ::arrow::Result<std::shared_ptr<T>>;
 template <class T>
 using Conversion = Converted<T> (*)(hxArrayPtr value);
 
-/// Reads a value in readable form. If a field or an element is missing, the status has the host's
-/// text.
-template <class T>
-Converted<T> try_to_read(const hxArray* value, Conversion<T> read) {
-  try {
-    return read(hxSharedCopy(value));
-  } catch (const std::logic_error& error) {
-    return ::arrow::Status::Invalid(error.what());
-  } catch (const hxCodecError& error) {
-    return ::arrow::Status::Invalid(error.what());
-  }
-}
-
-template <class T>
-Converted<T> validated(Converted<T> value) {
-  if (value.ok()) ARROW_RETURN_NOT_OK(validate_full(**value));
-  return value;
-}
-
-/// Converts a value in any form. A few readable values are refused by `make_readable`, for example
-/// tables with more names than columns; they are read as they are. If that fails too, the failure
-/// is that of `convert`, unless only the other one names a column.
-template <class T>
-Converted<T> convert_or_read(const hxArray* value, Conversion<T> convert, Conversion<T> read) {
-  if (is_known_readable(value)) {
-    Converted<T> found = try_to_read(value, read);
-    if (found.ok()) return validated(std::move(found));
-  }
-  Converted<T> made = convert(hxSharedCopy(value));
-  const ::arrow::Status& refusal = made.status();
-  if (!refusal.IsTypeError() && !refusal.IsInvalid()) return made;
-  Converted<T> found = try_to_read(value, read);
-  if (found.ok()) return validated(std::move(found));
-  return refusal.detail() == nullptr && found.status().detail() != nullptr ? found : made;
-}
-
 /// Calls `convert` while other Python threads run. `note` makes the note of a failure.
 template <class Convert, class Note>
 auto value_of(const Convert& convert, const Note& note) {
@@ -113,18 +76,26 @@ auto value_of(const Convert& convert, const Note& note) {
   return *std::move(result);
 }
 
+/// Values that are known to be readable are read as they are: `convert` takes twice as long for
+/// small ones. Structs that are not encoded have the host's exceptions.
+bool is_read_directly(const hxArray* value) {
+  return is_known_readable(value) || is_other_struct(value);
+}
+
 /// Converts a value in any form. Without a check, reads a value in readable form alone.
 template <class T>
 std::shared_ptr<T> converted(const HostValue& host, bool validate, Conversion<T> convert,
                              Conversion<T> read) {
-  const hxArray* value = host.get();
+  const bool direct = !validate || is_read_directly(host.get());
+  const auto call = [&]() -> Converted<T> {
+    if (!direct) return convert(hxSharedCopy(host.get()));
+    ARROW_ASSIGN_OR_RAISE(auto value, read(hxSharedCopy(host.get())));
+    if (validate) ARROW_RETURN_NOT_OK(validate_full(*value));
+    return value;
+  };
   const auto note = [&](const ::arrow::Status& status) {
     return validate ? refused_column_note(host, status)
                     : failed_column(host, status) + kUncheckedNote;
-  };
-  const auto call = [&] {
-    return validate && !is_other_struct(value) ? convert_or_read(value, convert, read)
-                                               : read(hxSharedCopy(value));
   };
   try {
     return value_of(call, note);

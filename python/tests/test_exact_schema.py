@@ -114,7 +114,7 @@ NO_TYPE = ("without a type, numera.to_arrow gives the type that the value has, o
 
 
 def no_cast(path, found, expected):
-    return f"{path}: found type {found}, expected {expected}, to which no cast leads without loss."
+    return f"{path}: found type {found}, expected {expected} or a type that can be cast to it without loss."
 
 
 @pytest.mark.parametrize("x, type, error, text", [
@@ -125,7 +125,7 @@ def no_cast(path, found, expected):
     (pa.array([86400], pa.timestamp("s", "UTC")), pa.date32(), pa.ArrowTypeError,
      no_cast("Column", "timestamp[s, tz=UTC]", "date32[day]")),
     (pa.array([1.5]), pa.null(), pa.ArrowInvalid,
-     "Column: found values, expected nulls alone for the null type."),
+     "Column: found values that are not null, expected only nulls for the null type."),
     (pa.array([[1]], pa.list_(pa.int8())), pa.list_(pa.int16()), pa.ArrowTypeError,
      no_cast("Column[]", "int8", "int16")),
     (pa.array([[None]], pa.list_(pa.int8())), pa.list_(pa.field("item", pa.int8(), nullable=False)),

@@ -210,12 +210,12 @@ def test_a_failing_column_is_named():
     with pytest.raises(pa.ArrowInvalid) as caught:
         numera.to_arrow(value)
     assert str(caught.value) == (
-        ".Columns(1).Type: found 'nothing', expected the type name of data that is a struct."
+        ".Columns(1).Type: found 'nothing', expected the name of a type whose 'Data' is a struct."
     )
     assert (caught.value.column_name, caught.value.column_index) == ("bad", 1)
     assert caught.value.error_code is numera.TableErrorCode.Internal
     assert caught.value.__notes__ == [
-        "Column 'bad' (index 1, type 'nothing'): change what stands at that place to what was "
+        "Column 'bad' (index 1, type 'nothing'): change the value at that place to what was "
         "expected there, or leave the column out of the table."
     ]
 
