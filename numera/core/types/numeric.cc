@@ -81,6 +81,12 @@ hxArrayPtr numbers_to_numera(const ColumnView& chunks, hxClassID class_id, size_
   return column;
 }
 
+hxArrayPtr counts_to_numera(const ColumnView& chunks) {
+  const auto& type = static_cast<const ::arrow::FixedWidthType&>(*chunks.type());
+  return type.bit_width() == 64 ? numbers_to_numera(chunks, hxClassID::Int64, sizeof(std::int64_t))
+                                : numbers_to_numera(chunks, hxClassID::Int32, sizeof(std::int32_t));
+}
+
 ::arrow::Result<hxArrayPtr> logical_to_numera(const ColumnView& chunks) {
   hxArrayPtr packed = format::make_struct(1, format::kBitmaps);
   format::BitmapWriter writer =

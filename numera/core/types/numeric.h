@@ -46,12 +46,15 @@ std::int64_t numeric_chunk_copy(const ColumnView& chunks, std::span<T> destinati
   return copy_chunks(chunks, std::as_writable_bytes(destination), start, sizeof(T));
 }
 
-/// `numbers_to_numera` for the class of T. The Arrow type only needs the width of T: dates, times
-/// and durations use this function too.
+/// `numbers_to_numera` for the class of T. The Arrow type only needs the width of T: durations use
+/// this function too.
 template <class T>
 ::arrow::Result<hxArrayPtr> numeric_to_numera(const ColumnView& chunks) {
   return numbers_to_numera(chunks, format::kNumericClass<T>, sizeof(T));
 }
+
+/// Copies dates, times or timestamps to an int32 or int64 column, as wide as they are.
+hxArrayPtr counts_to_numera(const ColumnView& chunks);
 
 /// Converts booleans to a packed logical struct. Bits are read from the start of each chunk's
 /// buffer: the offset of a slice is not applied.

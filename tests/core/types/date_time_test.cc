@@ -1,4 +1,4 @@
-#include "numera/core/types/date_time.h"
+#include "numera/core/types/duration.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "numera/core/types/timestamp.h"
+#include "numera/core/types/datetime.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "numera/core/types/timestamp.h"
+#include "numera/core/types/datetime.h"
 
 #include <arrow/array/array_primitive.h>
 #include <arrow/type.h>
@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "numera/core/host_values.h"
-#include "numera/core/types/date_time.h"
+#include "numera/core/types/duration.h"
 #include "numera/core/types/numeric.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
@@ -41,13 +41,21 @@ ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   const auto& type = static_cast<const ::arrow::TimestampType&>(*chunks.type());
   hxArrayPtr timestamp = format::make_struct(1, format::kTimestamps);
   hxSetField(timestamp.get(), 0, format::kDateType, format::make_word(format::kTimestamp));
-  const hxArrayPtr values = numbers_to_numera(chunks, hxClassID::Int64, sizeof(std::int64_t));
+  const hxArrayPtr values = counts_to_numera(chunks);
   hxSetField(timestamp.get(), 0, format::kValues, hxSharedCopy(values.get()));
   hxSetField(timestamp.get(), 0, format::kUnits, time_unit_name(type.unit()));
   const std::string& time_zone = type.timezone();
   hxSetField(timestamp.get(), 0, format::kTimeZone,
              hxCreateCharArray(time_zone.data(), time_zone.size()));
   return timestamp;
+}
+
+::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks) {
+  hxArrayPtr date = format::make_struct(1, format::kDates);
+  hxSetField(date.get(), 0, format::kDateType, format::make_word(format::kDate));
+  const hxArrayPtr values = counts_to_numera(chunks);
+  hxSetField(date.get(), 0, format::kValues, hxSharedCopy(values.get()));
+  return date;
 }
 
 }  // namespace numera::io::arrow::core

@@ -1,11 +1,12 @@
 #pragma once
 
 /// \file
-/// Timestamps, with their unit and time zone.
+/// The type "datetime": timestamps with their unit and time zone, and calendar dates.
 ///
 /// A timestamp is a 1-by-1 struct of "Values" (int64, counted in the unit since 1970-01-01 00:00:00
 /// UTC), "Units" (char row), "TimeZone" (char row; empty: none) and "DateType" ("Timestamp";
-/// written, but not read).
+/// written, but not read). A date goes to the host only, as a struct of "Values" (int32 days or
+/// int64 milliseconds since 1970-01-01) and "DateType" ("Date").
 
 #include <arrow/type_fwd.h>
 
@@ -27,5 +28,8 @@ ArrayResult datetime_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
 /// Converts timestamps to the timestamp struct. The time zone is written with one character per
 /// byte.
 ::arrow::Result<hxArrayPtr> timestamp_to_numera(const ColumnView& chunks);
+
+/// Converts dates to the date struct: an int32 column for date32, int64 for date64.
+::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks);
 
 }  // namespace numera::io::arrow::core

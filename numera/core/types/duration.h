@@ -1,11 +1,10 @@
 #pragma once
 
 /// \file
-/// Calendar dates, times of day, and the names of time units.
+/// The type "duration": times of day, and the names of time units.
 ///
 /// A time of day is a 1-by-1 struct of "Values" (int32 or int64, counted in the unit) and "Units"
-/// (char row), in both directions. A date goes to the host only, as a struct of "Values" (int32
-/// days or int64 milliseconds since 1970-01-01) and "DateType" ("Date").
+/// (char row).
 
 #include <arrow/type_fwd.h>
 
@@ -29,9 +28,6 @@ hxArrayPtr time_unit_name(::arrow::TimeUnit::type unit);
 
 /// Converts a time-of-day struct to an array over its "Values", which may have any shape.
 ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::Buffer> validity);
-
-/// Converts dates to the date struct: an int32 column for date32, int64 for date64.
-::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks);
 
 /// Converts times of day to the time-of-day struct: an int32 column for time32, int64 for time64.
 ::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks);

@@ -1,4 +1,4 @@
-#include "numera/core/types/date_time.h"
+#include "numera/core/types/duration.h"
 
 #include <arrow/array/array_primitive.h>
 #include <arrow/type.h>
@@ -31,12 +31,6 @@ std::shared_ptr<::arrow::Array> make_times(std::shared_ptr<::arrow::DataType> ty
   return std::make_shared<::arrow::NumericArray<ArrowType>>(
       std::move(type), static_cast<std::int64_t>(hxGetNumberOfElements(values)),
       borrow_elements(values), std::move(validity), ::arrow::kUnknownNullCount, 0);
-}
-
-/// Writes dates and times as int64 if `wide`, else as int32.
-hxArrayPtr counts_to_numera(const ColumnView& chunks, bool wide) {
-  return wide ? numbers_to_numera(chunks, hxClassID::Int64, sizeof(std::int64_t))
-              : numbers_to_numera(chunks, hxClassID::Int32, sizeof(std::int32_t));
 }
 
 }  // namespace
@@ -76,19 +70,9 @@ ArrayResult duration_to_arrow(const hxArray* encoded, std::shared_ptr<::arrow::B
   return make_times<::arrow::Time64Type>(std::move(type), values, std::move(validity));
 }
 
-::arrow::Result<hxArrayPtr> date_to_numera(const ColumnView& chunks) {
-  hxArrayPtr date = format::make_struct(1, format::kDates);
-  hxSetField(date.get(), 0, format::kDateType, format::make_word(format::kDate));
-  const bool wide = chunks.type()->id() == ::arrow::Type::DATE64;
-  const hxArrayPtr values = counts_to_numera(chunks, wide);
-  hxSetField(date.get(), 0, format::kValues, hxSharedCopy(values.get()));
-  return date;
-}
-
 ::arrow::Result<hxArrayPtr> time_to_numera(const ColumnView& chunks) {
   hxArrayPtr time = format::make_struct(1, format::kTimes);
-  const bool wide = chunks.type()->id() == ::arrow::Type::TIME64;
-  const hxArrayPtr values = counts_to_numera(chunks, wide);
+  const hxArrayPtr values = counts_to_numera(chunks);
   hxSetField(time.get(), 0, format::kValues, hxSharedCopy(values.get()));
   const auto unit = static_cast<const ::arrow::TimeType&>(*chunks.type()).unit();
   hxSetField(time.get(), 0, format::kUnits, time_unit_name(unit));
