@@ -12,8 +12,8 @@
 #include "numera/core/to_numera.h"
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {

@@ -19,9 +19,7 @@ using namespace numera::testing;
 using ::arrow::Status;
 
 TEST(ToNumeraBuffer, CopiesTheBytes) {
-  const hxArrayPtr expected = Struct({{"ArrowType", Char("buffer")},
-                                      {"Values", Column<std::uint8_t>({1, 2, 255})},
-                                      {"Length", Empty()}});
+  const hxArrayPtr expected = WrittenBuffer({1, 2, 255});
   const auto buffer = ArrowBuffer({1, 2, 255});
   const hxArrayPtr actual = to_numera(buffer).ValueOrDie();
   EXPECT_TRUE(SameHostValue(actual.get(), expected.get()));
@@ -31,8 +29,7 @@ TEST(ToNumeraBuffer, CopiesTheBytes) {
 }
 
 TEST(ToNumeraBuffer, TakesNullAsAnEmptyBuffer) {
-  const hxArrayPtr expected = Struct(
-      {{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>({})}, {"Length", Empty()}});
+  const hxArrayPtr expected = WrittenBuffer({});
   for (const auto& buffer : {std::shared_ptr<::arrow::Buffer>(), ArrowBuffer({})}) {
     EXPECT_TRUE(SameHostValue(to_numera(buffer).ValueOrDie().get(), expected.get()));
   }
@@ -54,9 +51,7 @@ TEST(ToNumeraBuffer, RefusesBytesThatCannotBeRead) {
 TEST(ToNumeraBuffer, ReadsBackWhatToArrowMade) {
   const hxArrayPtr encoded = BufferEnvelope({9, 8, 7});
   const auto buffer = to_arrow<::arrow::Buffer>(encoded.get()).ValueOrDie();
-  const hxArrayPtr expected = Struct({{"ArrowType", Char("buffer")},
-                                      {"Values", Column<std::uint8_t>({9, 8, 7})},
-                                      {"Length", Empty()}});
+  const hxArrayPtr expected = WrittenBuffer({9, 8, 7});
   EXPECT_TRUE(SameHostValue(to_numera(buffer).ValueOrDie().get(), expected.get()));
 }
 

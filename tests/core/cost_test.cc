@@ -62,12 +62,11 @@ std::shared_ptr<::arrow::ChunkedArray> booleans(std::int64_t length) {
 }
 
 hxArrayPtr encoded_doubles(size_t length) {
-  return Envelope("double", Column<double>(std::vector<double>(length)),
-                  std::vector<std::uint8_t>((length + 7) / 8, 0x55));
+  return Numbers<double>(std::vector<double>(length), Bits((length + 7) / 8, 0x55));
 }
 
 hxArrayPtr encoded_logicals(size_t length) {
-  const std::vector<std::uint8_t> bits((length + 7) / 8, 0x55);
+  const Bits bits((length + 7) / 8, 0x55);
   return Envelope("logical", WrittenBitmap(static_cast<double>(length), bits), bits);
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -32,23 +31,14 @@ std::shared_ptr<Table> number_and_bits() {
 }
 
 hxArrayPtr expected_table() {
-  return Struct(
-      {{"ArrowType", Char("table")},
-       {"Columns",
-        StructArray(
-            {2, 1}, {"ArrowType", "Type", "Data", "Valid"},
-            {{Char("array"), Char("int32"), Column<std::int32_t>({1, 2, 3}), WrittenValidity(3)},
-             {Char("array"), Char("logical"), WrittenBitmap(3, {0x05}), WrittenValidity(3)}})},
-       {"Names", Cell({1, 2}, {Char("x"), Char("y")})}});
+  return TableEnvelope({"x", "y"}, {WrittenNumbers<std::int32_t>({1, 2, 3}),
+                                    WrittenArray("logical", 3, WrittenBitmap(3, {0x05}))});
 }
 
 TEST(EncodedTable, BeginsWithNamesAndEmptyColumns) {
   const EncodedTable begun = begin_encoded_table(number_and_bits().get()).ValueOrDie();
   const hxArrayPtr expected =
-      Struct({{"ArrowType", Char("table")},
-              {"Columns", hxCreateStructArray(std::array<size_t, 2>{2, 1},
-                                              std::array{"ArrowType", "Type", "Data", "Valid"})},
-              {"Names", Cell({1, 2}, {Char("x"), Char("y")})}});
+      TableEnvelope(Names({"x", "y"}), hxCreateStructArray(Dims{2, 1}, kColumnFields));
   EXPECT_TRUE(SameHostValue(begun.envelope.get(), expected.get()));
   EXPECT_EQ(begun.columns, hxGetField(begun.envelope.get(), 0, "Columns"));
 }

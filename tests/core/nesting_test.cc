@@ -2,6 +2,9 @@
 
 #include <array>
 #include <numeric>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "numera/core/limits.h"
 #include "numera/core/to_arrow.h"
@@ -104,30 +107,17 @@ TEST(NestingToArrow, RefusesWhatIsDeeper) {
   }
 }
 
-/// A struct array of two encoded values.
-hxArrayPtr Pair(const hxArrayPtr& first, const hxArrayPtr& second) {
-  const std::vector<const char*> names = {"ArrowType", "Type", "Data", "Valid"};
-  hxArrayPtr pair = hxCreateStructArray(Dims{2, 1}, names);
-  for (const char* name : names) {
-    hxSetField(pair.get(), 0, name, hxSharedCopy(hxGetField(first.get(), 0, name)));
-    hxSetField(pair.get(), 1, name, hxSharedCopy(hxGetField(second.get(), 0, name)));
-  }
-  return pair;
-}
-
-hxArrayPtr TableOf(hxArrayPtr columns) {
-  return Struct({{"ArrowType", Char("table")},
-                 {"Columns", std::move(columns)},
-                 {"Names", Cell({1, 2}, {Char("x"), Char("y")})}});
+/// Two encoded arrays, nested so many levels deep.
+hxArrayPtr Pair(const Containers& containers, size_t first, size_t second) {
+  return StructColumn(kColumnFields,
+                      {NestedEncoded(containers, first), NestedEncoded(containers, second)});
 }
 
 TEST(NestingToArrow, CountsTheLevelsOfEveryElementAlike) {
   for (const Containers& containers : kReadContainers) {
     SCOPED_TRACE(containers.back().name);
-    const hxArrayPtr deepest = NestedEncoded(containers, 1024);
-    const hxArrayPtr deeper = NestedEncoded(containers, 1025);
-    const hxArrayPtr taken = Pair(deepest, deepest);
-    const hxArrayPtr refused = Pair(deeper, deeper);
+    const hxArrayPtr taken = Pair(containers, 1024, 1024);
+    const hxArrayPtr refused = Pair(containers, 1025, 1025);
     for (const size_t index : {0U, 1U}) {
       EXPECT_EQ(to_arrow(taken.get(), index).status(), Status::OK());
       EXPECT_EQ(to_arrow(refused.get(), index).status(), kTooDeep);
@@ -138,12 +128,10 @@ TEST(NestingToArrow, CountsTheLevelsOfEveryElementAlike) {
 TEST(NestingToArrow, CountsTheLevelsOfEveryColumnAlike) {
   for (const Containers& containers : kReadContainers) {
     SCOPED_TRACE(containers.back().name);
-    const hxArrayPtr deepest = NestedEncoded(containers, 1024);
-    const hxArrayPtr deeper = NestedEncoded(containers, 1025);
-    const std::pair<hxArrayPtr, Status> cases[] = {{TableOf(Pair(deepest, deepest)), Status::OK()},
-                                                   {TableOf(Pair(deeper, deepest)), kTooDeep},
-                                                   {TableOf(Pair(deepest, deeper)), kTooDeep}};
-    for (const auto& [table, status] : cases) {
+    const std::tuple<size_t, size_t, Status> cases[] = {
+        {1024, 1024, Status::OK()}, {1025, 1024, kTooDeep}, {1024, 1025, kTooDeep}};
+    for (const auto& [first, second, status] : cases) {
+      const hxArrayPtr table = TableEnvelope(Names({"x", "y"}), Pair(containers, first, second));
       EXPECT_EQ(to_arrow_table(table.get()).status(), status);
     }
   }
@@ -171,23 +159,19 @@ TEST(LargeShapes, AStructOfFiveThousandFieldsConvertsBothWays) {
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector children;
   const auto number = ArrowArray(::arrow::int32(), "[7]");
-  hxArrayPtr names = hxCreateCellArray(Dims{1, kFields});
+  std::vector<std::string> names;
   hxArrayPtr values = hxCreateCellArray(Dims{1, kFields});
   for (size_t i = 0; i < kFields; ++i) {
-    const std::string name = "f" + std::to_string(i);
-    fields.push_back(::arrow::field(name, ::arrow::int32()));
+    names.push_back("f" + std::to_string(i));
+    fields.push_back(::arrow::field(names[i], ::arrow::int32()));
     children.push_back(number);
-    hxSetCell(names.get(), i, Char(name));
-    hxSetCell(values.get(), i,
-              WrittenEnvelope("array", "int32", WrittenValidity(1), Scalar<std::int32_t>(7)));
+    hxSetCell(values.get(), i, WrittenNumbers<std::int32_t>({7}));
   }
   const auto structs = ValueOf(::arrow::StructArray::Make(children, fields));
   const hxArrayPtr written = ValueOf(to_numera(structs));
   EXPECT_TRUE(SameHostValue(
       written.get(),
-      WrittenEnvelope("struct", "struct", WrittenBitmap(1),
-                      Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(values)}}))
-          .get()));
+      WrittenNested("struct", "struct", 1, StructData(Names(names), std::move(values))).get()));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(written.get())), *structs));
 }
 
@@ -199,18 +183,13 @@ TEST(LargeShapes, TenMillionEmptyListsConvertBothWays) {
                                  ArrowArray(::arrow::int32(), "[]"));
   const auto slice = lists.Slice(0);
   const hxArrayPtr written = ValueOf(to_numera(slice));
-  EXPECT_TRUE(SameHostValue(
-      written.get(),
-      WrittenEnvelope("list_array", "list_array", WrittenBitmap(kLists),
-                      Struct({{"Values", WrittenEnvelope("array", "int32", WrittenValidity(0),
-                                                         Column<std::int32_t>({}))},
-                              {"StartOffsets", Column<std::int32_t>(offsets)}}))
-          .get()));
-  const hxArrayPtr encoded = KindEnvelope(
-      "list_array", "list_array",
-      Struct({{"Values", Envelope("int32", Column<std::int32_t>({}))},
-              {"StartOffsets",
-               hxCreateNumericArray(Dims{kLists + 1, 1}, hxClassID::UInt64, hxComplexity::Real)}}));
+  EXPECT_TRUE(SameHostValue(written.get(), WrittenNested("list_array", "list_array", kLists,
+                                                         ListData(WrittenNumbers<std::int32_t>({}),
+                                                                  Column<std::int32_t>(offsets)))
+                                               .get()));
+  const hxArrayPtr encoded = ListEnvelope(
+      Numbers<std::int32_t>({}),
+      hxCreateNumericArray(Dims{kLists + 1, 1}, hxClassID::UInt64, hxComplexity::Real));
   const auto read = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   EXPECT_EQ(read->length(), 10'000'000);
   EXPECT_TRUE(read->ValidateFull().ok());
@@ -234,16 +213,12 @@ TEST(LargeShapes, AMillionListsOfStructsOfListsConvert) {
   std::iota(offsets.begin(), offsets.end(), 0);
   const std::vector<std::int32_t> numbers(offsets.begin(), offsets.end() - 1);
   const auto list_of = [&offsets](hxArrayPtr values) {
-    return WrittenEnvelope(
-        "list_array", "list_array", WrittenBitmap(1e6),
-        Struct({{"Values", std::move(values)}, {"StartOffsets", Column<std::int32_t>(offsets)}}));
+    return WrittenNested("list_array", "list_array", 1e6,
+                         ListData(std::move(values), Column<std::int32_t>(offsets)));
   };
-  hxArrayPtr inner = list_of(
-      WrittenEnvelope("array", "int32", WrittenValidity(1e6), Column<std::int32_t>(numbers)));
+  hxArrayPtr inner = list_of(WrittenNumbers<std::int32_t>(numbers));
   const hxArrayPtr expected =
-      list_of(WrittenEnvelope("struct", "struct", WrittenBitmap(1e6),
-                              Struct({{"FieldName", Cell({1, 1}, {Char("values")})},
-                                      {"FieldData", Cell({1, 1}, {std::move(inner)})}})));
+      list_of(WrittenNested("struct", "struct", 1e6, StructData({"values"}, {std::move(inner)})));
   EXPECT_TRUE(
       SameHostValue(ValueOf(to_numera(ListsOfStructsOfLists(offsets))).get(), expected.get()));
 }

@@ -84,9 +84,7 @@ TEST(StackOfToArrow, HoldsAFailureOfTheInnermostValue) {
 TEST(StackOfToArrowTable, HoldsTheDeepestColumns) {
   for (const Containers& containers : kReadContainers) {
     SCOPED_TRACE(containers.back().name);
-    const hxArrayPtr encoded = Struct({{"ArrowType", Char("table")},
-                                       {"Columns", NestedEncoded(containers, kDeepest)},
-                                       {"Names", Cell({Char("deep")})}});
+    const hxArrayPtr encoded = TableEnvelope(Names({"deep"}), NestedEncoded(containers, kDeepest));
     std::int64_t rows = 0;
     OnStatedStack(kStackBytes, [&] { rows = ValueOf(to_arrow_table(encoded.get()))->num_rows(); });
     EXPECT_EQ(rows, 1);

@@ -34,9 +34,8 @@ TEST(ToArrowBuffer, CoversTheBytesOfTheHost) {
 }
 
 TEST(ToArrowBuffer, TakesEveryShapeAndDoesNotReadTheLength) {
-  const hxArrayPtr encoded = Struct({{"Values", Matrix<std::uint8_t>({2, 2}, {1, 2, 3, 4})},
-                                     {"Length", Char("not a number")},
-                                     {"ArrowType", Char("buffer")}});
+  const hxArrayPtr encoded =
+      BitmapOf(Matrix<std::uint8_t>({2, 2}, {1, 2, 3, 4}), Char("not a number"));
   EXPECT_TRUE(to_arrow<Buffer>(encoded.get()).ValueOrDie()->Equals(*ArrowBuffer({1, 2, 3, 4})));
 }
 
@@ -45,29 +44,27 @@ TEST(ToArrowBuffer, GivesAnEmptyBufferForNoBytes) {
 }
 
 TEST(ToArrowBuffer, ReportsTheFirstFailingField) {
-  const auto buffer = [](hxArrayPtr kind, hxArrayPtr values) {
-    return Struct({{"ArrowType", std::move(kind)}, {"Values", std::move(values)}});
-  };
   struct Case {
     hxArrayPtr encoded;
     const char* message;
   };
   const Case cases[] = {
-      {buffer(Empty(), Empty()), "Missing field 'ArrowType' in input struct array"},
-      {buffer(Scalar(1.0), Empty()), "Incorrect type 'double' for struct array field 'ArrowType'"},
-      {buffer(Char("bits"), Empty()), "Missing field 'Values' in input struct array"},
-      {buffer(Char("bits"), Scalar<std::int8_t>(1)),
+      {BufferOf(Empty(), Empty()), "Missing field 'ArrowType' in input struct array"},
+      {BufferOf(Scalar(1.0), Empty()),
+       "Incorrect type 'double' for struct array field 'ArrowType'"},
+      {BufferOf(Char("bits"), Empty()), "Missing field 'Values' in input struct array"},
+      {BufferOf(Char("bits"), Scalar<std::int8_t>(1)),
        "Incorrect type 'int8' for struct array field 'Values'"},
-      {buffer(Char("buffer"), Logical({true})),
+      {BufferOf(Char("buffer"), Logical({true})),
        "Incorrect type 'logical' for struct array field 'Values'"},
-      {buffer(Char("Buffer"), Scalar<std::uint8_t>(1)),
+      {BufferOf(Char("Buffer"), Scalar<std::uint8_t>(1)),
        "Expected 'buffer' input type, received 'Buffer' instead."},
-      {buffer(Char("array"), Scalar<std::uint8_t>(1)),
+      {BufferOf(Char("array"), Scalar<std::uint8_t>(1)),
        "Expected 'buffer' input type, received 'array' instead."},
-      {buffer(Char("buffer"), Complex<std::uint8_t>({1, 1}, {{1, 2}})),
+      {BufferOf(Char("buffer"), Complex<std::uint8_t>({1, 1}, {{1, 2}})),
        "Field 'Values': found a complex 1-by-1 uint8 array, expected a real array that is not "
        "sparse."},
-      {buffer(Char("buffer"), host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::UInt8)),
+      {BufferOf(Char("buffer"), host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::UInt8)),
        "Field 'Values': found a sparse 1-by-1 uint8 array, expected a real array that is not "
        "sparse."},
   };

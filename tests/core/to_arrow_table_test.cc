@@ -19,22 +19,11 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-hxArrayPtr table_of(hxArrayPtr names, hxArrayPtr columns) {
-  return Struct(
-      {{"ArrowType", Char("table")}, {"Columns", std::move(columns)}, {"Names", std::move(names)}});
-}
-
-/// A "Columns" struct array with the given rows. Each row has "ArrowType", "Type", "Data", "Valid".
-hxArrayPtr columns_of(const Dims& dims, Rows rows) {
-  return StructArray(dims, {"ArrowType", "Type", "Data", "Valid"}, rows);
-}
-
-hxArrayPtr two_names() { return Cell({1, 2}, {Char("x"), Char("y")}); }
+hxArrayPtr two_names() { return Names({"x", "y"}); }
 
 hxArrayPtr two_columns() {
-  return columns_of({2, 1},
-                    {{Char("array"), Char("double"), Column<double>({1, 2}), BufferEnvelope({2})},
-                     {Char("array"), Char("logical"), WrittenBitmap(2, {1}), BufferEnvelope({})}});
+  return StructColumn(kColumnFields,
+                      {Numbers<double>({1, 2}, {2}), Envelope("logical", WrittenBitmap(2, {1}))});
 }
 
 Status converted(const hxArrayPtr& encoded) { return to_arrow_table(encoded.get()).status(); }
@@ -45,7 +34,7 @@ std::string message_thrown(const hxArrayPtr& encoded) {
 }
 
 TEST(ToArrowTable, ConvertsEveryColumn) {
-  const hxArrayPtr encoded = table_of(two_names(), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(two_names(), two_columns());
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   const auto expected =
       ::arrow::Table::Make(::arrow::schema({::arrow::field("x", ::arrow::float64()),
@@ -58,7 +47,7 @@ TEST(ToArrowTable, ConvertsEveryColumn) {
 }
 
 TEST(ToArrowTable, MakesNullableFieldsWithoutMetadata) {
-  const hxArrayPtr encoded = table_of(two_names(), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(two_names(), two_columns());
   const auto schema = to_arrow_table(encoded.get()).ValueOrDie()->schema();
   EXPECT_EQ(schema->metadata(), nullptr);
   for (const auto& field : schema->fields()) {
@@ -68,7 +57,7 @@ TEST(ToArrowTable, MakesNullableFieldsWithoutMetadata) {
 }
 
 TEST(ToArrowTable, BorrowsTheMemoryOfTheHost) {
-  const hxArrayPtr encoded = table_of(two_names(), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(two_names(), two_columns());
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   const hxArray* columns = hxGetField(encoded.get(), 0, "Columns");
   EXPECT_EQ(table->column(0)->chunk(0)->data()->buffers[1]->data(),
@@ -76,7 +65,7 @@ TEST(ToArrowTable, BorrowsTheMemoryOfTheHost) {
 }
 
 TEST(ToArrowTable, MakesAnEmptySchemaOfNoColumns) {
-  const hxArrayPtr encoded = table_of(Cell({1, 0}, {}), columns_of({0, 1}, {}));
+  const hxArrayPtr encoded = TableEnvelope(Names({}), StructColumn(kColumnFields, {}));
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   EXPECT_EQ(table->num_columns(), 0);
   EXPECT_EQ(table->num_rows(), 0);
@@ -85,8 +74,7 @@ TEST(ToArrowTable, MakesAnEmptySchemaOfNoColumns) {
 
 TEST(ToArrowTable, DoesNotCompareTheTextOfTheKind) {
   for (const char* kind : {"array", "", "Table"}) {
-    const hxArrayPtr encoded =
-        Struct({{"ArrowType", Char(kind)}, {"Names", two_names()}, {"Columns", two_columns()}});
+    const hxArrayPtr encoded = TableOf(Char(kind), two_names(), two_columns());
     EXPECT_EQ(converted(encoded), Status::OK());
   }
 }
@@ -95,21 +83,21 @@ TEST(ToArrowTable, TakesAnObjectAsTheTableButNotAsItsColumns) {
   const hxArrayPtr encoded = ObjectArray("table", {1, 1}, {"ArrowType", "Names", "Columns"},
                                          {{Char("table"), two_names(), two_columns()}});
   EXPECT_EQ(converted(encoded), Status::OK());
-  const hxArrayPtr columns = table_of(
-      Cell({1, 0}, {}), ObjectArray("columns", {0, 1}, {"ArrowType", "Type", "Data", "Valid"}, {}));
+  const hxArrayPtr columns =
+      TableEnvelope(Names({}), ObjectArray("columns", {0, 1}, kColumnFields, {}));
   EXPECT_EQ(converted(columns),
             Status::TypeError("Incorrect type 'columns' for struct array field 'Columns'"));
 }
 
 TEST(ToArrowTable, GivesTheEmptyNameForACellThatIsNoText) {
-  const hxArrayPtr encoded = table_of(Cell({Scalar(1.0), Empty()}), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(Cell({Scalar(1.0), Empty()}), two_columns());
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   EXPECT_EQ(table->ColumnNames(), (std::vector<std::string>{"", ""}));
 }
 
 TEST(ToArrowTable, KeepsNamesBeyondAsciiAndTwiceTheSame) {
   const hxArrayPtr encoded =
-      table_of(Cell({Char(u"Stra\u00DFe"), Char(u"Stra\u00DFe")}), two_columns());
+      TableEnvelope(Cell({Char(u"Stra\u00DFe"), Char(u"Stra\u00DFe")}), two_columns());
   EXPECT_EQ(to_arrow_table(encoded.get()).ValueOrDie()->ColumnNames(),
             (std::vector<std::string>{"Stra\xC3\x9F"
                                       "e",
@@ -118,36 +106,30 @@ TEST(ToArrowTable, KeepsNamesBeyondAsciiAndTwiceTheSame) {
 }
 
 TEST(ToArrowTable, IgnoresNamesBeyondTheColumns) {
-  const hxArrayPtr encoded = table_of(Cell({Char("x"), Char("y"), Char("z")}), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(Names({"x", "y", "z"}), two_columns());
   EXPECT_EQ(to_arrow_table(encoded.get()).ValueOrDie()->ColumnNames(),
             (std::vector<std::string>{"x", "y"}));
 }
 
 TEST(ToArrowTable, CountsTheColumnsByTheFirstDimension) {
   const auto column = [] {
-    return columns_of({1, 2}, {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-                               {Char("array"), Char("double"), Scalar(2.0), BufferEnvelope({})}});
+    return StructArray({1, 2}, kColumnFields,
+                       {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
+                        {Char("array"), Char("double"), Scalar(2.0), BufferEnvelope({})}});
   };
-  EXPECT_EQ(to_arrow_table(table_of(two_names(), column()).get()).ValueOrDie()->num_columns(), 1);
+  EXPECT_EQ(to_arrow_table(TableEnvelope(two_names(), column()).get()).ValueOrDie()->num_columns(),
+            1);
 }
 
 TEST(ToArrowTable, DoesNotCompareTheLengthsOfColumns) {
-  const hxArrayPtr encoded = table_of(
-      two_names(),
-      columns_of({2, 1},
-                 {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-                  {Char("array"), Char("double"), Column<double>({1, 2, 3}), BufferEnvelope({})}}));
+  const hxArrayPtr encoded =
+      TableEnvelope({"x", "y"}, {Numbers<double>({1}), Numbers<double>({1, 2, 3})});
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   EXPECT_EQ(table->num_rows(), 1);
   EXPECT_EQ(table->column(1)->length(), 3);
 }
 
 TEST(ToArrowTable, ReportsTheFirstFieldThatFails) {
-  const auto table = [](hxArrayPtr kind, hxArrayPtr names, hxArrayPtr columns) {
-    return Struct({{"ArrowType", std::move(kind)},
-                   {"Names", std::move(names)},
-                   {"Columns", std::move(columns)}});
-  };
   struct Case {
     hxArrayPtr encoded;
     const char* message;
@@ -155,14 +137,14 @@ TEST(ToArrowTable, ReportsTheFirstFieldThatFails) {
   const Case cases[] = {
       {Scalar(1.0), "Struct array required for input"},
       {nullptr, "Struct array required for input"},
-      {table(Empty(), Empty(), Empty()), "Missing field 'ArrowType' in input struct array"},
-      {table(Strings({u"table"}), Empty(), Empty()),
+      {TableOf(Empty(), Empty(), Empty()), "Missing field 'ArrowType' in input struct array"},
+      {TableOf(Strings({u"table"}), Empty(), Empty()),
        "Incorrect type 'string' for struct array field 'ArrowType'"},
-      {table(Char(""), Empty(), Empty()), "Missing field 'Names' in input struct array"},
-      {table(Char(""), Strings({u"x"}), Empty()),
+      {TableOf(Char(""), Empty(), Empty()), "Missing field 'Names' in input struct array"},
+      {TableOf(Char(""), Strings({u"x"}), Empty()),
        "Incorrect type 'string' for struct array field 'Names'"},
-      {table(Char(""), two_names(), Empty()), "Missing field 'Columns' in input struct array"},
-      {table(Char(""), two_names(), Cell({})),
+      {TableOf(Char(""), two_names(), Empty()), "Missing field 'Columns' in input struct array"},
+      {TableOf(Char(""), two_names(), Cell({})),
        "Incorrect type 'cell' for struct array field 'Columns'"},
   };
   for (const Case& one : cases) {
@@ -184,38 +166,34 @@ TEST(ToArrowTable, ThrowsWhereTheHostDoes) {
   EXPECT_EQ(
       message_thrown<std::out_of_range>(StructArray({0, 1}, {"ArrowType", "Names", "Columns"}, {})),
       "Struct index is out of range.");
-  EXPECT_EQ(message_thrown<std::out_of_range>(table_of(Cell({Char("x")}), two_columns())),
+  EXPECT_EQ(message_thrown<std::out_of_range>(TableEnvelope(Names({"x"}), two_columns())),
             "Cell index is out of range.");
   for (const size_t rows : {size_t{2}, size_t{1} << 62}) {
-    EXPECT_EQ(message_thrown<std::out_of_range>(table_of(two_names(), columns_of({rows, 0}, {}))),
+    EXPECT_EQ(message_thrown<std::out_of_range>(
+                  TableEnvelope(two_names(), StructArray({rows, 0}, kColumnFields, {}))),
               "Struct index is out of range.");
   }
 }
 
 TEST(ToArrowTable, PassesOnTheStatusOfAColumnUnchanged) {
-  const hxArrayPtr encoded = table_of(
-      two_names(),
-      columns_of({2, 1}, {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-                          {Char("table"), Char("double"), Scalar(1.0), BufferEnvelope({})}}));
+  const hxArrayPtr encoded = TableEnvelope(
+      {"x", "y"}, {Numbers<double>({1}), KindEnvelope("table", "double", Scalar(1.0))});
   const Status status = converted(encoded);
   EXPECT_EQ(status, Status::TypeError("Expected 'array' input type, received 'table' instead."));
   EXPECT_EQ(status.detail(), nullptr);
 }
 
 TEST(ToArrowTable, AnswersEmptySlotsOfALaterColumnWithAStatus) {
-  const hxArrayPtr encoded =
-      table_of(two_names(),
-               columns_of({2, 1}, {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-                                   {Empty(), Empty(), Empty(), Empty()}}));
+  const hxArrayPtr encoded = TableEnvelope(
+      {"x", "y"}, {Numbers<double>({1}), EnvelopeOf(Empty(), Empty(), Empty(), Empty())});
   EXPECT_EQ(converted(encoded),
             Status::TypeError("Expected 'array' input type, received '' instead."));
 }
 
 TEST(ToArrowTable, RefusesAValidThatArrowWouldReadPast) {
   const auto with_data = [](hxArrayPtr type, hxArrayPtr data) {
-    return table_of(Cell({Char("x")}),
-                    columns_of({1, 1}, {{Char("array"), std::move(type), std::move(data),
-                                         BufferEnvelope({0xFF})}}));
+    return TableEnvelope({"x"}, {EnvelopeOf(Char("array"), std::move(type), BufferEnvelope({0xFF}),
+                                            std::move(data))});
   };
   EXPECT_EQ(converted(with_data(Char("double"), Column<double>(std::vector<double>(9)))),
             Status::Invalid("Field 'Valid': found 1 bytes, expected enough for 9 elements."));
@@ -229,26 +207,20 @@ TEST(ToArrowTable, RefusesAValidThatArrowWouldReadPast) {
 
 /// Each column holds its own index.
 hxArrayPtr many_columns(size_t count) {
-  hxArrayPtr columns = hxCreateStructArray(
-      Dims{count, 1}, std::vector<const char*>{"ArrowType", "Type", "Data", "Valid"});
-  for (size_t i = 0; i < count; ++i) {
-    hxSetField(columns.get(), i, "ArrowType", Char("array"));
-    hxSetField(columns.get(), i, "Type", Char("double"));
-    hxSetField(columns.get(), i, "Data", Scalar(static_cast<double>(i)));
-    hxSetField(columns.get(), i, "Valid", BufferEnvelope({}));
-  }
-  return columns;
+  std::vector<hxArrayPtr> columns;
+  for (size_t i = 0; i < count; ++i) columns.push_back(Numbers<double>({static_cast<double>(i)}));
+  return StructColumn(kColumnFields, columns);
 }
 
 hxArrayPtr many_names(size_t count) {
-  hxArrayPtr names = hxCreateCellArray(Dims{1, count});
-  for (size_t i = 0; i < count; ++i) hxSetCell(names.get(), i, Char("c" + std::to_string(i)));
-  return names;
+  std::vector<std::string> names;
+  for (size_t i = 0; i < count; ++i) names.push_back("c" + std::to_string(i));
+  return Names(names);
 }
 
 TEST(ToArrowTable, ConvertsTenThousandColumns) {
   constexpr size_t kCount = 10'000;
-  const hxArrayPtr encoded = table_of(many_names(kCount), many_columns(kCount));
+  const hxArrayPtr encoded = TableEnvelope(many_names(kCount), many_columns(kCount));
   Reset();
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   EXPECT_EQ(Calls("hxThrowIfInterruptPending"), kCount);
@@ -269,7 +241,7 @@ class ToArrowTableInterrupts : public ::testing::Test {
 
 TEST_F(ToArrowTableInterrupts, AreCheckedOnceBeforeEachColumn) {
   for (const size_t count : {size_t{0}, size_t{1}, size_t{3}}) {
-    const hxArrayPtr encoded = table_of(many_names(count), many_columns(count));
+    const hxArrayPtr encoded = TableEnvelope(many_names(count), many_columns(count));
     Reset();
     ASSERT_TRUE(to_arrow_table(encoded.get()).ok());
     EXPECT_EQ(Calls("hxThrowIfInterruptPending"), count);
@@ -277,7 +249,7 @@ TEST_F(ToArrowTableInterrupts, AreCheckedOnceBeforeEachColumn) {
 }
 
 TEST_F(ToArrowTableInterrupts, StopTheConversionBeforeTheNextColumn) {
-  const hxArrayPtr encoded = table_of(many_names(3), many_columns(3));
+  const hxArrayPtr encoded = TableEnvelope(many_names(3), many_columns(3));
   std::vector<size_t> names_read;
   host::memory::SetInterruptCheck([&names_read] {
     names_read.push_back(Calls("hxGetCellChecked"));
@@ -289,7 +261,7 @@ TEST_F(ToArrowTableInterrupts, StopTheConversionBeforeTheNextColumn) {
 }
 
 TEST(ToArrowTable, LeavesNothingBehindWhereverItFails) {
-  const hxArrayPtr encoded = table_of(two_names(), two_columns());
+  const hxArrayPtr encoded = TableEnvelope(two_names(), two_columns());
   const FaultSites sites = FailEverywhere([&encoded] { return converted(encoded); });
   EXPECT_GE(sites.calls, 30U);
 }

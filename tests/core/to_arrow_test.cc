@@ -21,16 +21,8 @@ using ::arrow::Status;
 
 Status converted(const hxArrayPtr& encoded) { return to_arrow<Array>(encoded.get()).status(); }
 
-/// An envelope with the four given fields.
-hxArrayPtr envelope_of(hxArrayPtr kind, hxArrayPtr type, hxArrayPtr valid, hxArrayPtr data) {
-  return Struct({{"ArrowType", std::move(kind)},
-                 {"Type", std::move(type)},
-                 {"Valid", std::move(valid)},
-                 {"Data", std::move(data)}});
-}
-
 TEST(ToArrow, ConvertsAColumnOverTheHostsMemory) {
-  const hxArrayPtr encoded = Envelope("double", Column<double>({1, 2, 3}), {0x05});
+  const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
   const auto array = to_arrow<Array>(encoded.get()).ValueOrDie();
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[1, null, 3]")));
   const hxArray* valid = hxGetField(encoded.get(), 0, "Valid");
@@ -40,7 +32,7 @@ TEST(ToArrow, ConvertsAColumnOverTheHostsMemory) {
 }
 
 TEST(ToArrow, LeavesTheNullCountUnknownAndTheOffsetZero) {
-  const hxArrayPtr encoded = Envelope("double", Column<double>({1, 2, 3}), {0x05});
+  const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
   const auto array = to_arrow<Array>(encoded.get()).ValueOrDie();
   EXPECT_EQ(array->data()->null_count.load(), -1);
   EXPECT_EQ(array->offset(), 0);
@@ -48,7 +40,7 @@ TEST(ToArrow, LeavesTheNullCountUnknownAndTheOffsetZero) {
 }
 
 TEST(ToArrow, MakesNoBitmapOfAValidWithoutBytes) {
-  const hxArrayPtr encoded = Envelope("double", Column<double>({1, 2, 3}));
+  const hxArrayPtr encoded = Numbers<double>({1, 2, 3});
   const auto array = to_arrow<Array>(encoded.get()).ValueOrDie();
   EXPECT_EQ(array->data()->buffers[0], nullptr);
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[1, 2, 3]")));
@@ -66,7 +58,7 @@ TEST(ToArrow, TakesTheFieldsInAnyOrderAndOthersBesideThem) {
 
 TEST(ToArrow, TakesAnObjectAsTheEnvelope) {
   const hxArrayPtr encoded =
-      ObjectArray("column", {1, 1}, {"ArrowType", "Type", "Valid", "Data"},
+      ObjectArray("column", {1, 1}, kEnvelopeFields,
                   {{Char("array"), Char("double"), BufferEnvelope({}), Column<double>({1})}});
   EXPECT_TRUE(SameArray(*to_arrow<Array>(encoded.get()).ValueOrDie(),
                         *ArrowArray(::arrow::float64(), "[1]")));
@@ -82,10 +74,9 @@ TEST(ToArrow, LetsTheClassOfNumbersDecideTheType) {
 }
 
 TEST(ToArrow, ConvertsTheElementThatIsAskedFor) {
-  const hxArrayPtr encoded = StructArray(
-      {2, 1}, {"ArrowType", "Type", "Valid", "Data"},
-      {{Char("array"), Char("double"), BufferEnvelope({}), Column<double>({1})},
-       {Char("array"), Char("logical"), BufferEnvelope({0x02}), WrittenBitmap(2, {0x03})}});
+  const hxArrayPtr encoded =
+      StructColumn(kEnvelopeFields,
+                   {Numbers<double>({1}), Envelope("logical", WrittenBitmap(2, {0x03}), {0x02})});
   EXPECT_TRUE(
       SameArray(*to_arrow(encoded.get(), 0).ValueOrDie(), *ArrowArray(::arrow::float64(), "[1]")));
   EXPECT_TRUE(SameArray(*to_arrow(encoded.get(), 1).ValueOrDie(),
@@ -99,25 +90,24 @@ TEST(ToArrow, ReportsTheFirstFailingFieldInTheOrderOfTheChecks) {
   };
   const auto bad = [] { return Scalar(1.0); };
   const Case cases[] = {
-      {envelope_of(bad(), bad(), bad(), Empty()), "Missing field 'Data' in input struct array"},
-      {envelope_of(bad(), bad(), bad(), bad()),
+      {EnvelopeOf(bad(), bad(), bad(), Empty()), "Missing field 'Data' in input struct array"},
+      {EnvelopeOf(bad(), bad(), bad(), bad()),
        "Incorrect type 'double' for struct array field 'ArrowType'"},
-      {envelope_of(Empty(), bad(), bad(), bad()),
-       "Missing field 'ArrowType' in input struct array"},
-      {envelope_of(Char("array"), bad(), bad(), bad()),
+      {EnvelopeOf(Empty(), bad(), bad(), bad()), "Missing field 'ArrowType' in input struct array"},
+      {EnvelopeOf(Char("array"), bad(), bad(), bad()),
        "Incorrect type 'double' for struct array field 'Type'"},
-      {envelope_of(Char("array"), Empty(), bad(), bad()),
+      {EnvelopeOf(Char("array"), Empty(), bad(), bad()),
        "Missing field 'Type' in input struct array"},
-      {envelope_of(Char("array"), Strings({u"double"}), bad(), bad()),
+      {EnvelopeOf(Char("array"), Strings({u"double"}), bad(), bad()),
        "Incorrect type 'string' for struct array field 'Type'"},
-      {envelope_of(Char("array"), Char("double"), bad(), bad()),
+      {EnvelopeOf(Char("array"), Char("double"), bad(), bad()),
        "Incorrect type 'double' for struct array field 'Valid'"},
-      {envelope_of(Char("array"), Char("double"), Empty(), bad()),
+      {EnvelopeOf(Char("array"), Char("double"), Empty(), bad()),
        "Missing field 'Valid' in input struct array"},
-      {envelope_of(Char("array"), Char("double"),
-                   ObjectArray("bitmap", {1, 1}, {"ArrowType", "Values"},
-                               {{Char("buffer"), Column<std::uint8_t>({})}}),
-                   bad()),
+      {EnvelopeOf(Char("array"), Char("double"),
+                  ObjectArray("bitmap", {1, 1}, {"ArrowType", "Values"},
+                              {{Char("buffer"), Column<std::uint8_t>({})}}),
+                  bad()),
        "Incorrect type 'bitmap' for struct array field 'Valid'"},
   };
   for (const Case& one : cases) {
@@ -135,11 +125,10 @@ TEST(ToArrow, RunsEveryCheckEvenAfterAFailure) {
 }
 
 TEST(ToArrow, ThrowsForEachFieldThatTheStructLacks) {
-  const std::vector<const char*> names = {"ArrowType", "Type", "Valid", "Data"};
-  for (const char* missing : names) {
+  for (const char* missing : kEnvelopeFields) {
     SCOPED_TRACE(missing);
     std::vector<const char*> others;
-    for (const char* name : names) others.push_back(name == missing ? "other" : name);
+    for (const char* name : kEnvelopeFields) others.push_back(name == missing ? "other" : name);
     const hxArrayPtr encoded = StructArray(
         {1, 1}, others, {{Char("array"), Char("double"), BufferEnvelope({}), Scalar(1.0)}});
     EXPECT_EQ(MessageThrown<std::invalid_argument>(
@@ -149,14 +138,14 @@ TEST(ToArrow, ThrowsForEachFieldThatTheStructLacks) {
 }
 
 TEST(ToArrow, ThrowsForAStructWithoutElements) {
-  const hxArrayPtr encoded = StructArray({0, 0}, {"ArrowType", "Type", "Valid", "Data"}, {});
+  const hxArrayPtr encoded = StructArray({0, 0}, kEnvelopeFields, {});
   EXPECT_EQ(MessageThrown<std::out_of_range>(
                 [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
             "Struct index is out of range.");
 }
 
 TEST(ToArrow, ThrowsForAnElementThatIsNotThere) {
-  const hxArrayPtr encoded = Envelope("double", Scalar(1.0));
+  const hxArrayPtr encoded = Numbers<double>({1});
   EXPECT_EQ(MessageThrown<std::out_of_range>(
                 [&encoded] { static_cast<void>(to_arrow(encoded.get(), 1)); }),
             "Struct index is out of range.");
@@ -180,8 +169,8 @@ TEST(ToArrow, RefusesOtherKindsAndQuotesThem) {
 
 TEST(ToArrow, LetsTheCodecRefuseAKindThatIsNoText) {
   const char16_t unpaired[] = {0xDC00};
-  const hxArrayPtr encoded = envelope_of(Char(std::u16string_view(unpaired, 1)), Char("double"),
-                                         BufferEnvelope({}), Scalar(1.0));
+  const hxArrayPtr encoded = EnvelopeOf(Char(std::u16string_view(unpaired, 1)), Char("double"),
+                                        BufferEnvelope({}), Scalar(1.0));
   EXPECT_THROW(static_cast<void>(converted(encoded)), hxCodecError);
 }
 
@@ -208,7 +197,7 @@ TEST(ToArrow, RefusesDataWithoutAConverter) {
 
 TEST(ToArrow, TakesAnObjectAsStructData) {
   const hxArrayPtr encoded =
-      Envelope("logical", ObjectArray("bits", {1, 1}, {"Values", "Length", "ArrowType"},
+      Envelope("logical", ObjectArray("bits", {1, 1}, kBitmapFields,
                                       {{Column<std::uint8_t>({2}), Scalar(2.0), Char("buffer")}}));
   EXPECT_TRUE(SameArray(*to_arrow<Array>(encoded.get()).ValueOrDie(),
                         *ArrowArray(::arrow::boolean(), "[false, true]")));
@@ -225,40 +214,31 @@ TEST(ToArrow, NamesDataThatIsComplexOrSparse) {
 }
 
 TEST(ToArrow, PassesOnWhatIsWrongWithValid) {
-  const hxArrayPtr encoded = envelope_of(Char("array"), Char("double"),
-                                         KindEnvelope("array", "double", Scalar(1.0)), Scalar(1.0));
+  const hxArrayPtr encoded =
+      EnvelopeOf(Char("array"), Char("double"), Numbers<double>({1}), Scalar(1.0));
   EXPECT_EQ(MessageThrown<std::invalid_argument>(
                 [&encoded] { static_cast<void>(to_arrow<Array>(encoded.get())); }),
             "Wrong field name.");
-  const hxArrayPtr of_another_kind = envelope_of(
-      Char("array"), Char("double"),
-      Struct({{"ArrowType", Char("array")}, {"Values", Column<std::uint8_t>({})}}), Char("text"));
+  const hxArrayPtr of_another_kind =
+      EnvelopeOf(Char("array"), Char("double"), BufferOf(Char("array"), Column<std::uint8_t>({})),
+                 Char("text"));
   EXPECT_EQ(converted(of_another_kind),
             Status::TypeError("Expected 'buffer' input type, received 'array' instead."));
 }
 
 TEST(ToArrow, AnswersEmptySlotsOfLaterElementsWithAStatus) {
-  const std::vector<const char*> names = {"ArrowType", "Type", "Valid", "Data"};
-  const auto first = [](int field) -> hxArrayPtr {
-    if (field == 0) return Char("array");
-    if (field == 1) return Char("double");
-    if (field == 2) return BufferEnvelope({});
-    return Scalar(1.0);
-  };
-  const std::pair<int, Status> cases[] = {
+  const std::pair<size_t, Status> cases[] = {
       {0, Status::TypeError("Expected 'array' input type, received '' instead.")},
       {1, Status::OK()},
       {2, Status::TypeError("Struct array required for input")},
       {3, Status::Invalid("Invalid type for NUMERA to Arrow conversion.")},
   };
   for (const auto& [empty, expected] : cases) {
-    SCOPED_TRACE(names[static_cast<size_t>(empty)]);
-    const hxArrayPtr encoded = hxCreateStructArray(Dims{2, 1}, names);
-    for (int field = 0; field < 4; ++field) {
-      hxSetField(encoded.get(), 0, names[static_cast<size_t>(field)], first(field));
-      if (field == empty) continue;
-      hxSetField(encoded.get(), 1, names[static_cast<size_t>(field)], first(field));
-    }
+    SCOPED_TRACE(kEnvelopeFields[empty]);
+    hxArrayPtr second = Numbers<double>({1});
+    hxSetField(second.get(), 0, kEnvelopeFields[empty], Empty());
+    const hxArrayPtr encoded =
+        StructColumn(kEnvelopeFields, {Numbers<double>({1}), std::move(second)});
     EXPECT_EQ(to_arrow(encoded.get(), 1).status(), expected);
   }
 }

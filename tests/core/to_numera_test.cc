@@ -46,8 +46,7 @@ std::shared_ptr<::arrow::Array> uint8s(std::int64_t length, std::shared_ptr<::ar
 
 TEST(ToNumera, WritesAnEnvelope) {
   const auto array = uint8s(3, ArrowBuffer({10, 20, 30}), ArrowBuffer({0x05}));
-  const hxArrayPtr expected = WrittenEnvelope("array", "uint8", WrittenValidity(3, {0xFD}),
-                                              Column<std::uint8_t>({10, 20, 30}));
+  const hxArrayPtr expected = WrittenNumbers<std::uint8_t>({10, 20, 30}, {0xFD});
   EXPECT_TRUE(SameHostValue(to_numera(array).ValueOrDie().get(), expected.get()));
 }
 
@@ -70,21 +69,19 @@ TEST(ToNumera, WritesTheLengthOfNullColumns) {
       to_numera(ArrowChunks(::arrow::null(), {"[null, null]", "[]", "[null, null, null]"}))
           .ValueOrDie()
           .get(),
-      WrittenEnvelope("array", "null", WrittenValidity(5, {0xFF}), Scalar<std::int64_t>(5)).get()));
+      WrittenArray("null", 5, Scalar<std::int64_t>(5), {0xFF}).get()));
 }
 
 TEST(ToNumera, ReadsANullArrayWithoutBuffers) {
   const auto array = ::arrow::MakeArray(::arrow::ArrayData::Make(::arrow::null(), 2, {}, 2));
-  EXPECT_TRUE(SameHostValue(
-      ToNumeraOnlyReads(array).ValueOrDie().get(),
-      WrittenEnvelope("array", "null", WrittenValidity(2, {0xFF}), Scalar<std::int64_t>(2)).get()));
+  EXPECT_TRUE(SameHostValue(ToNumeraOnlyReads(array).ValueOrDie().get(),
+                            WrittenArray("null", 2, Scalar<std::int64_t>(2), {0xFF}).get()));
 }
 
 TEST(ToNumera, WritesAColumnWithoutChunks) {
   EXPECT_TRUE(SameHostValue(
       to_numera(ArrowChunks(::arrow::float64(), {})).ValueOrDie().get(),
-      WrittenEnvelope("array", "double", StructArray({0, 1}, {"Values", "Length", "ArrowType"}, {}),
-                      Column<double>({}))
+      WrittenEnvelope("array", "double", StructArray({0, 1}, kBitmapFields, {}), Column<double>({}))
           .get()));
 }
 
@@ -115,17 +112,15 @@ TEST(ToNumera, RefusesNull) {
 TEST(ToNumera, CountsTheNullsOfABitmapThatIsTooShort) {
   const auto array =
       uint8s(20, ArrowBuffer(std::vector<std::uint8_t>(20, 7)), ArrowBuffer({0xFE, 0xFF}));
-  EXPECT_TRUE(
-      SameHostValue(ToNumeraOnlyReads(array).ValueOrDie().get(),
-                    WrittenEnvelope("array", "uint8", WrittenValidity(20, {0xFE, 0xFF, 0xFF}),
-                                    Column<std::uint8_t>(std::vector<std::uint8_t>(20, 7)))
-                        .get()));
+  EXPECT_TRUE(SameHostValue(
+      ToNumeraOnlyReads(array).ValueOrDie().get(),
+      WrittenNumbers<std::uint8_t>(std::vector<std::uint8_t>(20, 7), {0xFE, 0xFF, 0xFF}).get()));
 }
 
 TEST(ToNumera, FindsNoNullsInABitmapWithoutBits) {
-  EXPECT_TRUE(SameHostValue(
-      to_numera(uint8s(2, ArrowBuffer({1, 2}), ArrowBuffer({}))).ValueOrDie().get(),
-      WrittenEnvelope("array", "uint8", WrittenValidity(2), Column<std::uint8_t>({1, 2})).get()));
+  EXPECT_TRUE(
+      SameHostValue(to_numera(uint8s(2, ArrowBuffer({1, 2}), ArrowBuffer({}))).ValueOrDie().get(),
+                    WrittenNumbers<std::uint8_t>({1, 2}).get()));
 }
 
 TEST(ToNumera, RefusesAnExtentBelowZeroOrTooFar) {
@@ -224,10 +219,9 @@ TEST(ToNumera, LeavesNothingBehindOfARefusedColumn) {
 
 TEST(ToNumera, ReadsBackWhatToArrowMade) {
   const hxArrayPtr encoded[] = {
-      WrittenEnvelope("array", "double", WrittenValidity(3, {0xFD}), Column<double>({1, 2, 3})),
-      WrittenEnvelope("array", "int8", WrittenValidity(0), Column<std::int8_t>({})),
-      WrittenEnvelope("array", "logical", WrittenValidity(9, {0xFE, 0xFF}),
-                      WrittenBitmap(9, {0x55, 0x01})),
+      WrittenNumbers<double>({1, 2, 3}, {0xFD}),
+      WrittenNumbers<std::int8_t>({}),
+      WrittenArray("logical", 9, WrittenBitmap(9, {0x55, 0x01}), {0xFE, 0xFF}),
   };
   for (const hxArrayPtr& value : encoded) {
     const auto array = to_arrow<::arrow::Array>(value.get()).ValueOrDie();

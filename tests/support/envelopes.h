@@ -1,65 +1,239 @@
 #pragma once
 
 /// \file
-/// Builders of encoded arrays, buffers and tables, based on host_builder.h.
+/// Builders of encoded values and of their parts, based on host_builder.h.
+///
+/// `Written...` is the form that `to_numera` writes: every field, in order. The other names are
+/// forms that `to_arrow` reads; they have no field that it does not read. Functions that end in
+/// `Of` take every field, so that a test can pass wrong ones. A bitmap is given as its bytes; no
+/// bytes mean that nothing is null.
 
 #include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/support/host_builder.h"
 
 namespace numera::testing {
 
-/// A buffer envelope in the form that `to_arrow` reads: without "Length".
-inline hxArrayPtr BufferEnvelope(const std::vector<std::uint8_t>& bytes) {
-  return Struct({{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>(bytes)}});
+using Bits = std::vector<std::uint8_t>;
+
+/// \name Field names of struct arrays that may have any number of elements
+/// @{
+using FieldNames = std::vector<const char*>;
+inline const FieldNames kEnvelopeFields = {"ArrowType", "Type", "Valid", "Data"};
+inline const FieldNames kColumnFields = {"ArrowType", "Type", "Data", "Valid"};
+inline const FieldNames kBitmapFields = {"Values", "Length", "ArrowType"};
+inline const FieldNames kListFields = {"Values", "StartOffsets"};
+inline const FieldNames kStructFields = {"FieldName", "FieldData"};
+inline const FieldNames kMapFields = {"Keys", "Values", "StartOffsets"};
+/// @}
+
+/// A struct column. Each element is a 1-by-1 struct that has at least these fields.
+inline hxArrayPtr StructColumn(const FieldNames& fields, const std::vector<hxArrayPtr>& elements) {
+  hxArrayPtr column = hxCreateStructArray(Dims{elements.size(), 1}, fields);
+  size_t slot = 0;
+  for (const hxArrayPtr& element : elements) {
+    for (const char* field : fields) {
+      const hxArray* value = hxGetField(element.get(), 0, field);
+      hxSetCell(column.get(), slot++, value == nullptr ? Empty() : hxSharedCopy(value));
+    }
+  }
+  return column;
 }
 
-/// An encoded array of the kind "array". `valid` holds the bytes of the validity bitmap.
-inline hxArrayPtr Envelope(std::string_view type, hxArrayPtr data,
-                           const std::vector<std::uint8_t>& valid = {}) {
-  return Struct({{"ArrowType", Char("array")},
-                 {"Type", Char(type)},
-                 {"Valid", BufferEnvelope(valid)},
-                 {"Data", std::move(data)}});
+inline hxArrayPtr StructColumn(const FieldNames& fields, std::initializer_list<Slot> elements) {
+  std::vector<hxArrayPtr> all;
+  for (const Slot& element : elements) all.push_back(std::move(element.value));
+  return StructColumn(fields, all);
 }
 
-/// An encoded array of another kind.
-inline hxArrayPtr KindEnvelope(std::string_view kind, std::string_view type, hxArrayPtr data,
-                               const std::vector<std::uint8_t>& valid = {}) {
-  return Struct({{"ArrowType", Char(kind)},
-                 {"Type", Char(type)},
-                 {"Valid", BufferEnvelope(valid)},
-                 {"Data", std::move(data)}});
+/// A cell row of char rows.
+inline hxArrayPtr Names(const std::vector<std::string>& names) {
+  hxArrayPtr row = hxCreateCellArray(Dims{1, names.size()});
+  for (size_t i = 0; i < names.size(); ++i) hxSetCell(row.get(), i, Char(names[i]));
+  return row;
 }
 
-/// The validity bitmap of an array, in the form that `to_numera` writes.
-inline hxArrayPtr WrittenValidity(double length, const std::vector<std::uint8_t>& bytes = {}) {
+/// \name Buffers, bitmaps and logical values
+/// @{
+inline hxArrayPtr BufferOf(hxArrayPtr kind, hxArrayPtr values) {
+  return Struct({{"ArrowType", std::move(kind)}, {"Values", std::move(values)}});
+}
+
+inline hxArrayPtr BufferEnvelope(const Bits& bytes) {
+  return BufferOf(Char("buffer"), Column<std::uint8_t>(bytes));
+}
+
+inline hxArrayPtr WrittenBufferOf(hxArrayPtr values, hxArrayPtr length) {
   return Struct({{"ArrowType", Char("buffer")},
-                 {"Values", Column<std::uint8_t>(bytes)},
-                 {"Length", Scalar(length)}});
+                 {"Values", std::move(values)},
+                 {"Length", std::move(length)}});
 }
 
-/// A bitmap in the form that `to_numera` writes for logical values and for one chunk of a nested
-/// value.
-inline hxArrayPtr WrittenBitmap(double length, const std::vector<std::uint8_t>& bytes = {}) {
-  return Struct({{"Values", Column<std::uint8_t>(bytes)},
-                 {"Length", Scalar(length)},
-                 {"ArrowType", Char("buffer")}});
+inline hxArrayPtr WrittenBuffer(const Bits& bytes) {
+  return WrittenBufferOf(Column<std::uint8_t>(bytes), Empty());
 }
 
-/// An envelope in the form that `to_numera` writes.
-inline hxArrayPtr WrittenEnvelope(std::string_view kind, std::string_view type, hxArrayPtr valid,
-                                  hxArrayPtr data) {
-  return Struct({{"ArrowType", Char(kind)},
-                 {"Type", Char(type)},
+/// The validity bitmap of all chunks of a column.
+inline hxArrayPtr WrittenValidity(double length, const Bits& bytes = {}) {
+  return WrittenBufferOf(Column<std::uint8_t>(bytes), Scalar(length));
+}
+
+inline hxArrayPtr BitmapOf(hxArrayPtr values, hxArrayPtr length, hxArrayPtr kind = Char("buffer")) {
+  return Struct({{"Values", std::move(values)},
+                 {"Length", std::move(length)},
+                 {"ArrowType", std::move(kind)}});
+}
+
+/// "Data" of logical values, or the validity bitmap of one chunk of a nested value. Read and
+/// written alike.
+inline hxArrayPtr WrittenBitmap(double length, const Bits& bytes = {}) {
+  return BitmapOf(Column<std::uint8_t>(bytes), Scalar(length));
+}
+/// @}
+
+/// \name "Data". Read and written alike, except for timestamps.
+/// @{
+
+/// One chunk of lists; also texts and bytes, which are packed lists of bytes.
+inline hxArrayPtr ListData(hxArrayPtr values, hxArrayPtr offsets) {
+  return Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}});
+}
+
+/// Packed texts or bytes, which are read.
+inline hxArrayPtr TextData(std::string_view bytes, const std::vector<std::uint64_t>& offsets) {
+  return ListData(Column<std::uint8_t>({bytes.begin(), bytes.end()}),
+                  Column<std::uint64_t>(offsets));
+}
+
+/// One chunk of structs.
+inline hxArrayPtr StructData(hxArrayPtr names, hxArrayPtr children) {
+  return Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(children)}});
+}
+
+inline hxArrayPtr StructData(const std::vector<std::string>& names,
+                             std::initializer_list<Slot> children) {
+  return StructData(Names(names), Cell({1, children.size()}, children));
+}
+
+/// One chunk of maps.
+inline hxArrayPtr MapData(hxArrayPtr keys, hxArrayPtr values, hxArrayPtr offsets) {
+  return Struct({{"Keys", std::move(keys)},
+                 {"Values", std::move(values)},
+                 {"StartOffsets", std::move(offsets)}});
+}
+
+inline hxArrayPtr CategoricalData(hxArrayPtr categories, hxArrayPtr codes, hxArrayPtr ordinal) {
+  return Struct({{"Categories", std::move(categories)},
+                 {"Values", std::move(codes)},
+                 {"Ordinal", std::move(ordinal)}});
+}
+
+inline hxArrayPtr DateData(hxArrayPtr values) {
+  return Struct({{"Values", std::move(values)}, {"DateType", Char("Date")}});
+}
+
+inline hxArrayPtr TimeData(hxArrayPtr values, hxArrayPtr units) {
+  return Struct({{"Values", std::move(values)}, {"Units", std::move(units)}});
+}
+
+inline hxArrayPtr TimestampData(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
+  return Struct({{"Values", std::move(values)},
+                 {"Units", std::move(units)},
+                 {"TimeZone", std::move(time_zone)}});
+}
+
+inline hxArrayPtr WrittenTimestampData(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
+  return Struct({{"Values", std::move(values)},
+                 {"Units", std::move(units)},
+                 {"TimeZone", std::move(time_zone)},
+                 {"DateType", Char("Timestamp")}});
+}
+/// @}
+
+/// \name Encoded arrays
+/// @{
+inline hxArrayPtr EnvelopeOf(hxArrayPtr kind, hxArrayPtr type, hxArrayPtr valid, hxArrayPtr data) {
+  return Struct({{"ArrowType", std::move(kind)},
+                 {"Type", std::move(type)},
                  {"Valid", std::move(valid)},
                  {"Data", std::move(data)}});
 }
 
-/// "Data" of structs with one chunk.
-inline hxArrayPtr StructData(hxArrayPtr names, hxArrayPtr children) {
-  return Struct({{"FieldName", std::move(names)}, {"FieldData", std::move(children)}});
+inline hxArrayPtr KindEnvelope(std::string_view kind, std::string_view type, hxArrayPtr data,
+                               const Bits& valid = {}) {
+  return EnvelopeOf(Char(kind), Char(type), BufferEnvelope(valid), std::move(data));
 }
+
+/// The kind "array".
+inline hxArrayPtr Envelope(std::string_view type, hxArrayPtr data, const Bits& valid = {}) {
+  return KindEnvelope("array", type, std::move(data), valid);
+}
+
+inline hxArrayPtr ListEnvelope(hxArrayPtr values, hxArrayPtr offsets, const Bits& valid = {}) {
+  return KindEnvelope("list_array", "list_array", ListData(std::move(values), std::move(offsets)),
+                      valid);
+}
+
+inline hxArrayPtr StructEnvelope(const std::vector<std::string>& names,
+                                 std::initializer_list<Slot> children, const Bits& valid = {}) {
+  return KindEnvelope("struct", "struct", StructData(names, children), valid);
+}
+
+/// Any kind, with any "Valid".
+inline hxArrayPtr WrittenEnvelope(std::string_view kind, std::string_view type, hxArrayPtr valid,
+                                  hxArrayPtr data) {
+  return EnvelopeOf(Char(kind), Char(type), std::move(valid), std::move(data));
+}
+
+/// The kind "array".
+inline hxArrayPtr WrittenArray(std::string_view type, double length, hxArrayPtr data,
+                               const Bits& valid = {}) {
+  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
+}
+
+/// One chunk of a nested kind.
+inline hxArrayPtr WrittenNested(std::string_view kind, std::string_view type, double length,
+                                hxArrayPtr data, const Bits& valid = {}) {
+  return WrittenEnvelope(kind, type, WrittenBitmap(length, valid), std::move(data));
+}
+
+/// The numbers of a class, whose name is that of the type.
+template <class T>
+hxArrayPtr Numbers(const std::vector<T>& values, const Bits& valid = {}) {
+  hxArrayPtr data = Column<T>(values);
+  const std::string type = hxGetClassName(data.get());
+  return Envelope(type, std::move(data), valid);
+}
+
+template <class T>
+hxArrayPtr WrittenNumbers(const std::vector<T>& values, const Bits& valid = {}) {
+  hxArrayPtr data = Column<T>(values);
+  const std::string type = hxGetClassName(data.get());
+  return WrittenArray(type, static_cast<double>(values.size()), std::move(data), valid);
+}
+/// @}
+
+/// \name Tables
+/// @{
+inline hxArrayPtr TableOf(hxArrayPtr kind, hxArrayPtr names, hxArrayPtr columns) {
+  return Struct({{"ArrowType", std::move(kind)},
+                 {"Columns", std::move(columns)},
+                 {"Names", std::move(names)}});
+}
+
+inline hxArrayPtr TableEnvelope(hxArrayPtr names, hxArrayPtr columns) {
+  return TableOf(Char("table"), std::move(names), std::move(columns));
+}
+
+inline hxArrayPtr TableEnvelope(const std::vector<std::string>& names,
+                                std::initializer_list<Slot> columns) {
+  return TableEnvelope(Names(names), StructColumn(kColumnFields, columns));
+}
+/// @}
 
 }  // namespace numera::testing

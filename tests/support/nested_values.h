@@ -59,35 +59,27 @@ inline ArrowData ArrowMap(ArrowData inner) {
 }
 
 inline hxArrayPtr WrittenList(hxArrayPtr inner) {
-  return WrittenEnvelope(
-      "list_array", "list_array", WrittenBitmap(1),
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int32_t>({0, 1})}}));
+  return WrittenNested("list_array", "list_array", 1,
+                       ListData(std::move(inner), Column<std::int32_t>({0, 1})));
 }
 
 inline hxArrayPtr WrittenLargeList(hxArrayPtr inner) {
-  return WrittenEnvelope(
-      "list_array", "large_list_array", WrittenBitmap(1),
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::int64_t>({0, 1})}}));
+  return WrittenNested("list_array", "large_list_array", 1,
+                       ListData(std::move(inner), Column<std::int64_t>({0, 1})));
 }
 
 inline hxArrayPtr WrittenStruct(hxArrayPtr inner) {
-  return WrittenEnvelope("struct", "struct", WrittenBitmap(1),
-                         Struct({{"FieldName", Cell({1, 1}, {Char("f")})},
-                                 {"FieldData", Cell({1, 1}, {std::move(inner)})}}));
+  return WrittenNested("struct", "struct", 1, StructData({"f"}, {std::move(inner)}));
 }
 
 inline hxArrayPtr WrittenMap(hxArrayPtr inner) {
-  return WrittenEnvelope("map", "map", WrittenBitmap(1),
-                         Struct({{"Keys", WrittenEnvelope("array", "uint8", WrittenValidity(1),
-                                                          Scalar<std::uint8_t>(7))},
-                                 {"Values", std::move(inner)},
-                                 {"StartOffsets", Column<std::int32_t>({0, 1})}}));
+  return WrittenNested(
+      "map", "map", 1,
+      MapData(WrittenNumbers<std::uint8_t>({7}), std::move(inner), Column<std::int32_t>({0, 1})));
 }
 
 inline hxArrayPtr EncodedList(hxArrayPtr inner) {
-  return KindEnvelope(
-      "list_array", "list_array",
-      Struct({{"Values", std::move(inner)}, {"StartOffsets", Column<std::uint64_t>({0, 1})}}));
+  return ListEnvelope(std::move(inner), Column<std::uint64_t>({0, 1}));
 }
 
 inline constexpr Container kList = {"list", ArrowList, WrittenList, nullptr};
@@ -116,7 +108,7 @@ inline std::shared_ptr<::arrow::Array> NestedArray(const Containers& containers,
 }
 
 inline hxArrayPtr NestedWritten(const Containers& containers, size_t levels) {
-  hxArrayPtr value = WrittenEnvelope("array", "double", WrittenValidity(1), Scalar(1.5));
+  hxArrayPtr value = WrittenNumbers<double>({1.5});
   for (size_t i = 0; i < levels; ++i) {
     value = containers[i % containers.size()].written(std::move(value));
   }
@@ -124,7 +116,7 @@ inline hxArrayPtr NestedWritten(const Containers& containers, size_t levels) {
 }
 
 inline hxArrayPtr NestedEncoded(const Containers& containers, size_t levels) {
-  hxArrayPtr value = Envelope("double", Scalar(1.5));
+  hxArrayPtr value = Numbers<double>({1.5});
   for (size_t i = 0; i < levels; ++i) {
     value = containers[i % containers.size()].encoded(std::move(value));
   }

@@ -6,8 +6,8 @@
 
 #include "numera/core/to_numera.h"
 #include "numera/unicode/convert_utf16_to_utf8.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/host_builder.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow {

@@ -10,8 +10,8 @@
 #include <optional>
 
 #include "numera/core/types/string.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/icu.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/unicode/drawn_texts.h"
 
 namespace numera::io::arrow {

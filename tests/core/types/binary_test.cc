@@ -5,13 +5,14 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/recording_host.h"
 #include "tests/support/results.h"
 
@@ -27,14 +28,6 @@ const std::shared_ptr<::arrow::DataType> kBinaryTypes[] = {::arrow::binary(),
 
 hxArrayPtr Bytes(const std::vector<std::uint8_t>& bytes) { return Column<std::uint8_t>(bytes); }
 
-hxArrayPtr DataOf(const std::shared_ptr<::arrow::ChunkedArray>& column) {
-  return hxSharedCopy(hxGetField(ValueOf(to_numera(column)).get(), 0, "Data"));
-}
-
-hxArrayPtr DataOf(const std::shared_ptr<::arrow::Array>& array) {
-  return hxSharedCopy(hxGetField(ValueOf(to_numera(array)).get(), 0, "Data"));
-}
-
 /// An array of fixed-width elements over exactly these bytes.
 std::shared_ptr<::arrow::Array> FixedWidth(int width, std::int64_t length,
                                            const std::vector<std::uint8_t>& bytes,
@@ -45,7 +38,7 @@ std::shared_ptr<::arrow::Array> FixedWidth(int width, std::int64_t length,
 
 TEST(BinaryToArrow, BecomesLargeBinary) {
   const hxArrayPtr encoded =
-      Envelope("binary_array", EncodedTexts("\xFF\0\x80z"s, {0, 1, 1, 3, 4}), {0b0111});
+      Envelope("binary_array", TextData("\xFF\0\x80z"s, {0, 1, 1, 3, 4}), {0b0111});
 
   const auto array = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
 
@@ -57,23 +50,24 @@ TEST(BinaryToArrow, BecomesLargeBinary) {
 }
 
 TEST(BinaryToArrow, BorrowsBytesOffsetsAndValidity) {
-  const hxArrayPtr encoded = EncodedTexts("abc", {0, 1, 3});
-  const auto validity = ArrowBuffer({0b01});
+  const hxArrayPtr encoded = Envelope("binary_array", TextData("abc", {0, 1, 3}), {0b01});
+  const hxArray* bytes = hxGetField(encoded.get(), 0, "Data");
+  const hxArray* valid = hxGetField(encoded.get(), 0, "Valid");
 
-  const auto array = ValueOf(MakeLargeBinaryArray(encoded.get(), validity));
+  const auto array = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
 
   const ::arrow::ArrayData& data = *array->data();
-  EXPECT_EQ(data.buffers[0], validity);
-  EXPECT_EQ(data.buffers[1]->data(), hxGetData(hxGetField(encoded.get(), 0, "StartOffsets")));
+  EXPECT_EQ(data.buffers[0]->data(), hxGetData(hxGetField(valid, 0, "Values")));
+  EXPECT_EQ(data.buffers[1]->data(), hxGetData(hxGetField(bytes, 0, "StartOffsets")));
   EXPECT_EQ(data.buffers[1]->size(), 24);
-  EXPECT_EQ(data.buffers[2]->data(), hxGetData(hxGetField(encoded.get(), 0, "Values")));
+  EXPECT_EQ(data.buffers[2]->data(), hxGetData(hxGetField(bytes, 0, "Values")));
   EXPECT_EQ(data.buffers[2]->size(), 3);
   EXPECT_EQ(data.null_count, ::arrow::kUnknownNullCount);
   EXPECT_EQ(data.offset, 0);
 }
 
 TEST(BinaryToArrow, IsNarrowWithOffsetsOfItsOwnWhereThatIsAsked) {
-  const hxArrayPtr encoded = EncodedTexts("\xFF\xFE\xFD", {0, 1, 3});
+  const hxArrayPtr encoded = TextData("\xFF\xFE\xFD", {0, 1, 3});
 
   const auto array = ValueOf(MakeBinaryArray(encoded.get(), ArrowBuffer({0b11})));
 
@@ -82,14 +76,14 @@ TEST(BinaryToArrow, IsNarrowWithOffsetsOfItsOwnWhereThatIsAsked) {
 }
 
 TEST(BinaryToArrow, HasNoFixedWidth) {
-  const hxArrayPtr encoded = Envelope("fixed_binary_array", EncodedTexts("ab", {0, 1, 2}));
+  const hxArrayPtr encoded = Envelope("fixed_binary_array", TextData("ab", {0, 1, 2}));
 
   EXPECT_EQ(to_arrow<::arrow::Array>(encoded.get()).status(),
             Status::Invalid("Invalid type for NUMERA to Arrow conversion."));
 }
 
 TEST(BinaryToArrow, NeitherFailsNorLeaksHalfWay) {
-  const hxArrayPtr encoded = Envelope("binary_array", EncodedTexts("abc", {0, 1, 3}));
+  const hxArrayPtr encoded = Envelope("binary_array", TextData("abc", {0, 1, 3}));
   const FaultSites sites =
       FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(sites.calls, 10U);
@@ -100,9 +94,8 @@ TEST(BinaryToHost, BecomesACellOfByteColumns) {
     SCOPED_TRACE(type->ToString());
     const hxArrayPtr envelope = ValueOf(to_numera(ArrowArray(type, R"(["a\u0000", "", null])")));
 
-    const hxArrayPtr expected =
-        WrittenEnvelope("array", "binary_array", WrittenValidity(3, {0b11111011}),
-                        Cell({Bytes({'a', 0}), Bytes({}), Bytes({})}));
+    const hxArrayPtr expected = WrittenArray(
+        "binary_array", 3, Cell({Bytes({'a', 0}), Bytes({}), Bytes({})}), {0b11111011});
     EXPECT_TRUE(SameHostValue(envelope.get(), expected.get()));
   }
 }
@@ -198,9 +191,10 @@ TEST(FixedSizeBinaryToHost, BecomesACellOfByteColumns) {
 
   const hxArrayPtr envelope = ValueOf(to_numera(ArrowArray(type, R"(["abcd", "efgh", null])")));
 
-  const hxArrayPtr expected = WrittenEnvelope(
-      "array", "fixed_binary_array", WrittenValidity(3, {0b11111011}),
-      Cell({Bytes({'a', 'b', 'c', 'd'}), Bytes({'e', 'f', 'g', 'h'}), Bytes({0, 0, 0, 0})}));
+  const hxArrayPtr expected = WrittenArray(
+      "fixed_binary_array", 3,
+      Cell({Bytes({'a', 'b', 'c', 'd'}), Bytes({'e', 'f', 'g', 'h'}), Bytes({0, 0, 0, 0})}),
+      {0b11111011});
   EXPECT_TRUE(SameHostValue(envelope.get(), expected.get()));
 }
 

@@ -12,11 +12,11 @@
 #include "numera/host/memory.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -25,23 +25,20 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-hxArrayPtr Categorical(hxArrayPtr codes, hxArrayPtr categories, hxArrayPtr ordinal) {
-  return Struct({{"Values", std::move(codes)},
-                 {"Categories", std::move(categories)},
-                 {"Ordinal", std::move(ordinal)}});
-}
-
 /// The categories "a" and "bc".
-hxArrayPtr TwoCategories() { return EncodedTexts("abc", {0, 1, 3}); }
+hxArrayPtr TwoCategories() { return TextData("abc", {0, 1, 3}); }
 
-Status StatusOfReading(const hxArrayPtr& categorical) {
-  return CategoricalToArrow(categorical.get(), nullptr, true).status();
+/// Reads data that outlives the result.
+ArrayResult read(const hxArrayPtr& data) {
+  const hxArrayPtr encoded = Envelope("categorical", hxSharedCopy(data.get()));
+  return to_arrow<::arrow::Array>(encoded.get());
 }
 
 TEST(CategoricalToArrow, BecomesADictionaryOfLargeText) {
   const hxArrayPtr encoded = Envelope(
       "categorical",
-      Categorical(Column<std::int8_t>({1, 0, 1, 1}), TwoCategories(), Logical({false})), {0b1011});
+      CategoricalData(TwoCategories(), Column<std::int8_t>({1, 0, 1, 1}), Logical({false})),
+      {0b1011});
 
   const auto array = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
 
@@ -62,9 +59,9 @@ TEST(CategoricalToArrow, TakesTheIndexTypeFromTheValues) {
   for (const auto& [codes, index_type] : cases) {
     SCOPED_TRACE(index_type->ToString());
     const hxArrayPtr data =
-        Categorical(hxSharedCopy(codes.get()), TwoCategories(), Logical({true}));
+        CategoricalData(TwoCategories(), hxSharedCopy(codes.get()), Logical({true}));
 
-    const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, true));
+    const auto array = ValueOf(read(data));
 
     const auto type = ::arrow::dictionary(index_type, ::arrow::large_utf8(), /*ordered=*/true);
     EXPECT_TRUE(SameArray(*array, *Dictionary(type, "[1, 0]", R"(["a", "bc"])")));
@@ -73,7 +70,7 @@ TEST(CategoricalToArrow, TakesTheIndexTypeFromTheValues) {
 
 TEST(CategoricalToArrow, HasNarrowTextWhereThatIsAsked) {
   const hxArrayPtr data =
-      Categorical(Column<std::int8_t>({1, 0}), TwoCategories(), Logical({false}));
+      CategoricalData(TwoCategories(), Column<std::int8_t>({1, 0}), Logical({false}));
 
   const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, false));
 
@@ -82,15 +79,17 @@ TEST(CategoricalToArrow, HasNarrowTextWhereThatIsAsked) {
 }
 
 TEST(CategoricalToArrow, BorrowsCodesCategoriesAndValidity) {
-  const hxArrayPtr data =
-      Categorical(Column<std::int16_t>({1, 0}), TwoCategories(), Logical({false}));
-  const auto validity = ArrowBuffer({0b01});
+  const hxArrayPtr encoded = Envelope(
+      "categorical",
+      CategoricalData(TwoCategories(), Column<std::int16_t>({1, 0}), Logical({false})), {0b01});
 
-  const auto array = ValueOf(CategoricalToArrow(data.get(), validity, true));
+  const auto array = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
 
-  const hxArray* const categories = hxGetField(data.get(), 0, "Categories");
-  EXPECT_EQ(array->data()->buffers[0], validity);
-  EXPECT_EQ(array->data()->buffers[1]->data(), hxGetData(hxGetField(data.get(), 0, "Values")));
+  const hxArray* const data = hxGetField(encoded.get(), 0, "Data");
+  const hxArray* const valid = hxGetField(encoded.get(), 0, "Valid");
+  const hxArray* const categories = hxGetField(data, 0, "Categories");
+  EXPECT_EQ(array->data()->buffers[0]->data(), hxGetData(hxGetField(valid, 0, "Values")));
+  EXPECT_EQ(array->data()->buffers[1]->data(), hxGetData(hxGetField(data, 0, "Values")));
   EXPECT_EQ(array->data()->null_count, ::arrow::kUnknownNullCount);
   const ::arrow::ArrayData& dictionary = *array->data()->dictionary;
   EXPECT_EQ(dictionary.buffers[0], nullptr);
@@ -99,9 +98,10 @@ TEST(CategoricalToArrow, BorrowsCodesCategoriesAndValidity) {
 }
 
 TEST(CategoricalToArrow, KeepsCategoriesOfNoElements) {
-  const hxArrayPtr data = Categorical(Column<std::int8_t>({}), TwoCategories(), Logical({false}));
+  const hxArrayPtr data =
+      CategoricalData(TwoCategories(), Column<std::int8_t>({}), Logical({false}));
 
-  const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, true));
+  const auto array = ValueOf(read(data));
 
   const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::large_utf8());
   EXPECT_TRUE(SameArray(*array, *Dictionary(type, "[]", R"(["a", "bc"])")));
@@ -109,9 +109,9 @@ TEST(CategoricalToArrow, KeepsCategoriesOfNoElements) {
 
 TEST(CategoricalToArrow, DoesNotCompareCodesWithTheCategories) {
   const hxArrayPtr data =
-      Categorical(Column<std::int8_t>({7, -1}), TwoCategories(), Logical({false}));
+      CategoricalData(TwoCategories(), Column<std::int8_t>({7, -1}), Logical({false}));
 
-  const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, true));
+  const auto array = ValueOf(read(data));
 
   const auto& indices = *static_cast<const ::arrow::DictionaryArray&>(*array).indices();
   EXPECT_TRUE(SameArray(indices, *ArrowArray(::arrow::int8(), "[7, -1]")));
@@ -119,9 +119,9 @@ TEST(CategoricalToArrow, DoesNotCompareCodesWithTheCategories) {
 
 TEST(CategoricalToArrow, PassesOnCategoriesOfLengthMinusOne) {
   const hxArrayPtr data =
-      Categorical(Column<std::int8_t>({}), EncodedTexts("abc", {}), Logical({false}));
+      CategoricalData(TextData("abc", {}), Column<std::int8_t>({}), Logical({false}));
 
-  const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, true));
+  const auto array = ValueOf(read(data));
 
   EXPECT_EQ(array->data()->dictionary->length, -1);
 }
@@ -130,32 +130,36 @@ TEST(CategoricalToArrow, TakesAnyNonZeroOrdinalForTrue) {
   hxArrayPtr ordinal = Logical({true});
   *static_cast<std::uint8_t*>(hxGetData(ordinal.get())) = 2;
   const hxArrayPtr data =
-      Categorical(Column<std::int8_t>({0}), TwoCategories(), std::move(ordinal));
+      CategoricalData(TwoCategories(), Column<std::int8_t>({0}), std::move(ordinal));
 
-  const auto array = ValueOf(CategoricalToArrow(data.get(), nullptr, true));
+  const auto array = ValueOf(read(data));
 
   EXPECT_TRUE(static_cast<const ::arrow::DictionaryType&>(*array->type()).ordered());
 }
 
 TEST(CategoricalToArrow, RefusesFieldsThatAreEmptyOrOfAnotherClass) {
   const std::pair<hxArrayPtr, const char*> cases[] = {
-      {Categorical(Empty(), TwoCategories(), Logical({false})),
+      {CategoricalData(TwoCategories(), Empty(), Logical({false})),
        "Missing field 'Values' in input struct array"},
-      {Categorical(Column<std::int8_t>({0}), Empty(), Logical({false})),
+      {CategoricalData(Empty(), Column<std::int8_t>({0}), Logical({false})),
        "Missing field 'Categories' in input struct array"},
-      {Categorical(Column<std::int8_t>({0}), Strings({u"a"}), Logical({false})),
+      {CategoricalData(Strings({u"a"}), Column<std::int8_t>({0}), Logical({false})),
        "Incorrect type 'string' for struct array field 'Categories'"},
-      {Categorical(Column<std::int8_t>({0}), TwoCategories(), Empty()),
+      {CategoricalData(TwoCategories(), Column<std::int8_t>({0}), Empty()),
        "Missing field 'Ordinal' in input struct array"},
-      {Categorical(Column<std::int8_t>({0}), TwoCategories(), Scalar(1.0)),
+      {CategoricalData(TwoCategories(), Column<std::int8_t>({0}), Scalar(1.0)),
        "Incorrect type 'double' for struct array field 'Ordinal'"},
-      {Categorical(Empty(), Empty(), Empty()), "Missing field 'Values' in input struct array"},
-      {Categorical(Char("x"), Empty(), Empty()),
-       "Missing field 'Categories' in input struct array"},
-      {Column<double>({}), "Struct array required for input"}};
+      {CategoricalData(Empty(), Empty(), Empty()), "Missing field 'Values' in input struct array"},
+      {CategoricalData(Empty(), Char("x"), Empty()),
+       "Missing field 'Categories' in input struct array"}};
   for (const auto& [data, message] : cases) {
-    EXPECT_EQ(StatusOfReading(data), Status::TypeError(message));
+    EXPECT_EQ(read(data).status(), Status::TypeError(message));
   }
+}
+
+TEST(CategoricalToArrow, RefusesWhatIsNoStruct) {
+  EXPECT_EQ(CategoricalToArrow(Column<double>({}).get(), nullptr, true).status(),
+            Status::TypeError("Struct array required for input"));
 }
 
 TEST(CategoricalToArrow, RefusesAnOrdinalOfOtherThanOneElement) {
@@ -166,52 +170,52 @@ TEST(CategoricalToArrow, RefusesAnOrdinalOfOtherThanOneElement) {
        "Field 'Ordinal': found a 2-by-1 logical array, expected a logical array of one element."}};
   for (const auto& [ordinal, message] : cases) {
     const hxArrayPtr data =
-        Categorical(Column<std::int8_t>({0}), TwoCategories(), hxSharedCopy(ordinal.get()));
-    EXPECT_EQ(StatusOfReading(data), Status::TypeError(message));
+        CategoricalData(TwoCategories(), Column<std::int8_t>({0}), hxSharedCopy(ordinal.get()));
+    EXPECT_EQ(read(data).status(), Status::TypeError(message));
   }
 }
 
 TEST(CategoricalToArrow, RefusesASparseOrdinal) {
   const hxArrayPtr data =
-      Categorical(Column<std::int8_t>({0}), TwoCategories(),
-                  host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::Logical));
-  EXPECT_EQ(StatusOfReading(data),
+      CategoricalData(TwoCategories(), Column<std::int8_t>({0}),
+                      host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::Logical));
+  EXPECT_EQ(read(data).status(),
             Status::TypeError("Field 'Ordinal': found a sparse 1-by-1 logical array, expected a "
                               "real array that is not sparse."));
 }
 
 TEST(CategoricalToArrow, RefusesValuesThatAreNoNumbers) {
-  const hxArrayPtr data = Categorical(Char("ab"), TwoCategories(), Logical({false}));
-  EXPECT_EQ(StatusOfReading(data),
+  const hxArrayPtr data = CategoricalData(TwoCategories(), Char("ab"), Logical({false}));
+  EXPECT_EQ(read(data).status(),
             Status::Invalid("Invalid type for numeric NUMERA to Arrow conversion."));
 }
 
 TEST(CategoricalToArrow, RefusesValuesThatAreNoIntegers) {
-  EXPECT_EQ(StatusOfReading(Categorical(Column<double>({0, 1}), TwoCategories(), Logical({false}))),
-            Status::TypeError("Field 'Values': found a 2-by-1 double array, expected an array of "
-                              "an integer class."));
   EXPECT_EQ(
-      StatusOfReading(Categorical(Row<float>({0}), TwoCategories(), Logical({false}))),
+      read(CategoricalData(TwoCategories(), Column<double>({0, 1}), Logical({false}))).status(),
+      Status::TypeError("Field 'Values': found a 2-by-1 double array, expected an array of "
+                        "an integer class."));
+  EXPECT_EQ(
+      read(CategoricalData(TwoCategories(), Row<float>({0}), Logical({false}))).status(),
       Status::TypeError("Field 'Values': found a 1-by-1 single array, expected an array of an "
                         "integer class."));
 }
 
 TEST(CategoricalToArrow, RefusesComplexValues) {
-  EXPECT_EQ(StatusOfReading(Categorical(Complex<std::int8_t>({1, 1}, {{0, 0}}), TwoCategories(),
-                                        Logical({false}))),
+  EXPECT_EQ(read(CategoricalData(TwoCategories(), Complex<std::int8_t>({1, 1}, {{0, 0}}),
+                                 Logical({false})))
+                .status(),
             Status::TypeError("Field 'Values': found a complex 1-by-1 int8 array, expected a real "
                               "array that is not sparse."));
 }
 
 TEST(CategoricalToArrow, ReportsWhatTheReaderOfTextsSaysOfTheCategories) {
-  const hxArrayPtr data = Categorical(
-      Column<std::int8_t>({0}),
-      Struct({{"Values", Column<std::uint8_t>({})}, {"StartOffsets", Column<double>({0})}}),
-      Logical({false}));
-  EXPECT_EQ(StatusOfReading(data),
+  const hxArrayPtr data = CategoricalData(ListData(Column<std::uint8_t>({}), Column<double>({0})),
+                                          Column<std::int8_t>({0}), Logical({false}));
+  EXPECT_EQ(read(data).status(),
             Status::TypeError("Incorrect type 'double' for struct array field 'StartOffsets'"));
   const hxArrayPtr too_long =
-      Categorical(Column<std::int8_t>({0}), EncodedTexts("", {0, 2147483647}), Logical({false}));
+      CategoricalData(TextData("", {0, 2147483647}), Column<std::int8_t>({0}), Logical({false}));
   EXPECT_EQ(CategoricalToArrow(too_long.get(), nullptr, false).status(),
             Status::Invalid("Cannot construct arrow::StringArray or arrow::BinaryArray with "
                             "2147483647 offset."));
@@ -219,13 +223,13 @@ TEST(CategoricalToArrow, ReportsWhatTheReaderOfTextsSaysOfTheCategories) {
 
 TEST(CategoricalToArrow, LeavesAFieldThatTheStructLacksToTheHost) {
   const hxArrayPtr data = Struct({{"Values", Column<std::int8_t>({0})}});
-  EXPECT_THAT([&] { return StatusOfReading(data).ok(); },
+  EXPECT_THAT([&] { return read(data).ok(); },
               ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
 }
 
 TEST(CategoricalToArrow, NeitherFailsNorLeaksHalfWay) {
   const hxArrayPtr encoded = Envelope(
-      "categorical", Categorical(Column<std::int8_t>({0}), TwoCategories(), Logical({true})));
+      "categorical", CategoricalData(TwoCategories(), Column<std::int8_t>({0}), Logical({true})));
   const FaultSites sites =
       FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(sites.calls, 13U);

@@ -7,6 +7,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -22,11 +23,12 @@ using ::arrow::Status;
 using ::arrow::TimeUnit;
 
 hxArrayPtr TimeOfDay(hxArrayPtr values, std::string_view units) {
-  return Struct({{"Values", std::move(values)}, {"Units", Char(units)}});
+  return TimeData(std::move(values), Char(units));
 }
 
 Status StatusOfReading(const hxArrayPtr& time) {
-  return duration_to_arrow(time.get(), nullptr).status();
+  const hxArrayPtr encoded = Envelope("duration", hxSharedCopy(time.get()));
+  return to_arrow<::arrow::Array>(encoded.get()).status();
 }
 
 TEST(TimeUnit, IsMillisecondsUnlessSpeltExactly) {
@@ -80,20 +82,23 @@ TEST(TimeOfDayToArrow, TakesItsWidthFromTheValuesAndItsUnitFromTheUnits) {
 }
 
 TEST(TimeOfDayToArrow, BorrowsItsValues) {
-  const hxArrayPtr time = TimeOfDay(Column<std::int32_t>({1, 2, 3}), "seconds");
-  const auto times = ValueOf(duration_to_arrow(time.get(), nullptr));
-  EXPECT_EQ(times->data()->buffers[1]->data(), hxGetData(hxGetField(time.get(), 0, "Values")));
+  const hxArrayPtr encoded =
+      Envelope("duration", TimeOfDay(Column<std::int32_t>({1, 2, 3}), "seconds"));
+  const auto times = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
+  const hxArray* data = hxGetField(encoded.get(), 0, "Data");
+  EXPECT_EQ(times->data()->buffers[1]->data(), hxGetData(hxGetField(data, 0, "Values")));
 }
 
 TEST(TimeOfDayToArrow, ReadsValuesOfAnyShapeInStorageOrder) {
-  const hxArrayPtr time = TimeOfDay(Matrix<std::int64_t>({2, 2}, {1, 2, 3, 4}), "nanoseconds");
-  EXPECT_TRUE(SameArray(*ValueOf(duration_to_arrow(time.get(), nullptr)),
+  const hxArrayPtr encoded =
+      Envelope("duration", TimeOfDay(Matrix<std::int64_t>({2, 2}, {1, 2, 3, 4}), "nanoseconds"));
+  EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::time64(TimeUnit::NANO), "[1, 2, 3, 4]")));
 }
 
 TEST(TimeOfDayToArrow, ReadsNoValues) {
-  const hxArrayPtr time = TimeOfDay(Column<std::int32_t>({}), "seconds");
-  EXPECT_TRUE(SameArray(*ValueOf(duration_to_arrow(time.get(), nullptr)),
+  const hxArrayPtr encoded = Envelope("duration", TimeOfDay(Column<std::int32_t>({}), "seconds"));
+  EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::time32(TimeUnit::SECOND), "[]")));
 }
 
@@ -130,11 +135,9 @@ TEST(TimeOfDayToArrow, ReportsWhatIsMissingOrOfAnotherClassInOrder) {
   const std::string not_an_integer =
       "The values field must be either an int32 array or an int64 array.";
   const std::pair<hxArrayPtr, std::string> cases[] = {
-      {Struct({{"Values", Empty()}, {"Units", Empty()}}),
-       "Missing field 'Values' in input struct array"},
-      {Struct({{"Values", Column<double>({1})}, {"Units", Empty()}}),
-       "Missing field 'Units' in input struct array"},
-      {Struct({{"Values", Column<double>({1})}, {"Units", Scalar(1.0)}}),
+      {TimeData(Empty(), Empty()), "Missing field 'Values' in input struct array"},
+      {TimeData(Column<double>({1}), Empty()), "Missing field 'Units' in input struct array"},
+      {TimeData(Column<double>({1}), Scalar(1.0)),
        "Incorrect type 'double' for struct array field 'Units'"},
       {TimeOfDay(Column<double>({1}), "seconds"), not_an_integer},
       {TimeOfDay(Column<std::uint32_t>({1}), "seconds"), not_an_integer},
@@ -177,24 +180,18 @@ TEST(DateToNumera, WritesDaysAndMillisecondsUnchanged) {
   const auto days = ArrowArray(::arrow::date32(), "[0, -1, 19000]");
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(days)).get(),
-      WrittenEnvelope(
-          "array", "datetime", WrittenValidity(3),
-          Struct({{"Values", Column<std::int32_t>({0, -1, 19000})}, {"DateType", Char("Date")}}))
-          .get()));
+      WrittenArray("datetime", 3, DateData(Column<std::int32_t>({0, -1, 19000}))).get()));
   const auto milliseconds = ArrowArray(::arrow::date64(), "[0, 86400000]");
-  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(milliseconds)).get(),
-                            WrittenEnvelope("array", "datetime", WrittenValidity(2),
-                                            Struct({{"Values", Column<std::int64_t>({0, 86400000})},
-                                                    {"DateType", Char("Date")}}))
-                                .get()));
+  EXPECT_TRUE(SameHostValue(
+      ValueOf(to_numera(milliseconds)).get(),
+      WrittenArray("datetime", 2, DateData(Column<std::int64_t>({0, 86400000}))).get()));
 }
 
 TEST(DateToNumera, JoinsChunksAndHonoursOffsets) {
   const auto days = ArrowArray(::arrow::date32(), "[1, 2, 3, 4]");
-  const ::arrow::ChunkedArray chunks({days->Slice(1, 2), days->Slice(4), days->Slice(3)});
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(date_to_numera(chunks)).get(),
-      Struct({{"Values", Column<std::int32_t>({2, 3, 4})}, {"DateType", Char("Date")}}).get()));
+  const auto chunks = std::make_shared<::arrow::ChunkedArray>(
+      ::arrow::ArrayVector{days->Slice(1, 2), days->Slice(4), days->Slice(3)});
+  EXPECT_TRUE(SameHostValue(DataOf(chunks).get(), DateData(Column<std::int32_t>({2, 3, 4})).get()));
 }
 
 TEST(TimeToNumera, WritesEveryUnitByNameAndTheValuesUnchanged) {
@@ -211,19 +208,17 @@ TEST(TimeToNumera, WritesEveryUnitByNameAndTheValuesUnchanged) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.units);
     const auto written = ValueOf(to_numera(ArrowArray(c.type, "[7, 0]")));
-    EXPECT_TRUE(SameHostValue(written.get(),
-                              WrittenEnvelope("array", "duration", WrittenValidity(2),
-                                              TimeOfDay(hxSharedCopy(c.values.get()), c.units))
-                                  .get()));
+    EXPECT_TRUE(SameHostValue(
+        written.get(),
+        WrittenArray("duration", 2, TimeOfDay(hxSharedCopy(c.values.get()), c.units)).get()));
   }
 }
 
 TEST(TimeToNumera, WritesAnEmptyColumnForNoElementsAndForNoChunks) {
   const auto type = ::arrow::time32(TimeUnit::SECOND);
   const auto expected = TimeOfDay(Column<std::int32_t>({}), "seconds");
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(time_to_numera(*ArrowChunks(type, {"[]"}))).get(), expected.get()));
-  EXPECT_TRUE(SameHostValue(ValueOf(time_to_numera(*ArrowChunks(type, {}))).get(), expected.get()));
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(type, {"[]"})).get(), expected.get()));
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(type, {})).get(), expected.get()));
 }
 
 TEST(TimeToNumera, ReturnsToTheSameTimes) {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {

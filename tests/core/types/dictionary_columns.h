@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 
 namespace numera::testing {
 

@@ -8,6 +8,7 @@
 
 #include "numera/core/to_numera.h"
 #include "numera/core/types/categorical.h"
+#include "tests/core/data_of.h"
 #include "tests/core/types/dictionary_columns.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
@@ -22,17 +23,6 @@ namespace {
 
 using namespace numera::testing;
 
-hxArrayPtr WrittenCategorical(hxArrayPtr categories, hxArrayPtr codes, bool ordinal) {
-  return Struct({{"Categories", std::move(categories)},
-                 {"Values", std::move(codes)},
-                 {"Ordinal", Logical({ordinal})}});
-}
-
-template <class ArrowValue>
-hxArrayPtr DataOf(const std::shared_ptr<ArrowValue>& value) {
-  return hxSharedCopy(hxGetField(ValueOf(to_numera(value)).get(), 0, "Data"));
-}
-
 TEST(DictionaryToHost, BecomesACategoricalStruct) {
   for (const auto& value_type : {::arrow::utf8(), ::arrow::large_utf8()}) {
     SCOPED_TRACE(value_type->ToString());
@@ -41,9 +31,11 @@ TEST(DictionaryToHost, BecomesACategoricalStruct) {
     const hxArrayPtr envelope =
         ValueOf(to_numera(Dictionary(type, "[1, 0, null, 1]", R"(["né", ""])")));
 
-    const hxArrayPtr expected = WrittenEnvelope(
-        "array", "categorical", WrittenValidity(4, {0b11111011}),
-        WrittenCategorical(Strings({u"né", u""}), Column<std::uint16_t>({1, 0, 0, 1}), true));
+    const hxArrayPtr expected =
+        WrittenArray("categorical", 4,
+                     CategoricalData(Strings({u"né", u""}), Column<std::uint16_t>({1, 0, 0, 1}),
+                                     Logical({true})),
+                     {0b11111011});
     EXPECT_TRUE(SameHostValue(envelope.get(), expected.get()));
   }
 }
@@ -65,7 +57,7 @@ TEST(DictionaryToHost, KeepsTheIndexTypeOfASingleChunk) {
     const hxArrayPtr data = DataOf(Dictionary(type, "[1, 0]", R"(["a", "b"])"));
 
     const hxArrayPtr expected =
-        WrittenCategorical(Strings({u"a", u"b"}), hxSharedCopy(codes.get()), false);
+        CategoricalData(Strings({u"a", u"b"}), hxSharedCopy(codes.get()), Logical({false}));
     EXPECT_TRUE(SameHostValue(data.get(), expected.get()));
   }
 }
@@ -78,7 +70,7 @@ TEST(DictionaryToHost, MakesNoCategoriesOfNoChunks) {
     const hxArrayPtr data = DataOf(ArrowChunks(type, {}));
 
     const hxArrayPtr expected =
-        WrittenCategorical(Strings({0, 1}, {}), Column<std::int16_t>({}), true);
+        CategoricalData(Strings({0, 1}, {}), Column<std::int16_t>({}), Logical({true}));
     EXPECT_TRUE(SameHostValue(data.get(), expected.get()));
   }
 }
@@ -90,8 +82,8 @@ TEST(DictionaryToHost, MergesTheDictionariesOfSeveralChunks) {
     const auto column = Chunks(
         {Dictionary(type, "[0, 1]", R"(["a", "b"])"), Dictionary(type, "[0, 1]", R"(["b", "c"])")});
 
-    const hxArrayPtr expected =
-        WrittenCategorical(Strings({u"a", u"b", u"c"}), Column<std::int8_t>({0, 1, 1, 2}), false);
+    const hxArrayPtr expected = CategoricalData(
+        Strings({u"a", u"b", u"c"}), Column<std::int8_t>({0, 1, 1, 2}), Logical({false}));
     EXPECT_TRUE(SameHostValue(DataOf(column).get(), expected.get()));
   }
 }
@@ -102,7 +94,7 @@ TEST(DictionaryToHost, LosesOrderAndIndexTypeEvenWhereTheDictionariesAreTheSame)
       Chunks({Dictionary(type, "[1]", R"(["a", "b"])"), Dictionary(type, "[0]", R"(["a", "b"])")});
 
   const hxArrayPtr expected =
-      WrittenCategorical(Strings({u"a", u"b"}), Column<std::int8_t>({1, 0}), false);
+      CategoricalData(Strings({u"a", u"b"}), Column<std::int8_t>({1, 0}), Logical({false}));
   EXPECT_TRUE(SameHostValue(DataOf(column).get(), expected.get()));
 }
 
@@ -131,8 +123,8 @@ TEST(DictionaryToHost, TakesSlicesAndEmptyChunksAmongSeveral) {
 
   const hxArrayPtr envelope = ValueOf(to_numera(column));
 
-  const hxArrayPtr expected =
-      WrittenCategorical(Strings({u"a", u"b"}), Column<std::int8_t>({1, 0, 1, 0, 1}), false);
+  const hxArrayPtr expected = CategoricalData(
+      Strings({u"a", u"b"}), Column<std::int8_t>({1, 0, 1, 0, 1}), Logical({false}));
   EXPECT_TRUE(SameHostValue(hxGetField(envelope.get(), 0, "Data"), expected.get()));
 }
 
@@ -142,7 +134,7 @@ TEST(DictionaryToHost, LeavesTheCodesOfASingleChunkAsTheyAre) {
   const hxArrayPtr data = DataOf(Dictionary(type, "[7, -1]", R"(["a"])"));
 
   const hxArrayPtr expected =
-      WrittenCategorical(Strings({u"a"}), Column<std::int8_t>({7, -1}), false);
+      CategoricalData(Strings({u"a"}), Column<std::int8_t>({7, -1}), Logical({false}));
   EXPECT_TRUE(SameHostValue(data.get(), expected.get()));
 }
 
@@ -154,8 +146,8 @@ TEST(DictionaryToHost, TakesCodesOutsideOfTheDictionaryForZeroUnderNulls) {
 
   const hxArrayPtr envelope = ValueOf(to_numera(Chunks({first, second})));
 
-  const hxArrayPtr expected = WrittenCategorical(Strings({u"a", u"b", u"c"}),
-                                                 Column<std::int8_t>({0, 0, 1, 0, 2, 2, 0}), false);
+  const hxArrayPtr expected = CategoricalData(
+      Strings({u"a", u"b", u"c"}), Column<std::int8_t>({0, 0, 1, 0, 2, 2, 0}), Logical({false}));
   EXPECT_TRUE(SameHostValue(hxGetField(envelope.get(), 0, "Data"), expected.get()));
   EXPECT_EQ(std::vector<std::uint8_t>(first->data()->buffers[1]->data(),
                                       first->data()->buffers[1]->data() + 4),
@@ -169,7 +161,7 @@ TEST(DictionaryToHost, TakesNullsOverAnEmptyDictionary) {
   const hxArrayPtr data = DataOf(column);
 
   const hxArrayPtr expected =
-      WrittenCategorical(Strings({u"a"}), Column<std::int8_t>({0, 0, 0}), false);
+      CategoricalData(Strings({u"a"}), Column<std::int8_t>({0, 0, 0}), Logical({false}));
   EXPECT_TRUE(SameHostValue(data.get(), expected.get()));
 }
 
@@ -207,7 +199,7 @@ TEST(DictionaryToHost, WritesADictionaryWithANullAsItsBytes) {
   const hxArrayPtr data = DataOf(Dictionary(type, "[0, 1]", R"(["a", null])"));
 
   const hxArrayPtr expected =
-      WrittenCategorical(Strings({u"a", u""}), Column<std::int8_t>({0, 1}), false);
+      CategoricalData(Strings({u"a", u""}), Column<std::int8_t>({0, 1}), Logical({false}));
   EXPECT_TRUE(SameHostValue(data.get(), expected.get()));
 }
 

@@ -1,5 +1,3 @@
-#include "numera/core/types/list.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,6 +6,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
@@ -21,25 +20,6 @@ namespace {
 
 using namespace numera::testing;
 using ::arrow::Status;
-
-hxArrayPtr ListData(hxArrayPtr values, hxArrayPtr offsets) {
-  return Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}});
-}
-
-hxArrayPtr ListEnvelope(hxArrayPtr values, hxArrayPtr offsets,
-                        const std::vector<std::uint8_t>& valid = {}) {
-  return KindEnvelope("list_array", "list_array", ListData(std::move(values), std::move(offsets)),
-                      valid);
-}
-
-hxArrayPtr Int32Envelope(const std::vector<std::int32_t>& values) {
-  return Envelope("int32", Column<std::int32_t>(values));
-}
-
-hxArrayPtr WrittenInt32(const std::vector<std::int32_t>& values) {
-  return WrittenEnvelope("array", "int32", WrittenValidity(static_cast<double>(values.size())),
-                         Column<std::int32_t>(values));
-}
 
 /// A list array with one int32 child and the given offsets buffer, which is not checked.
 std::shared_ptr<::arrow::Array> RawList(std::int64_t length, std::int64_t offset,
@@ -56,7 +36,7 @@ Status StatusOfReading(const hxArrayPtr& encoded) {
 
 TEST(ListToArrow, MakesALargeListOverItsOffsets) {
   const hxArrayPtr encoded =
-      ListEnvelope(Int32Envelope({1, 2, 3, 4, 5}), Column<std::uint64_t>({0, 2, 2, 5}));
+      ListEnvelope(Numbers<std::int32_t>({1, 2, 3, 4, 5}), Column<std::uint64_t>({0, 2, 2, 5}));
   const auto lists = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   EXPECT_TRUE(SameArray(
       *lists, *ArrowArray(::arrow::large_list(::arrow::int32()), "[[1, 2], [], [3, 4, 5]]")));
@@ -67,32 +47,33 @@ TEST(ListToArrow, MakesALargeListOverItsOffsets) {
 
 TEST(ListToArrow, TakesItsNullsFromValid) {
   const hxArrayPtr encoded =
-      ListEnvelope(Int32Envelope({1, 2}), Column<std::uint64_t>({0, 1, 1, 2}), {0b101});
+      ListEnvelope(Numbers<std::int32_t>({1, 2}), Column<std::uint64_t>({0, 1, 1, 2}), {0b101});
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::large_list(::arrow::int32()), "[[1], null, [2]]")));
 }
 
 TEST(ListToArrow, HasNoBitmapWhereValidHasNoBytes) {
-  const hxArrayPtr encoded = ListEnvelope(Int32Envelope({1}), Column<std::uint64_t>({0, 1}));
+  const hxArrayPtr encoded =
+      ListEnvelope(Numbers<std::int32_t>({1}), Column<std::uint64_t>({0, 1}));
   EXPECT_EQ(ValueOf(to_arrow<::arrow::Array>(encoded.get()))->data()->buffers[0], nullptr);
 }
 
 TEST(ListToArrow, ReadsOffsetsOfAnyShape) {
   const hxArrayPtr encoded =
-      ListEnvelope(Int32Envelope({1, 2, 3}), Matrix<std::uint64_t>({2, 2}, {0, 1, 2, 3}));
+      ListEnvelope(Numbers<std::int32_t>({1, 2, 3}), Matrix<std::uint64_t>({2, 2}, {0, 1, 2, 3}));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::large_list(::arrow::int32()), "[[1], [2], [3]]")));
 }
 
 TEST(ListToArrow, ReadsOneOffsetAsNoLists) {
-  const hxArrayPtr encoded = ListEnvelope(Int32Envelope({}), Scalar<std::uint64_t>(0));
+  const hxArrayPtr encoded = ListEnvelope(Numbers<std::int32_t>({}), Scalar<std::uint64_t>(0));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::large_list(::arrow::int32()), "[]")));
 }
 
 TEST(ListToArrow, TakesOffsetsAsTheyStand) {
   const hxArrayPtr encoded =
-      ListEnvelope(Int32Envelope({1}), Column<std::uint64_t>({9, 3, 1ULL << 63}));
+      ListEnvelope(Numbers<std::int32_t>({1}), Column<std::uint64_t>({9, 3, 1ULL << 63}));
   const auto lists = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   ASSERT_EQ(lists->length(), 2);
   const auto* offsets = static_cast<const ::arrow::LargeListArray&>(*lists).raw_value_offsets();
@@ -102,7 +83,7 @@ TEST(ListToArrow, TakesOffsetsAsTheyStand) {
 
 TEST(ListToArrow, ReadsListsOfLists) {
   const hxArrayPtr encoded =
-      ListEnvelope(ListEnvelope(Int32Envelope({1, 2, 3}), Column<std::uint64_t>({0, 1, 3})),
+      ListEnvelope(ListEnvelope(Numbers<std::int32_t>({1, 2, 3}), Column<std::uint64_t>({0, 1, 3})),
                    Column<std::uint64_t>({0, 0, 2}));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::large_list(::arrow::large_list(::arrow::int32())),
@@ -112,8 +93,9 @@ TEST(ListToArrow, ReadsListsOfLists) {
 TEST(ListToArrow, ReadsTheFirstChunkOnly) {
   const hxArrayPtr encoded = KindEnvelope(
       "list_array", "list_array",
-      StructArray({2, 1}, {"Values", "StartOffsets"},
-                  {{Int32Envelope({1}), Column<std::uint64_t>({0, 1})}, {Empty(), Empty()}}));
+      StructColumn(kListFields,
+                   {ListData(Numbers<std::int32_t>({1}), Column<std::uint64_t>({0, 1})),
+                    ListData(Empty(), Empty())}));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::large_list(::arrow::int32()), "[[1]]")));
 }
@@ -145,10 +127,7 @@ TEST(ListToArrow, RefusesOffsetsWithoutElements) {
 
 TEST(ListToArrow, ReturnsTheFailureOfItsParts) {
   const std::pair<hxArrayPtr, Status> cases[] = {
-      {Struct({{"ArrowType", Char("list_array")},
-               {"Type", Char("list_array")},
-               {"Valid", Struct({{"ArrowType", Char("array")}, {"Values", Empty()}})},
-               {"Data", Scalar(1.0)}}),
+      {WrittenEnvelope("list_array", "list_array", BufferOf(Char("array"), Empty()), Scalar(1.0)),
        Status::TypeError("Missing field 'Values' in input struct array")},
       {ListEnvelope(Empty(), Column<std::uint64_t>({0})),
        Status::TypeError("Struct array required for input")},
@@ -164,7 +143,7 @@ TEST(ListToArrow, ReturnsTheFailureOfItsParts) {
 TEST(ListToArrow, LetsTheHostReportDataThatIsNoListStruct) {
   const std::pair<hxArrayPtr, const char*> cases[] = {
       {KindEnvelope("list_array", "list_array", Scalar(1.0)), "Array is not struct array."},
-      {KindEnvelope("list_array", "list_array", Struct({{"Values", Int32Envelope({1})}})),
+      {KindEnvelope("list_array", "list_array", Struct({{"Values", Numbers<std::int32_t>({1})}})),
        "Wrong field name."},
       {KindEnvelope("list_array", "list_array",
                     Struct({{"StartOffsets", Column<std::uint64_t>({0})}})),
@@ -174,41 +153,43 @@ TEST(ListToArrow, LetsTheHostReportDataThatIsNoListStruct) {
                 ::testing::ThrowsMessage<std::invalid_argument>(message));
   }
   const hxArrayPtr no_element =
-      KindEnvelope("list_array", "list_array", StructArray({0, 0}, {"Values", "StartOffsets"}, {}));
+      KindEnvelope("list_array", "list_array", StructArray({0, 0}, kListFields, {}));
   EXPECT_THAT([&] { return StatusOfReading(no_element); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
 }
 
 TEST(ListToHost, WritesInt32OffsetsForListsAndInt64ForLargeLists) {
   const auto lists = ArrowArray(::arrow::list(::arrow::int32()), "[[1, 2], null, [3]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(lists)).get(),
-      WrittenEnvelope("list_array", "list_array", WrittenBitmap(3, {0b11111101}),
-                      ListData(WrittenInt32({1, 2, 3}), Column<std::int32_t>({0, 2, 2, 3})))
-          .get()));
+  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(lists)).get(),
+                            WrittenNested("list_array", "list_array", 3,
+                                          ListData(WrittenNumbers<std::int32_t>({1, 2, 3}),
+                                                   Column<std::int32_t>({0, 2, 2, 3})),
+                                          {0b11111101})
+                                .get()));
   const auto large = ArrowArray(::arrow::large_list(::arrow::int32()), "[[1, 2], [], [3]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(large)).get(),
-      WrittenEnvelope("list_array", "large_list_array", WrittenBitmap(3),
-                      ListData(WrittenInt32({1, 2, 3}), Column<std::int64_t>({0, 2, 2, 3})))
-          .get()));
+  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(large)).get(),
+                            WrittenNested("list_array", "large_list_array", 3,
+                                          ListData(WrittenNumbers<std::int32_t>({1, 2, 3}),
+                                                   Column<std::int64_t>({0, 2, 2, 3})))
+                                .get()));
 }
 
 TEST(ListToHost, CopiesStoredOffsetsAndTheWholeChildOfASlice) {
   const auto lists = ArrowArray(::arrow::list(::arrow::int32()),
                                 "[[1, 2, 3], [4, 5, 6, 7], [8, 9], [], [10, 11, 12], [13]]");
-  const ::arrow::ChunkedArray slice(lists->Slice(2, 3));
-  EXPECT_TRUE(SameHostValue(ValueOf(ListToHost(slice)).get(),
-                            ListData(WrittenInt32({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}),
-                                     Column<std::int32_t>({7, 9, 9, 12}))
-                                .get()));
+  EXPECT_TRUE(SameHostValue(
+      DataOf(lists->Slice(2, 3)).get(),
+      ListData(WrittenNumbers<std::int32_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}),
+               Column<std::int32_t>({7, 9, 9, 12}))
+          .get()));
 }
 
 TEST(ListToHost, CopiesOffsetsThatNoListCanHave) {
   const auto lists = RawList(2, 0, ArrowBuffer({255, 255, 255, 255, 7, 0, 0, 0, 1, 0, 0, 128}));
   EXPECT_TRUE(SameHostValue(
-      ValueOf(ListToHost(::arrow::ChunkedArray(lists))).get(),
-      ListData(WrittenInt32({1, 2}), Column<std::int32_t>({-1, 7, -2147483647})).get()));
+      DataOf(lists).get(),
+      ListData(WrittenNumbers<std::int32_t>({1, 2}), Column<std::int32_t>({-1, 7, -2147483647}))
+          .get()));
 }
 
 TEST(ListToHost, WritesOneElementAChunk) {
@@ -217,39 +198,38 @@ TEST(ListToHost, WritesOneElementAChunk) {
       ValueOf(to_numera(chunks)).get(),
       WrittenEnvelope(
           "list_array", "list_array",
-          StructArray({3, 1}, {"Values", "Length", "ArrowType"},
-                      {{Column<std::uint8_t>({0b11111101}), Scalar(2.0), Char("buffer")},
-                       {Column<std::uint8_t>({}), Scalar(0.0), Char("buffer")},
-                       {Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")}}),
-          StructArray({3, 1}, {"Values", "StartOffsets"},
-                      {{WrittenInt32({1}), Column<std::int32_t>({0, 1, 1})},
-                       {WrittenInt32({}), Column<std::int32_t>({0})},
-                       {WrittenInt32({2}), Column<std::int32_t>({0, 1})}}))
+          StructColumn(kBitmapFields,
+                       {WrittenBitmap(2, {0b11111101}), WrittenBitmap(0), WrittenBitmap(1)}),
+          StructColumn(
+              kListFields,
+              {ListData(WrittenNumbers<std::int32_t>({1}), Column<std::int32_t>({0, 1, 1})),
+               ListData(WrittenNumbers<std::int32_t>({}), Column<std::int32_t>({0})),
+               ListData(WrittenNumbers<std::int32_t>({2}), Column<std::int32_t>({0, 1}))}))
           .get()));
 }
 
 TEST(ListToHost, WritesNoElementsForNoChunks) {
   for (const auto& type : {::arrow::list(::arrow::int32()), ::arrow::large_list(::arrow::utf8())}) {
-    EXPECT_TRUE(SameHostValue(ValueOf(ListToHost(*ArrowChunks(type, {}))).get(),
-                              StructArray({0, 1}, {"Values", "StartOffsets"}, {}).get()));
+    EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(type, {})).get(),
+                              StructArray({0, 1}, kListFields, {}).get()));
   }
 }
 
 TEST(ListToHost, WritesListsOfLists) {
   const auto lists = ArrowArray(::arrow::list(::arrow::list(::arrow::int32())), "[[[1], []]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(ListToHost(::arrow::ChunkedArray(lists))).get(),
-      ListData(WrittenEnvelope("list_array", "list_array", WrittenBitmap(2),
-                               ListData(WrittenInt32({1}), Column<std::int32_t>({0, 1, 1}))),
-               Column<std::int32_t>({0, 2}))
-          .get()));
+  EXPECT_TRUE(SameHostValue(DataOf(lists).get(),
+                            ListData(WrittenNested("list_array", "list_array", 2,
+                                                   ListData(WrittenNumbers<std::int32_t>({1}),
+                                                            Column<std::int32_t>({0, 1, 1}))),
+                                     Column<std::int32_t>({0, 2}))
+                                .get()));
 }
 
 TEST(ListToHost, WritesTheOneOffsetZeroWhereThereAreNeitherListsNorOffsets) {
   for (const auto& offsets : {ArrowBuffer({}), std::shared_ptr<::arrow::Buffer>()}) {
-    EXPECT_TRUE(
-        SameHostValue(ValueOf(ListToHost(::arrow::ChunkedArray(RawList(0, 0, offsets)))).get(),
-                      ListData(WrittenInt32({1, 2}), Column<std::int32_t>({0})).get()));
+    EXPECT_TRUE(SameHostValue(
+        DataOf(RawList(0, 0, offsets)).get(),
+        ListData(WrittenNumbers<std::int32_t>({1, 2}), Column<std::int32_t>({0})).get()));
   }
 }
 
@@ -273,8 +253,9 @@ TEST(ListToHost, RefusesOffsetsThatEndEarly) {
 
 TEST(ListToHost, ReadsOffsetsAtAnyAddress) {
   const auto odd = ::arrow::SliceBuffer(ArrowBuffer({9, 0, 0, 0, 0, 2, 0, 0, 0}), 1);
-  EXPECT_TRUE(SameHostValue(ValueOf(ListToHost(::arrow::ChunkedArray(RawList(1, 0, odd)))).get(),
-                            ListData(WrittenInt32({1, 2}), Column<std::int32_t>({0, 2})).get()));
+  EXPECT_TRUE(SameHostValue(
+      DataOf(RawList(1, 0, odd)).get(),
+      ListData(WrittenNumbers<std::int32_t>({1, 2}), Column<std::int32_t>({0, 2})).get()));
 }
 
 TEST(ListToHost, ReturnsTheFailureOfItsValues) {
@@ -284,9 +265,9 @@ TEST(ListToHost, ReturnsTheFailureOfItsValues) {
 }
 
 TEST(List, LeavesNothingBehindWhereverItFails) {
-  const hxArrayPtr encoded =
-      ListEnvelope(ListEnvelope(Int32Envelope({1, 2, 3}), Column<std::uint64_t>({0, 1, 3}), {3}),
-                   Column<std::uint64_t>({0, 2}), {1});
+  const hxArrayPtr encoded = ListEnvelope(
+      ListEnvelope(Numbers<std::int32_t>({1, 2, 3}), Column<std::uint64_t>({0, 1, 3}), {3}),
+      Column<std::uint64_t>({0, 2}), {1});
   const FaultSites read =
       FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(read.calls, 25U);

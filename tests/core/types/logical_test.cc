@@ -8,6 +8,7 @@
 #include "numera/core/to_numera.h"
 #include "numera/core/types/numeric.h"
 #include "numera/host/memory.h"
+#include "tests/core/data_of.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -20,31 +21,31 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-hxArrayPtr packed(hxArrayPtr values, hxArrayPtr length, hxArrayPtr kind) {
-  return Struct({{"Values", std::move(values)},
-                 {"Length", std::move(length)},
-                 {"ArrowType", std::move(kind)}});
+hxArrayPtr of_length(hxArrayPtr length, const Bits& valid = {}) {
+  return Envelope("logical", BitmapOf(Column<std::uint8_t>({0x15, 0x02}), std::move(length)),
+                  valid);
 }
 
-hxArrayPtr packed_of_length(hxArrayPtr length) {
-  return packed(Column<std::uint8_t>({0x15, 0x02}), std::move(length), Char("buffer"));
+::arrow::Result<std::shared_ptr<::arrow::Array>> read(const hxArrayPtr& encoded) {
+  return to_arrow<::arrow::Array>(encoded.get());
 }
 
 TEST(LogicalToArrow, ReadsBitsLeastSignificantFirst) {
-  const hxArrayPtr value = packed_of_length(Scalar(10.0));
-  const auto array = logical_to_arrow(value.get(), nullptr).ValueOrDie();
+  const hxArrayPtr value = of_length(Scalar(10.0));
+  const auto array = read(value).ValueOrDie();
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::boolean(),
                                             "[true, false, true, false, true, false, false, false, "
                                             "false, true]")));
 }
 
 TEST(LogicalToArrow, BorrowsBothBitmaps) {
-  const hxArrayPtr value = packed_of_length(Scalar(3.0));
-  const auto validity = ArrowBuffer({0x03});
-  const auto array = logical_to_arrow(value.get(), validity).ValueOrDie();
-  EXPECT_EQ(array->data()->buffers[1]->data(), hxGetData(hxGetField(value.get(), 0, "Values")));
+  const hxArrayPtr value = of_length(Scalar(3.0), {0x03});
+  const auto array = read(value).ValueOrDie();
+  const hxArray* data = hxGetField(value.get(), 0, "Data");
+  const hxArray* valid = hxGetField(value.get(), 0, "Valid");
+  EXPECT_EQ(array->data()->buffers[1]->data(), hxGetData(hxGetField(data, 0, "Values")));
   EXPECT_EQ(array->data()->buffers[1]->size(), 2);
-  EXPECT_EQ(array->data()->buffers[0], validity);
+  EXPECT_EQ(array->data()->buffers[0]->data(), hxGetData(hxGetField(valid, 0, "Values")));
   EXPECT_EQ(array->data()->null_count.load(), -1);
   EXPECT_EQ(array->offset(), 0);
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::boolean(), "[true, false, null]")));
@@ -61,14 +62,14 @@ TEST(LogicalToArrow, TruncatesTheLengthTowardZero) {
   };
   for (const auto& [length, expected] : cases) {
     SCOPED_TRACE(length);
-    const hxArrayPtr value = packed_of_length(Scalar(length));
-    EXPECT_EQ(logical_to_arrow(value.get(), nullptr).ValueOrDie()->length(), expected);
+    const hxArrayPtr value = of_length(Scalar(length));
+    EXPECT_EQ(read(value).ValueOrDie()->length(), expected);
   }
 }
 
 TEST(LogicalToArrow, TakesFewerBitsThanTheLengthSays) {
-  const hxArrayPtr value = packed_of_length(Scalar(1000.0));
-  const auto array = logical_to_arrow(value.get(), nullptr).ValueOrDie();
+  const hxArrayPtr value = of_length(Scalar(1000.0));
+  const auto array = read(value).ValueOrDie();
   EXPECT_EQ(array->length(), 1000);
   EXPECT_EQ(array->data()->buffers[1]->size(), 2);
 }
@@ -84,8 +85,8 @@ TEST(LogicalToArrow, RefusesALengthThatIsNoNumberOfElements) {
   };
   for (const auto& [length, text] : cases) {
     SCOPED_TRACE(text);
-    const hxArrayPtr value = packed_of_length(Scalar(length));
-    EXPECT_EQ(logical_to_arrow(value.get(), nullptr).status(),
+    const hxArrayPtr value = of_length(Scalar(length));
+    EXPECT_EQ(read(value).status(),
               Status::TypeError("Field 'Length': found ", text,
                                 ", expected a number of elements within 64 bits."));
   }
@@ -114,8 +115,8 @@ TEST(LogicalToArrow, RefusesALengthThatIsNotOneRealDouble) {
   for (const Case& one : cases) {
     SCOPED_TRACE(one.message);
     const hxArrayPtr value =
-        packed_of_length(one.length == nullptr ? Empty() : hxSharedCopy(one.length.get()));
-    EXPECT_EQ(logical_to_arrow(value.get(), nullptr).status(), Status::TypeError(one.message));
+        of_length(one.length == nullptr ? Empty() : hxSharedCopy(one.length.get()));
+    EXPECT_EQ(read(value).status(), Status::TypeError(one.message));
   }
 }
 
@@ -126,33 +127,32 @@ TEST(LogicalToArrow, PassesOnWhatTheBufferReaderRefuses) {
   };
   const auto bytes = [] { return Column<std::uint8_t>({1}); };
   const Case cases[] = {
-      {packed(bytes(), Scalar(1.0), Char("bits")),
+      {BitmapOf(bytes(), Scalar(1.0), Char("bits")),
        "Expected 'buffer' input type, received 'bits' instead."},
-      {packed(bytes(), Scalar(1.0), Scalar(1.0)),
+      {BitmapOf(bytes(), Scalar(1.0), Scalar(1.0)),
        "Incorrect type 'double' for struct array field 'ArrowType'"},
-      {packed(bytes(), Scalar(1.0), Empty()), "Missing field 'ArrowType' in input struct array"},
-      {packed(Logical({true}), Scalar(1.0), Char("buffer")),
+      {BitmapOf(bytes(), Scalar(1.0), Empty()), "Missing field 'ArrowType' in input struct array"},
+      {BitmapOf(Logical({true}), Scalar(1.0), Char("buffer")),
        "Incorrect type 'logical' for struct array field 'Values'"},
-      {packed(Empty(), Scalar(1.0), Char("buffer")),
+      {BitmapOf(Empty(), Scalar(1.0), Char("buffer")),
        "Missing field 'Values' in input struct array"},
-      {packed(Complex<std::uint8_t>({1, 1}, {{1, 2}}), Scalar(1.0), Char("buffer")),
+      {BitmapOf(Complex<std::uint8_t>({1, 1}, {{1, 2}}), Scalar(1.0), Char("buffer")),
        "Field 'Values': found a complex 1-by-1 uint8 array, expected a real array that is not "
        "sparse."},
-      {packed(Empty(), Empty(), Empty()), "Missing field 'Length' in input struct array"},
+      {BitmapOf(Empty(), Empty(), Empty()), "Missing field 'Length' in input struct array"},
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.message);
-    EXPECT_EQ(logical_to_arrow(one.value.get(), nullptr).status(), Status::TypeError(one.message));
+    EXPECT_EQ(read(Envelope("logical", hxSharedCopy(one.value.get()))).status(),
+              Status::TypeError(one.message));
   }
 }
 
 TEST(LogicalToArrow, ThrowsWhereTheHostDoes) {
-  const hxArrayPtr without_length = BufferEnvelope({1});
-  EXPECT_THROW(static_cast<void>(logical_to_arrow(without_length.get(), nullptr)),
-               std::invalid_argument);
-  const hxArrayPtr without_elements = StructArray({0, 1}, {"Values", "Length", "ArrowType"}, {});
-  EXPECT_THROW(static_cast<void>(logical_to_arrow(without_elements.get(), nullptr)),
-               std::out_of_range);
+  const hxArrayPtr without_length = Envelope("logical", BufferEnvelope({1}));
+  EXPECT_THROW(static_cast<void>(read(without_length)), std::invalid_argument);
+  const hxArrayPtr without_elements = Envelope("logical", StructArray({0, 1}, kBitmapFields, {}));
+  EXPECT_THROW(static_cast<void>(read(without_elements)), std::out_of_range);
 }
 
 TEST(LogicalToArrow, RefusesWhatIsNoStruct) {
@@ -164,24 +164,20 @@ TEST(LogicalToArrow, RefusesWhatIsNoStruct) {
 TEST(LogicalToNumera, PacksBitsLeastSignificantFirst) {
   const auto array =
       ArrowArray(::arrow::boolean(), "[true, false, true, false, true, false, false, false, true]");
-  EXPECT_TRUE(SameHostValue(
-      to_numera(array).ValueOrDie().get(),
-      WrittenEnvelope("array", "logical", WrittenValidity(9), WrittenBitmap(9, {0x15, 0x01}))
-          .get()));
+  EXPECT_TRUE(SameHostValue(to_numera(array).ValueOrDie().get(),
+                            WrittenArray("logical", 9, WrittenBitmap(9, {0x15, 0x01})).get()));
 }
 
 TEST(LogicalToNumera, GivesNoBytesForNoElements) {
   EXPECT_TRUE(
-      SameHostValue(logical_to_numera(*ArrowChunks(::arrow::boolean(), {"[]"})).ValueOrDie().get(),
-                    WrittenBitmap(0).get()));
+      SameHostValue(DataOf(ArrowChunks(::arrow::boolean(), {"[]"})).get(), WrittenBitmap(0).get()));
 }
 
 TEST(LogicalToNumera, JoinsChunks) {
   const auto chunks = ArrowChunks(::arrow::boolean(), {"[true, true, false]", "[]",
                                                        "[false, true, true, true, true, "
                                                        "true]"});
-  EXPECT_TRUE(SameHostValue(logical_to_numera(*chunks).ValueOrDie().get(),
-                            WrittenBitmap(9, {0xF3, 0x01}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(chunks).get(), WrittenBitmap(9, {0xF3, 0x01}).get()));
 }
 
 /// A boolean array over exactly these bytes.
@@ -190,35 +186,30 @@ std::shared_ptr<::arrow::Array> booleans(std::int64_t length, std::shared_ptr<::
   return std::make_shared<::arrow::BooleanArray>(length, std::move(bits), nullptr, 0, offset);
 }
 
-hxArrayPtr logical_of(const std::shared_ptr<::arrow::Array>& array) {
-  return logical_to_numera(::arrow::ChunkedArray(array)).ValueOrDie();
-}
-
 TEST(LogicalToNumera, ReadsASliceFromTheStartOfItsBuffer) {
   const auto array = booleans(16, ArrowBuffer({0x0F, 0xF0}))->Slice(5, 4);
-  EXPECT_TRUE(SameHostValue(logical_of(array).get(), WrittenBitmap(4, {0x0F}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(array).get(), WrittenBitmap(4, {0x0F}).get()));
 }
 
 TEST(LogicalToNumera, CarriesWholeBytesIntoTheUnusedBits) {
   const auto array = booleans(3, ArrowBuffer({0xFF, 0xFF}));
-  EXPECT_TRUE(SameHostValue(logical_of(array).get(), WrittenBitmap(3, {0xFF}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(array).get(), WrittenBitmap(3, {0xFF}).get()));
   const auto last_byte = booleans(3, ArrowBuffer({0xFF}));
-  EXPECT_TRUE(SameHostValue(logical_of(last_byte).get(), WrittenBitmap(3, {0x07}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(last_byte).get(), WrittenBitmap(3, {0x07}).get()));
 }
 
 TEST(LogicalToNumera, CarriesNothingIntoAnotherChunk) {
-  const ::arrow::ChunkedArray chunks(
-      {booleans(8, ArrowBuffer({0xAA, 0xFF, 0xFF})), booleans(5, nullptr)});
-  EXPECT_TRUE(SameHostValue(logical_to_numera(chunks).ValueOrDie().get(),
-                            WrittenBitmap(13, {0xAA, 0xE0}).get()));
+  const auto chunks = std::make_shared<::arrow::ChunkedArray>(
+      ::arrow::ArrayVector{booleans(8, ArrowBuffer({0xAA, 0xFF, 0xFF})), booleans(5, nullptr)});
+  EXPECT_TRUE(SameHostValue(DataOf(chunks).get(), WrittenBitmap(13, {0xAA, 0xE0}).get()));
 }
 
 TEST(LogicalToNumera, LeavesBitsThatNoBufferHoldsAtZero) {
   for (const auto& buffer : {std::shared_ptr<::arrow::Buffer>(), ArrowBuffer({})}) {
     EXPECT_TRUE(
-        SameHostValue(logical_of(booleans(17, buffer)).get(), WrittenBitmap(17, {0, 0, 0}).get()));
+        SameHostValue(DataOf(booleans(17, buffer)).get(), WrittenBitmap(17, {0, 0, 0}).get()));
   }
-  EXPECT_TRUE(SameHostValue(logical_of(booleans(17, ArrowBuffer({0xFF}))).get(),
+  EXPECT_TRUE(SameHostValue(DataOf(booleans(17, ArrowBuffer({0xFF}))).get(),
                             WrittenBitmap(17, {0xFF, 0, 0}).get()));
 }
 

@@ -1,10 +1,9 @@
-#include "numera/core/types/map.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
@@ -21,51 +20,36 @@ using ::arrow::Status;
 
 const std::shared_ptr<::arrow::DataType> kMap = ::arrow::map(::arrow::int8(), ::arrow::int32());
 
-hxArrayPtr WrittenKeys(const std::vector<std::int8_t>& keys) {
-  return WrittenEnvelope("array", "int8", WrittenValidity(static_cast<double>(keys.size())),
-                         Column<std::int8_t>(keys));
-}
-
-hxArrayPtr WrittenItems(const std::vector<std::int32_t>& items) {
-  return WrittenEnvelope("array", "int32", WrittenValidity(static_cast<double>(items.size())),
-                         Column<std::int32_t>(items));
-}
-
-hxArrayPtr MapData(hxArrayPtr keys, hxArrayPtr values, const std::vector<std::int32_t>& offsets) {
-  return Struct({{"Keys", std::move(keys)},
-                 {"Values", std::move(values)},
-                 {"StartOffsets", Column<std::int32_t>(offsets)}});
-}
-
 TEST(MapToHost, WritesTextKeysNumbersAndOffsets) {
   const auto maps =
       ArrowArray(::arrow::map(::arrow::utf8(), ::arrow::int32()), R"([[["a", 1], ["b", 2]], []])");
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(maps)).get(),
-      WrittenEnvelope(
-          "map", "map", WrittenBitmap(2),
-          MapData(WrittenEnvelope("array", "string", WrittenValidity(2), Strings({u"a", u"b"})),
-                  WrittenItems({1, 2}), {0, 2, 2}))
+      WrittenNested("map", "map", 2,
+                    MapData(WrittenArray("string", 2, Strings({u"a", u"b"})),
+                            WrittenNumbers<std::int32_t>({1, 2}), Column<std::int32_t>({0, 2, 2})))
           .get()));
 }
 
 TEST(MapToHost, MarksANullRowInValidOnly) {
   const auto maps = ArrowArray(kMap, "[[[1, 10]], null, [[2, null]]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(maps)).get(),
-      WrittenEnvelope("map", "map", WrittenBitmap(3, {0b11111101}),
-                      MapData(WrittenKeys({1, 2}),
-                              WrittenEnvelope("array", "int32", WrittenValidity(2, {0b11111101}),
-                                              Column<std::int32_t>({10, 0})),
-                              {0, 1, 1, 2}))
-          .get()));
+  EXPECT_TRUE(
+      SameHostValue(ValueOf(to_numera(maps)).get(),
+                    WrittenNested("map", "map", 3,
+                                  MapData(WrittenNumbers<std::int8_t>({1, 2}),
+                                          WrittenNumbers<std::int32_t>({10, 0}, {0b11111101}),
+                                          Column<std::int32_t>({0, 1, 1, 2})),
+                                  {0b11111101})
+                        .get()));
 }
 
 TEST(MapToHost, CopiesStoredOffsetsAndTheWholeChildrenOfASlice) {
   const auto maps = ArrowArray(kMap, "[[[1, 10]], [[2, 20], [3, 30]], [], [[4, 40]]]");
   EXPECT_TRUE(SameHostValue(
-      ValueOf(MapToHost(::arrow::ChunkedArray(maps->Slice(1, 2)))).get(),
-      MapData(WrittenKeys({1, 2, 3, 4}), WrittenItems({10, 20, 30, 40}), {1, 3, 3}).get()));
+      DataOf(maps->Slice(1, 2)).get(),
+      MapData(WrittenNumbers<std::int8_t>({1, 2, 3, 4}),
+              WrittenNumbers<std::int32_t>({10, 20, 30, 40}), Column<std::int32_t>({1, 3, 3}))
+          .get()));
 }
 
 TEST(MapToHost, WritesOneElementAChunk) {
@@ -73,27 +57,27 @@ TEST(MapToHost, WritesOneElementAChunk) {
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(chunks)).get(),
       WrittenEnvelope(
-          "map", "map",
-          StructArray({2, 1}, {"Values", "Length", "ArrowType"},
-                      {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
-                       {Column<std::uint8_t>({}), Scalar(0.0), Char("buffer")}}),
-          StructArray({2, 1}, {"Keys", "Values", "StartOffsets"},
-                      {{WrittenKeys({1}), WrittenItems({10}), Column<std::int32_t>({0, 1})},
-                       {WrittenKeys({}), WrittenItems({}), Column<std::int32_t>({0})}}))
+          "map", "map", StructColumn(kBitmapFields, {WrittenBitmap(1), WrittenBitmap(0)}),
+          StructColumn(kMapFields,
+                       {MapData(WrittenNumbers<std::int8_t>({1}),
+                                WrittenNumbers<std::int32_t>({10}), Column<std::int32_t>({0, 1})),
+                        MapData(WrittenNumbers<std::int8_t>({}), WrittenNumbers<std::int32_t>({}),
+                                Column<std::int32_t>({0}))}))
           .get()));
 }
 
 TEST(MapToHost, WritesNoElementsForNoChunks) {
-  EXPECT_TRUE(SameHostValue(ValueOf(MapToHost(*ArrowChunks(kMap, {}))).get(),
-                            StructArray({0, 1}, {"Keys", "Values", "StartOffsets"}, {}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kMap, {})).get(),
+                            StructArray({0, 1}, kMapFields, {}).get()));
 }
 
 TEST(MapToHost, WritesTheOneOffsetZeroWhereThereAreNeitherRowsNorOffsets) {
   const auto data = ArrowArray(kMap, "[]")->data()->Copy();
   data->buffers[1] = nullptr;
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(MapToHost(::arrow::ChunkedArray(::arrow::MakeArray(data)))).get(),
-                    MapData(WrittenKeys({}), WrittenItems({}), {0}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(::arrow::MakeArray(data)).get(),
+                            MapData(WrittenNumbers<std::int8_t>({}),
+                                    WrittenNumbers<std::int32_t>({}), Column<std::int32_t>({0}))
+                                .get()));
 }
 
 TEST(MapToHost, RefusesOffsetsThatEndEarly) {

@@ -9,6 +9,7 @@
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
 #include "numera/host/memory.h"
+#include "tests/core/data_of.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -60,59 +61,64 @@ const NumericClass kClasses[] = {
      "[0, 1, 18446744073709551615]"},
 };
 
+std::shared_ptr<::arrow::Array> read(const hxArrayPtr& encoded) {
+  return to_arrow<::arrow::Array>(encoded.get()).ValueOrDie();
+}
+
 TEST(NumericToArrow, GivesEveryClassItsType) {
   for (const NumericClass& one : kClasses) {
     SCOPED_TRACE(one.name);
-    const hxArrayPtr values = one.host();
-    const auto array = numeric_to_arrow(values.get(), nullptr).ValueOrDie();
-    EXPECT_TRUE(SameArray(*array, *ArrowArray(one.type, one.json)));
+    const hxArrayPtr encoded = Envelope(one.name, one.host());
+    EXPECT_TRUE(SameArray(*read(encoded), *ArrowArray(one.type, one.json)));
   }
 }
 
 TEST(NumericToArrow, BorrowsTheMemoryOfTheHost) {
   for (const NumericClass& one : kClasses) {
     SCOPED_TRACE(one.name);
-    const hxArrayPtr values = one.host();
-    const auto array = numeric_to_arrow(values.get(), nullptr).ValueOrDie();
+    const hxArrayPtr encoded = Envelope(one.name, one.host());
+    const auto array = read(encoded);
     const auto& buffer = array->data()->buffers[1];
-    EXPECT_EQ(buffer->data(), hxGetData(static_cast<const hxArray*>(values.get())));
-    EXPECT_EQ(buffer->size(), static_cast<std::int64_t>(3 * hxGetElementSize(values.get())));
-    EXPECT_FALSE(hxIsDataShared(values.get()));
+    const hxArray* values = hxGetField(encoded.get(), 0, "Data");
+    EXPECT_EQ(buffer->data(), hxGetData(values));
+    EXPECT_EQ(buffer->size(), static_cast<std::int64_t>(3 * hxGetElementSize(values)));
+    EXPECT_FALSE(hxIsDataShared(values));
   }
 }
 
 TEST(NumericToArrow, SeesLaterChangesOfTheHostArray) {
-  const hxArrayPtr values = Column<double>({1, 2});
-  const auto array = numeric_to_arrow(values.get(), nullptr).ValueOrDie();
-  static_cast<double*>(hxGetData(values.get()))[1] = 7;
+  hxArrayPtr values = Column<double>({1, 2});
+  auto* const data = static_cast<double*>(hxGetData(values.get()));
+  const hxArrayPtr encoded = Envelope("double", std::move(values));
+  const auto array = read(encoded);
+  data[1] = 7;
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[1, 7]")));
 }
 
 TEST(NumericToArrow, LeavesTheNullsUncounted) {
-  const hxArrayPtr values = Column<double>({1, 2, 3});
-  const auto bitmap = ArrowBuffer({0x05});
-  const auto array = numeric_to_arrow(values.get(), bitmap).ValueOrDie();
+  const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
+  const auto array = read(encoded);
+  const hxArray* valid = hxGetField(encoded.get(), 0, "Valid");
   EXPECT_EQ(array->data()->null_count.load(), -1);
   EXPECT_EQ(array->offset(), 0);
-  EXPECT_EQ(array->data()->buffers[0], bitmap);
+  EXPECT_EQ(array->data()->buffers[0]->data(), hxGetData(hxGetField(valid, 0, "Values")));
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[1, null, 3]")));
 }
 
 TEST(NumericToArrow, ReadsEveryShapeInStorageOrder) {
-  const hxArrayPtr shapes[] = {Matrix<std::int16_t>({2, 3}, {1, 2, 3, 4, 5, 6}),
-                               Row<std::int16_t>({1, 2, 3, 4, 5, 6}),
-                               Column<std::int16_t>({1, 2, 3, 4, 5, 6}),
-                               Matrix<std::int16_t>({1, 3, 2}, {1, 2, 3, 4, 5, 6})};
+  const hxArrayPtr shapes[] = {
+      Envelope("int16", Matrix<std::int16_t>({2, 3}, {1, 2, 3, 4, 5, 6})),
+      Envelope("int16", Row<std::int16_t>({1, 2, 3, 4, 5, 6})),
+      Numbers<std::int16_t>({1, 2, 3, 4, 5, 6}),
+      Envelope("int16", Matrix<std::int16_t>({1, 3, 2}, {1, 2, 3, 4, 5, 6}))};
   const auto expected = ArrowArray(::arrow::int16(), "[1, 2, 3, 4, 5, 6]");
-  for (const hxArrayPtr& values : shapes) {
-    EXPECT_TRUE(SameArray(*numeric_to_arrow(values.get(), nullptr).ValueOrDie(), *expected));
-  }
+  for (const hxArrayPtr& encoded : shapes) EXPECT_TRUE(SameArray(*read(encoded), *expected));
 }
 
 TEST(NumericToArrow, GivesAnEmptyArrayOverAnEmptyBuffer) {
   for (const Dims& dims : {Dims{0, 0}, Dims{0, 1}, Dims{1, 0}, Dims{3, 0, 2}}) {
-    const hxArrayPtr values = Matrix<double>(dims, {});
-    const auto array = numeric_to_arrow(values.get(), nullptr).ValueOrDie();
+    const hxArrayPtr encoded = Envelope("double", Matrix<double>(dims, {}));
+    const auto array = read(encoded);
     EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[]")));
     ASSERT_NE(array->data()->buffers[1], nullptr);
     EXPECT_EQ(array->data()->buffers[1]->size(), 0);
@@ -140,46 +146,38 @@ TEST(NumericToArrow, NamesTheFieldThatIsComplexOrSparse) {
                               "array that is not sparse."));
 }
 
-/// "Data" of the envelope.
-::arrow::Result<hxArrayPtr> written(const std::shared_ptr<::arrow::Array>& array) {
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr envelope, to_numera(array));
-  return hxSharedCopy(hxGetField(envelope.get(), 0, "Data"));
-}
-
 TEST(NumericToNumera, GivesEveryTypeItsClass) {
   for (const NumericClass& one : kClasses) {
     SCOPED_TRACE(one.name);
     const auto envelope = to_numera(ArrowArray(one.type, one.json)).ValueOrDie();
-    const hxArrayPtr expected = WrittenEnvelope("array", one.name, WrittenValidity(3), one.host());
+    const hxArrayPtr expected = WrittenArray(one.name, 3, one.host());
     EXPECT_TRUE(SameHostValue(envelope.get(), expected.get()));
   }
 }
 
 TEST(NumericToNumera, JoinsChunksInOrder) {
   const auto chunks = ArrowChunks(::arrow::float64(), {"[1, 2, 3]", "[]", "[4, 5]"});
-  EXPECT_TRUE(SameHostValue(numeric_to_numera<double>(*chunks).ValueOrDie().get(),
-                            Column<double>({1, 2, 3, 4, 5}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(chunks).get(), Column<double>({1, 2, 3, 4, 5}).get()));
 }
 
 TEST(NumericToNumera, HonoursTheOffsetOfASlice) {
   const auto whole = ArrowArray(::arrow::int32(), "[0, 1, 2, 3, 4, 5, 6, 7]");
-  const ::arrow::ChunkedArray chunks({whole->Slice(4), whole->Slice(1, 2)->Slice(1)});
-  EXPECT_TRUE(SameHostValue(numeric_to_numera<std::int32_t>(chunks).ValueOrDie().get(),
-                            Column<std::int32_t>({4, 5, 6, 7, 2}).get()));
+  const auto chunks = std::make_shared<::arrow::ChunkedArray>(
+      ::arrow::ArrayVector{whole->Slice(4), whole->Slice(1, 2)->Slice(1)});
+  EXPECT_TRUE(SameHostValue(DataOf(chunks).get(), Column<std::int32_t>({4, 5, 6, 7, 2}).get()));
 }
 
 TEST(NumericToNumera, CopiesWhatLiesUnderNulls) {
   const auto array =
       std::make_shared<::arrow::UInt8Array>(3, ArrowBuffer({10, 20, 30}), ArrowBuffer({0x05}));
-  EXPECT_TRUE(
-      SameHostValue(written(array).ValueOrDie().get(), Column<std::uint8_t>({10, 20, 30}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(array).get(), Column<std::uint8_t>({10, 20, 30}).get()));
 }
 
 TEST(NumericToNumera, KeepsTheBitsOfEveryNan) {
   const std::vector<std::uint64_t> bits = {0x7FF0'0000'0000'0001, 0xFFF8'0000'0000'1234,
                                            0x8000'0000'0000'0000};
   const auto array = std::make_shared<::arrow::DoubleArray>(3, ::arrow::Buffer::Wrap(bits));
-  const hxArrayPtr values = written(array).ValueOrDie();
+  const hxArrayPtr values = DataOf(array);
   const auto* data =
       static_cast<const std::uint64_t*>(hxGetData(static_cast<const hxArray*>(values.get())));
   EXPECT_EQ(std::vector<std::uint64_t>(data, data + 3), bits);
@@ -187,16 +185,14 @@ TEST(NumericToNumera, KeepsTheBitsOfEveryNan) {
 
 TEST(NumericToNumera, GivesAnEmptyColumnForNoElements) {
   const hxArrayPtr expected = Column<double>({});
-  EXPECT_TRUE(SameHostValue(
-      numeric_to_numera<double>(*ArrowChunks(::arrow::float64(), {})).ValueOrDie().get(),
-      expected.get()));
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(::arrow::float64(), {})).get(), expected.get()));
   const auto no_buffer = std::make_shared<::arrow::DoubleArray>(0, nullptr);
-  EXPECT_TRUE(SameHostValue(written(no_buffer).ValueOrDie().get(), expected.get()));
+  EXPECT_TRUE(SameHostValue(DataOf(no_buffer).get(), expected.get()));
 }
 
 TEST(NumericToNumera, OwnsItsData) {
   const auto array = ArrowArray(::arrow::float64(), "[1, 2]");
-  const hxArrayPtr values = written(array).ValueOrDie();
+  const hxArrayPtr values = DataOf(array);
   EXPECT_NE(hxGetData(static_cast<const hxArray*>(values.get())),
             array->data()->buffers[1]->data());
 }
@@ -231,7 +227,7 @@ TEST(NumericToNumera, RefusesABufferThatEndsEarly) {
     SCOPED_TRACE(::testing::Message() << one.length << " from " << one.offset);
     const auto array =
         std::make_shared<::arrow::Int32Array>(one.length, one.values, nullptr, 0, one.offset);
-    EXPECT_EQ(written(array).status(), one.expected);
+    EXPECT_EQ(to_numera(array).status(), one.expected);
   }
 }
 
@@ -248,7 +244,7 @@ TEST(Numeric, ConversionsLeaveNothingBehindWhereverTheyFail) {
   EXPECT_GE(towards_host.allocations, 7U);
   EXPECT_GE(towards_host.calls, 14U);
 
-  const hxArrayPtr encoded = Envelope("double", Column<double>({1, 2, 3}), {0x05});
+  const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
   const FaultSites towards_arrow =
       FailEverywhere([&encoded] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(towards_arrow.calls, 8U);

@@ -16,7 +16,7 @@
 #include "tests/core/types/dictionary_columns.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {

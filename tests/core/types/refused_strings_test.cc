@@ -14,7 +14,7 @@
 #include "tests/core/only_read.h"
 #include "tests/core/types/string_columns.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/other_device.h"
 
 namespace numera::io::arrow::core {

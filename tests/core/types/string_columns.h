@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "numera/core/to_numera.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::testing {

@@ -11,13 +11,14 @@
 #include <vector>
 
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/core/types/string_columns.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -26,14 +27,6 @@ namespace {
 using namespace numera::testing;
 using namespace std::string_literals;
 
-hxArrayPtr DataOf(const std::shared_ptr<::arrow::Array>& array) {
-  return hxSharedCopy(hxGetField(ValueOf(to_numera(array)).get(), 0, "Data"));
-}
-
-hxArrayPtr DataOf(const std::shared_ptr<::arrow::ChunkedArray>& column) {
-  return hxSharedCopy(hxGetField(ValueOf(to_numera(column)).get(), 0, "Data"));
-}
-
 TEST(TextToHost, BecomesAStringColumn) {
   for (const auto& type : kTextTypes) {
     SCOPED_TRACE(type->ToString());
@@ -41,9 +34,8 @@ TEST(TextToHost, BecomesAStringColumn) {
 
     const hxArrayPtr envelope = ValueOf(to_numera(array));
 
-    const hxArrayPtr expected =
-        WrittenEnvelope("array", "string", WrittenValidity(6, {0b11110111}),
-                        Strings({u"plain", u"", u"née", u"", u"漢字", u"a\0b"s}));
+    const hxArrayPtr expected = WrittenArray(
+        "string", 6, Strings({u"plain", u"", u"née", u"", u"漢字", u"a\0b"s}), {0b11110111});
     EXPECT_TRUE(SameHostValue(envelope.get(), expected.get()));
   }
 }

@@ -1,5 +1,3 @@
-#include "numera/core/types/struct.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,16 +21,6 @@ using namespace numera::testing;
 using ::arrow::field;
 using ::arrow::Status;
 
-hxArrayPtr StructEnvelope(hxArrayPtr names, hxArrayPtr children,
-                          const std::vector<std::uint8_t>& valid = {}) {
-  return KindEnvelope("struct", "struct", StructData(std::move(names), std::move(children)), valid);
-}
-
-template <class T>
-hxArrayPtr Numbers(std::string_view type, const std::vector<T>& values) {
-  return Envelope(type, Column<T>(values));
-}
-
 Status StatusOfReading(const hxArrayPtr& encoded) {
   return to_arrow<::arrow::Array>(encoded.get()).status();
 }
@@ -41,27 +29,24 @@ const std::shared_ptr<::arrow::DataType> kPoint =
     ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float64())});
 
 TEST(StructToArrow, NamesItsChildrenInOrder) {
-  const hxArrayPtr encoded = StructEnvelope(
-      Cell({Char("a"), Char("b")}),
-      Cell({Numbers<std::int32_t>("int32", {1, 2, 3}), Numbers<double>("double", {4, 5, 6})}));
+  const hxArrayPtr encoded =
+      StructEnvelope({"a", "b"}, {Numbers<std::int32_t>({1, 2, 3}), Numbers<double>({4, 5, 6})});
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(kPoint, "[[1, 4], [2, 5], [3, 6]]")));
 }
 
 TEST(StructToArrow, TakesCellsOfAnyShape) {
-  const hxArrayPtr encoded = StructEnvelope(
-      Cell({2, 1}, {Char("a"), Char("b")}),
-      Cell({1, 2}, {Numbers<std::int32_t>("int32", {1}), Numbers<double>("double", {2})}));
+  const hxArrayPtr encoded =
+      KindEnvelope("struct", "struct",
+                   StructData(Cell({2, 1}, {Char("a"), Char("b")}),
+                              Cell({1, 2}, {Numbers<std::int32_t>({1}), Numbers<double>({2})})));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(kPoint, "[[1, 2]]")));
 }
 
 TEST(StructToArrow, TakesItsOwnNullsFromValid) {
-  const hxArrayPtr encoded =
-      StructEnvelope(Cell({Char("a"), Char("b")}),
-                     Cell({Numbers<std::int32_t>("int32", {1, 2}),
-                           Envelope("double", Column<double>({3, 4}), {0b01})}),
-                     {0b10});
+  const hxArrayPtr encoded = StructEnvelope(
+      {"a", "b"}, {Numbers<std::int32_t>({1, 2}), Numbers<double>({3, 4}, {0b01})}, {0b10});
   const auto structs = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   EXPECT_TRUE(SameArray(*structs, *ArrowArray(kPoint, "[null, [2, null]]")));
   const hxArray* valid = hxGetField(encoded.get(), 0, "Valid");
@@ -69,18 +54,17 @@ TEST(StructToArrow, TakesItsOwnNullsFromValid) {
 }
 
 TEST(StructToArrow, HasNoBitmapWhereValidHasNoBytes) {
-  const hxArrayPtr encoded =
-      StructEnvelope(Cell({Char("a")}), Cell({Numbers<std::int32_t>("int32", {1})}));
+  const hxArrayPtr encoded = StructEnvelope({"a"}, {Numbers<std::int32_t>({1})});
   EXPECT_EQ(ValueOf(to_arrow<::arrow::Array>(encoded.get()))->data()->buffers[0], nullptr);
 }
 
 TEST(StructToArrow, PassesNamesThrough) {
-  const hxArrayPtr encoded =
-      StructEnvelope(Cell({Char(u"\u00DF\u4E2D\U0001F600"), Char(""), Char("x"), Char("x"), Empty(),
-                           Strings({u"text"})}),
-                     Cell({Numbers<double>("double", {1}), Numbers<double>("double", {2}),
-                           Numbers<double>("double", {3}), Numbers<double>("double", {4}),
-                           Numbers<double>("double", {5}), Numbers<double>("double", {6})}));
+  const hxArrayPtr encoded = KindEnvelope(
+      "struct", "struct",
+      StructData(Cell({Char(u"\u00DF\u4E2D\U0001F600"), Char(""), Char("x"), Char("x"), Empty(),
+                       Strings({u"text"})}),
+                 Cell({Numbers<double>({1}), Numbers<double>({2}), Numbers<double>({3}),
+                       Numbers<double>({4}), Numbers<double>({5}), Numbers<double>({6})})));
   const auto structs = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   std::vector<std::string> names;
   for (const auto& child : structs->type()->fields()) names.push_back(child->name());
@@ -89,11 +73,10 @@ TEST(StructToArrow, PassesNamesThrough) {
 }
 
 TEST(StructToArrow, ReadsTheFirstChunkOnly) {
-  const hxArrayPtr encoded = KindEnvelope(
-      "struct", "struct",
-      StructArray(
-          {2, 1}, {"FieldName", "FieldData"},
-          {{Cell({Char("a")}), Cell({Numbers<std::int32_t>("int32", {1})})}, {Empty(), Empty()}}));
+  const hxArrayPtr encoded =
+      KindEnvelope("struct", "struct",
+                   StructColumn(kStructFields, {StructData({"a"}, {Numbers<std::int32_t>({1})}),
+                                                StructData(Empty(), Empty())}));
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1]]")));
 }
@@ -102,60 +85,53 @@ TEST(StructToArrow, ComparesTheNumbersOfCellsBeforeAnyChildIsConverted) {
   const auto mismatch =
       Status::Invalid("Expect FieldData and FieldName to have the same number of elements");
   const hxArrayPtr cases[] = {
-      StructEnvelope(Cell({Char("a"), Char("b")}), Cell({Scalar(1.0), Scalar(2.0), Scalar(3.0)})),
-      StructEnvelope(Cell({Char("a"), Char("b")}), Cell({Scalar(1.0)})),
-      StructEnvelope(Cell({}), Cell({Scalar(1.0)})), StructEnvelope(Empty(), Cell({Scalar(1.0)})),
-      StructEnvelope(Cell({Char("a")}), Empty())};
+      StructEnvelope({"a", "b"}, {Scalar(1.0), Scalar(2.0), Scalar(3.0)}),
+      StructEnvelope({"a", "b"}, {Scalar(1.0)}),
+      KindEnvelope("struct", "struct", StructData(Cell({}), Cell({Scalar(1.0)}))),
+      KindEnvelope("struct", "struct", StructData(Empty(), Cell({Scalar(1.0)}))),
+      KindEnvelope("struct", "struct", StructData(Cell({Char("a")}), Empty()))};
   for (const hxArrayPtr& encoded : cases) EXPECT_EQ(StatusOfReading(encoded), mismatch);
 }
 
 TEST(StructToArrow, ReturnsTheFirstFailureAndReadsNoFurtherChild) {
   const hxArrayPtr encoded = StructEnvelope(
-      Cell({Char("a"), Char("b"), Char("c")}),
-      Cell({Numbers<double>("double", {1}), Envelope("double", Struct({})), Scalar(3.0)}));
+      {"a", "b", "c"}, {Numbers<double>({1}), Envelope("double", Struct({})), Scalar(3.0)});
   Reset();
   EXPECT_EQ(StatusOfReading(encoded),
             Status::Invalid("Invalid type for NUMERA to Arrow conversion."));
   EXPECT_EQ(Calls("hxGetCellChecked"), 3U) << "two children and the name of the first";
-  const hxArrayPtr empty_slot = StructEnvelope(Cell({Char("a")}), Cell({Empty()}));
+  const hxArrayPtr empty_slot = StructEnvelope({"a"}, {Empty()});
   EXPECT_EQ(StatusOfReading(empty_slot), Status::TypeError("Struct array required for input"));
 }
 
 TEST(StructToArrow, ReturnsTheFailureOfItsValidity) {
-  const hxArrayPtr encoded = Struct({{"ArrowType", Char("struct")},
-                                     {"Type", Char("struct")},
-                                     {"Valid", Envelope("uint8", Scalar<std::uint8_t>(1))},
-                                     {"Data", Scalar(1.0)}});
+  const hxArrayPtr encoded =
+      WrittenEnvelope("struct", "struct", Numbers<std::uint8_t>({1}), Scalar(1.0));
   EXPECT_THAT([&] { return StatusOfReading(encoded); },
               ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
 }
 
 TEST(StructToArrow, ReturnsTheStatusOfArrowUnchanged) {
   const hxArrayPtr unequal =
-      StructEnvelope(Cell({Char("a"), Char("b")}),
-                     Cell({Numbers<double>("double", {1}), Numbers<double>("double", {1, 2})}));
+      StructEnvelope({"a", "b"}, {Numbers<double>({1}), Numbers<double>({1, 2})});
   EXPECT_EQ(StatusOfReading(unequal), Status::Invalid("Mismatching child array lengths"));
   const auto no_children = Status::Invalid("Can't infer struct array length with 0 child arrays");
-  EXPECT_EQ(StatusOfReading(StructEnvelope(Cell({}), Cell({}))), no_children);
-  EXPECT_EQ(StatusOfReading(StructEnvelope(Empty(), Empty())), no_children);
+  EXPECT_EQ(StatusOfReading(KindEnvelope("struct", "struct", StructData(Cell({}), Cell({})))),
+            no_children);
+  EXPECT_EQ(StatusOfReading(KindEnvelope("struct", "struct", StructData(Empty(), Empty()))),
+            no_children);
 }
 
 TEST(StructToArrow, ReturnsTheStatusOfArrowForANegativeLength) {
-  const auto logical = [] {
-    return Envelope("logical", Struct({{"Values", Column<std::uint8_t>({})},
-                                       {"Length", Scalar(-3.0)},
-                                       {"ArrowType", Char("buffer")}}));
-  };
-  const hxArrayPtr encoded =
-      StructEnvelope(Cell({Char("a"), Char("b")}), Cell({logical(), logical()}));
+  const auto logical = [] { return Envelope("logical", WrittenBitmap(-3)); };
+  const hxArrayPtr encoded = StructEnvelope({"a", "b"}, {logical(), logical()});
   EXPECT_EQ(StatusOfReading(encoded),
             Status::IndexError("Offset greater than length of child arrays"));
 }
 
 TEST(StructToArrow, LeavesTheNullsOfItsChildrenUncounted) {
-  const hxArrayPtr encoded = StructEnvelope(
-      Cell({Char("a")}), Cell({Envelope("double", Column<double>(std::vector<double>(100)), {1})}),
-      {1});
+  const hxArrayPtr encoded =
+      StructEnvelope({"a"}, {Numbers<double>(std::vector<double>(100), {1})}, {1});
   const auto structs = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
   EXPECT_EQ(structs->data()->null_count.load(), ::arrow::kUnknownNullCount);
   EXPECT_EQ(structs->data()->child_data[0]->null_count.load(), ::arrow::kUnknownNullCount);
@@ -163,8 +139,9 @@ TEST(StructToArrow, LeavesTheNullsOfItsChildrenUncounted) {
 
 TEST(StructToArrow, LetsTheHostReportWhatIsNoCellOrNoStruct) {
   const std::pair<hxArrayPtr, const char*> cases[] = {
-      {StructEnvelope(Cell({Char("a")}), Scalar(1.0)), "Array is not cell array."},
-      {StructEnvelope(Scalar(1.0), Cell({Numbers<double>("double", {1})})),
+      {KindEnvelope("struct", "struct", StructData(Cell({Char("a")}), Scalar(1.0))),
+       "Array is not cell array."},
+      {KindEnvelope("struct", "struct", StructData(Scalar(1.0), Cell({Numbers<double>({1})}))),
        "Array is not cell array."},
       {KindEnvelope("struct", "struct", Scalar(1.0)), "Array is not struct array."},
       {KindEnvelope("struct", "struct", Struct({{"FieldName", Cell({})}})), "Wrong field name."},
@@ -174,7 +151,7 @@ TEST(StructToArrow, LetsTheHostReportWhatIsNoCellOrNoStruct) {
                 ::testing::ThrowsMessage<std::invalid_argument>(message));
   }
   const hxArrayPtr no_element =
-      KindEnvelope("struct", "struct", StructArray({0, 0}, {"FieldName", "FieldData"}, {}));
+      KindEnvelope("struct", "struct", StructArray({0, 0}, kStructFields, {}));
   EXPECT_THAT([&] { return StatusOfReading(no_element); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
 }
@@ -191,10 +168,7 @@ TEST(Struct, ReturnsToTheSameStructs) {
 
 TEST(Struct, LeavesNothingBehindWhereverItFails) {
   const hxArrayPtr encoded = StructEnvelope(
-      Cell({Char("a"), Char("b")}),
-      Cell({Numbers<double>("double", {1}),
-            StructEnvelope(Cell({Char("c")}), Cell({Numbers<double>("double", {2})}))}),
-      {1});
+      {"a", "b"}, {Numbers<double>({1}), StructEnvelope({"c"}, {Numbers<double>({2})})}, {1});
   const FaultSites read =
       FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(read.calls, 40U);

@@ -1,5 +1,3 @@
-#include "numera/core/types/struct.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +5,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
@@ -23,12 +22,6 @@ using namespace numera::testing;
 using ::arrow::field;
 using ::arrow::Status;
 
-template <class T>
-hxArrayPtr WrittenNumbers(std::string_view type, const std::vector<T>& values) {
-  return WrittenEnvelope("array", type, WrittenValidity(static_cast<double>(values.size())),
-                         Column<T>(values));
-}
-
 std::shared_ptr<::arrow::DataType> struct_of(const char* name) {
   return ::arrow::struct_({field(name, ::arrow::int32())});
 }
@@ -42,33 +35,27 @@ TEST(StructToHost, TakesTheNamesOfEachChunkFromItsOwnType) {
 
   const hxArrayPtr encoded = ValueOf(to_numera(column));
 
-  const hxArrayPtr expected = StructArray(
-      {2, 1}, {"FieldName", "FieldData"},
-      {{Cell({1, 1}, {Char("a")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1})})},
-       {Cell({1, 1}, {Char("b")}), Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {2})})}});
+  const hxArrayPtr expected =
+      StructColumn(kStructFields, {StructData({"a"}, {WrittenNumbers<std::int32_t>({1})}),
+                                   StructData({"b"}, {WrittenNumbers<std::int32_t>({2})})});
   EXPECT_TRUE(SameHostValue(hxGetField(encoded.get(), 0, "Data"), expected.get()));
 }
 
 TEST(StructToHost, WritesNamesAndEnvelopesAsRows) {
   const auto structs = ArrowArray(kPoint, "[[1, 2.5], [3, 4.5]]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(structs)).get(),
-      WrittenEnvelope("struct", "struct", WrittenBitmap(2),
-                      StructData(Cell({1, 2}, {Char("a"), Char("b")}),
-                                 Cell({1, 2}, {WrittenNumbers<std::int32_t>("int32", {1, 3}),
-                                               WrittenNumbers<double>("double", {2.5, 4.5})})))
-          .get()));
+  EXPECT_TRUE(
+      SameHostValue(ValueOf(to_numera(structs)).get(),
+                    WrittenNested("struct", "struct", 2,
+                                  StructData({"a", "b"}, {WrittenNumbers<std::int32_t>({1, 3}),
+                                                          WrittenNumbers<double>({2.5, 4.5})}))
+                        .get()));
 }
 
 TEST(StructToHost, CutsChildrenToTheSlice) {
   const auto structs =
       ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1], [2], [3], [4], [5]]");
-  const ::arrow::ChunkedArray slice(structs->Slice(1, 3)->Slice(1));
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(StructToHost(slice)).get(),
-                    StructData(Cell({1, 1}, {Char("a")}),
-                               Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {3, 4})}))
-                        .get()));
+  EXPECT_TRUE(SameHostValue(DataOf(structs->Slice(1, 3)->Slice(1)).get(),
+                            StructData({"a"}, {WrittenNumbers<std::int32_t>({3, 4})}).get()));
 }
 
 TEST(StructToHost, ReadsTheValidityOfASliceFromTheStartOfItsBitmap) {
@@ -76,9 +63,8 @@ TEST(StructToHost, ReadsTheValidityOfASliceFromTheStartOfItsBitmap) {
       ArrowArray(::arrow::struct_({field("a", ::arrow::int32())}), "[[1], null, [3], [4]]");
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(structs->Slice(1, 3))).get(),
-      WrittenEnvelope("struct", "struct", WrittenBitmap(3, {0b11111101}),
-                      StructData(Cell({1, 1}, {Char("a")}),
-                                 Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {0, 3, 4})})))
+      WrittenNested("struct", "struct", 3,
+                    StructData({"a"}, {WrittenNumbers<std::int32_t>({0, 3, 4})}), {0b11111101})
           .get()));
 }
 
@@ -86,11 +72,8 @@ TEST(StructToHost, CutsAChildThatIsLongerThanTheStruct) {
   const auto child = ArrowArray(::arrow::int32(), "[1, 2, 3]");
   const auto structs = ::arrow::MakeArray(::arrow::ArrayData::Make(
       ::arrow::struct_({field("a", ::arrow::int32())}), 2, {nullptr}, {child->data()}, 0));
-  EXPECT_TRUE(
-      SameHostValue(ValueOf(StructToHost(::arrow::ChunkedArray(structs))).get(),
-                    StructData(Cell({1, 1}, {Char("a")}),
-                               Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1, 2})}))
-                        .get()));
+  EXPECT_TRUE(SameHostValue(DataOf(structs).get(),
+                            StructData({"a"}, {WrittenNumbers<std::int32_t>({1, 2})}).get()));
 }
 
 TEST(StructToHost, WritesOneElementAChunkWithItsOwnCellsAndValidity) {
@@ -100,34 +83,28 @@ TEST(StructToHost, WritesOneElementAChunkWithItsOwnCellsAndValidity) {
       ValueOf(to_numera(chunks)).get(),
       WrittenEnvelope(
           "struct", "struct",
-          StructArray({2, 1}, {"Values", "Length", "ArrowType"},
-                      {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
-                       {Column<std::uint8_t>({0b11111110}), Scalar(2.0), Char("buffer")}}),
-          StructArray({2, 1}, {"FieldName", "FieldData"},
-                      {{Cell({1, 1}, {Char("a")}),
-                        Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {1})})},
-                       {Cell({1, 1}, {Char("a")}),
-                        Cell({1, 1}, {WrittenNumbers<std::int32_t>("int32", {0, 3})})}}))
+          StructColumn(kBitmapFields, {WrittenBitmap(1), WrittenBitmap(2, {0b11111110})}),
+          StructColumn(kStructFields, {StructData({"a"}, {WrittenNumbers<std::int32_t>({1})}),
+                                       StructData({"a"}, {WrittenNumbers<std::int32_t>({0, 3})})}))
           .get()));
 }
 
 TEST(StructToHost, WritesNoElementsForNoChunks) {
-  EXPECT_TRUE(SameHostValue(ValueOf(StructToHost(*ArrowChunks(kPoint, {}))).get(),
-                            StructArray({0, 1}, {"FieldName", "FieldData"}, {}).get()));
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kPoint, {})).get(),
+                            StructArray({0, 1}, kStructFields, {}).get()));
 }
 
 TEST(StructToHost, WritesAStructWithoutFields) {
   const auto structs = ArrowArray(::arrow::struct_({}), "[[], [], []]");
-  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(structs)).get(),
-                            WrittenEnvelope("struct", "struct", WrittenBitmap(3),
-                                            StructData(Cell({1, 0}, {}), Cell({1, 0}, {})))
-                                .get()));
+  EXPECT_TRUE(SameHostValue(
+      ValueOf(to_numera(structs)).get(),
+      WrittenNested("struct", "struct", 3, StructData(Cell({1, 0}, {}), Cell({1, 0}, {}))).get()));
 }
 
 TEST(StructToHost, KeepsTheTextOfNames) {
   const auto type = ::arrow::struct_({field("\xC3\x9F\xE4\xB8\xAD\xF0\x9F\x98\x80", kPoint),
                                       field("", ::arrow::null()), field("", ::arrow::null())});
-  const hxArrayPtr data = ValueOf(StructToHost(::arrow::ChunkedArray(ArrowArray(type, "[]"))));
+  const hxArrayPtr data = DataOf(ArrowArray(type, "[]"));
   EXPECT_TRUE(
       SameHostValue(hxGetField(data.get(), 0, "FieldName"),
                     Cell({1, 3}, {Char(u"\u00DF\u4E2D\U0001F600"), Char(""), Char("")}).get()));
@@ -167,12 +144,10 @@ TEST(StructToHost, ReadsAValidityThatEndsEarlyAsFarAsItGoes) {
                                                   9, {ArrowBuffer({0b11111011})}, {child->data()}));
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(structs)).get(),
-      WrittenEnvelope(
-          "struct", "struct", WrittenBitmap(9, {0b11111011, 0xFF}),
-          StructData(Cell({1, 1}, {Char("a")}),
-                     Cell({1, 1},
-                          {WrittenEnvelope("array", "uint8", WrittenValidity(9, {0b11111110, 0xFF}),
-                                           Column<std::uint8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9}))})))
+      WrittenNested("struct", "struct", 9,
+                    StructData({"a"}, {WrittenNumbers<std::uint8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9},
+                                                                    {0b11111110, 0xFF})}),
+                    {0b11111011, 0xFF})
           .get()));
 }
 

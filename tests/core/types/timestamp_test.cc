@@ -7,6 +7,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
+#include "tests/core/data_of.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/faults.h"
@@ -21,22 +22,9 @@ using namespace numera::testing;
 using ::arrow::Status;
 using ::arrow::TimeUnit;
 
-/// A timestamp in the form that `to_arrow` reads. The conversion ignores "DateType".
-hxArrayPtr ReadTimestamp(hxArrayPtr values, hxArrayPtr units, hxArrayPtr time_zone) {
-  return Struct({{"Values", std::move(values)},
-                 {"Units", std::move(units)},
-                 {"TimeZone", std::move(time_zone)}});
-}
-
-hxArrayPtr WrittenTimestamp(hxArrayPtr values, std::string_view units, hxArrayPtr time_zone) {
-  return Struct({{"Values", std::move(values)},
-                 {"Units", Char(units)},
-                 {"TimeZone", std::move(time_zone)},
-                 {"DateType", Char("Timestamp")}});
-}
-
 Status StatusOfReading(const hxArrayPtr& timestamp) {
-  return datetime_to_arrow(timestamp.get(), nullptr).status();
+  const hxArrayPtr encoded = Envelope("datetime", hxSharedCopy(timestamp.get()));
+  return to_arrow<::arrow::Array>(encoded.get()).status();
 }
 
 TEST(TimestampToArrow, TakesUnitAndTimeZoneFromItsTexts) {
@@ -56,7 +44,7 @@ TEST(TimestampToArrow, TakesUnitAndTimeZoneFromItsTexts) {
     SCOPED_TRACE(c.units);
     const hxArrayPtr encoded =
         Envelope("datetime",
-                 ReadTimestamp(Column<std::int64_t>({0, 86400}), Char(c.units), Char(c.time_zone)));
+                 TimestampData(Column<std::int64_t>({0, 86400}), Char(c.units), Char(c.time_zone)));
     const auto timestamps = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
     const std::vector<std::int64_t> values = {0, 86400};
     const auto expected = std::make_shared<::arrow::TimestampArray>(
@@ -66,47 +54,47 @@ TEST(TimestampToArrow, TakesUnitAndTimeZoneFromItsTexts) {
 }
 
 TEST(TimestampToArrow, BorrowsItsValues) {
-  const hxArrayPtr timestamp =
-      ReadTimestamp(Row<std::int64_t>({1, 2, 3}), Char("seconds"), Char(""));
-  const auto timestamps = ValueOf(datetime_to_arrow(timestamp.get(), nullptr));
+  const hxArrayPtr encoded =
+      Envelope("datetime", TimestampData(Row<std::int64_t>({1, 2, 3}), Char("seconds"), Char("")));
+  const auto timestamps = ValueOf(to_arrow<::arrow::Array>(encoded.get()));
+  const hxArray* data = hxGetField(encoded.get(), 0, "Data");
   EXPECT_EQ(timestamps->length(), 3);
-  EXPECT_EQ(timestamps->data()->buffers[1]->data(),
-            hxGetData(hxGetField(timestamp.get(), 0, "Values")));
+  EXPECT_EQ(timestamps->data()->buffers[1]->data(), hxGetData(hxGetField(data, 0, "Values")));
 }
 
 TEST(TimestampToArrow, TakesItsNullsFromValid) {
   const hxArrayPtr encoded = Envelope(
-      "datetime", ReadTimestamp(Column<std::int64_t>({1, 2}), Char("seconds"), Char("")), {0b10});
+      "datetime", TimestampData(Column<std::int64_t>({1, 2}), Char("seconds"), Char("")), {0b10});
   EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(encoded.get())),
                         *ArrowArray(::arrow::timestamp(TimeUnit::SECOND), "[null, 2]")));
 }
 
 TEST(TimestampToArrow, IgnoresTheDateType) {
-  const hxArrayPtr date = Struct({{"Values", Column<std::int64_t>({5})},
-                                  {"Units", Char("seconds")},
-                                  {"TimeZone", Char("")},
-                                  {"DateType", Char("Date")}});
-  EXPECT_TRUE(SameArray(*ValueOf(datetime_to_arrow(date.get(), nullptr)),
+  const hxArrayPtr date = Envelope("datetime", Struct({{"Values", Column<std::int64_t>({5})},
+                                                       {"Units", Char("seconds")},
+                                                       {"TimeZone", Char("")},
+                                                       {"DateType", Char("Date")}}));
+  EXPECT_TRUE(SameArray(*ValueOf(to_arrow<::arrow::Array>(date.get())),
                         *ArrowArray(::arrow::timestamp(TimeUnit::SECOND), "[5]")));
 }
 
 TEST(TimestampToArrow, ReportsWhatIsMissingOrOfAnotherClassInOrder) {
   const std::pair<hxArrayPtr, const char*> cases[] = {
-      {ReadTimestamp(Empty(), Empty(), Empty()), "Missing field 'Values' in input struct array"},
-      {ReadTimestamp(Column<std::int32_t>({1}), Empty(), Empty()),
+      {TimestampData(Empty(), Empty(), Empty()), "Missing field 'Values' in input struct array"},
+      {TimestampData(Column<std::int32_t>({1}), Empty(), Empty()),
        "Incorrect type 'int32' for struct array field 'Values'"},
-      {ReadTimestamp(Column<std::int64_t>({1}), Empty(), Scalar(1.0)),
+      {TimestampData(Column<std::int64_t>({1}), Empty(), Scalar(1.0)),
        "Missing field 'Units' in input struct array"},
-      {ReadTimestamp(Column<std::int64_t>({1}), Scalar(1.0), Empty()),
+      {TimestampData(Column<std::int64_t>({1}), Scalar(1.0), Empty()),
        "Incorrect type 'double' for struct array field 'Units'"},
-      {ReadTimestamp(Column<std::int64_t>({1}), Char("seconds"), Empty()),
+      {TimestampData(Column<std::int64_t>({1}), Char("seconds"), Empty()),
        "Missing field 'TimeZone' in input struct array"},
-      {ReadTimestamp(Column<std::int64_t>({1}), Char("seconds"), Strings({u"UTC"})),
+      {TimestampData(Column<std::int64_t>({1}), Char("seconds"), Strings({u"UTC"})),
        "Incorrect type 'string' for struct array field 'TimeZone'"},
-      {ReadTimestamp(Complex<std::int64_t>({1, 1}, {{1, 2}}), Char("seconds"), Char("")),
+      {TimestampData(Complex<std::int64_t>({1, 1}, {{1, 2}}), Char("seconds"), Char("")),
        "Field 'Values': found a complex 1-by-1 int64 array, expected a real array that is not "
        "sparse."},
-      {ReadTimestamp(host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::Int64), Char("seconds"),
+      {TimestampData(host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::Int64), Char("seconds"),
                      Char("")),
        "Field 'Values': found a sparse 1-by-1 int64 array, expected a real array that is not "
        "sparse."}};
@@ -130,39 +118,44 @@ TEST(TimestampToArrow, LetsTheHostReportFieldsThatAStructLacks) {
 }
 
 TEST(TimestampToArrow, LetsTheHostReportATimeZoneThatIsNoText) {
-  const hxArrayPtr timestamp = ReadTimestamp(Column<std::int64_t>({1}), Char("seconds"),
+  const hxArrayPtr timestamp = TimestampData(Column<std::int64_t>({1}), Char("seconds"),
                                              Char(std::u16string_view(u"\xD800", 1)));
   EXPECT_THROW(static_cast<void>(StatusOfReading(timestamp)), hxCodecError);
 }
 
 TEST(TimestampToNumera, WritesUnitTimeZoneAndValues) {
   const auto zoned = ArrowArray(::arrow::timestamp(TimeUnit::NANO, "Europe/Paris"), "[1, -2]");
-  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(zoned)).get(),
-                            WrittenEnvelope("array", "datetime", WrittenValidity(2),
-                                            WrittenTimestamp(Column<std::int64_t>({1, -2}),
-                                                             "nanoseconds", Char("Europe/Paris")))
-                                .get()));
+  EXPECT_TRUE(
+      SameHostValue(ValueOf(to_numera(zoned)).get(),
+                    WrittenArray("datetime", 2,
+                                 WrittenTimestampData(Column<std::int64_t>({1, -2}),
+                                                      Char("nanoseconds"), Char("Europe/Paris")))
+                        .get()));
   const auto local = ArrowArray(::arrow::timestamp(TimeUnit::SECOND), "[null, 3]");
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(local)).get(),
-      WrittenEnvelope("array", "datetime", WrittenValidity(2, {0b11111110}),
-                      WrittenTimestamp(Column<std::int64_t>({0, 3}), "seconds", Char("")))
+      WrittenArray("datetime", 2,
+                   WrittenTimestampData(Column<std::int64_t>({0, 3}), Char("seconds"), Char("")),
+                   {0b11111110})
           .get()));
 }
 
 TEST(TimestampToNumera, WritesTheTimeZoneOneCharacterAByte) {
   const auto type = ::arrow::timestamp(TimeUnit::SECOND, "Z\xC3\xBCrich");
   EXPECT_TRUE(SameHostValue(
-      ValueOf(timestamp_to_numera(*ArrowChunks(type, {}))).get(),
-      WrittenTimestamp(Column<std::int64_t>({}), "seconds", Char(u"Z\u00C3\u00BCrich")).get()));
+      DataOf(ArrowChunks(type, {})).get(),
+      WrittenTimestampData(Column<std::int64_t>({}), Char("seconds"), Char(u"Z\u00C3\u00BCrich"))
+          .get()));
 }
 
 TEST(TimestampToNumera, JoinsChunksAndHonoursOffsets) {
   const auto seconds = ArrowArray(::arrow::timestamp(TimeUnit::SECOND), "[1, 2, 3, 4]");
-  const ::arrow::ChunkedArray chunks({seconds->Slice(2), seconds->Slice(0, 0), seconds});
+  const auto chunks = std::make_shared<::arrow::ChunkedArray>(
+      ::arrow::ArrayVector{seconds->Slice(2), seconds->Slice(0, 0), seconds});
   EXPECT_TRUE(SameHostValue(
-      ValueOf(timestamp_to_numera(chunks)).get(),
-      WrittenTimestamp(Column<std::int64_t>({3, 4, 1, 2, 3, 4}), "seconds", Char("")).get()));
+      DataOf(chunks).get(),
+      WrittenTimestampData(Column<std::int64_t>({3, 4, 1, 2, 3, 4}), Char("seconds"), Char(""))
+          .get()));
 }
 
 TEST(TimestampToNumera, RefusesAChunkWhoseBufferEndsEarly) {
@@ -183,14 +176,13 @@ TEST(TimestampToNumera, ReturnsToTheSameTimestamps) {
 
 TEST(DurationToNumera, IsABareColumnWithoutItsUnit) {
   const auto durations = ArrowArray(::arrow::duration(TimeUnit::MILLI), "[5, -6]");
-  EXPECT_TRUE(SameHostValue(
-      ValueOf(to_numera(durations)).get(),
-      WrittenEnvelope("array", "int64", WrittenValidity(2), Column<std::int64_t>({5, -6})).get()));
+  EXPECT_TRUE(SameHostValue(ValueOf(to_numera(durations)).get(),
+                            WrittenNumbers<std::int64_t>({5, -6}).get()));
 }
 
 TEST(Timestamp, LeavesNothingBehindWhereverItFails) {
   const hxArrayPtr encoded = Envelope(
-      "datetime", ReadTimestamp(Column<std::int64_t>({1}), Char("seconds"), Char("UTC")), {1});
+      "datetime", TimestampData(Column<std::int64_t>({1}), Char("seconds"), Char("UTC")), {1});
   const FaultSites read =
       FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
   EXPECT_GE(read.calls, 10U);

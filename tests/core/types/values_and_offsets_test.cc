@@ -10,7 +10,7 @@
 #include "numera/core/types/binary.h"
 #include "numera/core/types/string.h"
 #include "numera/host/memory.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/envelopes.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -37,7 +37,7 @@ void ExpectRefused(const hxArrayPtr& s, const Status& expected) {
 }
 
 TEST(ValuesAndStartOffsets, AreBothTakenFromTheStruct) {
-  const hxArrayPtr texts = EncodedTexts("ab", {0, 2});
+  const hxArrayPtr texts = TextData("ab", {0, 2});
 
   const ValuesAndStartOffsets fields = ValueOf(ReadValuesAndStartOffsets(texts.get()));
 
@@ -50,18 +50,17 @@ TEST(ValuesAndStartOffsets, RefuseWhatIsNoStruct) {
 }
 
 TEST(ValuesAndStartOffsets, RefuseEmptyFields) {
-  ExpectRefused(Struct({{"Values", Empty()}, {"StartOffsets", Column<std::uint64_t>({0})}}),
+  ExpectRefused(ListData(Empty(), Column<std::uint64_t>({0})),
                 Status::TypeError("Missing field 'Values' in input struct array"));
-  ExpectRefused(Struct({{"Values", Column<std::uint8_t>({})}, {"StartOffsets", Empty()}}),
+  ExpectRefused(ListData(Column<std::uint8_t>({}), Empty()),
                 Status::TypeError("Missing field 'StartOffsets' in input struct array"));
 }
 
 TEST(ValuesAndStartOffsets, RefuseFieldsOfAnotherClass) {
-  ExpectRefused(Struct({{"Values", Char("ab")}, {"StartOffsets", Column<std::uint64_t>({0})}}),
+  ExpectRefused(ListData(Char("ab"), Column<std::uint64_t>({0})),
                 Status::TypeError("Incorrect type 'char' for struct array field 'Values'"));
-  ExpectRefused(
-      Struct({{"Values", Column<std::uint8_t>({})}, {"StartOffsets", Column<double>({0})}}),
-      Status::TypeError("Incorrect type 'double' for struct array field 'StartOffsets'"));
+  ExpectRefused(ListData(Column<std::uint8_t>({}), Column<double>({0})),
+                Status::TypeError("Incorrect type 'double' for struct array field 'StartOffsets'"));
 }
 
 TEST(ValuesAndStartOffsets, LookAtValuesFirst) {
@@ -70,32 +69,29 @@ TEST(ValuesAndStartOffsets, LookAtValuesFirst) {
 }
 
 TEST(ValuesAndStartOffsets, LookAtClassesBeforeComplexity) {
-  ExpectRefused(
-      Struct({{"Values", Complex<std::uint8_t>({1, 1}, {{1, 0}})}, {"StartOffsets", Char("")}}),
-      Status::TypeError("Incorrect type 'char' for struct array field 'StartOffsets'"));
+  ExpectRefused(ListData(Complex<std::uint8_t>({1, 1}, {{1, 0}}), Char("")),
+                Status::TypeError("Incorrect type 'char' for struct array field 'StartOffsets'"));
 }
 
 TEST(ValuesAndStartOffsets, RefuseComplexNumbers) {
-  ExpectRefused(Struct({{"Values", Complex<std::uint8_t>({2, 1}, {{1, 0}, {2, 0}})},
-                        {"StartOffsets", Column<std::uint64_t>({0})}}),
-                Status::TypeError("Field 'Values': found a complex 2-by-1 uint8 array, expected a "
-                                  "real array that is not sparse."));
   ExpectRefused(
-      Struct({{"Values", Column<std::uint8_t>({})},
-              {"StartOffsets", Complex<std::uint64_t>({1, 1}, {{0, 0}})}}),
+      ListData(Complex<std::uint8_t>({2, 1}, {{1, 0}, {2, 0}}), Column<std::uint64_t>({0})),
+      Status::TypeError("Field 'Values': found a complex 2-by-1 uint8 array, expected a "
+                        "real array that is not sparse."));
+  ExpectRefused(
+      ListData(Column<std::uint8_t>({}), Complex<std::uint64_t>({1, 1}, {{0, 0}})),
       Status::TypeError("Field 'StartOffsets': found a complex 1-by-1 uint64 array, expected a "
                         "real array that is not sparse."));
 }
 
 TEST(ValuesAndStartOffsets, RefuseSparseNumbers) {
   const Dims dims{2, 1};
-  ExpectRefused(Struct({{"Values", host::memory::CreateSparseArray(dims, hxClassID::UInt8)},
-                        {"StartOffsets", Column<std::uint64_t>({0})}}),
-                Status::TypeError("Field 'Values': found a sparse 2-by-1 uint8 array, expected a "
-                                  "real array that is not sparse."));
   ExpectRefused(
-      Struct({{"Values", Column<std::uint8_t>({})},
-              {"StartOffsets", host::memory::CreateSparseArray(dims, hxClassID::UInt64)}}),
+      ListData(host::memory::CreateSparseArray(dims, hxClassID::UInt8), Column<std::uint64_t>({0})),
+      Status::TypeError("Field 'Values': found a sparse 2-by-1 uint8 array, expected a "
+                        "real array that is not sparse."));
+  ExpectRefused(
+      ListData(Column<std::uint8_t>({}), host::memory::CreateSparseArray(dims, hxClassID::UInt64)),
       Status::TypeError("Field 'StartOffsets': found a sparse 2-by-1 uint64 array, expected a "
                         "real array that is not sparse."));
 }
@@ -113,7 +109,7 @@ TEST(ValuesAndStartOffsets, LeaveAFieldThatTheStructLacksToTheHost) {
 }
 
 TEST(ValuesAndStartOffsets, LeaveAStructWithoutElementsToTheHost) {
-  const hxArrayPtr none = StructArray({0, 0}, {"Values", "StartOffsets"}, {});
+  const hxArrayPtr none = StructArray({0, 0}, kListFields, {});
 
   EXPECT_THAT([&] { return ReadValuesAndStartOffsets(none.get()).ok(); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
@@ -175,7 +171,7 @@ TEST(NarrowOffsets, AreNoneForNone) {
 }
 
 TEST(NarrowReaders, ReportTheLimit) {
-  const hxArrayPtr texts = EncodedTexts("", {0, 2147483647});
+  const hxArrayPtr texts = TextData("", {0, 2147483647});
   const Status expected = Status::Invalid(
       "Cannot construct arrow::StringArray or arrow::BinaryArray with 2147483647 offset.");
   EXPECT_EQ(MakeStringArray(texts.get(), nullptr).status(), expected);
@@ -183,13 +179,13 @@ TEST(NarrowReaders, ReportTheLimit) {
 }
 
 TEST(LargeReaders, TakeOffsetsOfAnySize) {
-  const hxArrayPtr texts = EncodedTexts("", {0, 2147483647});
+  const hxArrayPtr texts = TextData("", {0, 2147483647});
   EXPECT_EQ(ValueOf(MakeLargeStringArray(texts.get(), nullptr))->length(), 1);
   EXPECT_EQ(ValueOf(MakeLargeBinaryArray(texts.get(), nullptr))->length(), 1);
 }
 
 TEST(ValuesAndStartOffsets, GiveNoElementsForOneOffset) {
-  const hxArrayPtr texts = EncodedTexts("", {0});
+  const hxArrayPtr texts = TextData("", {0});
   for (const auto& [name, reader] : kFieldReaders) {
     SCOPED_TRACE(name);
     EXPECT_EQ(ValueOf(reader(texts.get(), nullptr))->length(), 0);
@@ -197,7 +193,7 @@ TEST(ValuesAndStartOffsets, GiveNoElementsForOneOffset) {
 }
 
 TEST(ValuesAndStartOffsets, PassOnLengthMinusOneForNoOffsets) {
-  const hxArrayPtr texts = EncodedTexts("ab", {});
+  const hxArrayPtr texts = TextData("ab", {});
   for (const auto& [name, reader] : kFieldReaders) {
     SCOPED_TRACE(name);
     EXPECT_EQ(ValueOf(reader(texts.get(), nullptr))->length(), -1);

@@ -15,8 +15,8 @@
 #include "numera/extras/intake/intake.h"
 #include "tests/extras/intake/intake_checks.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/encoded_texts.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/offset_arrays.h"
 
 namespace numera::testing {
 namespace {

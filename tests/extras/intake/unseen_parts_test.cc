@@ -14,7 +14,7 @@
 #include "tests/extras/intake/intake_checks.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
-#include "tests/support/encoded_texts.h"
+#include "tests/support/offset_arrays.h"
 
 namespace numera::testing {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Texts and byte strings as the host encodes them. Also Arrow arrays of bytes and offsets that
-/// JSON cannot express: invalid UTF-8, and offsets that no builder makes.
+/// Arrow arrays of bytes and offsets that JSON cannot express: invalid UTF-8, and offsets that no
+/// builder makes.
 
 #include <arrow/array/util.h>
 #include <arrow/buffer.h>
@@ -14,18 +14,10 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/host_builder.h"
-
 namespace numera::testing {
 
 inline std::vector<std::uint8_t> BytesOf(std::string_view text) {
   return {text.begin(), text.end()};
-}
-
-/// The struct of "Values" and "StartOffsets".
-inline hxArrayPtr EncodedTexts(std::string_view bytes, const std::vector<std::uint64_t>& offsets) {
-  return Struct({{"Values", Column<std::uint8_t>(BytesOf(bytes))},
-                 {"StartOffsets", Column<std::uint64_t>(offsets)}});
 }
 
 /// A buffer in a block of exactly its size, so that a memory checker reports a read past its end.
