@@ -10,6 +10,7 @@
 #include "fuzz/seeds.h"
 #include "numera/core/to_numera.h"
 #include "numera/extras/encode/encode.h"
+#include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
 
 namespace numera::fuzz {
@@ -63,8 +64,7 @@ std::vector<hxArrayPtr> plain_values() {
   values.push_back(Matrix<std::int64_t>({2, 2, 2}, {1, 2, 3, 4, 5, 6, 7, 8}));
   values.push_back(Logical({true, false, true, true, false, false, true, true, true}));
   values.push_back(Complex<float>({1, 2}, {{1, 2}, {0, -1}}));
-  values.push_back(
-      Struct({{"ArrowType", Char("buffer")}, {"Values", Column<std::uint8_t>({1, 2})}}));
+  values.push_back(BufferEnvelope({1, 2}));
   values.push_back(ObjectArray("Point", {1, 2}, {"X"}, {{Scalar(1.0)}, {Empty()}}));
   values.push_back(StructArray({2, 1}, {"Name", "two words"},
                                {{Char("Ada"), Empty()}, {Char("Jo"), Cell({0, 0}, {})}}));

@@ -69,17 +69,6 @@ size_t deepest_encoded(const Containers& containers) {
   return count - 1;
 }
 
-/// Lists in two chunks. Each chunk is one list around one of the values.
-hxArrayPtr TwoChunksOfLists(hxArrayPtr first, hxArrayPtr second) {
-  hxArrayPtr bits = StructArray({2, 1}, {"Values", "Length", "ArrowType"},
-                                {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
-                                 {Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")}});
-  return WrittenEnvelope("list_array", "list_array", std::move(bits),
-                         StructArray({2, 1}, {"Values", "StartOffsets"},
-                                     {{std::move(first), Column<std::int32_t>({0, 1})},
-                                      {std::move(second), Column<std::int32_t>({0, 1})}}));
-}
-
 TEST(StackOfOwnToArrow, HoldsTheDeepestValuesAndTheirDestruction) {
   for (const Containers& containers : kReadContainers) {
     SCOPED_TRACE(containers.back().name);
@@ -95,9 +84,7 @@ TEST(StackOfOwnToArrow, HoldsTheDeepestValuesAndTheirDestruction) {
 TEST(StackOfOwnToArrowTable, HoldsTheDeepestColumnsAndTheirDestruction) {
   for (const Containers& containers : kReadContainers) {
     SCOPED_TRACE(containers.back().name);
-    hxArrayPtr encoded = Struct({{"ArrowType", Char("table")},
-                                 {"Columns", NestedEncoded(containers, kDeepest)},
-                                 {"Names", Cell({Char("deep")})}});
+    hxArrayPtr encoded = TableEnvelope(Names({"deep"}), NestedEncoded(containers, kDeepest));
     std::int64_t rows = 0;
     OnStatedStack(kStackBytes, [&] {
       rows = ValueOf(extras::own_to_arrow_table(std::move(encoded)))->num_rows();
@@ -224,8 +211,8 @@ TEST(StackOfMakeReadable, HoldsTheDeepestValuesOfSeveralChunks) {
   for (const Containers& containers : kWrittenContainers) {
     SCOPED_TRACE(containers.back().name);
     const size_t levels = deepest_encoded(containers) - 1;
-    const hxArrayPtr value =
-        TwoChunksOfLists(NestedWritten(containers, levels), NestedWritten(containers, levels));
+    const hxArrayPtr value = WrittenTwoChunksOfLists(NestedWritten(containers, levels),
+                                                     NestedWritten(containers, levels));
     Status status = Status::UnknownError("");
     OnStatedStack(kMakeReadableStackBytes,
                   [&] { status = extras::make_readable(value.get()).status(); });

@@ -40,8 +40,7 @@ hxArrayPtr bytes(Bytes needed, Part part, const HostMaking& making) {
 hxArrayPtr validity(size_t length, const HostMaking& making) {
   if (making.nulls == Nulls::kNoBitmap) return BufferEnvelope({});
   Bytes bits = validity_bits(static_cast<std::int64_t>(length), making);
-  return Struct(
-      {{"ArrowType", Char("buffer")}, {"Values", bytes(std::move(bits), Part::kBitmap, making)}});
+  return BufferOf(Char("buffer"), bytes(std::move(bits), Part::kBitmap, making));
 }
 
 template <class ValueAt>
@@ -75,15 +74,13 @@ hxArrayPtr texts_of(const std::vector<std::string>& texts, const HostMaking& mak
     all.insert(all.end(), text.begin(), text.end());
     starts.push_back(static_cast<std::int64_t>(all.size()));
   }
-  return Struct({{"Values", bytes(std::move(all), Part::kBytes, making)},
-                 {"StartOffsets", start_offsets(starts, making)}});
+  return ListData(bytes(std::move(all), Part::kBytes, making), start_offsets(starts, making));
 }
 
 hxArrayPtr logical(size_t length, const HostMaking& making) {
   Bytes bits = random_bits(static_cast<std::int64_t>(length), making);
-  return Struct({{"Values", bytes(std::move(bits), Part::kBytes, making)},
-                 {"Length", Scalar(static_cast<double>(length) + 0.75)},
-                 {"ArrowType", Char("buffer")}});
+  return BitmapOf(bytes(std::move(bits), Part::kBytes, making),
+                  Scalar(static_cast<double>(length) + 0.75));
 }
 
 hxArrayPtr categorical(const HostType& type, size_t length, HostMaking making) {
@@ -92,23 +89,22 @@ hxArrayPtr categorical(const HostType& type, size_t length, HostMaking making) {
   const auto code_at = [&](size_t i) {
     return random_code(making, static_cast<std::int64_t>(i), texts.size());
   };
-  return Struct({{"Categories", texts_of(texts, for_child(making, 0))},
-                 {"Values", numbers(type.class_id, length, making, code_at)},
-                 {"Ordinal", Logical({making.seed % 2 == 0})}});
+  return CategoricalData(texts_of(texts, for_child(making, 0)),
+                         numbers(type.class_id, length, making, code_at),
+                         Logical({making.seed % 2 == 0}));
 }
 
 hxArrayPtr list_data(const HostType& type, size_t length, const HostMaking& making) {
   const auto starts = random_starts(static_cast<std::int64_t>(length), making);
   const auto child_length = static_cast<size_t>(starts.back()) + 1;
-  return Struct({{"Values", make_host_value(type.children[0], child_length, for_child(making, 0))},
-                 {"StartOffsets", start_offsets(starts, making)}});
+  return ListData(make_host_value(type.children[0], child_length, for_child(making, 0)),
+                  start_offsets(starts, making));
 }
 
 hxArrayPtr struct_data(const HostType& type, size_t length, const HostMaking& making) {
-  return Struct(
-      {{"FieldName", Cell({Char("x"), Char("ключ")})},
-       {"FieldData", Cell({make_host_value(type.children[0], length, for_child(making, 0)),
-                           make_host_value(type.children[1], length, for_child(making, 1))})}});
+  return StructData({"x", "ключ"},
+                    {make_host_value(type.children[0], length, for_child(making, 0)),
+                     make_host_value(type.children[1], length, for_child(making, 1))});
 }
 
 hxArrayPtr data_of(const HostType& type, size_t length, const HostMaking& making) {
@@ -119,13 +115,12 @@ hxArrayPtr data_of(const HostType& type, size_t length, const HostMaking& making
     case HostKind::kLogical:
       return logical(length, making);
     case HostKind::kDatetime:
-      return Struct({{"Values", numbers(hxClassID::Int64, length, making)},
-                     {"Units", Char(type.units)},
-                     {"TimeZone", Char(making.seed % 2 == 0 ? "UTC" : "")}});
+      return TimestampData(numbers(hxClassID::Int64, length, making), Char(type.units),
+                           Char(making.seed % 2 == 0 ? "UTC" : ""));
     case HostKind::kDuration:
-      return Struct({{"Values", numbers(type.class_id, length, making,
-                                        [&](size_t i) { return mix(making.seed, i) % kSeconds; })},
-                     {"Units", Char(type.units)}});
+      return TimeData(numbers(type.class_id, length, making,
+                              [&](size_t i) { return mix(making.seed, i) % kSeconds; }),
+                      Char(type.units));
     case HostKind::kText:
       return texts_of(random_texts(static_cast<std::int64_t>(length), making), making);
     case HostKind::kCategorical:
@@ -145,10 +140,8 @@ std::string_view kind_text(HostKind kind) {
 }  // namespace
 
 hxArrayPtr make_host_value(const HostType& type, size_t length, const HostMaking& making) {
-  return Struct({{"ArrowType", Char(kind_text(type.kind))},
-                 {"Type", Char(type.type)},
-                 {"Valid", validity(length, making)},
-                 {"Data", data_of(type, length, making)}});
+  return WrittenEnvelope(kind_text(type.kind), type.type, validity(length, making),
+                         data_of(type, length, making));
 }
 
 }  // namespace numera::gauntlet

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tests/gauntlet/model.h"
-#include "tests/support/host_builder.h"
+#include "tests/support/envelopes.h"
 
 namespace numera::gauntlet {
 namespace {
@@ -21,12 +21,6 @@ std::vector<Bytes> texts_of(const ArrayData& dictionary) {
   std::vector<Bytes> texts;
   for (std::int64_t i = 0; i < dictionary.length; ++i) texts.push_back(text_at(dictionary, i));
   return texts;
-}
-
-hxArrayPtr categorical(hxArrayPtr categories, hxArrayPtr values, bool ordered) {
-  return Struct({{"Categories", std::move(categories)},
-                 {"Values", std::move(values)},
-                 {"Ordinal", Logical({ordered})}});
 }
 
 hxArrayPtr plain_codes(const Column& column, const std::shared_ptr<::arrow::DataType>& index) {
@@ -99,7 +93,7 @@ hxArrayPtr merged_categorical(const Column& column) {
   hxArrayPtr codes = merged.texts.size() <= 127     ? merged.codes_as<std::int8_t>()
                      : merged.texts.size() <= 32767 ? merged.codes_as<std::int16_t>()
                                                     : merged.codes_as<std::int32_t>();
-  return categorical(merged.categories(), std::move(codes), false);
+  return CategoricalData(merged.categories(), std::move(codes), Logical({false}));
 }
 
 }  // namespace
@@ -109,8 +103,8 @@ hxArrayPtr model_categorical(const Column& column) {
   if (column.chunks.size() > 1) return merged_categorical(column);
   Column dictionary{type.value_type(), {}};
   for (const auto& chunk : column.chunks) dictionary.chunks.push_back(chunk->dictionary);
-  return categorical(model_texts(dictionary), plain_codes(column, type.index_type()),
-                     type.ordered());
+  return CategoricalData(model_texts(dictionary), plain_codes(column, type.index_type()),
+                         Logical({type.ordered()}));
 }
 
 }  // namespace numera::gauntlet

@@ -99,15 +99,12 @@ Bytes validity_bits(const Column& column) {
 }
 
 hxArrayPtr validity_of_each(const Column& column) {
-  const char* const names[] = {"Values", "Length", "ArrowType"};
-  hxArrayPtr all = hxCreateStructArray(Dims{column.chunks.size(), 1}, names);
-  for (size_t c = 0; c < column.chunks.size(); ++c) {
-    const Bytes bits = validity_bits({column.type, {column.chunks[c]}});
-    hxSetField(all.get(), c, "Values", numera::testing::Column<std::uint8_t>(bits));
-    hxSetField(all.get(), c, "Length", Scalar(static_cast<double>(column.chunks[c]->length)));
-    hxSetField(all.get(), c, "ArrowType", Char("buffer"));
+  std::vector<hxArrayPtr> all;
+  for (const auto& chunk : column.chunks) {
+    all.push_back(
+        WrittenBitmap(static_cast<double>(chunk->length), validity_bits({column.type, {chunk}})));
   }
-  return all;
+  return StructColumn(kBitmapFields, all);
 }
 
 }  // namespace

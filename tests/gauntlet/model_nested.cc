@@ -1,5 +1,8 @@
+#include <string>
+#include <vector>
+
 #include "tests/gauntlet/model.h"
-#include "tests/support/host_builder.h"
+#include "tests/support/envelopes.h"
 
 namespace numera::gauntlet {
 namespace {
@@ -26,14 +29,12 @@ hxArrayPtr start_offsets(const ArrayData& chunk) {
                                        : stored_offsets<std::int32_t>(chunk);
 }
 
-/// A struct array with one element per chunk. `fill(data, c, chunk)` fills each element.
-template <class Fill>
-hxArrayPtr element_a_chunk(const Column& column, std::initializer_list<const char*> names,
-                           Fill fill) {
-  const std::vector<const char*> fields(names);
-  hxArrayPtr data = hxCreateStructArray(Dims{column.chunks.size(), 1}, fields);
-  for (size_t c = 0; c < column.chunks.size(); ++c) fill(data.get(), c, *column.chunks[c]);
-  return data;
+/// A struct column with one element per chunk, which `make(chunk)` makes.
+template <class Make>
+hxArrayPtr element_a_chunk(const Column& column, const FieldNames& fields, Make make) {
+  std::vector<hxArrayPtr> elements;
+  for (const auto& chunk : column.chunks) elements.push_back(make(*chunk));
+  return StructColumn(fields, elements);
 }
 
 /// A child of a struct, sliced to the rows of the struct.
@@ -49,36 +50,30 @@ ArrayDataPtr field_of(const ArrayData& chunk, size_t i) {
 }  // namespace
 
 hxArrayPtr model_lists(const Column& column) {
-  return element_a_chunk(column, {"Values", "StartOffsets"},
-                         [](hxArray* data, size_t c, const ArrayData& chunk) {
-                           hxSetField(data, c, "Values", envelope_of(chunk.child_data[0]));
-                           hxSetField(data, c, "StartOffsets", start_offsets(chunk));
-                         });
+  return element_a_chunk(column, kListFields, [](const ArrayData& chunk) {
+    return ListData(envelope_of(chunk.child_data[0]), start_offsets(chunk));
+  });
 }
 
 hxArrayPtr model_maps(const Column& column) {
-  return element_a_chunk(column, {"Keys", "Values", "StartOffsets"},
-                         [](hxArray* data, size_t c, const ArrayData& chunk) {
-                           const ArrayData& entries = *chunk.child_data[0];
-                           hxSetField(data, c, "Keys", envelope_of(entries.child_data[0]));
-                           hxSetField(data, c, "Values", envelope_of(entries.child_data[1]));
-                           hxSetField(data, c, "StartOffsets", start_offsets(chunk));
-                         });
+  return element_a_chunk(column, kMapFields, [](const ArrayData& chunk) {
+    const ArrayData& entries = *chunk.child_data[0];
+    return MapData(envelope_of(entries.child_data[0]), envelope_of(entries.child_data[1]),
+                   start_offsets(chunk));
+  });
 }
 
 hxArrayPtr model_structs(const Column& column) {
-  return element_a_chunk(column, {"FieldName", "FieldData"},
-                         [](hxArray* data, size_t c, const ArrayData& chunk) {
-                           const auto& fields = chunk.type->fields();
-                           hxArrayPtr names = hxCreateCellArray(Dims{1, fields.size()});
-                           hxArrayPtr children = hxCreateCellArray(Dims{1, fields.size()});
-                           for (size_t i = 0; i < fields.size(); ++i) {
-                             hxSetCell(names.get(), i, Char(fields[i]->name()));
-                             hxSetCell(children.get(), i, envelope_of(field_of(chunk, i)));
-                           }
-                           hxSetField(data, c, "FieldName", std::move(names));
-                           hxSetField(data, c, "FieldData", std::move(children));
-                         });
+  return element_a_chunk(column, kStructFields, [](const ArrayData& chunk) {
+    const auto& fields = chunk.type->fields();
+    std::vector<std::string> names;
+    hxArrayPtr children = hxCreateCellArray(Dims{1, fields.size()});
+    for (size_t i = 0; i < fields.size(); ++i) {
+      names.push_back(fields[i]->name());
+      hxSetCell(children.get(), i, envelope_of(field_of(chunk, i)));
+    }
+    return StructData(Names(names), std::move(children));
+  });
 }
 
 }  // namespace numera::gauntlet

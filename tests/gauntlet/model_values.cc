@@ -1,7 +1,7 @@
 #include <string>
 
 #include "tests/gauntlet/model.h"
-#include "tests/support/host_builder.h"
+#include "tests/support/envelopes.h"
 
 namespace numera::gauntlet {
 namespace {
@@ -35,21 +35,16 @@ hxArrayPtr unit_name(TimeUnit::type unit) {
   return Empty();
 }
 
-hxArrayPtr dates(hxArrayPtr values) {
-  return Struct({{"Values", std::move(values)}, {"DateType", Char("Date")}});
-}
-
 hxArrayPtr times(const Column& column, hxArrayPtr values) {
   const auto& type = static_cast<const ::arrow::TimeType&>(*column.type);
-  return Struct({{"Values", std::move(values)}, {"Units", unit_name(type.unit())}});
+  return TimeData(std::move(values), unit_name(type.unit()));
 }
 
 hxArrayPtr timestamps(const Column& column) {
   const auto& type = static_cast<const ::arrow::TimestampType&>(*column.type);
-  return Struct({{"Values", numbers<std::int64_t>(column)},
-                 {"Units", unit_name(type.unit())},
-                 {"TimeZone", hxCreateCharArray(type.timezone().data(), type.timezone().size())},
-                 {"DateType", Char("Timestamp")}});
+  const std::string& zone = type.timezone();
+  return WrittenTimestampData(numbers<std::int64_t>(column), unit_name(type.unit()),
+                              hxCreateCharArray(zone.data(), zone.size()));
 }
 
 template <class ElementBytes>
@@ -140,9 +135,9 @@ hxArrayPtr model_data(const Column& column) {
     case Type::FIXED_SIZE_BINARY:
       return fixed_binaries(column);
     case Type::DATE32:
-      return dates(numbers<std::int32_t>(column));
+      return DateData(numbers<std::int32_t>(column));
     case Type::DATE64:
-      return dates(numbers<std::int64_t>(column));
+      return DateData(numbers<std::int64_t>(column));
     case Type::TIME32:
       return times(column, numbers<std::int32_t>(column));
     case Type::TIME64:

@@ -30,7 +30,7 @@ hxArrayPtr ZerosAnd(std::uint8_t last, size_t length) {
 }
 
 hxArrayPtr Texts(hxArrayPtr bytes, const std::vector<std::uint64_t>& offsets) {
-  return Struct({{"Values", std::move(bytes)}, {"StartOffsets", Column<std::uint64_t>(offsets)}});
+  return ListData(std::move(bytes), Column<std::uint64_t>(offsets));
 }
 
 TEST(LargeToArrow, BorrowsMoreThanTwoToThe31Numbers) {
@@ -44,9 +44,7 @@ TEST(LargeToArrow, BorrowsMoreThanTwoToThe31Numbers) {
 
 TEST(LargeToArrow, BorrowsMoreThanTwoToThe32Bits) {
   const hxArrayPtr envelope =
-      Envelope("logical", Struct({{"Values", ZerosAnd(0x10, kTwoTo32 / 8 + 1)},
-                                  {"Length", Scalar(4294967301.0)},
-                                  {"ArrowType", Char("buffer")}}));
+      Envelope("logical", BitmapOf(ZerosAnd(0x10, kTwoTo32 / 8 + 1), Scalar(4294967301.0)));
 
   const auto array = ValueOf(to_arrow<::arrow::Array>(envelope.get()));
 
@@ -69,15 +67,9 @@ TEST(LargeToArrow, BorrowsTextsBeyondFourGigabytes) {
 }
 
 TEST(LargeToArrow, BorrowsTheOffsetsOfAListBeyond32Bits) {
-  const hxArrayPtr envelope = Struct(
-      {{"ArrowType", Char("list_array")},
-       {"Type", Char("list_array")},
-       {"Valid", BufferEnvelope({})},
-       {"Data",
-        Struct({{"Values", Envelope("logical", Struct({{"Values", ZerosAnd(0x12, kTwoTo32 / 8 + 1)},
-                                                       {"Length", Scalar(4294967301.0)},
-                                                       {"ArrowType", Char("buffer")}}))},
-                {"StartOffsets", Column<std::uint64_t>({0, kTwoTo32 + 1, kTwoTo32 + 5})}})}});
+  const hxArrayPtr envelope = ListEnvelope(
+      Envelope("logical", BitmapOf(ZerosAnd(0x12, kTwoTo32 / 8 + 1), Scalar(4294967301.0))),
+      Column<std::uint64_t>({0, kTwoTo32 + 1, kTwoTo32 + 5}));
 
   const auto array = ValueOf(to_arrow<::arrow::Array>(envelope.get()));
 

@@ -78,6 +78,14 @@ inline hxArrayPtr WrittenMap(hxArrayPtr inner) {
       MapData(WrittenNumbers<std::uint8_t>({7}), std::move(inner), Column<std::int32_t>({0, 1})));
 }
 
+/// Lists in two chunks. Each chunk is one list around one of the values.
+inline hxArrayPtr WrittenTwoChunksOfLists(hxArrayPtr first, hxArrayPtr second) {
+  return WrittenEnvelope(
+      "list_array", "list_array", StructColumn(kBitmapFields, {WrittenBitmap(1), WrittenBitmap(1)}),
+      StructColumn(kListFields, {ListData(std::move(first), Column<std::int32_t>({0, 1})),
+                                 ListData(std::move(second), Column<std::int32_t>({0, 1}))}));
+}
+
 inline hxArrayPtr EncodedList(hxArrayPtr inner) {
   return ListEnvelope(std::move(inner), Column<std::uint64_t>({0, 1}));
 }

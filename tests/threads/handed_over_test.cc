@@ -12,6 +12,7 @@
 #include "numera/extras/encode/encode.h"
 #include "numera/extras/own/own.h"
 #include "numera/host/memory.h"
+#include "tests/support/envelopes.h"
 #include "tests/support/every_type.h"
 #include "tests/support/host_builder.h"
 #include "tests/threads/on_threads.h"
@@ -64,7 +65,7 @@ hxArrayPtr some_array(int round) {
     case 4:
       return Strings({u"a", std::nullopt, u"a text that is longer than most"});
     default:
-      return Struct({{"ArrowType", Char("array")}, {"Data", Column<std::int8_t>({1, 2, 3})}});
+      return Numbers<std::int8_t>({1, 2, 3});
   }
 }
 
@@ -105,13 +106,8 @@ TEST_F(HandedOver, OwnedArrowValuesMayBeReleasedOnAnyThread) {
   Exchange<std::shared_ptr<::arrow::Array>> exchange;
   on_threads([&exchange](size_t) {
     for (int round = 0; round < kRounds; ++round) {
-      auto owned = extras::own_to_arrow<::arrow::Array>(
-                       Struct({{"ArrowType", Char("array")},
-                               {"Type", Char("double")},
-                               {"Valid", Struct({{"ArrowType", Char("buffer")},
-                                                 {"Values", Column<std::uint8_t>({0b101})}})},
-                               {"Data", Column<double>({1, 2, 3})}}))
-                       .ValueOrDie();
+      auto owned =
+          extras::own_to_arrow<::arrow::Array>(Numbers<double>({1, 2, 3}, {0b101})).ValueOrDie();
       const auto foreign = exchange.swap(std::move(owned));
       EXPECT_TRUE(foreign == nullptr || foreign->null_count() == 1);
     }

@@ -76,8 +76,8 @@ std::vector<hxArrayPtr> bad_values() {
   values.push_back(Cell({Column<std::uint8_t>({1}), Column<std::uint8_t>({2})}));
   values.push_back(Struct({}));
   values.push_back(StructArray({0, 1}, {"Values", "StartOffsets", "ArrowType"}, {}));
-  values.push_back(Struct({{"Values", Empty()}, {"StartOffsets", Empty()}}));
-  values.push_back(Envelope("double", Scalar(1.0)));
+  values.push_back(ListData(Empty(), Empty()));
+  values.push_back(Numbers<double>({1}));
   values.push_back(WrittenBitmap(1e18, {1}));
   values.push_back(ObjectArray("Point", {1, 1}, {"Values"}, {{Scalar(1.0)}}));
   return values;

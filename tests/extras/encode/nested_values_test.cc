@@ -12,6 +12,7 @@
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_matchers.h"
+#include "tests/support/nested_values.h"
 
 namespace numera::testing {
 namespace {
@@ -21,22 +22,15 @@ using io::arrow::core::kMaxNestingLevels;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
 
-hxArrayPtr Plain(std::string_view type, double length, hxArrayPtr data,
-                 const std::vector<std::uint8_t>& valid = {}) {
-  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
+hxArrayPtr Lists(double length, hxArrayPtr values, hxArrayPtr offsets, const Bits& valid = {}) {
+  return WrittenEnvelope("list_array", "large_list_array", WrittenValidity(length, valid),
+                         ListData(std::move(values), std::move(offsets)));
 }
 
-hxArrayPtr Lists(double length, hxArrayPtr values, hxArrayPtr offsets,
-                 const std::vector<std::uint8_t>& valid = {}) {
-  return WrittenEnvelope(
-      "list_array", "large_list_array", WrittenValidity(length, valid),
-      Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}}));
-}
-
-hxArrayPtr Structs(double length, hxArrayPtr names, hxArrayPtr fields,
-                   const std::vector<std::uint8_t>& valid = {}) {
+hxArrayPtr Structs(double length, const std::vector<std::string>& names,
+                   std::initializer_list<Slot> fields, const Bits& valid = {}) {
   return WrittenEnvelope("struct", "struct", WrittenValidity(length, valid),
-                         StructData(std::move(names), std::move(fields)));
+                         StructData(names, fields));
 }
 
 /// The encoded form of the envelope that `to_numera` writes for these chunks.
@@ -48,7 +42,7 @@ hxArrayPtr encoded(const std::shared_ptr<::arrow::DataType>& type,
 
 TEST(EncodeNestedValues, ListsOfOneChunkAreRewrittenInPlace) {
   const hxArrayPtr readable = encoded(::arrow::list(::arrow::int16()), {"[[1, 2], null, [3]]"});
-  const hxArrayPtr expected = Lists(3, Plain("int16", 3, Column<std::int16_t>({1, 2, 3})),
+  const hxArrayPtr expected = Lists(3, WrittenNumbers<std::int16_t>({1, 2, 3}),
                                     Column<std::uint64_t>({0, 2, 2, 3}), {0xFD});
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
@@ -66,7 +60,7 @@ TEST(EncodeNestedValues, ValuesOfListsOfOneChunkAreNotCopied) {
 
 TEST(EncodeNestedValues, ReadableOffsetsAreNotCopied) {
   const hxArrayPtr lists =
-      Lists(1, Plain("int8", 2, Column<std::int8_t>({1, 2})), Column<std::uint64_t>({0, 2}));
+      Lists(1, WrittenNumbers<std::int8_t>({1, 2}), Column<std::uint64_t>({0, 2}));
   const hxArrayPtr readable = make_readable(lists.get()).ValueOrDie();
   const auto offsets = [](const hxArrayPtr& envelope) {
     return hxGetData(hxGetField(hxGetField(envelope.get(), 0, "Data"), 0, "StartOffsets"));
@@ -77,16 +71,15 @@ TEST(EncodeNestedValues, ReadableOffsetsAreNotCopied) {
 TEST(EncodeNestedValues, ListsOfSeveralChunksAreJoinedWithTheirValidity) {
   const hxArrayPtr readable =
       encoded(::arrow::large_list(::arrow::int16()), {"[[1, null], null, [3]]", "[]", "[[], [4]]"});
-  const hxArrayPtr expected =
-      Lists(5, Plain("int16", 4, Column<std::int16_t>({1, 0, 3, 4}), {0b1101}),
-            Column<std::uint64_t>({0, 2, 2, 3, 3, 4}), {0b11101});
+  const hxArrayPtr expected = Lists(5, WrittenNumbers<std::int16_t>({1, 0, 3, 4}, {0b1101}),
+                                    Column<std::uint64_t>({0, 2, 2, 3, 3, 4}), {0b11101});
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
 
 TEST(EncodeNestedValues, ChunksWithoutNullsHaveNoBits) {
   const hxArrayPtr readable = encoded(::arrow::list(::arrow::int16()), {"[[1]]", "[[2, 3]]"});
-  const hxArrayPtr expected = Lists(2, Plain("int16", 3, Column<std::int16_t>({1, 2, 3})),
-                                    Column<std::uint64_t>({0, 1, 3}));
+  const hxArrayPtr expected =
+      Lists(2, WrittenNumbers<std::int16_t>({1, 2, 3}), Column<std::uint64_t>({0, 1, 3}));
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
 
@@ -94,8 +87,8 @@ TEST(EncodeNestedValues, OffsetsOfASliceStayInTheWholeChild) {
   const auto lists = ArrowArray(::arrow::list(::arrow::int16()), "[[1], [2, 3], [4]]");
   const hxArrayPtr written = to_numera(lists->Slice(1, 2)).ValueOrDie();
   const hxArrayPtr readable = make_readable(written.get()).ValueOrDie();
-  const hxArrayPtr expected = Lists(2, Plain("int16", 4, Column<std::int16_t>({1, 2, 3, 4})),
-                                    Column<std::uint64_t>({1, 3, 4}));
+  const hxArrayPtr expected =
+      Lists(2, WrittenNumbers<std::int16_t>({1, 2, 3, 4}), Column<std::uint64_t>({1, 3, 4}));
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
 
@@ -105,13 +98,11 @@ TEST(EncodeNestedValues, StructsOfSeveralChunksAreJoined) {
   const hxArrayPtr readable =
       encoded(type, {R"([{"é": true, "b": 1}, null])", R"([{"é": null, "b": 2}])"});
   const hxArrayPtr expected =
-      Structs(3, Cell({1, 2}, {Char("é"), Char("b")}),
-              Cell({1, 2}, {Plain("logical", 3, WrittenBitmap(3, {1}), {3}),
-                            Plain("datetime", 3,
-                                  Struct({{"Values", Column<std::int64_t>({86400, 0, 172800})},
-                                          {"Units", Char("seconds")},
-                                          {"TimeZone", Char("")},
-                                          {"DateType", Char("Timestamp")}}))}),
+      Structs(3, {"é", "b"},
+              {WrittenArray("logical", 3, WrittenBitmap(3, {1}), {3}),
+               WrittenArray("datetime", 3,
+                            WrittenTimestampData(Column<std::int64_t>({86400, 0, 172800}),
+                                                 Char("seconds"), Char("")))},
               {5});
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
@@ -119,12 +110,11 @@ TEST(EncodeNestedValues, StructsOfSeveralChunksAreJoined) {
 TEST(EncodeNestedValues, MapsBecomeListsOfKeysAndValues) {
   const hxArrayPtr readable =
       encoded(::arrow::map(::arrow::int8(), ::arrow::int16()), {"[[[1, 10], [2, null]], null]"});
-  const hxArrayPtr expected =
-      Lists(2,
-            Structs(2, Cell({1, 2}, {Char("key"), Char("value")}),
-                    Cell({1, 2}, {Plain("int8", 2, Column<std::int8_t>({1, 2})),
-                                  Plain("int16", 2, Column<std::int16_t>({10, 0}), {0xFD})})),
-            Column<std::uint64_t>({0, 2, 2}), {0xFD});
+  const hxArrayPtr expected = Lists(
+      2,
+      Structs(2, {"key", "value"},
+              {WrittenNumbers<std::int8_t>({1, 2}), WrittenNumbers<std::int16_t>({10, 0}, {0xFD})}),
+      Column<std::uint64_t>({0, 2, 2}), {0xFD});
   EXPECT_TRUE(SameHostValue(readable.get(), expected.get()));
 }
 
@@ -142,7 +132,7 @@ TEST(EncodeNestedValues, DictionariesOfTheChunksAreMerged) {
 
 TEST(EncodeNestedValues, ReadableOffsetsOfEveryIntegerWidthAreRead) {
   const auto lists = [](hxArrayPtr offsets) {
-    return Lists(1, Plain("int8", 2, Column<std::int8_t>({1, 2})), std::move(offsets));
+    return Lists(1, WrittenNumbers<std::int8_t>({1, 2}), std::move(offsets));
   };
   const hxArrayPtr expected = lists(Column<std::uint64_t>({0, 2}));
   for (const hxArrayPtr& value :
@@ -152,68 +142,35 @@ TEST(EncodeNestedValues, ReadableOffsetsOfEveryIntegerWidthAreRead) {
   }
 }
 
-enum class Nesting { kList, kStruct, kMap };
-
-/// A written value: `levels` nested containers around one number.
-hxArrayPtr nested(Nesting nesting, int levels) {
-  hxArrayPtr value = Plain("double", 1, Scalar(1.0));
-  for (int i = 0; i < levels; ++i) {
-    switch (nesting) {
-      case Nesting::kList:
-        value = Lists(1, std::move(value), Column<std::int32_t>({0, 1}));
-        break;
-      case Nesting::kStruct:
-        value = Structs(1, Cell({Char("x")}), Cell({std::move(value)}));
-        break;
-      case Nesting::kMap:
-        value = WrittenEnvelope("map", "map", WrittenValidity(1),
-                                Struct({{"Keys", Plain("double", 1, Scalar(1.0))},
-                                        {"Values", std::move(value)},
-                                        {"StartOffsets", Column<std::int32_t>({0, 1})}}));
-        break;
-    }
-  }
-  return value;
-}
-
 TEST(EncodeNestedValues, ValuesAsDeepAsTheCoreReadsAreEncoded) {
   const struct {
-    Nesting nesting;
-    int levels;
-  } rows[] = {{Nesting::kList, kMaxNestingLevels},
-              {Nesting::kStruct, kMaxNestingLevels},
-              {Nesting::kMap, kMaxNestingLevels / 2}};
+    Container container;
+    size_t levels;
+  } rows[] = {
+      {kList, kMaxNestingLevels}, {kStruct, kMaxNestingLevels}, {kMap, kMaxNestingLevels / 2}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(static_cast<int>(row.nesting));
-    const auto readable = make_readable(nested(row.nesting, row.levels).get());
+    SCOPED_TRACE(row.container.name);
+    const auto readable = make_readable(NestedWritten({row.container}, row.levels).get());
     ASSERT_TRUE(readable.ok()) << readable.status();
     EXPECT_TRUE(to_arrow<::arrow::Array>(readable->get()).ok());
-    const auto deeper = make_readable(nested(row.nesting, row.levels + 1).get());
+    const auto deeper = make_readable(NestedWritten({row.container}, row.levels + 1).get());
     EXPECT_EQ(deeper.status().ToString(),
               "Invalid: Nested value: found more than 1024 levels, expected at most 1024.");
   }
 }
 
 TEST(EncodeNestedValues, ValuesNestedMuchDeeperAreRefused) {
-  for (const Nesting nesting : {Nesting::kList, Nesting::kStruct, Nesting::kMap}) {
-    EXPECT_TRUE(make_readable(nested(nesting, 5 * kMaxNestingLevels).get()).status().IsInvalid());
+  for (const Container& container : {kList, kStruct, kMap}) {
+    const hxArrayPtr value = NestedWritten({container}, 5 * kMaxNestingLevels);
+    EXPECT_TRUE(make_readable(value.get()).status().IsInvalid());
   }
 }
 
 TEST(EncodeNestedValues, DeepValuesOfSeveralChunksAreJoined) {
   // Arrow joins the chunks. It recurses as deep as the types are.
-  for (const Nesting nesting : {Nesting::kList, Nesting::kStruct}) {
-    const auto chunk = [&] { return nested(nesting, kMaxNestingLevels - 1); };
-    const auto bits = [] {
-      return StructArray({2, 1}, {"Values", "Length", "ArrowType"},
-                         {{Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")},
-                          {Column<std::uint8_t>({}), Scalar(1.0), Char("buffer")}});
-    };
-    const hxArrayPtr written = WrittenEnvelope(
-        "list_array", "list_array", bits(),
-        StructArray(
-            {2, 1}, {"Values", "StartOffsets"},
-            {{chunk(), Column<std::int32_t>({0, 1})}, {chunk(), Column<std::int32_t>({0, 1})}}));
+  for (const Container& container : {kList, kStruct}) {
+    const auto chunk = [&container] { return NestedWritten({container}, kMaxNestingLevels - 1); };
+    const hxArrayPtr written = WrittenTwoChunksOfLists(chunk(), chunk());
     const auto readable = make_readable(written.get());
     ASSERT_TRUE(readable.ok()) << readable.status();
     EXPECT_EQ(to_arrow<::arrow::Array>(readable->get()).ValueOrDie()->length(), 2);

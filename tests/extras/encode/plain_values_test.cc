@@ -14,20 +14,9 @@
 namespace numera::testing {
 namespace {
 
+using namespace std::string_literals;
 using extras::make_readable;
 using io::arrow::core::to_arrow;
-
-/// A readable envelope of `length` elements with the bitmap `valid`.
-hxArrayPtr Readable(std::string_view type, double length, hxArrayPtr data,
-                    const std::vector<std::uint8_t>& valid = {}) {
-  return WrittenEnvelope("array", type, WrittenValidity(length, valid), std::move(data));
-}
-
-hxArrayPtr Packed(const std::vector<std::uint8_t>& bytes,
-                  const std::vector<std::uint64_t>& offsets) {
-  return Struct(
-      {{"Values", Column<std::uint8_t>(bytes)}, {"StartOffsets", Column<std::uint64_t>(offsets)}});
-}
 
 void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
   const auto readable = make_readable(value.get());
@@ -39,7 +28,7 @@ template <class T>
 void expect_numbers(std::string_view type) {
   SCOPED_TRACE(std::string(type));
   expect_encoded(Matrix<T>({2, 2}, {1, 2, 3, 4}),
-                 Readable(type, 4, Matrix<T>({2, 2}, {1, 2, 3, 4})));
+                 WrittenArray(type, 4, Matrix<T>({2, 2}, {1, 2, 3, 4})));
 }
 
 TEST(EncodePlainValues, NumbersOfEveryClassStayAsTheyAre) {
@@ -74,22 +63,24 @@ TEST(EncodePlainValues, NumbersAreNotCopied) {
 }
 
 TEST(EncodePlainValues, EmptyNumbersHaveNoElements) {
-  expect_encoded(Matrix<double>({0, 0}, {}), Readable("double", 0, Matrix<double>({0, 0}, {})));
+  expect_encoded(Matrix<double>({0, 0}, {}), WrittenArray("double", 0, Matrix<double>({0, 0}, {})));
 }
 
 TEST(EncodePlainValues, LogicalValuesArePackedInStorageOrder) {
   const std::vector<bool> values = {true, false, false, true, true, false, false, false, true};
-  const auto expected = [] { return Readable("logical", 9, WrittenBitmap(9, {0b00011001, 1})); };
+  const auto expected = [] {
+    return WrittenArray("logical", 9, WrittenBitmap(9, {0b00011001, 1}));
+  };
   expect_encoded(Logical(values), expected());
   expect_encoded(Logical({1, 9}, values), expected());
   expect_encoded(Logical({3, 3}, values), expected());
-  expect_encoded(Logical({}), Readable("logical", 0, WrittenBitmap(0)));
+  expect_encoded(Logical({}), WrittenArray("logical", 0, WrittenBitmap(0)));
 }
 
 TEST(EncodePlainValues, StringArraysOfAnyShapeArePackedWithBitsForMissingTexts) {
   const std::vector<std::optional<std::u16string>> texts = {u"ab", std::nullopt, u"", u"é"};
   const auto expected = [] {
-    return Readable("string", 4, Packed({'a', 'b', 0xC3, 0xA9, 0}, {0, 2, 2, 2, 4}), {0xFD});
+    return WrittenArray("string", 4, TextData("ab\xC3\xA9\0"s, {0, 2, 2, 2, 4}), {0xFD});
   };
   expect_encoded(Strings(texts), expected());
   expect_encoded(Strings({1, 4}, texts), expected());
@@ -98,8 +89,8 @@ TEST(EncodePlainValues, StringArraysOfAnyShapeArePackedWithBitsForMissingTexts) 
 }
 
 TEST(EncodePlainValues, StringArraysWithoutMissingTextsHaveNoBits) {
-  expect_encoded(Strings({u"a", u""}), Readable("string", 2, Packed({'a', 0}, {0, 1, 1})));
-  expect_encoded(Strings({}), Readable("string", 0, Packed({0}, {0})));
+  expect_encoded(Strings({u"a", u""}), WrittenArray("string", 2, TextData("a\0"s, {0, 1, 1})));
+  expect_encoded(Strings({}), WrittenArray("string", 0, TextData("\0"s, {0})));
 }
 
 TEST(EncodePlainValues, MissingTextsBecomeNulls) {
@@ -110,17 +101,15 @@ TEST(EncodePlainValues, MissingTextsBecomeNulls) {
 }
 
 TEST(EncodePlainValues, CharArraysGiveATextARow) {
-  expect_encoded(
-      Char("two words"),
-      Readable("string", 1, Packed({'t', 'w', 'o', ' ', 'w', 'o', 'r', 'd', 's', 0}, {0, 9})));
+  expect_encoded(Char("two words"), WrittenArray("string", 1, TextData("two words\0"s, {0, 9})));
   expect_encoded(CharMatrix({2, 2}, u"acb "),
-                 Readable("string", 2, Packed({'a', 'b', 'c', ' ', 0}, {0, 2, 4})));
-  expect_encoded(CharMatrix({0, 0}, u""), Readable("string", 0, Packed({0}, {0})));
+                 WrittenArray("string", 2, TextData("abc \0"s, {0, 2, 4})));
+  expect_encoded(CharMatrix({0, 0}, u""), WrittenArray("string", 0, TextData("\0"s, {0})));
 }
 
 TEST(EncodePlainValues, CellsOfCharRowsAreTextInStorageOrder) {
   const auto expected = [] {
-    return Readable("string", 4, Packed({'a', 'b', 'c', 0}, {0, 1, 1, 1, 3}));
+    return WrittenArray("string", 4, TextData("abc\0"s, {0, 1, 1, 1, 3}));
   };
   const auto empty = [] { return CharMatrix({0, 0}, u""); };
   expect_encoded(Cell({Char("a"), empty(), Char(""), Char("bc")}), expected());
@@ -130,7 +119,7 @@ TEST(EncodePlainValues, CellsOfCharRowsAreTextInStorageOrder) {
 
 TEST(EncodePlainValues, CellsOfBytesArePackedInStorageOrder) {
   const auto expected = [] {
-    return Readable("binary_array", 3, Packed({1, 2, 3, 4}, {0, 2, 2, 4}));
+    return WrittenArray("binary_array", 3, TextData("\1\2\3\4", {0, 2, 2, 4}));
   };
   expect_encoded(
       Cell({Column<std::uint8_t>({1, 2}), Column<std::uint8_t>({}), Row<std::uint8_t>({3, 4})}),
@@ -141,7 +130,7 @@ TEST(EncodePlainValues, CellsOfBytesArePackedInStorageOrder) {
 }
 
 TEST(EncodePlainValues, CellArraysWithoutCellsAreText) {
-  expect_encoded(Cell({0, 0}, {}), Readable("string", 0, Packed({0}, {0})));
+  expect_encoded(Cell({0, 0}, {}), WrittenArray("string", 0, TextData("\0"s, {0})));
 }
 
 TEST(EncodePlainValues, TheInputStaysAsItWas) {

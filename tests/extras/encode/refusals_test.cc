@@ -79,7 +79,7 @@ TEST(EncodeRefusals, TextThatIsNotUtf16) {
       << lone;
   EXPECT_TRUE(lone.ends_with("), expected paired surrogates.")) << lone;
   const std::string inner =
-      refusal(Written("string", 1, Cell({1, 2}, {Char(u"a"), Char(u"\xDC00")})));
+      refusal(WrittenArray("string", 1, Cell({1, 2}, {Char(u"a"), Char(u"\xDC00")})));
   EXPECT_TRUE(inner.starts_with("Invalid: .Data: found text that is not UTF-16 in element 1 ("))
       << inner;
 }
@@ -88,10 +88,7 @@ TEST(EncodeRefusals, EnvelopesThatLackAFieldOrHaveOneOfAWrongClass) {
   const Refused rows[] = {
       {Struct({{"ArrowType", Char("array")}}),
        "Type error: Value: found a 1-by-1 struct array, expected the field 'Type' in it."},
-      {Struct({{"ArrowType", Char("array")},
-               {"Type", Char("double")},
-               {"Valid", Empty()},
-               {"Data", Scalar(1.0)}}),
+      {WrittenEnvelope("array", "double", Empty(), Scalar(1.0)),
        "Type error: .Valid: found no value, expected one."},
       {Struct({{"ArrowType", Scalar(1.0)}}),
        "Type error: .ArrowType: found a 1-by-1 double array, expected a char array."},
@@ -101,20 +98,18 @@ TEST(EncodeRefusals, EnvelopesThatLackAFieldOrHaveOneOfAWrongClass) {
        "Invalid: .ArrowType: found 'Array', expected 'array', 'list_array', 'struct' or 'map'."},
       {WrittenEnvelope("array", "double", Scalar(1.0), Scalar(1.0)),
        "Type error: .Valid: found a 1-by-1 double array, expected a struct array."},
-      {Written("double", 1, WrittenBitmap(1, {1})),
+      {WrittenArray("double", 1, WrittenBitmap(1, {1})),
        "Invalid: .Type: found 'double', expected the name of a type whose 'Data' is a struct."},
-      {Written("double", 9, Column<double>({1, 2, 3, 4, 5, 6, 7, 8, 9}), {1}),
+      {WrittenArray("double", 9, Column<double>({1, 2, 3, 4, 5, 6, 7, 8, 9}), {1}),
        "Invalid: .Valid.Values: found 1 bytes, expected at least 2, one bit for each of 9 "
        "elements."},
-      {WrittenEnvelope("array", "double",
-                       Struct({{"ArrowType", Char("bits")}, {"Values", Column<std::uint8_t>({})}}),
+      {WrittenEnvelope("array", "double", BufferOf(Char("bits"), Column<std::uint8_t>({})),
                        Scalar(1.0)),
        "Invalid: .Valid.ArrowType: found 'bits', expected 'buffer'."},
-      {WrittenEnvelope("array", "double",
-                       Struct({{"ArrowType", Char("buffer")}, {"Values", Column<double>({})}}),
+      {WrittenEnvelope("array", "double", BufferOf(Char("buffer"), Column<double>({})),
                        Scalar(1.0)),
        "Type error: .Valid.Values: found a 0-by-1 double array, expected a uint8 array."},
-      {Struct({{"ArrowType", Char("buffer")}, {"Values", Scalar(1.0)}}),
+      {BufferOf(Char("buffer"), Scalar(1.0)),
        "Type error: .Values: found a 1-by-1 double array, expected a uint8 array."},
   };
   for (const Refused& row : rows) EXPECT_EQ(refusal(row.value), row.text);
@@ -122,12 +117,11 @@ TEST(EncodeRefusals, EnvelopesThatLackAFieldOrHaveOneOfAWrongClass) {
 
 TEST(EncodeRefusals, DataThatDoesNotFitItsType) {
   const auto written = [](std::string_view type, hxArrayPtr data) {
-    return Written(type, 1, std::move(data));
+    return WrittenArray(type, 1, std::move(data));
   };
   const auto categorical = [&](hxArrayPtr categories, hxArrayPtr codes, hxArrayPtr ordinal) {
-    return written("categorical", Struct({{"Categories", std::move(categories)},
-                                          {"Values", std::move(codes)},
-                                          {"Ordinal", std::move(ordinal)}}));
+    return written("categorical",
+                   CategoricalData(std::move(categories), std::move(codes), std::move(ordinal)));
   };
   const Refused rows[] = {
       {written("null", Scalar(3.0)),
@@ -137,31 +131,23 @@ TEST(EncodeRefusals, DataThatDoesNotFitItsType) {
        "Invalid: .Data: found -1, expected the number of elements, 0 or more."},
       {written("null", Column<std::int64_t>({1, 2})),
        "Invalid: .Data: found 2 elements, expected one."},
-      {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
-                                  {"Length", Scalar(9.0)},
-                                  {"ArrowType", Char("buffer")}})),
+      {written("logical", WrittenBitmap(9, {1})),
        "Invalid: .Data.Length: found 9.000000, expected a number from 0 to the number of bits in "
        "'Values'."},
-      {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
-                                  {"Length", Scalar(std::numeric_limits<double>::quiet_NaN())},
-                                  {"ArrowType", Char("buffer")}})),
+      {written("logical", WrittenBitmap(std::numeric_limits<double>::quiet_NaN(), {1})),
        "Invalid: .Data.Length: found nan, expected a number from 0 to the number of bits in "
        "'Values'."},
-      {written("logical", Struct({{"Values", Column<std::uint8_t>({1})},
-                                  {"Length", Scalar(1.0)},
-                                  {"ArrowType", Char("bits")}})),
+      {written("logical", BitmapOf(Column<std::uint8_t>({1}), Scalar(1.0), Char("bits"))),
        "Type error: Value: Expected 'buffer' input type, received 'bits' instead."},
-      {written("string", Packed(Column<std::uint8_t>({'a'}), Column<std::uint64_t>({}))),
+      {written("string", TextData("a", {})),
        "Invalid: .Data.StartOffsets: found no elements, expected one more than there are texts."},
-      {written("string", Packed(Column<std::uint8_t>({'a'}), Column<std::int64_t>({0, 1}))),
+      {written("string", ListData(Column<std::uint8_t>({'a'}), Column<std::int64_t>({0, 1}))),
        "Type error: .Data.StartOffsets: found a 2-by-1 int64 array, expected a uint64 array."},
-      {written(
-           "datetime",
-           Struct({{"Values", Scalar(1.0)}, {"Units", Char("seconds")}, {"TimeZone", Char("")}})),
+      {written("datetime", TimestampData(Scalar(1.0), Char("seconds"), Char(""))),
        "Type error: .Data.Values: found a 1-by-1 double array, expected an int64 array."},
-      {written("datetime", Struct({{"Values", Scalar<std::int64_t>(1)}, {"Units", Char("")}})),
+      {written("datetime", TimeData(Scalar<std::int64_t>(1), Char(""))),
        "Type error: .Data: found a 1-by-1 struct array, expected the field 'TimeZone' in it."},
-      {written("datetime", Struct({{"Values", Scalar(1.0)}, {"DateType", Char("Date")}})),
+      {written("datetime", DateData(Scalar(1.0))),
        "Type error: .Data.Values: found a 1-by-1 double array, expected int32 days or int64 "
        "milliseconds."},
       {written("datetime",
@@ -187,31 +173,20 @@ TEST(EncodeRefusals, WhatArrowsValidationRefuses) {
     hxArrayPtr value;
     const char* start;
   } rows[] = {
-      {Written("string", 1, Packed(Column<std::uint8_t>({'a'}), Column<std::uint64_t>({0, 2}))),
+      {WrittenArray("string", 1, TextData("a", {0, 2})), "Invalid: Value: "},
+      {WrittenArray("string", 2, TextData("a", {0, 1, 0})), "Invalid: Value: "},
+      {WrittenArray("string", 1, TextData("a", {0, std::numeric_limits<std::uint64_t>::max()})),
        "Invalid: Value: "},
-      {Written("string", 2, Packed(Column<std::uint8_t>({'a'}), Column<std::uint64_t>({0, 1, 0}))),
+      {WrittenArray("string", 1, TextData("\xFF", {0, 1})), "Invalid: Value: "},
+      {WrittenArray("categorical", 1,
+                    CategoricalData(Strings({u"a"}), Scalar<std::int8_t>(-1), Logical({false}))),
        "Invalid: Value: "},
-      {Written("string", 1,
-               Packed(Column<std::uint8_t>({'a'}),
-                      Column<std::uint64_t>({0, std::numeric_limits<std::uint64_t>::max()}))),
+      {WrittenArray("categorical", 1,
+                    CategoricalData(Strings({u"a"}), Scalar<std::int8_t>(1), Logical({false}))),
        "Invalid: Value: "},
-      {Written("string", 1, Packed(Column<std::uint8_t>({0xFF}), Column<std::uint64_t>({0, 1}))),
+      {WrittenArray("duration", 1, TimeData(Scalar<std::int32_t>(86400), Char("seconds"))),
        "Invalid: Value: "},
-      {Written("categorical", 1,
-               Struct({{"Categories", Strings({u"a"})},
-                       {"Values", Scalar<std::int8_t>(-1)},
-                       {"Ordinal", Logical({false})}})),
-       "Invalid: Value: "},
-      {Written("categorical", 1,
-               Struct({{"Categories", Strings({u"a"})},
-                       {"Values", Scalar<std::int8_t>(1)},
-                       {"Ordinal", Logical({false})}})),
-       "Invalid: Value: "},
-      {Written("duration", 1,
-               Struct({{"Values", Scalar<std::int32_t>(86400)}, {"Units", Char("seconds")}})),
-       "Invalid: Value: "},
-      {Written("duration", 1,
-               Struct({{"Values", Scalar<std::int64_t>(1)}, {"Units", Char("seconds")}})),
+      {WrittenArray("duration", 1, TimeData(Scalar<std::int64_t>(1), Char("seconds"))),
        "Invalid: Value: "},
   };
   for (const auto& row : rows) {

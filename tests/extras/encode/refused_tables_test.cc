@@ -15,18 +15,10 @@ using extras::make_readable;
 using io::arrow::core::util::TableErrorCode;
 using io::arrow::core::util::TableErrorStatusDetail;
 
-hxArrayPtr table_of(hxArrayPtr names, hxArrayPtr columns) {
-  return Struct(
-      {{"ArrowType", Char("table")}, {"Columns", std::move(columns)}, {"Names", std::move(names)}});
-}
-
-hxArrayPtr names_a_and_b() { return Cell({1, 2}, {Char("a"), Char("b")}); }
-
 /// Two columns of doubles. The second has the given data.
 hxArrayPtr columns_with(hxArrayPtr data) {
-  return StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
-                     {{Char("array"), Char("double"), Scalar(1.0), WrittenValidity(1)},
-                      {Char("array"), Char("double"), std::move(data), WrittenValidity(1)}});
+  return StructColumn(kColumnFields,
+                      {WrittenNumbers<double>({1}), WrittenArray("double", 1, std::move(data))});
 }
 
 struct RefusedTable {
@@ -36,12 +28,12 @@ struct RefusedTable {
 
 TEST(EncodeRefusedTables, SayWhatIsWrongWithAllOfThem) {
   const RefusedTable rows[] = {
-      {table_of(Cell({Char("a")}), columns_with(Scalar(1.0))),
+      {TableEnvelope(Names({"a"}), columns_with(Scalar(1.0))),
        ::arrow::Status::Invalid(".Names: found 1 names, expected 2, one for each column.")},
-      {table_of(Strings({u"a", u"b"}), columns_with(Scalar(1.0))),
+      {TableEnvelope(Strings({u"a", u"b"}), columns_with(Scalar(1.0))),
        ::arrow::Status::TypeError(
            ".Names: found a 2-by-1 string array, expected a cell of names.")},
-      {table_of(names_a_and_b(), Scalar(1.0)),
+      {TableEnvelope(Names({"a", "b"}), Scalar(1.0)),
        ::arrow::Status::TypeError(
            ".Columns: found a 1-by-1 double array, expected a struct array.")},
   };
@@ -57,22 +49,22 @@ struct RefusedColumn {
 
 TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
   const RefusedColumn rows[] = {
-      {table_of(names_a_and_b(), columns_with(Complex<double>({1, 1}, {{1, 2}}))),
+      {TableEnvelope(Names({"a", "b"}), columns_with(Complex<double>({1, 1}, {{1, 2}}))),
        ::arrow::Status::TypeError(".Columns(1).Data: found a complex 1-by-1 double array, expected "
                                   "real numbers that are not sparse."),
        "b"},
-      {table_of(names_a_and_b(), columns_with(Empty())),
+      {TableEnvelope(Names({"a", "b"}), columns_with(Empty())),
        ::arrow::Status::TypeError(".Columns(1).Data: found no value, expected one."), "b"},
-      {table_of(names_a_and_b(), columns_with(Char(u"\xDC00"))),
+      {TableEnvelope(Names({"a", "b"}), columns_with(Char(u"\xDC00"))),
        ::arrow::Status::Invalid(
            ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate "
            "at code unit 0.), expected paired surrogates."),
        "b"},
-      {table_of(names_a_and_b(), columns_with(Column<double>({1, 2}))),
+      {TableEnvelope(Names({"a", "b"}), columns_with(Column<double>({1, 2}))),
        ::arrow::Status::Invalid(
            ".Columns(1): found 2 elements, expected 1, as in the first column."),
        "b"},
-      {table_of(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
+      {TableEnvelope(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
        ::arrow::Status::TypeError(".Names{1}: found a 1-by-1 double array, expected a char array."),
        ""},
   };
@@ -90,17 +82,9 @@ TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
 }
 
 TEST(EncodeRefusedTables, NameTheFirstRefusedColumnOnAnyNumberOfThreads) {
-  const hxArrayPtr refused = Complex<double>({1, 1}, {{1, 2}});
-  hxArrayPtr columns = StructArray(
-      {4, 1}, {"ArrowType", "Type", "Data", "Valid"},
-      {{Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-       {Char("array"), Char("double"), hxSharedCopy(refused.get()), BufferEnvelope({})},
-       {Char("array"), Char("double"), Scalar(1.0), BufferEnvelope({})},
-       {Char("array"), Char("double"), hxSharedCopy(refused.get()), BufferEnvelope({})}});
-  const hxArrayPtr table =
-      Struct({{"ArrowType", Char("table")},
-              {"Names", Cell({1, 4}, {Char("a"), Char("b"), Char("c"), Char("d")})},
-              {"Columns", std::move(columns)}});
+  const auto refused = [] { return Envelope("double", Complex<double>({1, 1}, {{1, 2}})); };
+  const hxArrayPtr table = TableEnvelope(
+      {"a", "b", "c", "d"}, {Numbers<double>({1}), refused(), Numbers<double>({1}), refused()});
   for (const size_t threads : {0U, 1U, 2U, 4U}) {
     const ::arrow::Status status = make_readable(table.get(), threads).status();
     const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "numera/extras/inspect/inspect.h"
+#include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
 
 namespace numera::testing {
@@ -125,12 +126,7 @@ TEST(Print, TellsMissingTextsFromEmptyOnes) {
 TEST(Print, ShowsNull) { EXPECT_EQ(print(nullptr), "<null>"); }
 
 TEST(Print, IndentsTheFieldsOfAStruct) {
-  const hxArrayPtr value = Struct({{"ArrowType", Char("array")},
-                                   {"Type", Char("double")},
-                                   {"Valid", Struct({{"ArrowType", Char("buffer")},
-                                                     {"Values", Column<std::uint8_t>({})},
-                                                     {"Length", Scalar(3.0)}})},
-                                   {"Data", Column<double>({1, 2.5, kNaN})}});
+  const hxArrayPtr value = WrittenNumbers<double>({1, 2.5, kNaN});
   EXPECT_EQ(print(value.get()),
             "struct 1x1\n"
             "  ArrowType: char 1x5 \"array\"\n"

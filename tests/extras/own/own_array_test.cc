@@ -24,28 +24,18 @@ using ::arrow::Buffer;
 using extras::own_to_arrow;
 using host::memory::LiveArrays;
 
-hxArrayPtr texts(const std::vector<std::uint64_t>& offsets, std::string_view bytes) {
-  return Struct({{"Values", Column<std::uint8_t>({bytes.begin(), bytes.end()})},
-                 {"StartOffsets", Column<std::uint64_t>(offsets)}});
-}
-
-hxArrayPtr doubles() { return Envelope("double", Column<double>({1, 2, 3, 4}), {0b1011}); }
+hxArrayPtr doubles() { return Numbers<double>({1, 2, 3, 4}, {0b1011}); }
 
 hxArrayPtr categories() {
-  return Envelope("categorical", Struct({{"Categories", texts({0, 1, 3}, "abb")},
-                                         {"Values", Column<std::int8_t>({0, 1, 0})},
-                                         {"Ordinal", Logical({false})}}));
+  return Envelope("categorical", CategoricalData(TextData("abb", {0, 1, 3}),
+                                                 Column<std::int8_t>({0, 1, 0}), Logical({false})));
 }
 
 /// Lists of structs with the fields "number" and "category".
 hxArrayPtr nested() {
-  hxArrayPtr elements = KindEnvelope(
-      "struct", "struct",
-      Struct({{"FieldName", Cell({Char("number"), Char("category")})},
-              {"FieldData", Cell({Envelope("double", Column<double>({1, 2, 3})), categories()})}}));
-  return KindEnvelope("list_array", "large_list_array",
-                      Struct({{"StartOffsets", Column<std::uint64_t>({0, 1, 3})},
-                              {"Values", std::move(elements)}}));
+  return ListEnvelope(
+      StructEnvelope({"number", "category"}, {Numbers<double>({1, 2, 3}), categories()}),
+      Column<std::uint64_t>({0, 1, 3}));
 }
 
 std::shared_ptr<Array> owned(hxArrayPtr encoded) {
@@ -182,7 +172,7 @@ TEST_F(OwnArray, BuffersOwnTheirValueToo) {
 }
 
 TEST_F(OwnArray, BuffersPassAStatusOn) {
-  hxArrayPtr value = Struct({{"ArrowType", Char("array")}, {"Values", Column<std::uint8_t>({1})}});
+  hxArrayPtr value = BufferOf(Char("array"), Column<std::uint8_t>({1}));
   EXPECT_EQ(own_to_arrow<Buffer>(std::move(value)).status(),
             ::arrow::Status::TypeError("Expected 'buffer' input type, received 'array' instead."));
 }

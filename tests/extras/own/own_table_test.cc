@@ -26,21 +26,14 @@ using host::memory::LiveArrays;
 using io::arrow::core::to_arrow_table;
 using io::arrow::core::util::TableErrorStatusDetail;
 
-hxArrayPtr numbers() { return Column<double>({1, 2}); }
+hxArrayPtr numbers() { return Numbers<double>({1, 2}); }
 
-/// A table with the columns "a" and "b". The parameters describe "b".
-hxArrayPtr table(hxArrayPtr data, hxArrayPtr valid, hxArrayPtr kind = Char("array"),
-                 hxArrayPtr names = Cell({1, 2}, {Char("a"), Char("b")}),
-                 const char* type = "double") {
-  hxArrayPtr columns =
-      StructArray({2, 1}, {"ArrowType", "Type", "Data", "Valid"},
-                  {{Char("array"), Char("double"), numbers(), BufferEnvelope({})},
-                   {std::move(kind), Char(type), std::move(data), std::move(valid)}});
-  return Struct(
-      {{"ArrowType", Char("table")}, {"Names", std::move(names)}, {"Columns", std::move(columns)}});
+/// A table with the columns "a" and "b".
+hxArrayPtr table(hxArrayPtr b, hxArrayPtr names = Names({"a", "b"})) {
+  return TableEnvelope(std::move(names), StructColumn(kColumnFields, {numbers(), std::move(b)}));
 }
 
-hxArrayPtr good_table() { return table(Column<std::int8_t>({3, 4}), BufferEnvelope({0b01})); }
+hxArrayPtr good_table() { return table(Numbers<std::int8_t>({3, 4}, {0b01})); }
 
 const TableErrorStatusDetail* detail(const ::arrow::Status& status) {
   return dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
@@ -84,10 +77,7 @@ TEST_F(OwnTable, FreesTheHostValueWithItsLastColumn) {
 }
 
 TEST_F(OwnTable, WithoutColumnsIsEmpty) {
-  hxArrayPtr empty =
-      Struct({{"ArrowType", Char("table")},
-              {"Names", Cell({1, 0}, {})},
-              {"Columns", StructArray({0, 1}, {"ArrowType", "Type", "Data", "Valid"}, {})}});
+  hxArrayPtr empty = TableEnvelope(Names({}), StructColumn(kColumnFields, {}));
   EXPECT_EQ(own_to_arrow_table(std::move(empty)).ValueOrDie()->num_columns(), 0);
 }
 
@@ -98,19 +88,14 @@ struct BadColumn {
 };
 
 const BadColumn kBadColumns[] = {
-    {"unknown type", [] { return table(Struct({}), BufferEnvelope({})); }, "Internal"},
-    {"unknown kind", [] { return table(numbers(), BufferEnvelope({}), Char("map")); }, "TypeError"},
-    {"complex", [] { return table(Complex<double>({1, 1}, {{1, 2}}), BufferEnvelope({})); },
+    {"unknown type", [] { return table(Envelope("double", Struct({}))); }, "Internal"},
+    {"unknown kind", [] { return table(KindEnvelope("map", "double", Column<double>({1, 2}))); },
      "TypeError"},
-    {"short bitmap",
-     [] { return table(Column<double>(std::vector<double>(9)), BufferEnvelope({1})); }, "Internal"},
-    {"negative length",
-     [] {
-       hxArrayPtr no_offsets = Struct(
-           {{"Values", Column<std::uint8_t>({})}, {"StartOffsets", Column<std::uint64_t>({})}});
-       return table(std::move(no_offsets), BufferEnvelope({1}), Char("array"),
-                    Cell({1, 2}, {Char("a"), Char("b")}), "string");
-     },
+    {"complex", [] { return table(Envelope("double", Complex<double>({1, 1}, {{1, 2}}))); },
+     "TypeError"},
+    {"short bitmap", [] { return table(Numbers<double>(std::vector<double>(9), {1})); },
+     "Internal"},
+    {"negative length", [] { return table(Envelope("string", TextData("", {}), {1})); },
      "Internal"},
 };
 
@@ -131,7 +116,9 @@ TEST_F(OwnTable, NamesTheColumnThatFailsAndKeepsItsStatus) {
 }
 
 TEST_F(OwnTable, NamesTheColumnThatTheHostThrowsIn) {
-  const auto status = own_to_arrow_table(table(numbers(), Struct({}))).status();
+  const auto status = own_to_arrow_table(table(WrittenEnvelope("array", "double", Struct({}),
+                                                               Column<double>({1, 2}))))
+                          .status();
   EXPECT_EQ(status.code(), ::arrow::StatusCode::Invalid);
   EXPECT_EQ(status.message(), "Wrong field name.");
   ASSERT_NE(detail(status), nullptr);
@@ -140,16 +127,13 @@ TEST_F(OwnTable, NamesTheColumnThatTheHostThrowsIn) {
 }
 
 TEST_F(OwnTable, NumbersTheColumnWhoseNameCannotBeRead) {
-  const auto too_few =
-      own_to_arrow_table(table(numbers(), BufferEnvelope({}), Char("array"), Cell({Char("a")})))
-          .status();
+  const auto too_few = own_to_arrow_table(table(numbers(), Names({"a"}))).status();
   EXPECT_EQ(too_few.message(), "Cell index is out of range.");
   ASSERT_NE(detail(too_few), nullptr);
   EXPECT_EQ(detail(too_few)->column_name(), "");
   EXPECT_EQ(detail(too_few)->column_index(), 1);
-  const auto surrogate = own_to_arrow_table(table(numbers(), BufferEnvelope({}), Char("array"),
-                                                  Cell({Char("a"), Char(u"\xD800")})))
-                             .status();
+  const auto surrogate =
+      own_to_arrow_table(table(numbers(), Cell({Char("a"), Char(u"\xD800")}))).status();
   ASSERT_NE(detail(surrogate), nullptr);
   EXPECT_EQ(detail(surrogate)->column_index(), 1);
 }
@@ -157,14 +141,10 @@ TEST_F(OwnTable, NumbersTheColumnWhoseNameCannotBeRead) {
 TEST_F(OwnTable, RefusesWhatIsNoTableLikeToArrowTable) {
   hxArrayPtr (*const cases[])() = {
       [] { return hxArrayPtr(); },
-      [] { return numbers(); },
-      [] { return Struct({{"ArrowType", Empty()}, {"Names", Empty()}, {"Columns", Empty()}}); },
-      [] {
-        return Struct({{"ArrowType", Char("table")}, {"Names", Char("a")}, {"Columns", Empty()}});
-      },
-      [] {
-        return Struct({{"ArrowType", Char("table")}, {"Names", Cell({})}, {"Columns", Cell({})}});
-      },
+      [] { return Column<double>({1, 2}); },
+      [] { return TableOf(Empty(), Empty(), Empty()); },
+      [] { return TableEnvelope(Char("a"), Empty()); },
+      [] { return TableEnvelope(Cell({}), Cell({})); },
   };
   for (const auto make : cases) {
     const hxArrayPtr value = make();
