@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "numera/core/types/string.h"
+#include "tests/support/host_builder.h"
 #include "tests/support/icu.h"
 #include "tests/support/offset_arrays.h"
 #include "tests/unicode/drawn_texts.h"
