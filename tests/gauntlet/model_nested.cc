@@ -67,12 +67,12 @@ hxArrayPtr model_structs(const Column& column) {
   return element_a_chunk(column, kStructFields, [](const ArrayData& chunk) {
     const auto& fields = chunk.type->fields();
     std::vector<std::string> names;
-    hxArrayPtr children = hxCreateCellArray(Dims{1, fields.size()});
+    std::vector<hxArrayPtr> children;
     for (size_t i = 0; i < fields.size(); ++i) {
       names.push_back(fields[i]->name());
-      hxSetCell(children.get(), i, envelope_of(field_of(chunk, i)));
+      children.push_back(envelope_of(field_of(chunk, i)));
     }
-    return StructData(Names(names), std::move(children));
+    return StructData(names, std::move(children));
   });
 }
 

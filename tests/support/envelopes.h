@@ -32,17 +32,23 @@ inline const FieldNames kStructFields = {"FieldName", "FieldData"};
 inline const FieldNames kMapFields = {"Keys", "Values", "StartOffsets"};
 /// @}
 
-/// A struct column. Each element is a 1-by-1 struct that has at least these fields.
-inline hxArrayPtr StructColumn(const FieldNames& fields, const std::vector<hxArrayPtr>& elements) {
-  hxArrayPtr column = hxCreateStructArray(Dims{elements.size(), 1}, fields);
+/// A struct array of these elements: 1-by-1 structs that have at least these fields.
+inline hxArrayPtr StructElements(const Dims& dims, const FieldNames& fields,
+                                 const std::vector<hxArrayPtr>& elements) {
+  check_element_count(dims, elements.size());
+  hxArrayPtr array = hxCreateStructArray(dims, fields);
   size_t slot = 0;
   for (const hxArrayPtr& element : elements) {
     for (const char* field : fields) {
       const hxArray* value = hxGetField(element.get(), 0, field);
-      hxSetCell(column.get(), slot++, value == nullptr ? Empty() : hxSharedCopy(value));
+      hxSetCell(array.get(), slot++, value == nullptr ? Empty() : hxSharedCopy(value));
     }
   }
-  return column;
+  return array;
+}
+
+inline hxArrayPtr StructColumn(const FieldNames& fields, const std::vector<hxArrayPtr>& elements) {
+  return StructElements({elements.size(), 1}, fields, elements);
 }
 
 inline hxArrayPtr StructColumn(const FieldNames& fields, std::initializer_list<Slot> elements) {
@@ -118,6 +124,13 @@ inline hxArrayPtr StructData(hxArrayPtr names, hxArrayPtr children) {
 inline hxArrayPtr StructData(const std::vector<std::string>& names,
                              std::initializer_list<Slot> children) {
   return StructData(Names(names), Cell({1, children.size()}, children));
+}
+
+inline hxArrayPtr StructData(const std::vector<std::string>& names,
+                             std::vector<hxArrayPtr> children) {
+  hxArrayPtr row = hxCreateCellArray(Dims{1, children.size()});
+  for (size_t i = 0; i < children.size(); ++i) hxSetCell(row.get(), i, std::move(children[i]));
+  return StructData(Names(names), std::move(row));
 }
 
 /// One chunk of maps.

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tests/gauntlet/reading/well_formed.h"
+#include "tests/support/host_builder.h"
 
 namespace numera::gauntlet::reading {
 namespace {
@@ -19,7 +20,7 @@ bool empty_slot(Random& /*random*/, DraftPtr& slot) {
 }
 
 bool another_value(Random& random, DraftPtr& slot) {
-  slot = any_value(random);
+  slot = draft_of(any_value(random).get());
   return true;
 }
 
@@ -52,22 +53,24 @@ bool object_for_struct(Random& /*random*/, DraftPtr& slot) {
 
 bool cell_for_struct(Random& /*random*/, DraftPtr& slot) {
   if (!slot->is_struct()) return false;
-  slot = draft_cells(std::move(slot->slots));
+  slot->class_id = hxClassID::Cell;
+  slot->dims = {1, slot->slots.size()};
+  slot->fields.clear();
   return true;
 }
 
 bool struct_for_cell(Random& /*random*/, DraftPtr& slot) {
   if (slot->class_id != hxClassID::Cell) return false;
-  DraftFields fields;
-  for (DraftPtr& cell : slot->slots) fields.emplace_back("cell", std::move(cell));
-  slot = draft_struct(std::move(fields));
+  slot->class_id = hxClassID::Struct;
+  slot->dims = {1, 1};
+  slot->fields.assign(slot->slots.size(), "cell");
   return true;
 }
 
 bool wrapped_in_cell(Random& /*random*/, DraftPtr& slot) {
-  std::vector<DraftPtr> cells;
-  cells.push_back(std::move(slot));
-  slot = draft_cells(std::move(cells));
+  auto cell = std::make_unique<Draft>();
+  cell->slots.push_back(std::move(slot));
+  slot = std::move(cell);
   return true;
 }
 
@@ -106,7 +109,7 @@ bool another_text(Random& random, DraftPtr& slot) {
       u"char",   u"double",       u"String",       u"string\0"sv,   u"null",        u"seconds\0"sv,
       u"größer"};
   if (slot->class_id != hxClassID::Char) return false;
-  slot = draft_text(random.pick(kTexts));
+  slot = draft_of(testing::Char(random.pick(kTexts)).get());
   return true;
 }
 
@@ -116,7 +119,7 @@ bool undecodable_text(Random& random, DraftPtr& slot) {
   if (slot->class_id != hxClassID::Char) return false;
   std::u16string text(random.below(8), u'a');
   text.push_back(random.once_in(2) ? u'\xD83D' : u'\xDE00');
-  slot = draft_text(text);
+  slot = draft_of(testing::Char(text).get());
   return true;
 }
 

@@ -46,11 +46,15 @@ void fill(hxArray* container, const std::vector<DraftPtr>& slots) {
   }
 }
 
-DraftPtr draft_of(hxClassID class_id, Dims dims) {
-  auto draft = std::make_unique<Draft>();
-  draft->class_id = class_id;
-  draft->dims = std::move(dims);
-  return draft;
+std::vector<DraftPtr> slots_of(const hxArray* value) {
+  std::vector<DraftPtr> slots;
+  for (size_t i = 0; i < hxGetNumberOfElements(value); ++i) {
+    if (hxGetClassID(value) == hxClassID::Cell) slots.push_back(draft_of(hxGetCell(value, i)));
+    for (int f = 0; f < hxGetNumberOfFields(value); ++f) {
+      slots.push_back(draft_of(hxGetField(value, i, hxGetFieldName(value, f))));
+    }
+  }
+  return slots;
 }
 
 }  // namespace
@@ -70,39 +74,22 @@ bool Draft::is_struct() const {
          (class_id == hxClassID::Object && object_name != "string");
 }
 
-DraftPtr draft_numbers(hxClassID class_id, Dims dims, Bytes bytes) {
-  DraftPtr draft = draft_of(class_id, std::move(dims));
-  draft->bytes = std::move(bytes);
-  return draft;
-}
-
-DraftPtr draft_text(std::u16string_view text) {
-  DraftPtr draft = draft_of(hxClassID::Char, {1, text.size()});
-  draft->text = text;
-  return draft;
-}
-
-DraftPtr draft_cells(std::vector<DraftPtr> cells) {
-  DraftPtr draft = draft_of(hxClassID::Cell, {1, cells.size()});
-  draft->slots = std::move(cells);
-  return draft;
-}
-
-DraftPtr draft_struct(DraftFields fields) {
-  DraftPtr draft = draft_of(hxClassID::Struct, {1, 1});
-  for (auto& [name, value] : fields) {
-    draft->fields.push_back(std::move(name));
-    draft->slots.push_back(std::move(value));
+DraftPtr draft_of(const hxArray* value) {
+  if (value == nullptr) return nullptr;
+  auto draft = std::make_unique<Draft>();
+  draft->class_id = hxGetClassID(value);
+  draft->dims.assign(hxGetDimensions(value).begin(), hxGetDimensions(value).end());
+  const size_t count = hxGetNumberOfElements(value);
+  if (draft->class_id == hxClassID::Char) {
+    draft->text.assign(static_cast<const char16_t*>(hxGetData(value)), count);
+  } else if (const auto* data = static_cast<const std::uint8_t*>(hxGetData(value))) {
+    draft->bytes.assign(data, data + count * hxGetElementSize(value));
   }
-  return draft;
-}
-
-DraftPtr draft_structs(Dims dims, std::vector<DraftPtr> elements) {
-  DraftPtr draft = draft_of(hxClassID::Struct, std::move(dims));
-  for (const DraftPtr& element : elements) {
-    draft->fields = element->fields;
-    for (DraftPtr& slot : element->slots) draft->slots.push_back(std::move(slot));
+  if (draft->class_id == hxClassID::Object) draft->object_name = hxGetClassName(value);
+  for (int f = 0; f < hxGetNumberOfFields(value); ++f) {
+    draft->fields.emplace_back(hxGetFieldName(value, f));
   }
+  draft->slots = slots_of(value);
   return draft;
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
 /// \file
-/// Host values before they are built: trees in which every part can be damaged.
+/// Host values taken apart: trees in which every part can be damaged before they are built again.
 
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -37,15 +36,8 @@ struct Draft {
   bool is_struct() const;  ///< true for an object too, unless it is a string array
 };
 
-using DraftFields = std::vector<std::pair<std::string, DraftPtr>>;
-
-DraftPtr draft_numbers(hxClassID class_id, Dims dims, Bytes bytes);
-DraftPtr draft_text(std::u16string_view text);
-DraftPtr draft_cells(std::vector<DraftPtr> cells);
-/// A 1-by-1 struct.
-DraftPtr draft_struct(DraftFields fields);
-/// A struct array of such structs. All have the same fields in the same order.
-DraftPtr draft_structs(Dims dims, std::vector<DraftPtr> elements);
+/// The draft of a value that is neither complex nor sparse.
+DraftPtr draft_of(const hxArray* value);
 
 hxArrayPtr build(const Draft* draft);
 

@@ -13,7 +13,7 @@ constexpr int kDepth = 3;
 /// Values nested to the limit of the conversions are slow: only one value in this many.
 constexpr size_t kDeepOnceIn = 2000;
 
-DraftPtr input_of(Random& random, Door door) {
+hxArrayPtr input_of(Random& random, Door door) {
   switch (door) {
     case Door::kElement:
       return any_envelopes(random, 1 + random.below(3), random.pick(kLengths), 1);
@@ -47,10 +47,10 @@ std::string Request::name() const {
 Request request_of(std::uint64_t seed) {
   Random random(seed);
   if (random.once_in(kDeepOnceIn)) {
-    return {.input = build(deep_envelope(random, 1023 + random.below(3)).get())};
+    return {.input = deep_envelope(random, 1023 + random.below(3))};
   }
   Request request{.door = random.pick(kDoors)};
-  DraftPtr input = input_of(random, request.door);
+  DraftPtr input = draft_of(input_of(random, request.door).get());
   damage(random, input);
   request.input = build(input.get());
   request.index = random.below(4);

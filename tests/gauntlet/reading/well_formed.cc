@@ -1,142 +1,115 @@
 #include "tests/gauntlet/reading/well_formed.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <numeric>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/envelopes.h"
 
 namespace numera::gauntlet::reading {
 namespace {
+
+using namespace numera::testing;
 
 constexpr hxClassID kNumberClasses[] = {
     hxClassID::Double, hxClassID::Single, hxClassID::Int8,   hxClassID::UInt8, hxClassID::Int16,
     hxClassID::UInt16, hxClassID::Int32,  hxClassID::UInt32, hxClassID::Int64, hxClassID::UInt64};
 
 /// Every name that "Type" may have. An envelope of numbers may have any of them.
-constexpr const char16_t* kTypeNames[] = {
-    u"double",       u"single",      u"int8",       u"int16",
-    u"int32",        u"int64",       u"uint8",      u"uint16",
-    u"uint32",       u"uint64",      u"logical",    u"datetime",
-    u"string",       u"duration",    u"char",       u"struct",
-    u"binary_array", u"map",         u"list_array", u"large_list_array",
-    u"null",         u"categorical", u"",           u"fixed_binary_array"};
+constexpr const char* kTypeNames[] = {
+    "double",       "single",      "int8",       "int16",
+    "int32",        "int64",       "uint8",      "uint16",
+    "uint32",       "uint64",      "logical",    "datetime",
+    "string",       "duration",    "char",       "struct",
+    "binary_array", "map",         "list_array", "large_list_array",
+    "null",         "categorical", "",           "fixed_binary_array"};
 
-constexpr const char16_t* kUnits[] = {u"seconds", u"milliseconds", u"microseconds", u"nanoseconds",
-                                      u"second"};
+constexpr const char* kUnits[] = {"seconds", "milliseconds", "microseconds", "nanoseconds",
+                                  "second"};
 
 constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
-constexpr std::u16string_view kFieldNames[] = {u"x", u"y", u"ключ", u"", {u"\0z", 2}};
-
-Bytes any_bytes(Random& random, size_t size) {
-  Bytes bytes(size);
-  for (size_t i = 0; i < size; i += 8) {
-    const std::uint64_t word = random.next();
-    std::memcpy(bytes.data() + i, &word, std::min<size_t>(8, size - i));
-  }
-  return bytes;
-}
-
-DraftPtr scalar(double value) {
-  Bytes bytes(sizeof(value));
-  std::memcpy(bytes.data(), &value, sizeof(value));
-  return draft_numbers(hxClassID::Double, {1, 1}, std::move(bytes));
-}
+constexpr std::string_view kFieldNames[] = {"x", "y", "ключ", "", {"\0z", 2}};
 
 /// 0, 1, 2, ..., `count` - 1
-DraftPtr start_offsets(Random& random, size_t count) {
-  DraftPtr starts = any_numbers(random, hxClassID::UInt64, count);
-  for (size_t i = 0; i < count; ++i) {
-    const std::uint64_t start = i;
-    std::memcpy(starts->bytes.data() + 8 * i, &start, sizeof(start));
-  }
+hxArrayPtr start_offsets(Random& random, size_t count) {
+  hxArrayPtr starts = any_numbers(random, hxClassID::UInt64, count);
+  auto* const first = static_cast<std::uint64_t*>(hxGetData(starts.get()));
+  std::iota(first, first + count, std::uint64_t{0});
   return starts;
 }
 
 size_t bytes_of_bits(size_t bits) { return (bits + 7) / 8; }
 
-DraftPtr validity(Random& random, size_t length) {
+hxArrayPtr validity(Random& random, size_t length) {
   return any_buffer(random, random.once_in(2) ? 0 : bytes_of_bits(length));
 }
 
 /// Sometimes has no offsets. The conversion reads that as a length of -1.
-DraftPtr text_data(Random& random, size_t length) {
+hxArrayPtr text_data(Random& random, size_t length) {
   const size_t starts = random.once_in(16) ? 0 : length + 1;
-  DraftFields fields;
-  fields.emplace_back("Values", any_numbers(random, hxClassID::UInt8, length + random.below(3)));
-  fields.emplace_back("StartOffsets", start_offsets(random, starts));
-  return draft_struct(std::move(fields));
+  hxArrayPtr bytes = any_numbers(random, hxClassID::UInt8, length + random.below(3));
+  return ListData(std::move(bytes), start_offsets(random, starts));
 }
 
 /// The conversion truncates the length toward zero. The length may be negative.
-DraftPtr logical_data(Random& random, size_t length) {
+hxArrayPtr logical_data(Random& random, size_t length) {
   const double whole = static_cast<double>(length);
-  DraftPtr data = any_buffer(random, bytes_of_bits(length));
-  data->fields.emplace_back("Length");
-  data->slots.push_back(scalar(random.pick(std::array{whole, whole + 0.75, whole, -whole - 0.75})));
-  return data;
+  hxArrayPtr bits = any_numbers(random, hxClassID::UInt8, bytes_of_bits(length));
+  return WrittenBufferOf(
+      std::move(bits), Scalar(random.pick(std::array{whole, whole + 0.75, whole, -whole - 0.75})));
 }
 
-DraftPtr any_unit(Random& random) { return draft_text(random.pick(kUnits)); }
+hxArrayPtr any_unit(Random& random) { return Char(random.pick(kUnits)); }
 
-DraftPtr datetime_data(Random& random, size_t length) {
-  DraftFields fields;
-  fields.emplace_back("Values", any_numbers(random, hxClassID::Int64, length));
-  fields.emplace_back("Units", any_unit(random));
-  fields.emplace_back("TimeZone", draft_text(random.once_in(2) ? u"" : u"Europe/Paris"));
-  if (random.once_in(2)) fields.emplace_back("DateType", draft_text(u"Timestamp"));
-  return draft_struct(std::move(fields));
+hxArrayPtr datetime_data(Random& random, size_t length) {
+  hxArrayPtr values = any_numbers(random, hxClassID::Int64, length);
+  hxArrayPtr units = any_unit(random);
+  hxArrayPtr zone = Char(random.once_in(2) ? "" : "Europe/Paris");
+  const auto make = random.once_in(2) ? WrittenTimestampData : TimestampData;
+  return make(std::move(values), std::move(units), std::move(zone));
 }
 
 /// Half of the units do not fit the class.
-DraftPtr duration_data(Random& random, size_t length) {
+hxArrayPtr duration_data(Random& random, size_t length) {
   const hxClassID class_id = random.once_in(2) ? hxClassID::Int32 : hxClassID::Int64;
-  DraftFields fields;
-  fields.emplace_back("Values", any_numbers(random, class_id, length));
-  fields.emplace_back("Units", any_unit(random));
-  return draft_struct(std::move(fields));
+  hxArrayPtr values = any_numbers(random, class_id, length);
+  return TimeData(std::move(values), any_unit(random));
 }
 
 /// Two of the ten classes cannot hold codes.
-DraftPtr categorical_data(Random& random, size_t length) {
-  DraftFields fields;
-  fields.emplace_back("Categories", text_data(random, random.below(4)));
-  fields.emplace_back("Values", any_numbers(random, random.pick(kNumberClasses), length));
-  fields.emplace_back("Ordinal", draft_numbers(hxClassID::Logical, {1, 1},
-                                               {static_cast<std::uint8_t>(random.below(2))}));
-  return draft_struct(std::move(fields));
+hxArrayPtr categorical_data(Random& random, size_t length) {
+  hxArrayPtr categories = text_data(random, random.below(4));
+  hxArrayPtr codes = any_numbers(random, random.pick(kNumberClasses), length);
+  return CategoricalData(std::move(categories), std::move(codes), Logical({random.below(2) == 1}));
 }
 
-DraftPtr envelope(const char16_t* kind, const char16_t* type, DraftPtr valid, DraftPtr data) {
-  DraftFields fields;
-  fields.emplace_back("ArrowType", draft_text(kind));
-  fields.emplace_back("Type", draft_text(type));
-  fields.emplace_back("Valid", std::move(valid));
-  fields.emplace_back("Data", std::move(data));
-  return draft_struct(std::move(fields));
+hxArrayPtr list_of(Random& random, hxArrayPtr values, size_t length) {
+  hxArrayPtr data = ListData(std::move(values), start_offsets(random, length + 1));
+  return WrittenEnvelope("list_array", "list_array", validity(random, length), std::move(data));
 }
 
-DraftPtr list_of(Random& random, DraftPtr values, size_t length) {
-  DraftFields data;
-  data.emplace_back("Values", std::move(values));
-  data.emplace_back("StartOffsets", start_offsets(random, length + 1));
-  return envelope(u"list_array", u"list_array", validity(random, length),
-                  draft_struct(std::move(data)));
+std::vector<std::string> names(Random& random, size_t count) {
+  std::vector<std::string> all;
+  for (size_t i = 0; i < count; ++i) all.emplace_back(random.pick(kFieldNames));
+  return all;
 }
 
-DraftPtr struct_of(Random& random, std::vector<DraftPtr> children, size_t length) {
-  std::vector<DraftPtr> names;
-  for (size_t i = 0; i < children.size(); ++i)
-    names.push_back(draft_text(random.pick(kFieldNames)));
-  DraftFields data;
-  data.emplace_back("FieldName", draft_cells(std::move(names)));
-  data.emplace_back("FieldData", draft_cells(std::move(children)));
-  return envelope(u"struct", u"struct", validity(random, length), draft_struct(std::move(data)));
+hxArrayPtr struct_of(Random& random, std::vector<hxArrayPtr> children, size_t length) {
+  const auto child_names = names(random, children.size());
+  return WrittenEnvelope("struct", "struct", validity(random, length),
+                         StructData(child_names, std::move(children)));
 }
 
-DraftPtr nested_envelope(Random& random, size_t length, int depth) {
+hxArrayPtr nested_envelope(Random& random, size_t length, int depth) {
   if (random.once_in(2)) {
     return list_of(random, any_envelope(random, random.pick(kLengths), depth - 1), length);
   }
-  std::vector<DraftPtr> children;
+  std::vector<hxArrayPtr> children;
   for (size_t n = 1 + random.below(3); n > 0; --n) {
     children.push_back(any_envelope(random, length, depth - 1));
   }
@@ -144,17 +117,17 @@ DraftPtr nested_envelope(Random& random, size_t length, int depth) {
 }
 
 struct StructType {
-  const char16_t* name;
-  DraftPtr (*data)(Random&, size_t length);
+  const char* name;
+  hxArrayPtr (*data)(Random&, size_t length);
 };
 
-constexpr StructType kStructTypes[] = {{u"string", text_data},
-                                       {u"char", text_data},
-                                       {u"binary_array", text_data},
-                                       {u"logical", logical_data},
-                                       {u"datetime", datetime_data},
-                                       {u"duration", duration_data},
-                                       {u"categorical", categorical_data}};
+constexpr StructType kStructTypes[] = {{"string", text_data},
+                                       {"char", text_data},
+                                       {"binary_array", text_data},
+                                       {"logical", logical_data},
+                                       {"datetime", datetime_data},
+                                       {"duration", duration_data},
+                                       {"categorical", categorical_data}};
 
 }  // namespace
 
@@ -173,79 +146,74 @@ Dims any_dims(Random& random, size_t count) {
   return {count, 1};
 }
 
-DraftPtr any_numbers(Random& random, hxClassID class_id, size_t count) {
-  return draft_numbers(class_id, any_dims(random, count), any_bytes(random, 8 * count));
+hxArrayPtr any_numbers(Random& random, hxClassID class_id, size_t count) {
+  std::vector<std::uint64_t> words(count);
+  for (std::uint64_t& word : words) word = random.next();
+  hxArrayPtr array = hxCreateNumericArray(any_dims(random, count), class_id, hxComplexity::Real);
+  const size_t size = count * hxGetElementSize(array.get());
+  if (size > 0) std::memcpy(hxGetData(array.get()), words.data(), size);
+  return array;
 }
 
-DraftPtr any_value(Random& random) {
+hxArrayPtr any_value(Random& random) {
   const size_t count = random.below(3);
   switch (random.below(8)) {
     case 0:
-      return draft_text(random.pick(kTypeNames));
+      return Char(random.pick(kTypeNames));
     case 1:
-      return draft_numbers(hxClassID::Logical, any_dims(random, count), {1, 0, 1});
+      return Logical(any_dims(random, count), std::vector<bool>(count, true));
     case 2:
-      return draft_cells(std::vector<DraftPtr>(count));
+      return hxCreateCellArray(Dims{1, count});
     case 3:
-      return draft_struct({});
-    case 4: {
-      DraftPtr object = draft_struct({});
-      object->class_id = hxClassID::Object;
-      object->object_name = random.once_in(2) ? "string" : "table";
-      return object;
-    }
+      return Struct({});
+    case 4:
+      return random.once_in(2) ? Strings({u"text"}) : ObjectArray("table", {1, 1}, {}, {{}});
     default:
       return any_numbers(random, random.pick(kNumberClasses), count);
   }
 }
 
-DraftPtr any_buffer(Random& random, size_t size) {
-  DraftFields fields;
-  fields.emplace_back("ArrowType", draft_text(u"buffer"));
-  fields.emplace_back("Values", any_numbers(random, hxClassID::UInt8, size));
-  return draft_struct(std::move(fields));
+hxArrayPtr any_buffer(Random& random, size_t size) {
+  return BufferOf(Char("buffer"), any_numbers(random, hxClassID::UInt8, size));
 }
 
-DraftPtr any_envelope(Random& random, size_t length, int depth) {
+hxArrayPtr any_envelope(Random& random, size_t length, int depth) {
   if (depth > 0 && random.once_in(4)) return nested_envelope(random, length, depth);
-  DraftPtr valid = validity(random, length);
+  hxArrayPtr valid = validity(random, length);
   if (random.once_in(4)) {
-    return envelope(u"array", random.pick(kTypeNames), std::move(valid),
-                    any_numbers(random, random.pick(kNumberClasses), length));
+    hxArrayPtr data = any_numbers(random, random.pick(kNumberClasses), length);
+    return WrittenEnvelope("array", random.pick(kTypeNames), std::move(valid), std::move(data));
   }
   const StructType& type = random.pick(kStructTypes);
-  return envelope(u"array", type.name, std::move(valid), type.data(random, length));
+  return WrittenEnvelope("array", type.name, std::move(valid), type.data(random, length));
 }
 
-DraftPtr any_envelopes(Random& random, size_t count, size_t length, int depth) {
-  std::vector<DraftPtr> elements;
+hxArrayPtr any_envelopes(Random& random, size_t count, size_t length, int depth) {
+  std::vector<hxArrayPtr> elements;
   for (size_t i = 0; i < count; ++i) elements.push_back(any_envelope(random, length, depth));
-  return draft_structs(any_dims(random, count), std::move(elements));
+  return StructElements(any_dims(random, count), kEnvelopeFields, elements);
 }
 
-DraftPtr deep_envelope(Random& random, size_t levels) {
-  DraftPtr inner = any_envelope(random, 1, 0);
+hxArrayPtr deep_envelope(Random& random, size_t levels) {
+  hxArrayPtr inner = any_envelope(random, 1, 0);
   for (; levels > 0; --levels) {
     if (random.once_in(2)) {
       inner = list_of(random, std::move(inner), 1);
       continue;
     }
-    std::vector<DraftPtr> children;
+    std::vector<hxArrayPtr> children;
     children.push_back(std::move(inner));
     inner = struct_of(random, std::move(children), 1);
   }
   return inner;
 }
 
-DraftPtr any_table(Random& random) {
+hxArrayPtr any_table(Random& random) {
   const size_t columns = random.below(4);
-  std::vector<DraftPtr> names;
-  for (size_t i = 0; i < columns; ++i) names.push_back(draft_text(random.pick(kFieldNames)));
-  DraftFields fields;
-  fields.emplace_back("ArrowType", draft_text(random.once_in(2) ? u"table" : u"array"));
-  fields.emplace_back("Columns", any_envelopes(random, columns, random.pick(kLengths), 1));
-  fields.emplace_back("Names", draft_cells(std::move(names)));
-  return draft_struct(std::move(fields));
+  const auto column_names = names(random, columns);
+  hxArrayPtr kind = Char(random.once_in(2) ? "table" : "array");
+  return TableOf(std::move(kind), Names(column_names),
+                 any_envelopes(random, columns, random.pick(kLengths), 1));
 }
 
 }  // namespace numera::gauntlet::reading
