@@ -19,6 +19,10 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
+/// Of the conversion of two columns. Beside the lookups, each column is one check for interrupts,
+/// and the class of each field is checked in the first column. Measured in November 2026: 31.
+constexpr size_t kLeastCalls = 30;
+
 hxArrayPtr two_names() { return Names({"x", "y"}); }
 
 hxArrayPtr two_columns() {
@@ -263,7 +267,8 @@ TEST_F(ToArrowTableInterrupts, StopTheConversionBeforeTheNextColumn) {
 TEST(ToArrowTable, LeavesNothingBehindWhereverItFails) {
   const hxArrayPtr encoded = TableEnvelope(two_names(), two_columns());
   const FaultSites sites = FailEverywhere([&encoded] { return converted(encoded); });
-  EXPECT_GE(sites.calls, 30U);
+  ExpectAtLeast(sites, SitesOfReading(encoded));
+  EXPECT_GE(sites.calls, kLeastCalls);
 }
 
 }  // namespace

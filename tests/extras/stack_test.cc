@@ -12,7 +12,6 @@
 #include "numera/extras/intake/intake.h"
 #include "numera/extras/own/own.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/host_matchers.h"
 #include "tests/support/large_stack.h"
 #include "tests/support/nested_values.h"
 #include "tests/support/results.h"

@@ -40,6 +40,31 @@ struct Reached {
   }
 };
 
+// What each direction has to reach, so that a test fails if it no longer injects failures or
+// leaves columns out. Measured in November 2026 with 80 columns:
+//
+//                          allocations: least, total    calls: least, total
+//   to the host                          8     2615               18   5597
+//   to Arrow                             3      530                9   1933
+//   to Arrow with ownership              4      610               10   2013
+//   through encode                      13     6087               21  13909
+//   through the intake                   8     2605               18   5582
+//
+// The least of a column to the host are its eight arrays: the envelope, its four values and the
+// three of "Valid". A call creates each, and a call stores each but the envelope. The other floors
+// leave room for changes: a third to a half of the measured least, about four fifths of the totals.
+constexpr Reached kToTheHost = {.total = {2000, 4500}, .least = {8, 15}};
+constexpr Reached kToArrow = {.total = {0, 1500}, .least = {0, 5}};
+constexpr Reached kToArrowWithOwnership = {.total = {0, 1600}, .least = {1, 5}};
+constexpr Reached kThroughEncode = {.total = {5000, 12000}, .least = {5, 8}};
+constexpr Reached kThroughTheIntake = kToTheHost;
+
+void expect_at_least(const Reached& reached, const Reached& floor) {
+  ExpectAtLeast(reached.least, floor.least);
+  ExpectAtLeast(reached.total, floor.total);
+  EXPECT_EQ(reached.total.interrupts, 0U);
+}
+
 /// Whether the type is tested in nested types too: one type per converter.
 bool is_nested_too(const ::arrow::DataType& type) {
   switch (type.id()) {
@@ -97,11 +122,7 @@ TEST(ColumnFaults, ToTheHost) {
   const Reached reached = for_every_column([](const Chunks& column) {
     return fail_everywhere([&column] { return to_numera(column); }, input_of(column));
   });
-  EXPECT_GE(reached.least.allocations, 7U);
-  EXPECT_GE(reached.least.calls, 15U);
-  EXPECT_GE(reached.total.allocations, 2000U);
-  EXPECT_GE(reached.total.calls, 4500U);
-  EXPECT_EQ(reached.total.interrupts, 0U);
+  expect_at_least(reached, kToTheHost);
 }
 
 TEST(ColumnFaults, ToArrow) {
@@ -109,9 +130,7 @@ TEST(ColumnFaults, ToArrow) {
     return fail_everywhere([value] { return to_arrow<Array>(value); },
                            [value] { return text_of(value); });
   });
-  EXPECT_GE(reached.least.calls, 5U);
-  EXPECT_GE(reached.total.calls, 1500U);
-  EXPECT_EQ(reached.total.interrupts, 0U);
+  expect_at_least(reached, kToArrow);
 }
 
 TEST(ColumnFaults, ToArrowWithOwnership) {
@@ -119,9 +138,7 @@ TEST(ColumnFaults, ToArrowWithOwnership) {
     return fail_everywhere([value] { return extras::own_to_arrow<Array>(hxSharedCopy(value)); },
                            [value] { return text_of(value); });
   });
-  EXPECT_GE(reached.least.allocations, 1U);
-  EXPECT_GE(reached.least.calls, 5U);
-  EXPECT_GE(reached.total.calls, 1600U);
+  expect_at_least(reached, kToArrowWithOwnership);
 }
 
 TEST(ColumnFaults, ThroughEncode) {
@@ -130,10 +147,7 @@ TEST(ColumnFaults, ThroughEncode) {
     return fail_everywhere([&written] { return extras::make_readable(written.get()); },
                            [&written] { return text_of(written.get()); });
   });
-  EXPECT_GE(reached.least.allocations, 5U);
-  EXPECT_GE(reached.least.calls, 8U);
-  EXPECT_GE(reached.total.allocations, 5000U);
-  EXPECT_GE(reached.total.calls, 12000U);
+  expect_at_least(reached, kThroughEncode);
 }
 
 TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
@@ -145,8 +159,7 @@ TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
     };
     return fail_everywhere(convert, input_of(column));
   });
-  EXPECT_GE(reached.least.allocations, 7U);
-  EXPECT_GE(reached.least.calls, 12U);
+  expect_at_least(reached, kThroughTheIntake);
 }
 
 }  // namespace

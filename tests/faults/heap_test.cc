@@ -29,6 +29,13 @@ using ::arrow::Array;
 using io::arrow::core::to_arrow;
 using io::arrow::core::to_numera;
 
+// Fewest allocations that fail for all columns together, so that a test fails if it no longer
+// injects failures or leaves columns out. In November 2026 there were 4091, 6749 and 4459. They
+// depend on Arrow and on the standard library, too.
+constexpr size_t kToArrow = 4000;
+constexpr size_t kToArrowWithOwnership = 6500;
+constexpr size_t kToText = 4000;
+
 /// What a failed conversion must leave as it was.
 struct Held {
   size_t blocks = LiveBlocks();
@@ -95,20 +102,20 @@ TEST(HeapFaults, ToArrow) {
   EXPECT_GE(fail_for_every_readable_value([](const hxArray* value) {
               static_cast<void>(to_arrow<Array>(value).ValueOrDie());
             }),
-            4000U);
+            kToArrow);
 }
 
 TEST(HeapFaults, ToArrowWithOwnership) {
   EXPECT_GE(fail_for_every_readable_value([](const hxArray* value) {
               static_cast<void>(extras::own_to_arrow<Array>(hxSharedCopy(value)).ValueOrDie());
             }),
-            6500U);
+            kToArrowWithOwnership);
 }
 
 TEST(HeapFaults, ToText) {
   EXPECT_GE(fail_for_every_readable_value(
                 [](const hxArray* value) { static_cast<void>(extras::print(value)); }),
-            4000U);
+            kToText);
 }
 
 TEST(HeapFaults, ThroughTheGateway) {

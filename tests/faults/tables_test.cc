@@ -51,6 +51,21 @@ TablePtr table() {
 }
 constexpr size_t kColumns = 5;
 
+// Fewest sites of converting that table, a half to four fifths of those in November 2026, which
+// leaves room for changes of the library. Then there were
+// - to the host: 99 allocations, 212 calls
+// - to Arrow: 99 calls, with ownership 118
+// - through encode: 183 allocations, 412 calls
+constexpr FaultSites kToTheHost = {.allocations = 80, .calls = 150};
+constexpr FaultSites kToArrow = {.calls = 60};
+constexpr FaultSites kToArrowWithOwnership = {.allocations = 1, .calls = 60};
+constexpr FaultSites kThroughEncode = {.allocations = 100, .calls = 200, .interrupts = kColumns};
+/// Allocated on the thread that calls: the table, its kind, the struct array of columns, the cell
+/// of names, and for each name its text in UTF-16 and its array.
+constexpr FaultSites kToTheHostOnThreads = {.allocations = 4 + 2 * kColumns, .calls = 150};
+/// Those of the char matrix, measured in November 2026; the other texts have more.
+constexpr FaultSites kThroughTheGateway = {.allocations = 3, .calls = 6};
+
 hxArrayPtr readable_table() {
   const hxArrayPtr written = to_numera(table()).ValueOrDie();
   return extras::make_readable(written.get()).ValueOrDie();
@@ -64,8 +79,7 @@ FaultSites fail_reading(const hxArray* value, const Convert& convert) {
 TEST(TableFaults, ToTheHost) {
   const TablePtr input = table();
   const FaultSites sites = fail_everywhere([&input] { return to_numera(input); }, input_of(input));
-  EXPECT_GE(sites.allocations, 80U);
-  EXPECT_GE(sites.calls, 150U);
+  ExpectAtLeast(sites, kToTheHost);
   EXPECT_EQ(sites.interrupts, kColumns);
 }
 
@@ -77,8 +91,7 @@ TEST(TableFaults, ToTheHostOnThreads) {
     SCOPED_TRACE(threads);
     const FaultSites sites = fail_everywhere(
         [&] { return extras::parallel_to_numera(input, threads); }, input_of(input));
-    EXPECT_GE(sites.allocations, 10U);
-    EXPECT_GE(sites.calls, 150U);
+    ExpectAtLeast(sites, kToTheHostOnThreads);
     EXPECT_EQ(sites.interrupts, kColumns);
   }
 }
@@ -87,7 +100,7 @@ TEST(TableFaults, ToArrow) {
   const hxArrayPtr value = readable_table();
   const FaultSites sites =
       fail_reading(value.get(), [&value] { return to_arrow_table(value.get()); });
-  EXPECT_GE(sites.calls, 60U);
+  ExpectAtLeast(sites, kToArrow);
   EXPECT_EQ(sites.interrupts, kColumns);
 }
 
@@ -95,8 +108,7 @@ TEST(TableFaults, ToArrowWithOwnership) {
   const hxArrayPtr value = readable_table();
   const FaultSites sites = fail_reading(
       value.get(), [&value] { return extras::own_to_arrow_table(hxSharedCopy(value.get())); });
-  EXPECT_GE(sites.allocations, 1U);
-  EXPECT_GE(sites.calls, 60U);
+  ExpectAtLeast(sites, kToArrowWithOwnership);
   EXPECT_EQ(sites.interrupts, kColumns);
 }
 
@@ -104,9 +116,7 @@ TEST(TableFaults, ThroughEncode) {
   const hxArrayPtr value = to_numera(table()).ValueOrDie();
   const FaultSites sites =
       fail_reading(value.get(), [&value] { return extras::make_readable(value.get()); });
-  EXPECT_GE(sites.allocations, 100U);
-  EXPECT_GE(sites.calls, 200U);
-  EXPECT_GE(sites.interrupts, kColumns);
+  ExpectAtLeast(sites, kThroughEncode);
 }
 
 TEST(TableFaults, ThroughTheIntake) {
@@ -125,19 +135,18 @@ TEST(BufferFaults, ToTheHost) {
   const auto buffer = ArrowBuffer({1, 2, 3});
   const FaultSites sites = fail_everywhere([&buffer] { return to_numera(buffer); },
                                            [&buffer] { return buffer->ToString(); });
-  EXPECT_GE(sites.allocations, 3U);
-  EXPECT_GE(sites.calls, 5U);
+  ExpectAtLeast(sites, SitesOfMaking(to_numera(buffer).ValueOrDie()));
 }
 
 TEST(BufferFaults, ToArrow) {
   const hxArrayPtr value = BufferEnvelope({1, 2, 3});
   const FaultSites borrowed =
       fail_reading(value.get(), [&value] { return to_arrow<Buffer>(value.get()); });
-  EXPECT_GE(borrowed.calls, 1U);
+  ExpectAtLeast(borrowed, SitesOfReading(value));
   const FaultSites owned = fail_reading(
       value.get(), [&value] { return extras::own_to_arrow<Buffer>(hxSharedCopy(value.get())); });
-  EXPECT_GE(owned.allocations, 1U);
-  EXPECT_GE(owned.calls, 2U);
+  const FaultSites reading = SitesOfReading(value);
+  ExpectAtLeast(owned, {.allocations = 1, .calls = reading.calls + 1});  // and the shared copy
 }
 
 TEST(GatewayFaults, LeaveTheOutputsAsTheyWere) {
@@ -171,8 +180,7 @@ TEST(GatewayFaults, LeaveTheOutputsAsTheyWere) {
       return convert().ToString() + text_of(outputs[0]) + text_of(outputs[1]);
     };
     const FaultSites sites = FailEverywhere(convert, [&value] { return text_of(value); }, result);
-    EXPECT_GE(sites.allocations, 3U);
-    EXPECT_GE(sites.calls, 4U);
+    ExpectAtLeast(sites, kThroughTheGateway);
   }
 }
 

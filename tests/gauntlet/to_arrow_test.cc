@@ -112,10 +112,13 @@ std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
   return cases;
 }
 
+/// In November 2026, 118 types of 432 cases each made 50,976.
+constexpr size_t kLeastCases = 50'000;
+
 TEST(ToArrow, GivesWhatTheModelGives) {
   const auto types = host_types();
   const auto cases = all_cases(types);
-  ASSERT_GE(cases.size(), 50'000U);
+  ASSERT_GE(cases.size(), kLeastCases);
   const size_t live = host::memory::LiveArrays();
   const size_t step = stride() == 1 ? 1 : 17;
   for (size_t i = 0; i < cases.size() && !HasFailure(); i += step) run(cases[i]);

@@ -12,6 +12,7 @@
 
 #include "numera/host/array.h"
 #include "numera/host/memory.h"
+#include "numera/host/string_array.h"
 #include "tests/support/recording_host.h"
 
 namespace numera::testing {
@@ -140,6 +141,23 @@ size_t interrupt(const Convert& convert, const Text& input, const Text& result) 
                    result);
 }
 
+/// Calls `visit` for every array within a value and the name of its field; cells have no name.
+template <class Visit>
+void for_each_within(const hxArray* value, const Visit& visit) {
+  const auto go_on = [&visit](const hxArray* inner, std::string_view field) {
+    if (inner == nullptr) return;
+    visit(inner, field);
+    for_each_within(inner, visit);
+  };
+  for (size_t i = 0; i < hxGetNumberOfElements(value); ++i) {
+    if (hxGetClassID(value) == hxClassID::Cell) go_on(hxGetCell(value, i), "");
+    for (int f = 0; f < hxGetNumberOfFields(value); ++f) {
+      const char* const name = hxGetFieldName(value, f);
+      go_on(hxGetField(value, i, name), name);
+    }
+  }
+}
+
 }  // namespace
 
 FaultSites FailEverywhere(const Convert& convert, const Text& input) {
@@ -156,6 +174,32 @@ FaultSites FailEverywhere(const Convert& convert, const Text& input, const Text&
   sites.allocations = fail_allocations(convert, input, result);
   sites.calls = fail_calls(convert, input, result);
   sites.interrupts = interrupt(convert, input, result);
+  return sites;
+}
+
+void ExpectAtLeast(const FaultSites& sites, const FaultSites& floor) {
+  EXPECT_GE(sites.allocations, floor.allocations);
+  EXPECT_GE(sites.calls, floor.calls);
+  EXPECT_GE(sites.interrupts, floor.interrupts);
+}
+
+FaultSites SitesOfMaking(const hxArrayPtr& value) {
+  FaultSites sites{.allocations = 1, .calls = 1};
+  for_each_within(value.get(), [&sites](const hxArray* inner, std::string_view) {
+    const size_t steps = hxIsStringArray(inner) ? 2 : 1;
+    sites.allocations += steps;
+    sites.calls += steps + 1;
+  });
+  return sites;
+}
+
+FaultSites SitesOfReading(const hxArrayPtr& encoded) {
+  FaultSites sites;
+  for_each_within(encoded.get(), [&sites](const hxArray* inner, std::string_view field) {
+    if (field == "Length" || field == "DateType") return;
+    const bool is_read = hxGetClassID(inner) == hxClassID::Char && field != "Type";
+    sites.calls += is_read ? 2 : 1;
+  });
   return sites;
 }
 

@@ -9,6 +9,8 @@
 #include <functional>
 #include <string>
 
+#include "numera/host/array.h"
+
 namespace numera::testing {
 
 /// The number of sites that failed before the conversion succeeded.
@@ -38,5 +40,18 @@ FaultSites FailEverywhere(
 FaultSites FailEverywhere(const std::function<::arrow::Status()>& convert,
                           const std::function<std::string()>& input,
                           const std::function<std::string()>& result);
+
+/// Expects at least as many failures of each kind. A test that counts too few has failed to inject
+/// them.
+void ExpectAtLeast(const FaultSites& sites, const FaultSites& floor);
+
+/// The fewest sites at which this value can be made: each of its arrays is allocated, one call
+/// creates it, and one stores it unless it is the outermost. A string array is made in two steps.
+FaultSites SitesOfMaking(const hxArrayPtr& value);
+
+/// The fewest sites at which this encoded value can be read: one call looks up each array but the
+/// outermost, and one reads each text. "Length", "DateType" and the text of "Type" are left out,
+/// since not every kind needs them.
+FaultSites SitesOfReading(const hxArrayPtr& encoded);
 
 }  // namespace numera::testing

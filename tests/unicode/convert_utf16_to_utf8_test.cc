@@ -164,6 +164,8 @@ TEST(TextToUtf8, TakesTextsSetOutOfOrder) {
 }
 
 TEST(TextToUtf8, NeitherFailsNorLeaksHalfWay) {
+  // Those of the char matrix, measured in November 2026; the other texts have more.
+  constexpr FaultSites kFewestSites = {.allocations = 3, .calls = 6};
   const hxArrayPtr cases[] = {Strings({u"a", u"é", std::nullopt}), Cell({Char("a"), Char("é")}),
                               CharMatrix({2, 2}, u"aébé")};
   for (const hxArrayPtr& text : cases) {
@@ -171,8 +173,7 @@ TEST(TextToUtf8, NeitherFailsNorLeaksHalfWay) {
       Convert(text);
       return ::arrow::Status::OK();
     });
-    EXPECT_GE(sites.allocations, 3U);
-    EXPECT_GE(sites.calls, 6U);
+    ExpectAtLeast(sites, kFewestSites);
   }
 }
 

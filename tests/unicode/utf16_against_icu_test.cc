@@ -13,7 +13,6 @@
 #include "numera/unicode/convert_utf16_to_utf8.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/icu.h"
-#include "tests/support/offset_arrays.h"
 #include "tests/unicode/drawn_texts.h"
 
 namespace numera::io::arrow {

@@ -111,9 +111,10 @@ class PlainStrings final : public hxStringArray {
 
 TEST(Utf8AgainstIcu, BlamesTheSameRowOfRandomColumns) {
   constexpr size_t kRows = 8;
+  constexpr int kRounds = 20'000;  // texts may be damaged in half of them, and most then are
   RandomTexts random(2);
   int refused = 0;
-  for (int round = 0; round < 20'000; ++round) {
+  for (int round = 0; round < kRounds; ++round) {
     SCOPED_TRACE(round);
     std::string bytes;
     std::vector<std::int32_t> offsets = {0};
@@ -150,8 +151,8 @@ TEST(Utf8AgainstIcu, BlamesTheSameRowOfRandomColumns) {
       ASSERT_EQ(plain.element(i), expected[i]) << i;
     }
   }
-  EXPECT_GT(refused, 5'000);
-  EXPECT_LT(refused, 15'000);
+  EXPECT_GT(refused, kRounds / 4);
+  EXPECT_LT(refused, 3 * kRounds / 4);
 }
 
 }  // namespace

@@ -10,13 +10,11 @@
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
 #include "numera/host/memory.h"
+#include "tests/core/fail_conversions.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/dictionaries.h"
 #include "tests/support/envelopes.h"
-#include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
-#include "tests/support/host_matchers.h"
-#include "tests/support/offset_arrays.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -230,9 +228,7 @@ TEST(CategoricalToArrow, LeavesAFieldThatTheStructLacksToTheHost) {
 TEST(CategoricalToArrow, NeitherFailsNorLeaksHalfWay) {
   const hxArrayPtr encoded = Envelope(
       "categorical", CategoricalData(TwoCategories(), Column<std::int8_t>({0}), Logical({true})));
-  const FaultSites sites =
-      FailEverywhere([&] { return to_arrow<::arrow::Array>(encoded.get()).status(); });
-  EXPECT_GE(sites.calls, 13U);
+  FailReading(encoded);
 }
 
 }  // namespace

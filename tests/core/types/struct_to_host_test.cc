@@ -9,7 +9,6 @@
 #include "tests/core/only_read.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
-#include "tests/support/faults.h"
 #include "tests/support/host_builder.h"
 #include "tests/support/host_matchers.h"
 #include "tests/support/recording_host.h"

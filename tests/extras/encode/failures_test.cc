@@ -17,6 +17,12 @@ namespace {
 using extras::make_readable;
 using io::arrow::core::to_numera;
 
+/// The ten arrays of packed texts, and the texts while they are packed. In November 2026 there were
+/// 14 for a cell and 16 for a string array.
+constexpr size_t kAllocationsOfTexts = 12;
+/// Half of what was measured in November 2026: the new table, and columns that are encoded anew.
+constexpr size_t kAllocationsOfTheTable = 20;
+
 FaultSites fail_encoding(const hxArrayPtr& value) {
   return FailEverywhere([&] { return make_readable(value.get()).status(); });
 }
@@ -32,7 +38,7 @@ TEST(EncodeFailures, EveryFailureOfTheHostLeavesNothingBehind) {
   const struct {
     std::shared_ptr<DataType> type;
     std::vector<std::string> chunks;
-    size_t sites;
+    size_t sites;  ///< floor of both; in November 2026, 1.3 to 2.5 times as many allocations
   } rows[] = {
       {float64(), {"[1, null]"}, 8},
       {utf8(), {R"(["a", null, "é"])"}, 12},
@@ -56,13 +62,13 @@ TEST(EncodeFailures, EveryFailureOfTheHostLeavesNothingBehind) {
 
 TEST(EncodeFailures, OrdinaryValuesLeaveNothingBehind) {
   const hxArrayPtr strings = Strings({1, 2}, {u"a", std::nullopt});
-  EXPECT_GE(fail_encoding(strings).allocations, 12U);
+  EXPECT_GE(fail_encoding(strings).allocations, kAllocationsOfTexts);
   const hxArrayPtr texts = Cell({1, 2}, {Char("a"), Char("é")});
-  EXPECT_GE(fail_encoding(texts).allocations, 12U);
+  EXPECT_GE(fail_encoding(texts).allocations, kAllocationsOfTexts);
   const hxArrayPtr bytes = Cell({Column<std::uint8_t>({1})});
-  EXPECT_GE(fail_encoding(bytes).allocations, 10U);
+  ExpectAtLeast(fail_encoding(bytes), SitesOfMaking(make_readable(bytes.get()).ValueOrDie()));
   const hxArrayPtr truth = Logical({true});
-  EXPECT_GE(fail_encoding(truth).allocations, 10U);
+  ExpectAtLeast(fail_encoding(truth), SitesOfMaking(make_readable(truth.get()).ValueOrDie()));
 }
 
 TEST(EncodeFailures, TablesLeaveNothingBehind) {
@@ -70,7 +76,7 @@ TEST(EncodeFailures, TablesLeaveNothingBehind) {
       ::arrow::schema({::arrow::field("a", ::arrow::int8()), ::arrow::field("b", ::arrow::utf8())}),
       {ArrowArray(::arrow::int8(), "[1]"), ArrowArray(::arrow::utf8(), R"(["x"])")});
   const hxArrayPtr written = to_numera(table).ValueOrDie();
-  EXPECT_GE(fail_encoding(written).allocations, 20U);
+  EXPECT_GE(fail_encoding(written).allocations, kAllocationsOfTheTable);
 }
 
 TEST(EncodeFailures, RefusalsLeaveNothingBehind) {

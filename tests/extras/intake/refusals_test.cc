@@ -14,7 +14,6 @@
 #include "numera/core/util/table_error.h"
 #include "numera/extras/intake/intake.h"
 #include "tests/support/arrow_values.h"
-#include "tests/support/offset_arrays.h"
 
 namespace numera::testing {
 namespace {

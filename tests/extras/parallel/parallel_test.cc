@@ -162,13 +162,15 @@ TEST_F(Parallel, ReportsAFailureBeforeTheInterruptThatFollowsIt) {
 // Every host allocation of the workers is inside a host call that may throw. Calls are counted on
 // all threads together, allocations on the calling thread alone.
 TEST_F(Parallel, LeavesNothingBehindWhereverItFails) {
+  // Allocated by the calling thread: the table, its kind, the struct array of columns, the cell of
+  // names and its four names. Calls of all threads: 97 in November 2026.
+  constexpr FaultSites kFewestSites = {.allocations = 8, .calls = 80};
   const TablePtr table = table_of({text(), good(), text(), good()});
   for (const size_t threads : {2U, 4U}) {
     SCOPED_TRACE(threads);
     const FaultSites sites =
         FailEverywhere([&] { return parallel_to_numera(table, threads).status(); });
-    EXPECT_GE(sites.allocations, 8U);
-    EXPECT_GE(sites.calls, 80U);
+    ExpectAtLeast(sites, kFewestSites);
   }
 }
 
