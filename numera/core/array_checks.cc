@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "numera/core/arrow_types.h"
-#include "numera/core/layout.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
+#include "numera/format/layout.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -19,6 +19,8 @@ using ::arrow::ArrayData;
 using ::arrow::DataType;
 using ::arrow::Status;
 using ::arrow::Type;
+using format::Layout;
+using format::layout_of;
 
 [[gnu::noinline]] Status check_has_host_form(const DataType& type) {
   if (arrow_type_row(type.id()).writer != nullptr) return Status::OK();
@@ -30,19 +32,14 @@ Status check_main_memory(const ArrayData& array, size_t index) {
   return array.buffers[index]->is_cpu() ? Status::OK() : messages::not_readable();
 }
 
-/// Checks that buffer 1 holds `count` elements.
-Status check_holds(const ArrayData& array, const char* buffer, std::int64_t count,
-                   std::int64_t width) {
-  ARROW_RETURN_NOT_OK(check_main_memory(array, 1));
-  const auto bytes = static_cast<std::int64_t>(bytes_of(array, 1).size());
-  return count <= bytes / width ? Status::OK() : messages::short_buffer(buffer, bytes, count);
-}
-
 Status check_fixed_width(const ArrayView& array) {
   const auto& type = static_cast<const ::arrow::FixedWidthType&>(*array.data->type);
   const std::int64_t width = type.bit_width() / 8;
   if (width == 0 || array.length == 0) return Status::OK();
-  return check_holds(*array.data, "Values buffer", array.offset + array.length, width);
+  ARROW_RETURN_NOT_OK(check_main_memory(*array.data, 1));
+  const auto bytes = static_cast<std::int64_t>(bytes_of(*array.data, 1).size());
+  if (array.offset + array.length <= bytes / width) return Status::OK();
+  return messages::short_buffer("Values buffer", bytes, array.offset + array.length);
 }
 
 /// Array offset plus length is one less than the number of offsets.

@@ -17,10 +17,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
+
+#include "numera/format/layout.h"
 
 namespace numera::io::arrow::core {
 
@@ -45,8 +46,7 @@ struct ArrayView {
 
 /// Whether offset and length are not negative and their sum fits in 64 bits.
 inline bool extent_is_valid(const ArrayView& array) {
-  return array.offset >= 0 && array.length >= 0 &&
-         array.offset <= std::numeric_limits<std::int64_t>::max() - array.length;
+  return format::extent_is_valid(array.offset, array.length);
 }
 
 /// The chunks of one column. The arrays and the type must outlive the view.

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <iterator>
 
-#include "numera/core/layout.h"
 #include "numera/core/limits.h"
 #include "numera/core/messages.h"
 #include "numera/core/types/binary.h"
@@ -18,6 +17,7 @@
 #include "numera/core/types/numeric.h"
 #include "numera/core/types/string.h"
 #include "numera/core/types/struct.h"
+#include "numera/format/layout.h"
 #include "numera/format/names.h"
 #include "numera/format/number_classes.h"
 #include "numera/format/values.h"
@@ -26,6 +26,8 @@ namespace numera::io::arrow::core {
 namespace {
 
 using ::arrow::Type;
+using format::Layout;
+using format::layout_of;
 
 /// The null type has no values: "Data" is the number of elements.
 ::arrow::Result<hxArrayPtr> null_to_numera(const ColumnView& column) {

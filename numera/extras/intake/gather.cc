@@ -9,15 +9,15 @@
 #include <utility>
 #include <vector>
 
-#include "numera/core/layout.h"
 #include "numera/extras/intake/memory.h"
+#include "numera/format/layout.h"
 
 namespace numera::extras::intake {
 namespace {
 
 using ::arrow::Type;
-using io::arrow::core::Layout;
-using io::arrow::core::layout_of;
+using format::Layout;
+using format::layout_of;
 using Places = std::span<const std::int64_t>;
 
 /// A bitmap whose bit i is `is_set(places[i])`. `unset` receives the number of bits that are 0.

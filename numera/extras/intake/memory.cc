@@ -1,4 +1,5 @@
 #include "numera/extras/intake/memory.h"
+#include "numera/format/layout.h"
 
 #include <arrow/type.h>
 #include <arrow/util/bit_util.h>
@@ -7,14 +8,13 @@
 #include <limits>
 #include <utility>
 
-#include "numera/core/layout.h"
 #include "numera/format/bitmap.h"
 
 namespace numera::extras::intake {
 namespace {
 
-using io::arrow::core::Layout;
-using io::arrow::core::layout_of;
+using format::Layout;
+using format::layout_of;
 
 std::shared_ptr<::arrow::Buffer> cut_bytes(const std::shared_ptr<::arrow::Buffer>& buffer,
                                            std::int64_t begin, std::int64_t size) {

@@ -4,18 +4,18 @@
 
 #include <iterator>
 
-#include "numera/core/layout.h"
 #include "numera/core/limits.h"
 #include "numera/extras/intake/takes.h"
 #include "numera/extras/intake/type_text.h"
 #include "numera/extras/whole_type.h"
+#include "numera/format/layout.h"
 
 namespace numera::extras::intake {
 namespace {
 
 using ::arrow::Type;
-using io::arrow::core::Layout;
-using io::arrow::core::layout_of;
+using format::Layout;
+using format::layout_of;
 
 constexpr Take take_of(Layout layout) {
   switch (layout) {

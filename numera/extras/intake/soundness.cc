@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "numera/core/array_view.h"
 #include "numera/core/limits.h"
 #include "numera/extras/whole_type.h"
+#include "numera/format/layout.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -72,7 +72,7 @@ Status check(const ::arrow::ArrayData* array, int levels) {
     return Status::Invalid("Arrays: found more than ", kMaxLevels,
                            " levels of nesting, expected at most ", kMaxLevels, ".");
   }
-  if (!io::arrow::core::extent_is_valid(*array)) {
+  if (!format::extent_is_valid(array->offset, array->length)) {
     return Status::Invalid("Array: found offset ", array->offset, " and length ", array->length,
                            ", expected both to be 0 or more and their sum to fit in 64 bits.");
   }

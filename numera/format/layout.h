@@ -8,8 +8,14 @@
 #include <arrow/type_fwd.h>
 
 #include <cstdint>
+#include <limits>
 
-namespace numera::io::arrow::core {
+namespace numera::format {
+
+/// Whether neither is negative and their sum fits in 64 bits.
+constexpr bool extent_is_valid(std::int64_t offset, std::int64_t length) {
+  return offset >= 0 && length >= 0 && offset <= std::numeric_limits<std::int64_t>::max() - length;
+}
 
 enum class Layout : std::uint8_t {
   kNoHostForm,  ///< any layout: the type is refused, or cast before it is converted
@@ -69,4 +75,4 @@ constexpr Layout layout_of(::arrow::Type::type id) {
   }
 }
 
-}  // namespace numera::io::arrow::core
+}  // namespace numera::format
