@@ -176,15 +176,17 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// Checks an array and its children, in the order in which they are written.
-Status check_array(const ArrayView& array, int levels) {
+/// Checks an array and its children, in the order in which they are written. The children of a
+/// struct are cut to it, but those of the entries of a map are written whole.
+Status check_array(const ArrayView& array, int levels, bool is_entries = false) {
   ARROW_RETURN_NOT_OK(check_node(*array.data, levels));
   const Type::type id = array.data->type->id();
   if (id != Type::MAP) --levels;
+  const bool is_cut = id == Type::STRUCT && !is_entries;
   for (size_t i = 0; i < array.data->child_data.size(); ++i) {
     ARROW_RETURN_NOT_OK(check_child(*array.data, i));
-    const ArrayView child = id == Type::STRUCT ? array.struct_child(i) : array.whole_child(i);
-    ARROW_RETURN_NOT_OK(check_array(child, levels));
+    const ArrayView child = is_cut ? array.struct_child(i) : array.whole_child(i);
+    ARROW_RETURN_NOT_OK(check_array(child, levels, id == Type::MAP));
   }
   ARROW_RETURN_NOT_OK(check_memory(array));
   return id == Type::MAP ? check_map_nulls(*array.data) : Status::OK();

@@ -113,6 +113,35 @@ TEST(ArrayLayout, RefusesMapsWhoseEntriesAreNoPairs) {
             Refused("map", "entries of 1 children, expected 2."));
 }
 
+/// Keys and items are written whole, also beyond the entries.
+TEST(ArrayLayout, RefusesKeysAndItemsWhoseBuffersEndBeforeThem) {
+  const auto map = ::arrow::map(::arrow::int8(), ::arrow::int8());
+  for (const size_t i : {size_t{0}, size_t{1}}) {
+    const auto lengthen = [i](ArrayData& data) {
+      DataPtr& entries = data.child_data[0];
+      entries = entries->Copy();
+      entries->child_data[i] = entries->child_data[i]->Copy();
+      entries->child_data[i]->buffers[1] = ExactBuffer(std::vector<std::int8_t>{1});
+      entries->child_data[i]->length = 2;
+    };
+    EXPECT_EQ(StatusOf(map, "[[[1, 2]]]", lengthen),
+              Status::Invalid("Values buffer: found 1 bytes, expected enough for 2 elements."));
+  }
+}
+
+TEST(ArrayLayout, AcceptsChildrenWhoseBuffersEndWithTheStruct) {
+  const auto type = ::arrow::struct_({field("a", ::arrow::int8())});
+  const DataPtr structs = Copy(type, "[[1], [2]]");
+  structs->child_data[0] = structs->child_data[0]->Copy();
+  structs->child_data[0]->buffers[1] = ExactBuffer(std::vector<std::int8_t>{1, 2});
+  structs->child_data[0]->length = 3;
+
+  const hxArrayPtr encoded = ValueOf(ToNumeraOnlyReads(::arrow::MakeArray(structs)));
+
+  const hxArrayPtr expected = ValueOf(to_numera(ArrowArray(type, "[[1], [2]]")));
+  EXPECT_TRUE(SameHostValue(encoded.get(), expected.get()));
+}
+
 TEST(ArrayLayout, RefusesAMissingDictionary) {
   EXPECT_EQ(StatusOf(::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), R"(["a"])",
                      [](ArrayData& data) { data.dictionary = nullptr; }),
