@@ -102,6 +102,7 @@ hxArrayPtr make_array(Shape shape, Fill fill) {
                                 std::make_shared<Content>(std::move(content))));
 }
 
+// String arrays are never written, so they stay shared.
 void unshare(hxArray* array) {
   if (!hxIsDataShared(array)) return;
   const Shape& shape = *array->shape;
@@ -206,6 +207,7 @@ std::span<const size_t> hxGetDimensions(const hxArray* array) noexcept {
 const void* hxGetData(const hxArray* array) noexcept { return array->content->data.get(); }
 
 void* hxGetData(hxArray* array) {
+  if (array->content->data == nullptr) return nullptr;
   own_host::unshare(array);
   return array->content->data.get();
 }

@@ -133,9 +133,9 @@ NUMERA_EXPORT std::span<const size_t> hxGetDimensions(const hxArray* array) noex
 /// The element block of a numeric, logical or char array, borrowed; null for other classes. The
 /// block moves only when the array itself is written while shared.
 NUMERA_EXPORT const void* hxGetData(const hxArray* array) noexcept;
-/// The same for writing. The array is unshared first, which may copy the block. Earlier pointers
-/// then refer to the old block, which lives as long as other arrays share it. Throws
-/// `std::bad_alloc`.
+/// The same for writing; null for other classes, which stay shared. The array is unshared first,
+/// which may copy the block. Earlier pointers then refer to the old block, which lives as long as
+/// other arrays share it. Throws `std::bad_alloc`.
 NUMERA_EXPORT void* hxGetData(hxArray* array);
 /// The text of a char array (all elements in storage order) as UTF-8; NUL is kept. Throws
 /// `hxCodecError` on an unpaired surrogate and `std::invalid_argument` "Array is not char array."

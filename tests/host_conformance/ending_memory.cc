@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <new>
 #include <optional>
 #include <utility>
@@ -106,6 +107,24 @@ TEST_F(EndingMemory, IsNotWhatReadingNeeds) {
   EXPECT_EQ(hxGetDimensions(point.get()).size(), 2U);
   EXPECT_EQ(hxGetStringArray(texts.get()).element(1), std::nullopt);
   host.clear_allocation_failure();
+}
+
+TEST_F(EndingMemory, LetsATextBeReadAgain) {
+  const HostUnderTest& host = host_under_test();
+  constexpr std::int32_t kOffsets[] = {0, 3};
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>("z\xC3\xBC");
+  auto strings = hxMakeStringArray(Dims{1, 1});
+  ASSERT_EQ(strings->assign_utf8(0, kOffsets, bytes), std::nullopt);
+  const hxArrayPtr array = hxCreateStringArrayFrom(std::move(strings));
+  for (size_t count = 0; count < 3; ++count) {
+    host.fail_allocation_after(count);
+    try {
+      EXPECT_EQ(hxGetStringArray(array.get()).element(0), u"z\u00FC");
+    } catch (const std::bad_alloc&) {  // a host that converts on demand
+    }
+    host.clear_allocation_failure();
+    EXPECT_EQ(hxGetStringArray(array.get()).element(0), u"z\u00FC");
+  }
 }
 
 TEST_F(EndingMemory, IsAFailureOnceOnly) {

@@ -121,5 +121,25 @@ TEST_F(SharedCopies, OfAStringArrayReadsTheSameTexts) {
   EXPECT_EQ(hxGetStringArray(copy.get()).element(0), u"text");
 }
 
+TEST_F(SharedCopies, OfAClassWithoutDataStayAsTheyAreWhenItIsAskedFor) {
+  auto strings = hxMakeStringArray(Dims{1, 1});
+  strings->set(0, u"text");
+  const hxArrayPtr texts = hxCreateStringArrayFrom(std::move(strings));
+  const hxArrayPtr cell = hxCreateCellArray(Dims{1, 1});
+  hxSetCell(cell.get(), 0, number(1));
+  const hxArrayPtr point = hxCreateStructArray(Dims{1, 1}, Names{"x"});
+  hxSetField(point.get(), 0, "x", number(2));
+  for (const hxArrayPtr* array : {&texts, &cell, &point}) {
+    const hxArrayPtr copy = hxSharedCopy(array->get());
+    EXPECT_EQ(hxGetData(copy.get()), nullptr);
+    EXPECT_TRUE(hxIsDataShared(copy.get()));
+  }
+  const hxArrayPtr copy = hxSharedCopy(texts.get());
+  hxGetData(copy.get());
+  EXPECT_EQ(hxGetStringArray(copy.get()).element(0), u"text");
+  EXPECT_EQ(number_in(hxGetCell(cell.get(), 0)), 1);
+  EXPECT_EQ(number_in(hxGetField(point.get(), 0, "x")), 2);
+}
+
 }  // namespace
 }  // namespace numera::host_conformance

@@ -1,5 +1,9 @@
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
@@ -65,6 +69,31 @@ TEST_F(Threads, ReadAndCopyOneArrayAtOnce) {
       EXPECT_EQ(hxGetStringArray(hxGetCell(copy.get(), 1)).element(0), u"text");
     }
   });
+}
+
+/// A host may convert texts that were set together on demand.
+TEST_F(Threads, ReadTextsAtOnceThatWereSetTogether) {
+  constexpr size_t kTexts = 100;
+  const std::string bytes = "z\xC3\xBC";
+  std::string all;
+  std::vector<std::int32_t> offsets{0};
+  for (size_t i = 0; i < kTexts; ++i) {
+    all += bytes;
+    offsets.push_back(static_cast<std::int32_t>(all.size()));
+  }
+  for (int round = 0; round < kRounds / 10; ++round) {
+    auto strings = hxMakeStringArray(Dims{kTexts, 1});
+    const auto* const data = reinterpret_cast<const std::uint8_t*>(all.data());
+    ASSERT_EQ(strings->assign_utf8(0, offsets, data), std::nullopt);
+    const hxArrayPtr array = hxCreateStringArrayFrom(std::move(strings));
+    run_on_threads([&array](int) {
+      const hxArrayPtr copy = hxSharedCopy(array.get());
+      for (size_t i = 0; i < kTexts; ++i) {
+        EXPECT_EQ(hxGetStringArray(array.get()).element(i), u"z\u00FC");
+        EXPECT_EQ(hxGetStringArray(copy.get()).element(i), u"z\u00FC");
+      }
+    });
+  }
 }
 
 TEST_F(Threads, DestroyWhatOthersMade) {
