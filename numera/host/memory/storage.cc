@@ -80,11 +80,10 @@ hxArray* drop_reference(const hxArray* array, Elements* elements, std::span<hxAr
 }
 
 hxArray* destroy_one(hxArray* array, hxArray* doomed) noexcept {
-  constexpr size_t kAlone = Elements::kHeader | Elements::kUsers | 1;
   Elements* const elements = array->elements;
   Elements* const home = home_of(array);
   Layout* const layout = array->layout;
-  if (elements == home && home->holders.load(std::memory_order_acquire) == kAlone) {
+  if (elements == home && home->holders.load(std::memory_order_acquire) == Elements::kAlone) {
     doomed = free_contents(layout->content, slots_of(array), elements, doomed);
     free_block(home, 1);
   } else {
@@ -114,7 +113,6 @@ hxArrayPtr new_header(HeldLayout layout, size_t inline_bytes, size_t holders) {
       .home = {.holders = holders,
                .data = begin,
                .bytes = inline_bytes & Elements::kMostBytes,
-               .own_data = 0,
                .with_header = 1},
       .header = {layout.release(), nullptr, nullptr},
   };
@@ -145,12 +143,8 @@ void drop_data(Elements* elements) {
 Elements* new_elements(size_t bytes, Fill fill) {
   count_allocation();
   BlockOwner data{allocate_elements(bytes, fill)};
-  auto* const elements =
-      ::new (take_block(sizeof(Elements))) Elements{.holders = Elements::kUsers | 1,
-                                                    .data = nullptr,
-                                                    .bytes = 0,
-                                                    .own_data = 0,
-                                                    .with_header = 0};
+  void* const block = take_block(sizeof(Elements));
+  auto* const elements = ::new (block) Elements{.holders = Elements::kUsers | 1};
   count_live(0, block_bytes(sizeof(Elements)));
   set_data(elements, data);
   return elements;
@@ -181,13 +175,13 @@ Elements* copy_numbers(const hxArray* array) {
 // Large elements have their own allocation.
 hxArrayPtr new_array_of_large(HeldLayout layout, size_t bytes, Fill fill) {
   BlockOwner data{allocate_elements(bytes, fill)};
-  hxArrayPtr array = new_header(std::move(layout), 0, Elements::kHeader | Elements::kUsers | 1);
+  hxArrayPtr array = new_header(std::move(layout), 0, Elements::kAlone);
   set_data(array->elements, data);
   return array;
 }
 
 hxArrayPtr new_array_of_small(HeldLayout layout, size_t bytes, Fill fill) {
-  hxArrayPtr array = new_header(std::move(layout), bytes, Elements::kHeader | Elements::kUsers | 1);
+  hxArrayPtr array = new_header(std::move(layout), bytes, Elements::kAlone);
   if (fill == Fill::Zero) std::memset(array->data(), 0, bytes);
   return array;
 }

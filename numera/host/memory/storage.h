@@ -48,14 +48,16 @@ struct Elements {
   /// the block alive: `kUsers` is set while any array refers to the elements, `kHeader` while the
   /// header behind the elements is in use.
   std::atomic<size_t> holders;
-  void* data;  ///< numbers, slots (each a `hxArray*`), or the `hxStringArray`
-  size_t bytes : 62;
-  size_t own_data : 1;     ///< the data is a separate block, not in front of this struct
-  size_t with_header : 1;  ///< was created with a header behind it
+  void* data = nullptr;  ///< numbers, slots (each a `hxArray*`), or the `hxStringArray`
+  size_t bytes : 62 = 0;
+  size_t own_data : 1 = 0;     ///< the data is a separate block, not in front of this struct
+  size_t with_header : 1 = 0;  ///< was created with a header behind it
 
   static constexpr size_t kMostBytes = (size_t{1} << 62) - 1;
   static constexpr size_t kHeader = size_t{1} << 63;
   static constexpr size_t kUsers = size_t{1} << 62;
+  /// The elements of one array, in the block of that array.
+  static constexpr size_t kAlone = kHeader | kUsers | 1;
 
   size_t arrays() const { return holders.load(std::memory_order_acquire) & ~(kHeader | kUsers); }
 };
