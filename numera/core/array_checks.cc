@@ -34,7 +34,7 @@ Status check_main_memory(const ArrayData& array, size_t index) {
 
 Status check_fixed_width(const ArrayView& array) {
   const auto& type = static_cast<const ::arrow::FixedWidthType&>(*array.data->type);
-  const std::int64_t width = type.bit_width() / 8;
+  const std::int64_t width = type.byte_width();  // the width in bits can exceed 32 bits
   if (width == 0 || array.length == 0) return Status::OK();
   ARROW_RETURN_NOT_OK(check_main_memory(*array.data, 1));
   const auto bytes = static_cast<std::int64_t>(bytes_of(*array.data, 1).size());

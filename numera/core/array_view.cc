@@ -25,9 +25,10 @@ bool is_whole(const ArrayView& view) {
 }
 
 /// The null count of the view if the array knows it, else unknown. Arrow's slices follow this rule
-/// too.
+/// too. A count that cannot be true is not known.
 std::int64_t known_null_count(const ArrayView& view) {
   const std::int64_t count = view.data->null_count.load();
+  if (count < 0 || count > view.data->length) return ::arrow::kUnknownNullCount;
   if (is_whole(view) || count == 0) return count;
   return count == view.data->length ? view.length : ::arrow::kUnknownNullCount;
 }
@@ -141,7 +142,10 @@ std::int64_t count_nulls(const ArrayView& array) {
   if (known != ::arrow::kUnknownNullCount) return known;
   const Bytes bits = unsliced_validity(array);
   const std::int64_t nulls = count_zeros(bits, array);
-  if (is_whole(array) && bitmap_covers(bits, array)) array.data->null_count.store(nulls);
+  const bool is_uncounted = array.data->null_count.load() == ::arrow::kUnknownNullCount;
+  if (is_uncounted && is_whole(array) && bitmap_covers(bits, array)) {
+    array.data->null_count.store(nulls);
+  }
   return nulls;
 }
 

@@ -118,6 +118,14 @@ bool is_flat(const ::arrow::DataType& type) {
   return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
 }
 
+/// The struct of key and item of a map; null if the map has none.
+const ::arrow::DataType* entries_of(const ::arrow::DataType& map) {
+  const auto& field = map.field(0);
+  if (field == nullptr || field->type() == nullptr) return nullptr;
+  const bool is_pair = field->type()->id() == Type::STRUCT && field->type()->num_fields() == 2;
+  return is_pair ? field->type().get() : nullptr;
+}
+
 /// `levels` is the number of nesting levels still allowed, including that of `type`. A map takes
 /// one level, although Arrow stores its keys and items in a struct. A dictionary takes none, unless
 /// its value type contains other types. This function is recursive, so its stack frame is kept
@@ -137,8 +145,11 @@ TypeFault fault_of(const ::arrow::DataType* type, int levels) {
     return levels == 0 ? TypeFault::TooDeep : fault_of(type, levels - 1);
   }
   if (levels == 0) return TypeFault::TooDeep;
-  const ::arrow::DataType& parent = type->id() == Type::MAP ? *type->field(0)->type() : *type;
-  for (const auto& field : parent.fields()) {
+  if (type->id() == Type::MAP) {
+    type = entries_of(*type);
+    if (type == nullptr) return TypeFault::NoType;
+  }
+  for (const auto& field : type->fields()) {
     const TypeFault fault =
         field == nullptr ? TypeFault::NoType : fault_of(field->type().get(), levels - 1);
     if (fault != TypeFault::None) return fault;

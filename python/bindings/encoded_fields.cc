@@ -33,7 +33,7 @@ bool is_readable_array(const hxArray* encoded, size_t index) {
   const hxArray* valid = hxGetField(encoded, index, "Valid");
   const hxArray* data = hxGetField(encoded, index, "Data");
   // A column without chunks has an empty "Valid".
-  if (valid == nullptr || hxIsEmpty(valid) || data == nullptr) return false;
+  if (valid == nullptr || hxGetNumberOfElements(valid) != 1 || data == nullptr) return false;
   const std::string type = text_in(encoded, index, "Type");
   if (!has_fields(data)) return hxIsNumeric(data) && type != "null";
   return type == "string" || type == "binary" || type == "logical" || type == "duration";

@@ -25,6 +25,7 @@ using ::arrow::field;
 using ::arrow::Status;
 
 using DataPtr = std::shared_ptr<ArrayData>;
+using DataTypePtr = std::shared_ptr<::arrow::DataType>;
 
 /// A struct with one child. Arrow reads the child only on demand.
 std::shared_ptr<::arrow::Array> Around(const std::shared_ptr<::arrow::DataType>& declared,
@@ -140,6 +141,34 @@ TEST(ArrayLayout, AcceptsChildrenWhoseBuffersEndWithTheStruct) {
 
   const hxArrayPtr expected = ValueOf(to_numera(ArrowArray(type, "[[1], [2]]")));
   EXPECT_TRUE(SameHostValue(encoded.get(), expected.get()));
+}
+
+/// The number of bits of such elements exceeds 32 bits.
+TEST(ArrayLayout, RefusesAShortBufferOfVeryWideElements) {
+  for (const std::int32_t width : {1 << 28, 1 << 29, (1 << 29) + 1}) {
+    const auto array = ::arrow::MakeArray(
+        ArrayData::Make(::arrow::fixed_size_binary(width), 1,
+                        {nullptr, ExactBuffer(std::vector<std::uint8_t>{1})}, 0));
+    EXPECT_EQ(ToNumeraOnlyReads(array).status(),
+              Status::Invalid("Values buffer: found 1 bytes, expected enough for 1 elements."));
+  }
+}
+
+TEST(ArrayLayout, RefusesMapsWhoseTypeHasNoPairs) {
+  const auto int8 = field("i", ::arrow::int8());
+  const std::shared_ptr<::arrow::Field> entries[] = {
+      nullptr, field("e", nullptr), field("e", ::arrow::int8()), field("e", ::arrow::struct_({})),
+      field("e", ::arrow::struct_({int8, int8, int8}))};
+  for (const auto& entry : entries) {
+    const auto map = std::make_shared<::arrow::MapType>(entry);
+    const auto views = ::arrow::fixed_size_list(field("m", map), 2);
+    for (const DataTypePtr& type : {DataTypePtr(map), DataTypePtr(views)}) {
+      EXPECT_EQ(
+          to_numera(std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector(), type)).status(),
+          Status::Invalid("Type: found a null pointer, expected a type, with the types of "
+                          "all its fields and values."));
+    }
+  }
 }
 
 TEST(ArrayLayout, RefusesAMissingDictionary) {

@@ -93,6 +93,14 @@ TEST(CountNulls, GoesAsFarAsTheBitmapAndIsNotKeptThen) {
                  {data_of(100, {ArrowBuffer({}), nullptr}, -1), 0, -1}});
 }
 
+TEST(CountNulls, DoNotBelieveACountThatCannotBe) {
+  const auto bitmap = ArrowBuffer({0xF5});
+  constexpr std::int64_t kMost = 0x7FFF'FFFF'FFFF'FFFF;
+  expect_counts({{data_of(4, {bitmap, nullptr}, 5), 2, 5},
+                 {data_of(4, {bitmap, nullptr}, kMost), 2, kMost},
+                 {data_of(4, {bitmap, nullptr}, -2), 2, -2}});
+}
+
 TEST(CountNulls, OfTheNullTypeAreAllElements) {
   for (const std::int64_t stored : {-1, 0, 5}) {
     EXPECT_EQ(count_nulls(*ArrayData::Make(::arrow::null(), 5, {nullptr}, stored)), 5);

@@ -115,6 +115,10 @@ ArrayDataResult within_dictionary(const ArrayView& chunk) {
   if (!covered || !are_within(codes, chunk.data->dictionary->length)) {
     return rebuild(chunk, codes, bits);
   }
+  // Arrow asks for the address of the codes even if there are none.
+  if (codes.size() == 0 && same->buffers[1] != nullptr && !same->buffers[1]->is_cpu()) {
+    same->buffers[1] = nullptr;
+  }
   // If the null count is not 0, Arrow reads the bitmap without checking that there is one.
   if (bits.empty()) {
     same->buffers[0] = nullptr;

@@ -35,7 +35,8 @@ ArrayResult MakeStringArray(const hxArray* s, std::shared_ptr<::arrow::Buffer> v
 ///
 /// Invalid "Could not convert string in row R to UTF-16 string.\n" if a text is not UTF-8 or if
 /// converting or setting it throws; R counts within `array`. Also Invalid if offsets decrease or
-/// point outside their buffers. After a failure the elements are unspecified.
+/// point outside the bytes. The buffer of offsets must be long enough: `check_column` has checked
+/// it. After a failure the elements are unspecified.
 ///
 /// The whole array is set in one call of the store. If that call throws, the elements are set one
 /// by one: R is the first that throws. If none throws, the store holds all of them. `ArrowArray` is

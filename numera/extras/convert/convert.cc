@@ -39,16 +39,26 @@ template <class T>
   return std::move(taken.value);
 }
 
-/// The columns of a batch, checked before Arrow makes arrays of them: it would read through null
-/// pointers and end the process at a wrong number of buffers.
+/// A table of the columns of a batch, checked before Arrow makes arrays of them: it would read
+/// through null pointers and end the process at a wrong number of buffers.
 ::arrow::Result<TablePtr> table_of(const ::arrow::RecordBatch& batch) {
-  ::arrow::ChunkedArrayVector columns;
-  for (const auto& data : batch.column_data()) {
-    ARROW_RETURN_NOT_OK(intake::check_soundness(data));
-    ARROW_RETURN_NOT_OK(::arrow::internal::ValidateArray(*data));
-    columns.push_back(std::make_shared<::arrow::ChunkedArray>(::arrow::MakeArray(data)));
+  const auto& schema = batch.schema();
+  ::arrow::ChunkedArrayVector columns(batch.column_data().size());
+  if (schema == nullptr || std::cmp_not_equal(columns.size(), schema->num_fields())) {
+    return ::arrow::Table::Make(schema, std::move(columns), 0);  // the intake refuses it
   }
-  return ::arrow::Table::Make(batch.schema(), std::move(columns), batch.num_rows());
+  for (size_t i = 0; i < columns.size(); ++i) {
+    const auto& data = batch.column_data()[i];
+    const auto& field = schema->field(static_cast<int>(i));
+    ::arrow::Status status = intake::check_soundness(data);
+    if (status.ok()) status = ::arrow::internal::ValidateArray(*data);
+    if (!status.ok()) {
+      return io::arrow::core::util::in_column(status, field->name(), static_cast<int>(i));
+    }
+    columns[i] = std::make_shared<::arrow::ChunkedArray>(
+        ::arrow::ArrayVector{::arrow::MakeArray(data)}, field->type());
+  }
+  return ::arrow::Table::Make(schema, std::move(columns), batch.num_rows());
 }
 
 /// Refuses a readable value that is no table where one is expected, and the other way round.

@@ -94,6 +94,9 @@ namespace {
 ::arrow::Result<TakenColumn> take_in_column(const std::string& path,
                                             const std::shared_ptr<::arrow::DataType>& type,
                                             const ::arrow::ArrayVector& chunks, const Work& work) {
+  if (type == nullptr) {
+    return ::arrow::Status::Invalid("Type: found a null pointer, expected a type.");
+  }
   ARROW_RETURN_NOT_OK(check_type(path, *type, {work.cast, work.views}));
   ::arrow::ArrayVector valid;
   for (const auto& chunk : chunks) {

@@ -72,8 +72,7 @@ DataResult make_slots(Work& work, const ::arrow::ArrayData& values, Places place
 ::arrow::Status gather_fixed_width(Work& work, const ::arrow::ArrayData& values, Places places,
                                    ::arrow::ArrayData* out) {
   const auto width =
-      static_cast<size_t>(static_cast<const ::arrow::FixedWidthType&>(*values.type).bit_width()) /
-      8;
+      static_cast<size_t>(static_cast<const ::arrow::FixedWidthType&>(*values.type).byte_width());
   ARROW_ASSIGN_OR_RAISE(
       out->buffers[1],
       allocate(work, out->length, std::max<std::int64_t>(1, static_cast<std::int64_t>(width))));

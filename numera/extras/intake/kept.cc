@@ -101,8 +101,7 @@ DataResult take_bits(Work& work, const std::string&, const ::arrow::ArrayData& a
 DataResult take_fixed_width(Work& work, const std::string&, const ::arrow::ArrayData& array) {
   ARROW_ASSIGN_OR_RAISE(Data out, without_offset(work, array));
   const auto& type = static_cast<const ::arrow::FixedWidthType&>(*array.type);
-  out->buffers[1] =
-      cut_elements(array.buffers[1], array.offset, array.length, type.bit_width() / 8);
+  out->buffers[1] = cut_elements(array.buffers[1], array.offset, array.length, type.byte_width());
   return out;
 }
 

@@ -68,6 +68,13 @@ TEST(ConvertToHost, AppendsTheCastsThatWereAskedFor) {
   EXPECT_EQ(extras::to_string(casts[1]), "decimal128(3, 1) to double");
 }
 
+TEST(ConvertToHost, RefusesAnArrayThatLostItsType) {
+  const auto array = ArrowArray(::arrow::int8(), "[1]");
+  array->data()->type = nullptr;
+  EXPECT_EQ(convert_to_host(array).status().ToString(),
+            "Invalid: Type: found a null pointer, expected a type.");
+}
+
 TEST(ConvertToHost, RefusesWhatIsNoData) {
   const auto refusal = [](const auto& value) { return convert_to_host(value).status().ToString(); };
   EXPECT_EQ(refusal(std::shared_ptr<::arrow::Array>()),
@@ -90,11 +97,14 @@ TEST(ConvertToHost, RefusesBatchesThatAreNotWhatTheirSchemaSays) {
   const auto schema = ::arrow::schema({::arrow::field("n", ::arrow::int8())});
   const auto one = ArrowArray(::arrow::int8(), "[1]")->data();
   EXPECT_EQ(refusal(schema, {nullptr}),
-            "Invalid: Array: found a null pointer, expected an array with a type.");
+            "Invalid: Array: found a null pointer, expected an array with a type.. Detail: "
+            "Internal");
   EXPECT_EQ(refusal(schema, {one, one}),
             "Invalid: Table: found 2 columns, expected 1, one for each field of the schema.");
   EXPECT_EQ(refusal(schema, {::arrow::ArrayData::Make(::arrow::int8(), 1, {nullptr})}),
-            "Invalid: Expected 2 buffers in array of type int8, got 1");
+            "Invalid: Expected 2 buffers in array of type int8, got 1. Detail: Internal");
+  EXPECT_EQ(refusal(schema, {ArrowArray(::arrow::utf8(), R"(["a"])")->data()}),
+            "Invalid: n: Chunk: found type string, expected int8.. Detail: Internal");
   EXPECT_EQ(
       refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
       "Invalid: Column: found 2 elements, expected 1, the number of rows of the table.. Detail: "
