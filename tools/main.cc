@@ -76,9 +76,8 @@ Commands add_commands(CLI::App& program, Arguments& arguments) {
                              "Also print the first rows, like the command show");
   commands.convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
   commands.convert
-      ->add_option(
-          "--threads", options.threads,
-          "Number of threads that convert columns to the host (default: 1; 0: one per processor)")
+      ->add_option("--threads", options.threads,
+                   "Number of threads that convert columns (default: 1; 0: one per processor)")
       ->check(CLI::NonNegativeNumber);
   return commands;
 }

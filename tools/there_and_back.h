@@ -22,7 +22,7 @@ struct Leg {
 
 struct Legs {
   Leg to_host;
-  Leg to_arrow;  ///< encode, then conversion to Arrow
+  Leg to_arrow;  ///< `make_readable`, then conversion to Arrow
 };
 
 /// One column of a batch, converted to the host and back.
@@ -36,10 +36,11 @@ struct Trip {
 
 struct TripOptions {
   bool cast = false;   ///< cast types that have no host form
-  size_t threads = 1;  ///< threads that convert to the host; 0: one per processor
+  size_t threads = 1;  ///< threads that convert columns; 0: one per processor
 };
 
-/// Converts the columns of a batch to the host as one table and back, through intake and encode. A
+/// Converts the columns of a batch to the host as one table and back, through `take_in` and
+/// `make_readable`. A
 /// column that any step refuses is left out of the table, and its `refusal` says why. Host
 /// interrupts pass through as exceptions. Columns marked in `refused` are not tried.
 std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOptions& options,

@@ -34,7 +34,7 @@ Status check_main_memory(const ArrayData& array, size_t index) {
 
 Status check_fixed_width(const ArrayView& array) {
   const auto& type = static_cast<const ::arrow::FixedWidthType&>(*array.data->type);
-  const std::int64_t width = type.byte_width();  // the width in bits can exceed 32 bits
+  const std::int64_t width = type.byte_width();  // the width in bits may overflow
   if (width == 0 || array.length == 0) return Status::OK();
   ARROW_RETURN_NOT_OK(check_main_memory(*array.data, 1));
   const auto bytes = static_cast<std::int64_t>(bytes_of(*array.data, 1).size());
@@ -42,7 +42,7 @@ Status check_fixed_width(const ArrayView& array) {
   return messages::short_buffer("Values buffer", bytes, array.offset + array.length);
 }
 
-/// Array offset plus length is one less than the number of offsets.
+/// Checks that there are offset + length + 1 offsets.
 Status check_stored_offsets(const ArrayView& array, std::int64_t width) {
   ARROW_RETURN_NOT_OK(check_main_memory(*array.data, 1));
   const auto bytes = static_cast<std::int64_t>(bytes_of(*array.data, 1).size());
@@ -133,7 +133,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   if (child->type->id() != declared->id()) {
     return messages::wrong_layout(type, name + " of type " + child->type->name(), declared->name());
   }
-  // The type of the column has been checked, but the child may have another type object.
+  // The child may have a type object of its own, which nobody has checked yet.
   if (child->type != declared) ARROW_RETURN_NOT_OK(check_type(child->type.get()));
   if (!extent_is_valid(*child)) return messages::wrong_extent(child->offset, child->length);
   const std::int64_t needed = parent.offset + parent.length;
@@ -156,7 +156,7 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
                                   std::to_string(type.num_fields()));
   }
   const bool is_container = !array.child_data.empty() || type.id() == Type::STRUCT;
-  // A map takes no level itself; the struct of its entries does.
+  // A map is an array of entries, which are a struct. Only the struct counts as a level.
   if (is_container && type.id() != Type::MAP && levels == 0) return messages::nested_too_deeply();
   return Status::OK();
 }
@@ -176,8 +176,8 @@ Status check_buffers(const ArrayData& array, const DataType& type) {
   return Status::OK();
 }
 
-/// Checks an array and its children, in the order in which they are written. The children of a
-/// struct are cut to it, but those of the entries of a map are written whole.
+/// Checks an array and its children in the order of writing. Of the children of a struct, only the
+/// part that the struct shows is written. Keys and items of a map are written whole (`is_entries`).
 Status check_array(const ArrayView& array, int levels, bool is_entries = false) {
   ARROW_RETURN_NOT_OK(check_node(*array.data, levels));
   const Type::type id = array.data->type->id();
@@ -240,7 +240,7 @@ Status check_column(const ColumnView& column) {
   for (const ArrayView& chunk : column.chunks()) {
     ARROW_RETURN_NOT_OK(is_nested ? check_array(chunk, kMaxNestingLevels) : check_memory(chunk));
     const bool is_dictionary = chunk.data->dictionary != nullptr && column.chunks().size() > 1;
-    // The nulls of dictionaries count only where several are merged.
+    // Several dictionaries are merged, which reads their bitmaps.
     if (is_dictionary) ARROW_RETURN_NOT_OK(check_validity(*chunk.data->dictionary));
   }
   return Status::OK();

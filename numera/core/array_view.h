@@ -2,12 +2,12 @@
 
 /// \file
 /// The input of the writers: borrowed columns of slices of Arrow arrays. Children are read in
-/// place, without making Arrow arrays. So Arrow checks, counts and stores nothing in the caller's
-/// arrays, and a nesting level takes little stack.
+/// place, without making Arrow arrays. So Arrow's functions do not run on the caller's arrays, and
+/// a nesting level takes little stack.
 ///
-/// The buffers of arrays are read here only. `check_column` (core/array_checks.h) has checked every
-/// column before, so these functions do not fail and never read outside a buffer. Only the values
-/// of offsets are checked while they are read.
+/// Only these functions read the buffers of arrays. `check_column` (core/array_checks.h) has
+/// checked every column before, so they stay within the buffers. `variable_width_values` fails at
+/// wrong offsets; the others cannot fail.
 
 #include <arrow/array/array_base.h>
 #include <arrow/array/data.h>
@@ -76,7 +76,8 @@ class ColumnView {
 
 using Bytes = std::span<const std::uint8_t>;
 
-/// The bytes of a buffer. Empty if the buffer is null, has no main memory or has a negative size.
+/// The bytes of a buffer. Empty if the buffer is null, is not in main memory or has a negative
+/// size.
 Bytes bytes_of(const ::arrow::Buffer* buffer);
 /// The bytes of buffer `index`. Empty if the array has no such buffer.
 Bytes bytes_of(const ::arrow::ArrayData& array, size_t index);

@@ -35,7 +35,7 @@ namespace numera::io::arrow::core {
 /// `::arrow::Array`: `encoded` is a struct with the fields "ArrowType" (char: "array", "list_array"
 /// or "struct"), "Type" (char), "Valid" (struct: a buffer envelope) and "Data". The array has null
 /// count -1 (unknown) and offset 0. It is not validated: codes and offsets are not checked. Call
-/// `Validate` before use if the input is not trusted.
+/// `ValidateFull` before use if the input is not trusted.
 ///
 /// `::arrow::Buffer`: `encoded` is a struct with the fields "ArrowType" (char: "buffer") and
 /// "Values" (uint8, any shape). The buffer covers the bytes of "Values"; "Length" is not read.

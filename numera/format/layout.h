@@ -1,9 +1,8 @@
 #pragma once
 
 /// \file
-/// The memory layouts of the Arrow types that have a host form. Everything that depends on the
-/// layout switches over it without a default, so a new layout compiles only once all of them know
-/// it.
+/// The memory layouts of the Arrow types that have a host form. Switches over `Layout` have no
+/// default: after a layout is added, the compiler names each switch that lacks it.
 
 #include <arrow/type_fwd.h>
 
@@ -12,18 +11,18 @@
 
 namespace numera::format {
 
-/// Whether neither is negative and their sum fits in 64 bits.
+/// Whether offset and length are not negative and their sum fits in 64 bits.
 constexpr bool extent_is_valid(std::int64_t offset, std::int64_t length) {
   return offset >= 0 && length >= 0 && offset <= std::numeric_limits<std::int64_t>::max() - length;
 }
 
 enum class Layout : std::uint8_t {
-  kNoHostForm,  ///< any layout: the type is refused, or cast before it is converted
+  kNoHostForm,  ///< the type is refused, or cast before it is converted
   kNoValues,
   kBits,
-  kFixedWidth,  ///< also the codes of dictionaries
-  kText,        ///< text and bytes
-  kLargeText,
+  kFixedWidth,  ///< numbers, dates, times, bytes of fixed width, codes of dictionaries
+  kText,        ///< text and bytes, with 32-bit offsets
+  kLargeText,   ///< text and bytes, with 64-bit offsets
   kList,
   kLargeList,
   kMap,

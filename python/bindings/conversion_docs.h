@@ -6,7 +6,7 @@
 namespace numera::python::docs {
 
 inline constexpr const char* kTableErrorCode =
-    R"(The kind of failure in a column, given as `error_code` of exceptions.)";
+    R"(The kind of a failure in a column: the attribute `error_code` of the exception.)";
 
 inline constexpr const char* kToHost = R"(Converts Arrow data to an encoded host value.
 
@@ -21,7 +21,8 @@ x is one of
 The data is validated once and copied. x is only read.
 
 cast=True casts values that have no host form, if there is a rule for their type: decimals, half
-floats, intervals, views, list views, fixed-size lists, run-end encoded and extension values.
+floats, intervals, views, list views, fixed-size lists, run-end encoded and extension values, and
+dictionaries whose values are not text.
 
 Views and list views from libraries other than pyarrow are always cast to plain text, bytes and
 lists, even with cast=False. Nothing is lost by this. For example, polars stores text as views.
@@ -94,12 +95,12 @@ in readable form that are known to be valid, because Arrow trusts them. It canno
 type.
 
 Raises
-- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid, with a message that says what is wrong: with the
-  value, or with the type that no cast leads to without loss;
-- TypeError for a type that is no pyarrow.Schema, if the value is a table, or no pyarrow.DataType,
-  if the value is an array; and for any type, if the value is a buffer;
-- ValueError for a struct that is not encoded ("Wrong field name."), and for validate=False beside
-  a type;
+- pyarrow.ArrowTypeError and pyarrow.ArrowInvalid if the value is not valid, or cannot be cast to
+  type without loss;
+- TypeError if type is not a pyarrow.Schema (for a table) or not a pyarrow.DataType (for an array),
+  and if a buffer is given any type;
+- ValueError for a struct that is not encoded, if no type is given ("Wrong field name."), and for
+  validate=False with a type;
 - IndexError for a struct without elements;
 - MemoryError;
 - KeyboardInterrupt between two columns, after Ctrl-C.
@@ -130,7 +131,7 @@ value is one of
   char rows or of uint8 arrays. It may have any shape; elements are read in storage order;
 - an encoded value in the form that `to_host` returns.
 
-Parts that are in this form already are not copied.
+Parts that are already in the form that Arrow reads are not copied.
 
 Raises
 - pyarrow.ArrowTypeError and pyarrow.ArrowInvalid; the message states the place of the error, what

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Looks into encoded values, which may be defective, without an exception.
+/// Reads fields of encoded values. A defective value gives an empty or false answer, never an
+/// exception.
 
 #include <arrow/status.h>
 
@@ -15,12 +16,13 @@ namespace numera::python {
 /// The text of "ArrowType"; empty for a value that is not encoded.
 std::string kind_of(const hxArray* value);
 
-/// Whether the value is a struct that is no encoded value. Nothing makes it readable.
+/// Whether the value is a struct or object without "ArrowType" or without elements. No conversion
+/// takes it.
 bool is_other_struct(const hxArray* value);
 
-/// Whether the value is known to be in readable form, or refused in every form. True for arrays of
-/// numbers, packed texts and bytes, logical values and times of day, and for tables of such
-/// columns.
+/// Whether `to_arrow` can read the value directly: an array of numbers, packed texts or bytes,
+/// packed logical values or times of day, or a table of such columns. A defective value may pass;
+/// its conversion then fails in either form.
 bool is_known_readable(const hxArray* value);
 
 /// `Column 'price' (index 1, type 'double'): `; empty if the failure names no column.

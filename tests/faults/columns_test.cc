@@ -47,7 +47,7 @@ struct Reached {
 //   to the host                          8     2615               18   5597
 //   to Arrow                             3      530                9   1933
 //   to Arrow with ownership              4      610               10   2013
-//   through encode                      13     6087               21  13909
+//   through make_readable               13     6087               21  13909
 //   through the intake                   8     2605               18   5582
 //
 // The least of a column to the host are its eight arrays: the envelope, its four values and the

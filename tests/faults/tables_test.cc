@@ -55,7 +55,7 @@ constexpr size_t kColumns = 5;
 // leaves room for changes of the library. Then there were
 // - to the host: 99 allocations, 212 calls
 // - to Arrow: 99 calls, with ownership 118
-// - through encode: 183 allocations, 412 calls
+// - through make_readable: 183 allocations, 412 calls
 constexpr FaultSites kToTheHost = {.allocations = 80, .calls = 150};
 constexpr FaultSites kToArrow = {.calls = 60};
 constexpr FaultSites kToArrowWithOwnership = {.allocations = 1, .calls = 60};

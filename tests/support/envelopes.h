@@ -3,10 +3,9 @@
 /// \file
 /// Builders of encoded values and of their parts, based on host_builder.h.
 ///
-/// `Written...` is the form that `to_numera` writes: every field, in order. The other names are
-/// forms that `to_arrow` reads; they have no field that it does not read. Functions that end in
-/// `Of` take every field, so that a test can pass wrong ones. A bitmap is given as its bytes; no
-/// bytes mean that nothing is null.
+/// `Written...` makes the form that `to_numera` writes: all fields, in order. The other envelopes
+/// have only the fields that `to_arrow` reads. `...Of` takes a value for every field, so a test can
+/// pass wrong ones. A bitmap is given as its bytes; no bytes: nothing is null.
 
 #include <cstdint>
 #include <initializer_list>
@@ -21,7 +20,7 @@ namespace numera::testing {
 
 using Bits = std::vector<std::uint8_t>;
 
-/// \name Field names of struct arrays that may have any number of elements
+/// \name The fields of records, for struct arrays of several elements
 /// @{
 using FieldNames = std::vector<const char*>;
 inline const FieldNames kEnvelopeFields = {"ArrowType", "Type", "Valid", "Data"};
@@ -32,7 +31,7 @@ inline const FieldNames kStructFields = {"FieldName", "FieldData"};
 inline const FieldNames kMapFields = {"Keys", "Values", "StartOffsets"};
 /// @}
 
-/// A struct array of these elements: 1-by-1 structs that have at least these fields.
+/// A struct array of these 1-by-1 structs. A field that a struct lacks stays empty.
 inline hxArrayPtr StructElements(const Dims& dims, const FieldNames& fields,
                                  const std::vector<hxArrayPtr>& elements) {
   check_element_count(dims, elements.size());
@@ -102,15 +101,16 @@ inline hxArrayPtr WrittenBitmap(double length, const Bits& bytes = {}) {
 }
 /// @}
 
-/// \name "Data". Read and written alike, except for timestamps.
+/// \name "Data". Written and read in the same form; but dates and maps are only written, `TextData`
+/// is only read, and timestamps have two forms.
 /// @{
 
-/// One chunk of lists; also texts and bytes, which are packed lists of bytes.
+/// One chunk of lists. Packed texts and bytes have the same two fields.
 inline hxArrayPtr ListData(hxArrayPtr values, hxArrayPtr offsets) {
   return Struct({{"Values", std::move(values)}, {"StartOffsets", std::move(offsets)}});
 }
 
-/// Packed texts or bytes, which are read.
+/// Packed texts or bytes, the form that `to_arrow` reads.
 inline hxArrayPtr TextData(std::string_view bytes, const std::vector<std::uint64_t>& offsets) {
   return ListData(Column<std::uint8_t>({bytes.begin(), bytes.end()}),
                   Column<std::uint64_t>(offsets));
@@ -215,7 +215,7 @@ inline hxArrayPtr WrittenNested(std::string_view kind, std::string_view type, do
   return WrittenEnvelope(kind, type, WrittenBitmap(length, valid), std::move(data));
 }
 
-/// The numbers of a class, whose name is that of the type.
+/// An encoded array of numbers. "Type" is the name of their class.
 template <class T>
 hxArrayPtr Numbers(const std::vector<T>& values, const Bits& valid = {}) {
   hxArrayPtr data = Column<T>(values);

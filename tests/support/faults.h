@@ -25,12 +25,13 @@ struct FaultSites {
 /// and with the interrupt checks of this thread; these throw a different exception type.
 ///
 /// After every failed run, expects that
-/// - the injected exception comes out, except after a failure of `assign_utf8`: then the conversion
-///   sets the texts one by one;
+/// - the injected exception comes out. One exception: if `assign_utf8` fails, the conversion sets
+/// the
+///   texts one by one and succeeds;
 /// - no host array and no Arrow memory is left;
 /// - `input`, which returns all input of the conversion as text, returns the same as before;
-/// - the next, undisturbed run succeeds and `result` returns the same as before; `result` also
-///   converts, and returns the output as text.
+/// - a further run without failure gives the same `result` as before. `result` runs the conversion
+///   and returns its output as text; by default, its status.
 ///
 /// `convert` must create nothing outside the conversion and must do the same in every run. It runs
 /// on the recording host, whose counts are reset.
@@ -41,17 +42,18 @@ FaultSites FailEverywhere(const std::function<::arrow::Status()>& convert,
                           const std::function<std::string()>& input,
                           const std::function<std::string()>& result);
 
-/// Expects at least as many failures of each kind. A test that counts too few has failed to inject
-/// them.
+/// Expects that each number of sites is at least that of `floor`: a smaller number means that
+/// failures were not injected.
 void ExpectAtLeast(const FaultSites& sites, const FaultSites& floor);
 
-/// The fewest sites at which this value can be made: each of its arrays is allocated, one call
-/// creates it, and one stores it unless it is the outermost. A string array is made in two steps.
+/// A lower bound for the sites of making this value: per array one allocation, one call that
+/// creates it, and one call that stores it (none for the outermost). An inner string array takes
+/// two allocations and two creating calls.
 FaultSites SitesOfMaking(const hxArrayPtr& value);
 
-/// The fewest sites at which this encoded value can be read: one call looks up each array but the
-/// outermost, and one reads each text. "Length", "DateType" and the text of "Type" are left out,
-/// since not every kind needs them.
+/// A lower bound for the sites of reading this encoded value: one call per inner array, and one
+/// more per text. Not counted, since some kinds do not read them: "Length", "DateType" and the text
+/// of "Type".
 FaultSites SitesOfReading(const hxArrayPtr& encoded);
 
 }  // namespace numera::testing

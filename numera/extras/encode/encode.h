@@ -88,8 +88,9 @@ namespace numera::extras {
 /// one thread per processor that this process may use. The host must allow arrays to be made on one
 /// thread and used on another.
 ///
-/// Cost: parts that are already readable are not copied (they become shared copies). Every part is
-/// read once to check it. Text is converted once. If a nested value has several chunks, Arrow
+/// Cost: parts that are already readable are not copied (they become shared copies). Parts
+/// that could be invalid (packed texts and bytes, codes, offsets, times of day) are read once to
+/// check them. Text is converted once. If a nested value has several chunks, Arrow
 /// concatenates them, and the result is copied once more, to host memory.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> make_readable(const hxArray* value, size_t threads = 1);
 

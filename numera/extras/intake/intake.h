@@ -77,7 +77,7 @@ struct Intake {
 /// buffers. Copies are made of:
 /// - bitmaps and booleans that do not start at a byte boundary
 /// - list and map offsets that do not start at 0
-/// - text with invalid UTF-8 in a null slot; that slot becomes empty
+/// - text with invalid UTF-8 in a null slot; all null slots of the array become empty
 /// - values that are cast
 ///
 /// A null among the texts of a dictionary is removed, and the slots that refer to it become null. A
@@ -95,7 +95,8 @@ struct Intake {
 /// - memory of a device other than the CPU: Invalid
 /// - a column whose length is not the number of rows of its table: Invalid
 /// - whatever else `ValidateFull` finds: its status
-/// - a map that, after a cast, has null keys or too many entries for 32-bit offsets: Invalid
+/// - a map whose keys become null, or that after a cast has too many entries for 32-bit offsets:
+///   Invalid
 ///
 /// Cost: validation reads every element once. Peak memory is what is copied or cast, plus 8 bytes
 /// per element of:
