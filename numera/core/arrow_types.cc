@@ -103,13 +103,12 @@ constexpr bool rows_are_complete() {
   for (size_t i = 0; i < std::size(kRows); ++i) {
     const ArrowTypeRow& row = kRows[i];
     if (static_cast<size_t>(row.id) != i) return false;
-    if ((row.writer == nullptr) != (layout_of(row.id) == Layout::kNoHostForm)) return false;
+    if ((row.encoded_name == nullptr) != (layout_of(row.id) == Layout::kNoHostForm)) return false;
   }
   return true;
 }
 static_assert(std::size(kRows) == Type::MAX_ID, "every type has a row");
-static_assert(rows_are_complete(),
-              "a row is found by its id, and types with a writer have a layout");
+static_assert(rows_are_complete(), "a row is found by its id, and types with a name have a layout");
 
 enum class TypeFault : std::uint8_t { None, NoType, TooDeep };
 

@@ -107,7 +107,8 @@ constexpr bool rules_are_complete() {
   for (size_t i = 0; i < std::size(kRules); ++i) {
     const Rule& rule = kRules[i];
     if (static_cast<size_t>(rule.id) != i) return false;
-    if ((rule.take == nullptr) != (rule.fate == Fate::kRefused)) return false;
+    const bool is_kept = rule.fate == Fate::kKept || rule.fate == Fate::kKeptOfText;
+    if (is_kept != (layout_of(rule.id) != Layout::kNoHostForm)) return false;
   }
   return true;
 }
