@@ -21,6 +21,7 @@
 #include "numera/format/names.h"
 #include "numera/format/number_classes.h"
 #include "numera/format/values.h"
+#include "numera/format/whole_type.h"
 
 namespace numera::io::arrow::core {
 namespace {
@@ -117,40 +118,30 @@ bool is_flat(const ::arrow::DataType& type) {
   return type.num_fields() == 0 && type.id() != Type::STRUCT && type.id() != Type::DICTIONARY;
 }
 
-/// The struct of key and item of a map; null if the map has none.
-const ::arrow::DataType* entries_of(const ::arrow::DataType& map) {
-  const auto& field = map.field(0);
-  if (field == nullptr || field->type() == nullptr) return nullptr;
-  const bool is_pair = field->type()->id() == Type::STRUCT && field->type()->num_fields() == 2;
-  return is_pair ? field->type().get() : nullptr;
-}
-
 /// `levels` is the number of nesting levels still allowed, including that of `type`. A map takes
 /// one level, although Arrow stores its keys and items in a struct. A dictionary takes none, unless
 /// its value type contains other types. This function is recursive, so its stack frame is kept
 /// small.
 TypeFault fault_of(const ::arrow::DataType* type, int levels) {
-  if (type == nullptr) return TypeFault::NoType;
-  if (type->id() == Type::EXTENSION) {
+  if (type != nullptr && type->id() == Type::EXTENSION) {
+    // Extensions are refused. Their storage only has to be complete: the message may show it.
     while (type != nullptr && type->id() == Type::EXTENSION) {
       type = static_cast<const ::arrow::ExtensionType*>(type)->storage_type().get();
     }
-    return type == nullptr ? TypeFault::NoType : TypeFault::None;
+    const bool is_complete = fault_of(type, levels) != TypeFault::NoType;
+    return is_complete ? TypeFault::None : TypeFault::NoType;
   }
+  if (type == nullptr || !format::has_inner_types(*type)) return TypeFault::NoType;
   if (is_flat(*type)) return TypeFault::None;
   if (type->id() == Type::DICTIONARY) {
     type = static_cast<const ::arrow::DictionaryType&>(*type).value_type().get();
-    if (type == nullptr || is_flat(*type)) return fault_of(type, levels);
+    if (is_flat(*type)) return fault_of(type, levels);
     return levels == 0 ? TypeFault::TooDeep : fault_of(type, levels - 1);
   }
   if (levels == 0) return TypeFault::TooDeep;
-  if (type->id() == Type::MAP) {
-    type = entries_of(*type);
-    if (type == nullptr) return TypeFault::NoType;
-  }
-  for (const auto& field : type->fields()) {
-    const TypeFault fault =
-        field == nullptr ? TypeFault::NoType : fault_of(field->type().get(), levels - 1);
+  const ::arrow::DataType& parent = type->id() == Type::MAP ? *type->field(0)->type() : *type;
+  for (const auto& field : parent.fields()) {
+    const TypeFault fault = fault_of(field->type().get(), levels - 1);
     if (fault != TypeFault::None) return fault;
   }
   return TypeFault::None;

@@ -161,8 +161,9 @@ TEST(ArrayLayout, RefusesMapsWhoseTypeHasNoPairs) {
       field("e", ::arrow::struct_({int8, int8, int8}))};
   for (const auto& entry : entries) {
     const auto map = std::make_shared<::arrow::MapType>(entry);
-    const auto views = ::arrow::fixed_size_list(field("m", map), 2);
-    for (const DataTypePtr& type : {DataTypePtr(map), DataTypePtr(views)}) {
+    const DataTypePtr within[] = {map, ::arrow::fixed_size_list(field("m", map), 2),
+                                  ::arrow::extension::opaque(map, "kind", "vendor")};
+    for (const DataTypePtr& type : within) {
       EXPECT_EQ(
           to_numera(std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector(), type)).status(),
           Status::Invalid("Type: found a null pointer, expected a type, with the types of "

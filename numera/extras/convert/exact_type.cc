@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "numera/core/limits.h"
-#include "numera/extras/whole_type.h"
+#include "numera/format/whole_type.h"
 
 namespace numera::extras {
 namespace {
@@ -189,7 +189,7 @@ bool same_names(const ::arrow::FieldVector& one, const ::arrow::FieldVector& oth
   // No type of a converted host value is nested deeper, so a deeper type cannot be the result of a
   // cast.
   constexpr int kLevels = 2 * io::arrow::core::kMaxNestingLevels;
-  if (field.type() == nullptr || !is_whole(*field.type(), kLevels)) {
+  if (field.type() == nullptr || !format::is_whole(*field.type(), kLevels)) {
     return ::arrow::Status::Invalid(
         path, ": found a null pointer instead of a type or more than ", kLevels,
         " levels of types, expected a complete type of at most ", kLevels, " levels.");

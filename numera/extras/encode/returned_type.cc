@@ -4,8 +4,8 @@
 
 #include "numera/core/limits.h"
 #include "numera/extras/encode/encode.h"
-#include "numera/extras/whole_type.h"
 #include "numera/format/names.h"
+#include "numera/format/whole_type.h"
 #include "numera/host/text_codec.h"
 
 namespace numera::extras {
@@ -114,7 +114,7 @@ std::optional<TypePtr> returned_plain(const ::arrow::DataType& type) {
 }
 
 std::optional<TypePtr> returned(const ::arrow::DataType& type, int levels) {
-  if (!has_inner_types(type)) return std::nullopt;
+  if (!format::has_inner_types(type)) return std::nullopt;
   switch (type.id()) {
     case Type::DICTIONARY:
       return returned_dictionary(static_cast<const ::arrow::DictionaryType&>(type));
@@ -139,7 +139,7 @@ std::optional<TypePtr> returned_type(const ::arrow::DataType& type) {
 bool returns_as(const ::arrow::DataType& from, const ::arrow::DataType& to) {
   const std::optional<TypePtr> returned = returned_type(from);
   // No returned type is nested deeper, so a deeper `to` cannot be equal.
-  if (!returned || !is_whole(to, 2 * kMaxNestingLevels)) return false;
+  if (!returned || !format::is_whole(to, 2 * kMaxNestingLevels)) return false;
   if ((*returned)->Equals(to)) return true;
   // Dictionaries of several chunks are merged, with an index type that fits the merged dictionary.
   if (from.id() != Type::DICTIONARY || to.id() != Type::DICTIONARY) return false;

@@ -7,8 +7,8 @@
 #include "numera/core/limits.h"
 #include "numera/extras/intake/takes.h"
 #include "numera/extras/intake/type_text.h"
-#include "numera/extras/whole_type.h"
 #include "numera/format/layout.h"
+#include "numera/format/whole_type.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -173,7 +173,7 @@ const ::arrow::DataType* represented_type(const ::arrow::DataType& type) {
 /// level.
 ::arrow::Status check(const std::string& path, const ::arrow::DataType& type, AllowedCasts allowed,
                       int levels) {
-  if (!has_inner_types(type)) {
+  if (!format::has_inner_types(type)) {
     return ::arrow::Status::Invalid(
         place_of(path), "found type ", type.name(),
         " with a null pointer instead of an inner type, expected a complete type.");

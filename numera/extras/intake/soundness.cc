@@ -7,8 +7,8 @@
 #include <cstddef>
 
 #include "numera/core/limits.h"
-#include "numera/extras/whole_type.h"
 #include "numera/format/layout.h"
+#include "numera/format/whole_type.h"
 
 namespace numera::extras::intake {
 namespace {
@@ -63,7 +63,7 @@ Status check(const ::arrow::ArrayData* array, int levels) {
   if (array == nullptr || array->type == nullptr) {
     return Status::Invalid("Array: found a null pointer, expected an array with a type.");
   }
-  if (!is_whole(*array->type, kMaxLevels)) {
+  if (!format::is_whole(*array->type, kMaxLevels)) {
     return Status::Invalid("Array: found type ", array->type->name(), " with a null pointer ",
                            "instead of an inner type or with more than ", kMaxLevels,
                            " levels, expected a complete type of at most ", kMaxLevels, " levels.");

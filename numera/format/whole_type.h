@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace numera::extras {
+namespace numera::format {
 
 /// Whether no direct inner type is a null pointer. For a map, the entries must also be a struct
 /// with two fields.
@@ -47,4 +47,4 @@ inline bool is_whole(const ::arrow::DataType& type, int levels) {
       type.fields(), [levels](const auto& field) { return is_whole(*field->type(), levels - 1); });
 }
 
-}  // namespace numera::extras
+}  // namespace numera::format
