@@ -40,9 +40,8 @@ struct TripOptions {
 };
 
 /// Converts the columns of a batch to the host as one table and back, through `take_in` and
-/// `make_readable`. A
-/// column that any step refuses is left out of the table, and its `refusal` says why. Host
-/// interrupts pass through as exceptions. Columns marked in `refused` are not tried.
+/// `make_readable`. A column that any step refuses is left out of the table, and its `refusal` says
+/// why. Host interrupts pass through as exceptions. Columns marked in `refused` are not tried.
 std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOptions& options,
                                  const std::vector<bool>& refused, Legs& legs);
 

@@ -1,8 +1,5 @@
 #include <arrow/array.h>
-#include <arrow/extension/bool8.h>
-#include <arrow/table.h>
 #include <arrow/type.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -10,8 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "numera/core/limits.h"
-#include "numera/core/util/table_error.h"
 #include "numera/extras/intake/intake.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/offset_arrays.h"
@@ -26,11 +21,8 @@ using ::arrow::int32;
 using ::arrow::int8;
 using ::arrow::list;
 using ::arrow::Status;
-using ::arrow::StatusCode;
 using ::arrow::utf8;
 using extras::take_in;
-using io::arrow::core::kMaxNestingLevels;
-using ::testing::HasSubstr;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
 struct Bad {

@@ -5,10 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "numera/core/limits.h"
 #include "numera/core/util/table_error.h"
@@ -19,7 +17,6 @@ namespace numera::testing {
 namespace {
 
 using ::arrow::Array;
-using ::arrow::ArrayData;
 using ::arrow::field;
 using ::arrow::int32;
 using ::arrow::int8;
