@@ -78,6 +78,20 @@ TEST(DeviceMemory, IsRefusedInEachOfSeveralDictionaries) {
   }
 }
 
+TEST(DeviceMemory, OfTheBitmapOfADictionaryIsRefusedWhereSeveralAreMerged) {
+  const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::utf8());
+  const DataPtr data = copy_of(*ArrowArray(type, R"(["a"])")->data());
+  data->dictionary->buffers[0] = BufferOfOtherDevice(1);
+  data->dictionary->null_count = ::arrow::kUnknownNullCount;
+  const auto chunk = ::arrow::MakeArray(data);
+  const auto column = [&chunk](size_t chunks) {
+    return std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector(chunks, chunk));
+  };
+  EXPECT_EQ(to_numera(column(1)).status(), Status::OK());
+  EXPECT_EQ(to_numera(column(2)).status(),
+            Status::Invalid("Buffer: found bytes that cannot be read here, expected main memory."));
+}
+
 TEST(DeviceMemory, OfABitmapIsRefusedWhetherItsNullsAreCountedOrNot) {
   for (const std::int64_t nulls : {-1, 1}) {
     const auto array = std::make_shared<::arrow::UInt8Array>(2, ArrowBuffer({1, 2}),

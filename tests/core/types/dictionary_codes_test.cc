@@ -14,6 +14,7 @@
 
 #include "tests/support/arrow_values.h"
 #include "tests/support/offset_arrays.h"
+#include "tests/support/other_device.h"
 #include "tests/support/results.h"
 
 namespace numera::io::arrow::core {
@@ -78,6 +79,13 @@ TYPED_TEST(CodesWithinDictionary, TakesNoCodesOfAnyDictionaryAsTheyAre) {
     const auto array = array_of(none, dictionary_of(length));
     EXPECT_EQ(ValueOf(codes_within_dictionary(*array))->data()->buffers, array->data()->buffers);
   }
+}
+
+/// Arrow would ask for their address.
+TEST(CodesOfADevice, AreLeftOutWhereThereAreNoElements) {
+  const auto array = array_of<std::int8_t>({}, dictionary_of(1));
+  array->data()->buffers[1] = BufferOfOtherDevice(8);
+  EXPECT_EQ(ValueOf(codes_within_dictionary(*array))->data()->buffers[1], nullptr);
 }
 
 TYPED_TEST(CodesWithinDictionary, RefusesEveryCodeOfADictionaryWithoutElements) {
