@@ -18,7 +18,7 @@ inline constexpr int kMaxNestingLevels = 1024;
 /// tests check them. Other builds need more: a sanitizer makes every stack frame larger.
 /// @{
 
-/// For `to_arrow` (308 bytes per level), `to_arrow_table`, `to_numera` (432), `to_numera_datatype`,
+/// For `to_arrow` (308 bytes per level), `to_arrow_table`, `to_numera` (368), `to_numera_datatype`,
 /// `own_to_arrow`, `own_to_arrow_table`, `print`, `first_difference`, `hxSharedCopy` and writes to
 /// shared host arrays, whether they succeed or fail. Also for the destruction of their results:
 /// Arrow arrays and types (208 bytes per level) and arrays of the in-memory host (0 bytes per
