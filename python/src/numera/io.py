@@ -111,7 +111,7 @@ def write(host: HostArray, path: _Path) -> None:
     bar shows the progress.
 
     Columns have the types of `to_arrow(host)`. CSV has no nested columns and no types: a null text
-    reads back as an empty text, and a column with nulls only reads back as type null.
+    reads back as an empty text, and a column that holds only nulls reads back as type null.
 
     Raises:
     - ValueError for any other suffix, which is checked first, and for a path that exists but is
