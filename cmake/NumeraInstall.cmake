@@ -7,12 +7,19 @@ set(numera_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public_headers.txt)
 file(STRINGS cmake/public_headers.txt public_headers)
+if(NOT NUMERA_BUILD_FILES)
+  list(FILTER public_headers EXCLUDE REGEX "^numera/files/")
+endif()
 foreach(header IN LISTS public_headers)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
 
-install(TARGETS numera_arrow numera_host numera_extras numera_numera EXPORT numera
+set(libraries numera_arrow numera_host numera_extras numera_numera)
+if(NUMERA_BUILD_FILES)
+  list(APPEND libraries numera_files)
+endif()
+install(TARGETS ${libraries} EXPORT numera
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT numera NAMESPACE numera:: FILE numera-targets.cmake
@@ -46,7 +53,11 @@ endif()
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
            BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${numera_pc_dir}
            OUTPUT_VARIABLE numera_pc_to_prefix)
-foreach(name numera numera-arrow)
+set(pc_names numera numera-arrow)
+if(NUMERA_BUILD_FILES)
+  list(APPEND pc_names numera-files)
+endif()
+foreach(name IN LISTS pc_names)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${numera_pc_dir})
 endforeach()

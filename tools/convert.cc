@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "numera/files/write.h"
 #include "numera/numera.h"
 #include "tools/look.h"
-#include "tools/sink.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
@@ -24,21 +24,21 @@ class Conversion {
   explicit Conversion(const ConvertOptions& options) : options_(options) {}
 
   ::arrow::Status run() {
-    ARROW_ASSIGN_OR_RAISE(source_, open_source(options_.file, options_.source));
-    columns_.resize(static_cast<size_t>(source_.schema->num_fields()));
+    ARROW_ASSIGN_OR_RAISE(source_, files::open_source(options_.file, options_.source));
+    columns_.resize(static_cast<size_t>(source_->schema()->num_fields()));
     if (!options_.output.empty()) {
-      ARROW_ASSIGN_OR_RAISE(sink_, Sink::open(options_.output, options_.file));
+      ARROW_ASSIGN_OR_RAISE(sink_, files::open_sink(options_.output, {.inputs = {options_.file}}));
     }
-    Progress progress(source_.rows);
-    ARROW_ASSIGN_OR_RAISE(auto batch, source_.next());
+    Progress progress(source_->rows());
+    ARROW_ASSIGN_OR_RAISE(auto batch, source_->Next());
     if (batch == nullptr) {  // a file without rows is converted, too
-      ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_.schema));
+      ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_->schema()));
     }
     while (batch != nullptr) {
       hxThrowIfInterruptPending();  // if all columns are refused, no host call checks for it
       ARROW_RETURN_NOT_OK(add(*batch));
       progress.show(rows_);
-      ARROW_ASSIGN_OR_RAISE(batch, source_.next());
+      ARROW_ASSIGN_OR_RAISE(batch, source_->Next());
     }
     return ::arrow::Status::OK();
   }
@@ -47,10 +47,10 @@ class Conversion {
     TextTable table({"column", "Arrow type", "encoded type", "host class", "rows", "chunks",
                      "nulls", "way back"});
     for (size_t i = 0; i < columns_.size(); ++i) {
-      const auto& field = source_.schema->field(static_cast<int>(i));
+      const auto& field = source_->schema()->field(static_cast<int>(i));
       table.add({field->name(), field->type()->ToString(), columns_[i].encoded_type,
                  core::to_numera_datatype(field->type()).value_or("-"), grouped(rows_),
-                 grouped(*source_.chunks), grouped(columns_[i].nulls),
+                 grouped(source_->chunks()), grouped(columns_[i].nulls),
                  columns_[i].text(*field->type())});
     }
     table.print(out, output_has_colour());
@@ -92,16 +92,18 @@ class Conversion {
     ::arrow::ArrayVector arrays;
     for (size_t i = 0; i < trips.size(); ++i) {
       if (!columns_[i].failure.empty()) return ::arrow::Status::OK();  // nothing will be written
-      fields.push_back(source_.schema->field(static_cast<int>(i))->WithType(trips[i].back->type()));
+      fields.push_back(
+          source_->schema()->field(static_cast<int>(i))->WithType(trips[i].back->type()));
       arrays.push_back(trips[i].back);
     }
     return sink_->write(::arrow::RecordBatch::Make(
-        ::arrow::schema(std::move(fields), source_.schema->metadata()), batch.num_rows(), arrays));
+        ::arrow::schema(std::move(fields), source_->schema()->metadata()), batch.num_rows(),
+        arrays));
   }
 
   ::arrow::Status check_types() const {
     for (size_t i = 0; i < columns_.size(); ++i) {
-      const auto& field = source_.schema->field(static_cast<int>(i));
+      const auto& field = source_->schema()->field(static_cast<int>(i));
       const auto& returned = columns_[i].returned;
       if (!same_type(*field->type(), *returned)) {
         return ::arrow::Status::Invalid("column '", field->name(), "' returns as ",
@@ -118,8 +120,8 @@ class Conversion {
   }
 
   const ConvertOptions& options_;
-  Source source_;
-  std::unique_ptr<Sink> sink_;
+  std::shared_ptr<files::Source> source_;
+  std::unique_ptr<files::Sink> sink_;
   std::vector<WayBack> columns_;
   std::int64_t rows_ = 0;
   Legs legs_;

@@ -6,13 +6,13 @@
 #include <iosfwd>
 #include <string>
 
-#include "tools/source.h"
+#include "numera/files/read.h"
 
 namespace numera::tools {
 
 struct ConvertOptions {
   std::string file;
-  SourceOptions source;
+  files::ReadOptions source;
   bool cast = false;    ///< cast types that have no host form
   size_t threads = 1;   ///< threads that convert columns; 0: one per processor
   bool strict = false;  ///< a change of type is a failure

@@ -30,14 +30,14 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
 
 }  // namespace
 
-::arrow::Status print_types(const std::string& file, const SourceOptions& options,
+::arrow::Status print_types(const std::string& file, const files::ReadOptions& options,
                             std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const Source source, open_source(file, options));
-  std::vector<std::int64_t> nulls(static_cast<size_t>(source.schema->num_fields()), 0);
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
+  std::vector<std::int64_t> nulls(static_cast<size_t>(source->schema()->num_fields()), 0);
   std::int64_t rows = 0;
-  Progress progress(source.rows);
+  Progress progress(source->rows());
   while (true) {
-    ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
+    ARROW_ASSIGN_OR_RAISE(const auto batch, source->Next());
     if (batch == nullptr) break;
     for (size_t i = 0; i < nulls.size(); ++i) {
       nulls[i] += batch->column(static_cast<int>(i))->null_count();
@@ -50,28 +50,28 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
   TextTable table(
       {"column", "Arrow type", "encoded type", "host class", "rows", "chunks", "nulls"});
   for (size_t i = 0; i < nulls.size(); ++i) {
-    const auto& field = source.schema->field(static_cast<int>(i));
+    const auto& field = source->schema()->field(static_cast<int>(i));
     table.add({field->name(), field->type()->ToString(), encoded_type(field->type()),
                core::to_numera_datatype(field->type()).value_or("-"), grouped(rows),
-               grouped(*source.chunks), grouped(nulls[i])});
+               grouped(source->chunks()), grouped(nulls[i])});
   }
   table.print(out, output_has_colour());
   return ::arrow::Status::OK();
 }
 
-::arrow::Status print_values(const std::string& file, const SourceOptions& options,
+::arrow::Status print_values(const std::string& file, const files::ReadOptions& options,
                              const ShowOptions& show, std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const Source source, open_source(file, options));
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
   ::arrow::RecordBatchVector batches;
   for (std::int64_t wanted = show.rows; wanted > 0;) {
-    ARROW_ASSIGN_OR_RAISE(const auto batch, source.next());
+    ARROW_ASSIGN_OR_RAISE(const auto batch, source->Next());
     if (batch == nullptr) break;
     hxThrowIfInterruptPending();
     batches.push_back(batch->Slice(0, wanted));
     wanted -= batches.back()->num_rows();
   }
   ARROW_ASSIGN_OR_RAISE(const auto table,
-                        ::arrow::Table::FromRecordBatches(source.schema, batches));
+                        ::arrow::Table::FromRecordBatches(source->schema(), batches));
   ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = show.cast}));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(taken.value));
   const auto listed = static_cast<size_t>(std::max<std::int64_t>(show.rows, table->num_columns()));

@@ -6,12 +6,12 @@
 #include <iosfwd>
 #include <string>
 
-#include "tools/source.h"
+#include "numera/files/read.h"
 
 namespace numera::tools {
 
 /// Prints one row per column: name, Arrow type, encoded type name, host class, rows, chunks, nulls.
-::arrow::Status print_types(const std::string& file, const SourceOptions& options,
+::arrow::Status print_types(const std::string& file, const files::ReadOptions& options,
                             std::ostream& out);
 
 struct ShowOptions {
@@ -20,7 +20,7 @@ struct ShowOptions {
 };
 
 /// Prints the first rows of a file as an encoded host table.
-::arrow::Status print_values(const std::string& file, const SourceOptions& options,
+::arrow::Status print_values(const std::string& file, const files::ReadOptions& options,
                              const ShowOptions& show, std::ostream& out);
 
 }  // namespace numera::tools

@@ -1,6 +1,7 @@
 """Refuses includes that point against the direction of dependencies.
 
 tools, python, examples -> extras -> core, unicode -> format -> host
+tools, python, examples -> files
 
 Private headers are those that cmake/public_headers.txt does not list. Only their own part, tests,
 fuzzers and benchmarks may include them; core/ and extras/ may also include those of format/. Run
@@ -28,6 +29,7 @@ PARTS = [
     ("numera/core/", ["interface", "numera/format/"]),
     ("numera/unicode/", ["interface"]),
     ("numera/extras/", ["numera/core/", "numera/unicode/", "numera/format/", "numera/host/"]),
+    ("numera/files/", []),
     ("numera/", ["numera/"]),
     ("tools/", ["numera/"]),
     ("python/", ["numera/"]),

@@ -13,7 +13,7 @@ import subprocess
 import sys
 
 LIST = pathlib.Path(__file__).with_name("exported_names.txt")
-PARTS = ("arrow", "host", "extras")
+PARTS = ("arrow", "host", "extras", "files")
 
 
 def output_of(*command):

@@ -1,4 +1,4 @@
-#include "tools/encoder.h"
+#include "numera/files/encoder.h"
 
 #include <arrow/array/array_dict.h>
 #include <arrow/chunked_array.h>
@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace numera::tools {
+namespace numera::files {
 namespace {
 
 using Batch = std::shared_ptr<::arrow::RecordBatch>;
@@ -132,4 +132,4 @@ constexpr Suffix kSuffixes[] = {{".parquet", make_encoder<ParquetWriter>},
   return ::arrow::Status::Invalid("the name ends in none of .parquet, .arrow, .feather, .ipc");
 }
 
-}  // namespace numera::tools
+}  // namespace numera::files

@@ -5,9 +5,9 @@
 
 #include <utility>
 
-#include "tools/formats.h"
+#include "numera/files/formats.h"
 
-namespace numera::tools {
+namespace numera::files {
 namespace {
 
 /// Reads the messages of a stream and refuses a stream without an end marker. Every writer of files
@@ -38,7 +38,7 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
 
 }  // namespace
 
-::arrow::Result<Source> open_ipc_file(const File& file, const SourceOptions& options) {
+::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options) {
   ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchFileReader::Open(file));
   ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, reader->CountRows());
   auto next = [reader, i = 0]() mutable -> BatchResult {
@@ -59,7 +59,7 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
   return message.ok() && (*message)->type() == ::arrow::ipc::MessageType::SCHEMA;
 }
 
-::arrow::Result<Source> open_ipc_stream(const File& file, const SourceOptions& options) {
+::arrow::Result<Stream> open_ipc_stream(const File& file, const ReadOptions& options) {
   ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(
                                                std::make_unique<MarkedMessages>(file)));
   auto next = [reader]() -> BatchResult {
@@ -70,4 +70,4 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
   return select_columns(*reader->schema(), options, std::move(next));
 }
 
-}  // namespace numera::tools
+}  // namespace numera::files

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-namespace numera::tools {
+namespace numera::files {
 
 /// Writes batches of one schema in one format. Parquet collects a row group of about 16 MiB in
 /// memory; Arrow IPC keeps the dictionaries in memory.
@@ -25,4 +25,4 @@ using MakeEncoder = Encoder (*)(std::shared_ptr<::arrow::io::OutputStream>);
 /// are an Arrow IPC file with one record batch per batch. Invalid for any other.
 ::arrow::Result<MakeEncoder> find_encoder(std::string_view path);
 
-}  // namespace numera::tools
+}  // namespace numera::files

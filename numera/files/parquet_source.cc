@@ -6,9 +6,9 @@
 
 #include <utility>
 
-#include "tools/formats.h"
+#include "numera/files/formats.h"
 
-namespace numera::tools {
+namespace numera::files {
 namespace {
 
 /// Adds the numbers of the leaves below a field. Parquet calls these leaves columns.
@@ -128,7 +128,7 @@ class RowGroups {
 
 /// Verifies the checksums of pages that have them.
 ::arrow::Result<std::shared_ptr<parquet::arrow::FileReader>> open_reader(
-    const File& file, const SourceOptions& options) {
+    const File& file, const ReadOptions& options) {
   parquet::ReaderProperties properties;
   properties.set_page_checksum_verification(true);
   properties.enable_buffered_stream();
@@ -144,7 +144,7 @@ class RowGroups {
 
 }  // namespace
 
-::arrow::Result<Source> open_parquet(const File& file, const SourceOptions& options) {
+::arrow::Result<Stream> open_parquet(const File& file, const ReadOptions& options) {
   try {
     ARROW_ASSIGN_OR_RAISE(const auto reader, open_reader(file, options));
     const auto footer = reader->parquet_reader()->metadata();
@@ -161,11 +161,11 @@ class RowGroups {
                  columns.back().leaves);
     }
     auto groups = std::make_shared<RowGroups>(reader, std::move(columns));
-    return Source{::arrow::schema(std::move(fields), whole->metadata()),
+    return Stream{::arrow::schema(std::move(fields), whole->metadata()),
                   [groups] { return groups->next(); }, footer->num_rows(), groups->opened()};
   } catch (const parquet::ParquetException& error) {
     return ::arrow::Status::IOError(error.what());
   }
 }
 
-}  // namespace numera::tools
+}  // namespace numera::files

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/formats.h"
+#include "numera/files/formats.h"
 
-namespace numera::tools {
+namespace numera::files {
 
 ::arrow::Result<std::vector<int>> find_columns(const ::arrow::Schema& schema,
                                                const std::vector<std::string>& columns) {
@@ -16,7 +16,7 @@ namespace numera::tools {
     if (found.empty()) return ::arrow::Status::Invalid("there is no column '", name, "'");
     if (found.size() > 1) {
       return ::arrow::Status::Invalid(found.size(), " columns have the name '", name,
-                                      "', so --columns cannot select it");
+                                      "', so the name selects none");
     }
     if (std::ranges::find(numbers, found.front()) != numbers.end()) {
       return ::arrow::Status::Invalid("column '", name, "' is asked for twice");
@@ -26,7 +26,7 @@ namespace numera::tools {
   return numbers;
 }
 
-::arrow::Result<Source> select_columns(const ::arrow::Schema& whole, const SourceOptions& options,
+::arrow::Result<Stream> select_columns(const ::arrow::Schema& whole, const ReadOptions& options,
                                        std::function<BatchResult()> pull,
                                        std::optional<std::int64_t> rows) {
   ARROW_ASSIGN_OR_RAISE(auto columns, find_columns(whole, options.columns));
@@ -39,7 +39,7 @@ namespace numera::tools {
     ++*count;
     return batch->SelectColumns(columns);
   };
-  return Source{::arrow::schema(std::move(fields), whole.metadata()), std::move(next), rows, count};
+  return Stream{::arrow::schema(std::move(fields), whole.metadata()), std::move(next), rows, count};
 }
 
-}  // namespace numera::tools
+}  // namespace numera::files

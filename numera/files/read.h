@@ -1,0 +1,72 @@
+#pragma once
+
+/// \file
+/// Tables in files, read as streams of Arrow record batches.
+///
+/// \code
+///   ARROW_ASSIGN_OR_RAISE(auto source, numera::files::open_source("rows.parquet"));
+///   for (const auto& maybe_batch : *source) { ... }
+/// \endcode
+///
+/// The library knows Arrow alone. `numera::extras::convert_to_host` takes the batches to the host.
+
+#include <arrow/record_batch.h>
+#include <arrow/result.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "numera/arrow_version.h"
+#include "numera/export.h"
+
+namespace numera::files {
+
+/// How a file is read.
+struct ReadOptions {
+  /// Names of the columns to read, in the order of the result. Empty: all columns.
+  std::vector<std::string> columns = {};
+  /// The largest number of rows per batch. Not positive: `open_source` returns Invalid.
+  std::int64_t batch_rows = 65536;
+  /// What separates the fields of a CSV file. None: whichever of comma, tab, semicolon and vertical
+  /// bar splits the heading into most columns.
+  std::optional<char> csv_delimiter = {};
+};
+
+/// A file that is read batch by batch. Memory holds one batch and what the format needs: some pages
+/// per column of a Parquet file, one record batch of an Arrow IPC file, some blocks of a text file.
+///
+/// `ReadNext` gives batches of at most `batch_rows` rows and null after the last one. After an
+/// error, every further call returns the same error. A file that changed since it was opened is an
+/// error at its end. Buffers of a batch stay valid after the source is gone. One thread at a time
+/// may use a source; it may be another one for each call.
+class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
+ public:
+  ~Source() override;
+
+  /// The number of rows of the whole file, if the file states it.
+  virtual std::optional<std::int64_t> rows() const = 0;
+  /// The number of row groups, record batches or blocks that were read so far.
+  virtual std::int64_t chunks() const = 0;
+};
+
+/// Opens a file. Its first bytes tell the format, whatever its name:
+///
+/// - Parquet. Checksums of pages are verified. A column whose number of rows differs from the
+///   footer is refused.
+/// - Arrow IPC files, and Arrow IPC streams that have their end marker, of all versions since 0.8.
+/// - CSV: UTF-8 without NUL in its first 64 KiB, with a heading. The first MiB decides the types. A
+///   row may have 64 MiB. In a column of texts, an empty field is null unless it has quotation
+///   marks; in other columns, Arrow's spellings such as "NA" are null, too. In a file of one
+///   column, an empty line is a row.
+///
+/// Returns IOError for a path that is no readable file, and Invalid for contents that are no table
+/// of these formats, for a column that does not exist, that is named twice, or whose name several
+/// columns have. The message says why in one line and does not name the file. Takes time for the
+/// footer or the first block alone.
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
+                                                                   const ReadOptions& options = {});
+
+}  // namespace numera::files

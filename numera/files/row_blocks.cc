@@ -1,0 +1,55 @@
+#include "numera/files/row_blocks.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace numera::files {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
+                     std::unique_ptr<::arrow::Chunker> rows)
+    : text_(std::move(text)), rows_(std::move(rows)), rest_(::arrow::Buffer::FromString("")) {}
+
+::arrow::Result<std::shared_ptr<::arrow::Buffer>> RowBlocks::next() {
+  while (!is_at_end_) {
+    ARROW_ASSIGN_OR_RAISE(auto block, read());
+    if (is_at_end_) return block->size() == 0 ? nullptr : block;
+    std::shared_ptr<::arrow::Buffer> whole;
+    ARROW_RETURN_NOT_OK(rows_->Process(std::move(block), &whole, &rest_));
+    if (whole->size() > 0) {
+      ended_with_return_ = std::string_view(*whole).ends_with('\r');
+      return whole;
+    }
+    if (rest_->size() >= kLongestRowBytes) {
+      return ::arrow::Status::Invalid(
+          "a row is longer than 64 MiB, or a quotation mark in it is "
+          "not closed");
+    }
+  }
+  return nullptr;
+}
+
+/// The start of a row and what follows it: as much again, so that a long row takes few steps.
+::arrow::Result<std::shared_ptr<::arrow::Buffer>> RowBlocks::read() {
+  const std::int64_t room = kLongestRowBytes - rest_->size();
+  ARROW_ASSIGN_OR_RAISE(auto more,
+                        text_->Read(std::min(std::max(kTextBlockBytes, rest_->size()), room)));
+  is_at_end_ = more->size() == 0;
+  if (is_at_start_ && std::string_view(*more).starts_with(kByteOrderMark)) {
+    more = ::arrow::SliceBuffer(more, std::ssize(kByteOrderMark));
+  }
+  is_at_start_ = false;
+  if (ended_with_return_ && std::string_view(*more).starts_with('\n')) {
+    more = ::arrow::SliceBuffer(more, 1);
+  }
+  ended_with_return_ = false;
+  if (rest_->size() == 0) return more;
+  return ::arrow::ConcatenateBuffers({std::move(rest_), std::move(more)});
+}
+
+}  // namespace numera::files

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <arrow/buffer.h>
+#include <arrow/io/interfaces.h>
+#include <arrow/result.h>
+#include <arrow/util/delimiting.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace numera::files {
+
+/// The number of bytes that text files are read in, and the longest row that is read.
+inline constexpr std::int64_t kTextBlockBytes = std::int64_t{1} << 20;
+inline constexpr std::int64_t kLongestRowBytes = std::int64_t{1} << 26;
+
+/// Cuts a text file into blocks of whole rows. A block has about 1 MiB, or the length of its first
+/// row if that is longer.
+class RowBlocks {
+ public:
+  /// `rows` finds the ends of rows.
+  RowBlocks(std::shared_ptr<::arrow::io::InputStream> text, std::unique_ptr<::arrow::Chunker> rows);
+
+  /// The next block, without the mark of the byte order at the start of a file; null after the last
+  /// one. Invalid for a row of more than 64 MiB.
+  ::arrow::Result<std::shared_ptr<::arrow::Buffer>> next();
+
+  /// Whether the last block was returned. Its last row need not end with a line break.
+  bool is_at_end() const { return is_at_end_; }
+
+ private:
+  ::arrow::Result<std::shared_ptr<::arrow::Buffer>> read();
+
+  std::shared_ptr<::arrow::io::InputStream> text_;
+  std::unique_ptr<::arrow::Chunker> rows_;
+  std::shared_ptr<::arrow::Buffer> rest_;  ///< the start of a row
+  bool is_at_start_ = true;
+  bool is_at_end_ = false;
+  bool ended_with_return_ = false;  ///< a line feed that follows belongs to the last block
+};
+
+}  // namespace numera::files
