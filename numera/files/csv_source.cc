@@ -85,7 +85,7 @@ class CsvRows {
     if (parser_ == nullptr) return nullptr;
     ::arrow::ArrayVector arrays;
     for (const auto& decoder : decoders_) {
-      ARROW_ASSIGN_OR_RAISE(arrays.emplace_back(), decoder->Decode(parser_).result());
+      ARROW_ASSIGN_OR_RAISE(arrays.emplace_back(), decode(*decoder));
     }
     auto batch = ::arrow::RecordBatch::Make(schema_, parser_->num_rows(), std::move(arrays));
     ++*count_;
@@ -103,8 +103,8 @@ class CsvRows {
     ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
     csv::BlockParser parser(parse_, -1, 1, 1);
     std::uint32_t size = 0;
-    if (block_ != nullptr) ARROW_RETURN_NOT_OK(parser.Parse(std::string_view(*block_), &size));
-    if (size == 0 || parser.num_rows() == 0) {
+    if (block_ == nullptr || !parser.Parse(std::string_view(*block_), &size).ok() ||
+        (size == block_->size() && blocks_.lacks_last_line_break())) {
       return ::arrow::Status::Invalid(
           "read as CSV, it has no heading: no line with text ends with a line break");
     }
@@ -132,7 +132,7 @@ class CsvRows {
       auto parser = std::make_shared<csv::BlockParser>(parse_, width_, row_,
                                                        std::numeric_limits<std::int32_t>::max());
       std::uint32_t size = 0;
-      ARROW_RETURN_NOT_OK(parser->ParseFinal(std::string_view(*block_), &size));
+      ARROW_RETURN_NOT_OK(parser->Parse(std::string_view(*block_), &size));
       if (size < block_->size()) {
         return ::arrow::Status::Invalid("a quotation mark after row ",
                                         row_ + parser->total_num_rows() - 1, " is not closed");
@@ -143,6 +143,11 @@ class CsvRows {
     return ::arrow::Status::OK();
   }
 
+  ::arrow::Result<std::shared_ptr<::arrow::Array>> decode(csv::ColumnDecoder& decoder) const {
+    const auto column = decoder.Decode(parser_);  // the future owns its result
+    return column.result();
+  }
+
   /// Numbers, dates and times have Arrow's spellings of null, such as "NA".
   ::arrow::Status find_types() {
     ::arrow::FieldVector fields;
@@ -151,7 +156,7 @@ class CsvRows {
           auto decoder, csv::ColumnDecoder::Make(::arrow::default_memory_pool(), column, others_));
       auto type = ::arrow::null();
       if (parser_ != nullptr) {
-        ARROW_ASSIGN_OR_RAISE(const auto first, decoder->Decode(parser_).result());
+        ARROW_ASSIGN_OR_RAISE(const auto first, decode(*decoder));
         type = first->type();
       }
       if (::arrow::is_base_binary_like(type->id())) {

@@ -9,16 +9,18 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+using MaybeBlock = ::arrow::Result<std::shared_ptr<::arrow::Buffer>>;
+
 }  // namespace
 
 RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
                      std::unique_ptr<::arrow::Chunker> rows)
     : text_(std::move(text)), rows_(std::move(rows)), rest_(::arrow::Buffer::FromString("")) {}
 
-::arrow::Result<std::shared_ptr<::arrow::Buffer>> RowBlocks::next() {
+MaybeBlock RowBlocks::next() {
   while (!is_at_end_) {
     ARROW_ASSIGN_OR_RAISE(auto block, read());
-    if (is_at_end_) return block->size() == 0 ? nullptr : block;
+    if (is_at_end_) return last(std::move(block));
     std::shared_ptr<::arrow::Buffer> whole;
     ARROW_RETURN_NOT_OK(rows_->Process(std::move(block), &whole, &rest_));
     if (whole->size() > 0) {
@@ -26,16 +28,23 @@ RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
       return whole;
     }
     if (rest_->size() >= kLongestRowBytes) {
-      return ::arrow::Status::Invalid(
-          "a row is longer than 64 MiB, or a quotation mark in it is "
-          "not closed");
+      return ::arrow::Status::Invalid("a row is longer than 64 MiB, or a quotation mark in it is ",
+                                      "not closed");
     }
   }
   return nullptr;
 }
 
+MaybeBlock RowBlocks::last(std::shared_ptr<::arrow::Buffer> block) {
+  if (block->size() == 0) return nullptr;
+  const char end = std::string_view(*block).back();
+  lacks_last_line_break_ = end != '\n' && end != '\r';
+  if (!lacks_last_line_break_) return block;
+  return ::arrow::ConcatenateBuffers({std::move(block), ::arrow::Buffer::FromString("\n")});
+}
+
 /// The start of a row and what follows it: as much again, so that a long row takes few steps.
-::arrow::Result<std::shared_ptr<::arrow::Buffer>> RowBlocks::read() {
+MaybeBlock RowBlocks::read() {
   const std::int64_t room = kLongestRowBytes - rest_->size();
   ARROW_ASSIGN_OR_RAISE(auto more,
                         text_->Read(std::min(std::max(kTextBlockBytes, rest_->size()), room)));

@@ -21,21 +21,24 @@ class RowBlocks {
   /// `rows` finds the ends of rows.
   RowBlocks(std::shared_ptr<::arrow::io::InputStream> text, std::unique_ptr<::arrow::Chunker> rows);
 
-  /// The next block, without the mark of the byte order at the start of a file; null after the last
-  /// one. Invalid for a row of more than 64 MiB.
+  /// The next block; null after the last one. The mark of the byte order at the start of a file is
+  /// left out, and the last row gets a line break if it has none. Invalid for a row of more than 64
+  /// MiB.
   ::arrow::Result<std::shared_ptr<::arrow::Buffer>> next();
 
-  /// Whether the last block was returned. Its last row need not end with a line break.
-  bool is_at_end() const { return is_at_end_; }
+  /// Whether the file has been read to its end and does not end with a line break.
+  bool lacks_last_line_break() const { return lacks_last_line_break_; }
 
  private:
   ::arrow::Result<std::shared_ptr<::arrow::Buffer>> read();
+  ::arrow::Result<std::shared_ptr<::arrow::Buffer>> last(std::shared_ptr<::arrow::Buffer> block);
 
   std::shared_ptr<::arrow::io::InputStream> text_;
   std::unique_ptr<::arrow::Chunker> rows_;
   std::shared_ptr<::arrow::Buffer> rest_;  ///< the start of a row
   bool is_at_start_ = true;
   bool is_at_end_ = false;
+  bool lacks_last_line_break_ = false;
   bool ended_with_return_ = false;  ///< a line feed that follows belongs to the last block
 };
 

@@ -75,5 +75,6 @@ def test_the_program_dies_of_a_closed_pipe_as_programs_do():
 def test_libraries_lie_beside_the_module():
     folder = Path(numera.__file__).parent
     assert {path.name for path in folder.glob("libnumera_*")} == {
-        "libnumera_arrow.so.0", "libnumera_extras.so.0", "libnumera_host.so.0"
+        "libnumera_arrow.so.0", "libnumera_extras.so.0", "libnumera_files.so.0",
+        "libnumera_host.so.0"
     }

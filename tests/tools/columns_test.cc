@@ -83,7 +83,7 @@ TEST_F(ColumnsOfOneName, AllReturn) {
 TEST_F(ColumnsOfOneName, CannotBeAskedFor) {
   const Outcome expected{
       1, "",
-      "numera-arrow: " + file_ + ": 2 columns have the name 'a', so --columns cannot select it\n"};
+      "numera-arrow: " + file_ + ": 2 columns have the name 'a', so the name selects none\n"};
   EXPECT_EQ(run_program({"convert", file_, "--columns", "a"}), expected);
 }
 

@@ -98,7 +98,7 @@ TEST_F(Formats, AnEmptyLineOfACsvOfOneColumnIsARow) {
   write_text(file_, "n\n1\n\n3\n");
   EXPECT_EQ(types_of(file_), "n | int64 | int64 | int64 | 3 | 1 | 1\n");
   write_text(file_, "\n\r\nt\nx\n\n\"\"\n");
-  EXPECT_EQ(types_of(file_), "t | string | string | string | 3 | 1 | 0\n");
+  EXPECT_EQ(types_of(file_), "t | string | string | string | 3 | 1 | 1\n");
 }
 
 TEST_F(Formats, TextsOfACsvHaveNewlinesWhereverABlockEnds) {

@@ -1,0 +1,71 @@
+// What all sources have in common, shown with a CSV file.
+
+#include <arrow/array/array_base.h>
+#include <gtest/gtest.h>
+
+#include "tests/files/opened.h"
+
+namespace numera::testing {
+namespace {
+
+class SourceOfAFile : public ::testing::Test {
+ protected:
+  SourceOfAFile() { write_text(file_, "a,b\n1,x\n2,y\n3,z\n"); }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.path("table.csv");
+};
+
+TEST_F(SourceOfAFile, CutsBatches) {
+  const auto source = files::open_source(file_, {.batch_rows = 2}).ValueOrDie();
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), 2);
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), 1);
+  EXPECT_EQ(source->Next().ValueOrDie(), nullptr);
+  EXPECT_EQ(source->Next().ValueOrDie(), nullptr);
+}
+
+TEST_F(SourceOfAFile, GivesTheColumnsAskedForInTheirOrder) {
+  expect_equal(*opened(file_, {.columns = {"b", "a"}}),
+               *table_of({{"b", ::arrow::utf8(), R"(["x", "y", "z"])"},
+                          {"a", ::arrow::int64(), "[1, 2, 3]"}}));
+}
+
+TEST_F(SourceOfAFile, IsRefusedForABatchWithoutRows) {
+  for (const std::int64_t rows : {0, -1}) {
+    EXPECT_EQ(refusal_of(file_, {.batch_rows = rows}),
+              "batch_rows: found " + std::to_string(rows) + ", expected a positive number");
+  }
+}
+
+TEST_F(SourceOfAFile, RefusesAFileThatChangedAndGoesOnRefusing) {
+  const auto source = files::open_source(file_).ValueOrDie();
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), 3);
+  write_text(file_, "a,b\n");
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(source->Next().status().ToString(), "IOError: it changed while it was read");
+  }
+}
+
+TEST_F(SourceOfAFile, GivesNothingOnceItIsClosed) {
+  const auto source = files::open_source(file_, {.batch_rows = 1}).ValueOrDie();
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), 1);
+  ASSERT_TRUE(source->Close().ok());
+  EXPECT_EQ(source->Next().status().ToString(), "Invalid: it was closed");
+}
+
+TEST_F(SourceOfAFile, LeavesBatchesValidWhenItIsGone) {
+  std::shared_ptr<::arrow::RecordBatch> batch;
+  {
+    const auto source = files::open_source(file_).ValueOrDie();
+    batch = source->Next().ValueOrDie();
+  }
+  EXPECT_EQ(batch->column(1)->ToString(), "[\n  \"x\",\n  \"y\",\n  \"z\"\n]");
+}
+
+TEST_F(SourceOfAFile, IsNoFolderAndExists) {
+  EXPECT_EQ(refusal_of(folder_.path("")), "it is a directory");
+  EXPECT_EQ(refusal_of(folder_.path("none")), "No such file or directory");
+}
+
+}  // namespace
+}  // namespace numera::testing
