@@ -1,4 +1,4 @@
-# Rules for `cmake --install`: headers, libraries, the CMake package files and two pkg-config files.
+# Rules for `cmake --install`: headers, libraries, the CMake package files and pkg-config files.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
