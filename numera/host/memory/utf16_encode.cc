@@ -1,26 +1,13 @@
-#include <bit>
 #include <cstdint>
 
+#include "numera/host/memory/utf_steps.h"
 #include "numera/host/memory/utf_transcode.h"
 #include "numera/host/memory/utf_words.h"
 
 namespace numera::host::memory {
 namespace {
 
-// The remaining input and output. Each step advances both.
-struct Encoding {
-  const char16_t* next;
-  const char16_t* end;
-  char* out;
-  char* out_end;
-
-  size_t left() const { return static_cast<size_t>(end - next); }
-  size_t room() const { return static_cast<size_t>(out_end - out); }
-  void advance(size_t units, size_t bytes) {
-    next += units;
-    out += bytes;
-  }
-};
+using Encoding = Transcoding<char16_t, char>;
 
 bool is_surrogate(std::uint64_t unit) { return (unit & 0xF800) == 0xD800; }
 bool is_high(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
@@ -55,13 +42,6 @@ bool step(Encoding& text) {
     text.advance(2, 4);
   }
   return true;
-}
-
-constexpr size_t kWordUnits = kWordBytes / sizeof(char16_t);
-constexpr std::uint64_t kNotAscii = in_each_quarter(0xFF80);
-
-void narrow(const char16_t* units, char* bytes, size_t count) {
-  for (size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(units[i]);
 }
 
 // Encodes four units that take two bytes each.
@@ -105,33 +85,10 @@ bool step_by_one_short(Encoding& text, std::uint64_t word) {
   return true;
 }
 
-// Encodes as long as whole words can be read and written. Returns false at an invalid character.
-bool encode_words(Encoding& text) {
-  while (text.left() >= kWordUnits && text.room() >= kWordBytes) {
-    const std::uint64_t word = load_word(text.next);
-    const std::uint64_t wide = word & kNotAscii;
-    if (wide == 0) {
-      constexpr size_t kLongStep = 16;
-      narrow(text.next, text.out, kWordUnits);
-      text.advance(kWordUnits, kWordUnits);
-      while (text.left() >= kLongStep && text.room() >= kLongStep) {
-        std::uint64_t bits = 0;
-        for (size_t i = 0; i < kLongStep; i += kWordUnits) bits |= load_word(text.next + i);
-        if ((bits & kNotAscii) != 0) break;
-        narrow(text.next, text.out, kLongStep);
-        text.advance(kLongStep, kLongStep);
-      }
-    } else if ((word & 0xFF80) == 0) {
-      // Only the leading ASCII units count. Later steps overwrite the bytes behind them.
-      const auto ascii = static_cast<size_t>(std::countr_zero(wide)) / 16;
-      narrow(text.next, text.out, kWordUnits);
-      text.advance(ascii, ascii);
-    } else if (!step_by_four_pairs(text, word) && !step_by_two_triples(text, word) &&
-               !step_by_one_short(text, word) && !step(text)) {
-      return false;
-    }
-  }
-  return true;
+// Encodes the first character of a word, or as many as are of one length.
+bool step_by_word(Encoding& text, std::uint64_t word) {
+  return step_by_four_pairs(text, word) || step_by_two_triples(text, word) ||
+         step_by_one_short(text, word) || step(text);
 }
 
 }  // namespace
@@ -139,7 +96,7 @@ bool encode_words(Encoding& text) {
 Transcoded utf16_to_utf8(std::u16string_view text, std::span<char> bytes) noexcept {
   Encoding encoding{text.data(), text.data() + text.size(), bytes.data(),
                     bytes.data() + bytes.size()};
-  bool valid = encode_words(encoding);
+  bool valid = transcode_words(encoding, step_by_word);
   while (valid && encoding.next != encoding.end) valid = step(encoding);
   const TextFault fault = valid                     ? TextFault::None
                           : is_high(*encoding.next) ? TextFault::UnpairedHighSurrogate

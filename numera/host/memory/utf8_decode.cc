@@ -1,7 +1,7 @@
-#include <bit>
 #include <cstdint>
 #include <cstring>
 
+#include "numera/host/memory/utf_steps.h"
 #include "numera/host/memory/utf_transcode.h"
 #include "numera/host/memory/utf_words.h"
 
@@ -10,20 +10,7 @@ namespace {
 
 using Byte = unsigned char;
 
-// The remaining input and output. Each step advances both.
-struct Decoding {
-  const Byte* next;
-  const Byte* end;
-  char16_t* out;
-  char16_t* out_end;
-
-  size_t left() const { return static_cast<size_t>(end - next); }
-  size_t room() const { return static_cast<size_t>(out_end - out); }
-  void advance(size_t bytes, size_t units) {
-    next += bytes;
-    out += units;
-  }
-};
+using Decoding = Transcoding<Byte, char16_t>;
 
 bool continues(unsigned byte) { return (byte & 0xC0u) == 0x80u; }
 bool is_surrogate(std::uint64_t value) { return value - 0xD800u < 0x800u; }
@@ -80,12 +67,6 @@ bool step(Decoding& text) {
   return true;
 }
 
-constexpr std::uint64_t kHighBits = 0x8080808080808080;
-
-void widen(const Byte* bytes, char16_t* units, size_t count) {
-  for (size_t i = 0; i < count; ++i) units[i] = bytes[i];
-}
-
 // Decodes four sequences of two bytes. Each 16-bit quarter has its lead byte in the low half and
 // its continuation byte in the high half.
 bool step_by_four_pairs(Decoding& text, std::uint64_t word) {
@@ -129,34 +110,10 @@ bool step_by_one_short(Decoding& text, std::uint64_t word) {
   return true;
 }
 
-// Decodes as long as a whole word can be read and `kWordBytes` units, the result of a word of
-// ASCII, can be written. Returns false at an invalid character.
-bool decode_words(Decoding& text) {
-  while (text.left() >= kWordBytes && text.room() >= kWordBytes) {
-    const std::uint64_t word = load_word(text.next);
-    const std::uint64_t high = word & kHighBits;
-    if (high == 0) {
-      constexpr size_t kLongStep = 32;
-      widen(text.next, text.out, kWordBytes);
-      text.advance(kWordBytes, kWordBytes);
-      while (text.left() >= kLongStep && text.room() >= kLongStep) {
-        std::uint64_t bits = 0;
-        for (size_t i = 0; i < kLongStep; i += kWordBytes) bits |= load_word(text.next + i);
-        if ((bits & kHighBits) != 0) break;
-        widen(text.next, text.out, kLongStep);
-        text.advance(kLongStep, kLongStep);
-      }
-    } else if ((word & 0x80) == 0) {
-      // Only the leading ASCII bytes count. Later steps overwrite the units behind them.
-      const auto ascii = static_cast<size_t>(std::countr_zero(high)) / 8;
-      widen(text.next, text.out, kWordBytes);
-      text.advance(ascii, ascii);
-    } else if (!step_by_four_pairs(text, word) && !step_by_two_triples(text, word) &&
-               !step_by_one_short(text, word) && !step(text)) {
-      return false;
-    }
-  }
-  return true;
+// Decodes the first character of a word, or as many as are of one length.
+bool step_by_word(Decoding& text, std::uint64_t word) {
+  return step_by_four_pairs(text, word) || step_by_two_triples(text, word) ||
+         step_by_one_short(text, word) || step(text);
 }
 
 }  // namespace
@@ -164,7 +121,7 @@ bool decode_words(Decoding& text) {
 Transcoded utf8_to_utf16(std::string_view text, std::span<char16_t> units) noexcept {
   const auto* const begin = reinterpret_cast<const Byte*>(text.data());
   Decoding decoding{begin, begin + text.size(), units.data(), units.data() + units.size()};
-  bool valid = decode_words(decoding);
+  bool valid = transcode_words(decoding, step_by_word);
   while (valid && decoding.next != decoding.end) valid = step(decoding);
   return {static_cast<size_t>(decoding.next - begin),
           static_cast<size_t>(decoding.out - units.data()),
@@ -172,7 +129,7 @@ Transcoded utf8_to_utf16(std::string_view text, std::span<char16_t> units) noexc
 }
 
 void widen_ascii(std::string_view text, char16_t* units) noexcept {
-  widen(reinterpret_cast<const Byte*>(text.data()), units, text.size());
+  copy_ascii(reinterpret_cast<const Byte*>(text.data()), units, text.size());
 }
 
 }  // namespace numera::host::memory
