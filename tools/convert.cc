@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <future>
 #include <ostream>
 #include <utility>
 #include <vector>
@@ -29,18 +30,7 @@ class Conversion {
     if (!options_.output.empty()) {
       ARROW_ASSIGN_OR_RAISE(sink_, files::open_sink(options_.output, {.inputs = {options_.file}}));
     }
-    Progress progress(source_->rows());
-    ARROW_ASSIGN_OR_RAISE(auto batch, source_->Next());
-    if (batch == nullptr) {  // a file without rows is converted, too
-      ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_->schema()));
-    }
-    while (batch != nullptr) {
-      hxThrowIfInterruptPending();  // if all columns are refused, no host call checks for it
-      ARROW_RETURN_NOT_OK(add(*batch));
-      progress.show(rows_);
-      ARROW_ASSIGN_OR_RAISE(batch, source_->Next());
-    }
-    return ::arrow::Status::OK();
+    return go_through();
   }
 
   void print(std::ostream& out) const {
@@ -74,14 +64,41 @@ class Conversion {
   ::arrow::Status finish() { return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish(); }
 
  private:
-  ::arrow::Status add(const ::arrow::RecordBatch& batch) {
-    std::vector<bool> refused;
-    refused.reserve(columns_.size());
-    for (const WayBack& column : columns_) refused.push_back(!column.failure.empty());
-    std::vector<Trip> trips =
-        there_and_back(batch, {.cast = options_.cast, .threads = options_.threads}, refused, legs_);
+  using Batch = std::shared_ptr<::arrow::RecordBatch>;
+
+  /// The next batch is read and the last one is checked and written while a batch is converted; one
+  /// after the other if there is one thread. Only this thread calls the host.
+  ::arrow::Status go_through() {
+    const auto policy = options_.threads == 1 ? std::launch::deferred : std::launch::async;
+    const auto read = [this] { return source_->Next(); };
+    Progress progress(source_->rows());
+    std::int64_t rows = 0;
+    std::future<::arrow::Status> added;
+    std::vector<bool> refused(columns_.size(), false);
+    ARROW_ASSIGN_OR_RAISE(auto batch, read());
+    if (batch == nullptr) {  // a file without rows is converted, too
+      ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_->schema()));
+    }
+    while (batch != nullptr) {
+      auto next = std::async(policy, read);
+      hxThrowIfInterruptPending();  // if all columns are refused, no host call checks for it
+      auto trips = there_and_back(*batch, {.cast = options_.cast, .threads = options_.threads},
+                                  refused, legs_);
+      rows += batch->num_rows();
+      if (added.valid()) ARROW_RETURN_NOT_OK(added.get());
+      for (size_t i = 0; i < refused.size(); ++i) refused[i] = !columns_[i].failure.empty();
+      added = std::async(policy,
+                         [this, batch, trips = std::move(trips)] { return add(*batch, trips); });
+      if (policy == std::launch::deferred) ARROW_RETURN_NOT_OK(added.get());
+      progress.show(rows);
+      ARROW_ASSIGN_OR_RAISE(batch, next.get());
+    }
+    return added.valid() ? added.get() : ::arrow::Status::OK();
+  }
+
+  ::arrow::Status add(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips) {
     for (size_t i = 0; i < trips.size(); ++i) {
-      columns_[i].add(batch.column(static_cast<int>(i)), trips[i], rows_);
+      columns_[i].add(batch.column(static_cast<int>(i)), trips[i], rows_, options_.check);
     }
     rows_ += batch.num_rows();
     return sink_ == nullptr ? ::arrow::Status::OK() : write(batch, trips);

@@ -15,6 +15,7 @@ struct ConvertOptions {
   files::ReadOptions source;
   bool cast = false;    ///< cast types that have no host form
   size_t threads = 1;   ///< threads that convert columns; 0: one per processor
+  bool check = true;    ///< compare what comes back with the input
   bool strict = false;  ///< a change of type is a failure
   bool show = false;    ///< print the first rows as host values, too
   std::string output;   ///< file for the returned columns; empty: none
