@@ -61,8 +61,11 @@ std::int32_t columns_of(std::string_view text, char delimiter, std::int32_t rows
 /// The rows of a file, block by block. The first block with rows decides the types.
 class CsvRows {
  public:
-  CsvRows(std::shared_ptr<::arrow::io::InputStream> text, const csv::ParseOptions& parse)
-      : parse_(parse), blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse))) {}
+  CsvRows(std::shared_ptr<::arrow::io::InputStream> text, const csv::ParseOptions& parse,
+          ::arrow::MemoryPool* pool)
+      : parse_(parse),
+        pool_(pool),
+        blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse)), pool) {}
 
   /// Reads the heading, then the first rows.
   ::arrow::Status open(const std::vector<std::string>& wanted) {
@@ -101,7 +104,7 @@ class CsvRows {
 
   ::arrow::Result<std::vector<std::string>> read_heading() {
     ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
-    csv::BlockParser parser(parse_, -1, 1, 1);
+    csv::BlockParser parser(pool_, parse_, -1, 1, 1);
     std::uint32_t size = 0;
     if (block_ == nullptr || !parser.Parse(std::string_view(*block_), &size).ok() ||
         (size == block_->size() && blocks_.lacks_last_line_break())) {
@@ -129,7 +132,7 @@ class CsvRows {
         ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
       }
       if (block_ == nullptr) return ::arrow::Status::OK();
-      auto parser = std::make_shared<csv::BlockParser>(parse_, width_, row_,
+      auto parser = std::make_shared<csv::BlockParser>(pool_, parse_, width_, row_,
                                                        std::numeric_limits<std::int32_t>::max());
       std::uint32_t size = 0;
       ARROW_RETURN_NOT_OK(parser->Parse(std::string_view(*block_), &size));
@@ -152,16 +155,14 @@ class CsvRows {
   ::arrow::Status find_types() {
     ::arrow::FieldVector fields;
     for (const int column : columns_) {
-      ARROW_ASSIGN_OR_RAISE(
-          auto decoder, csv::ColumnDecoder::Make(::arrow::default_memory_pool(), column, others_));
+      ARROW_ASSIGN_OR_RAISE(auto decoder, csv::ColumnDecoder::Make(pool_, column, others_));
       auto type = ::arrow::null();
       if (parser_ != nullptr) {
         ARROW_ASSIGN_OR_RAISE(const auto first, decode(*decoder));
         type = first->type();
       }
       if (::arrow::is_base_binary_like(type->id())) {
-        ARROW_ASSIGN_OR_RAISE(decoder, csv::ColumnDecoder::Make(::arrow::default_memory_pool(),
-                                                                type, column, texts_));
+        ARROW_ASSIGN_OR_RAISE(decoder, csv::ColumnDecoder::Make(pool_, type, column, texts_));
       }
       fields.push_back(schema_->field(column)->WithType(type));
       decoders_.push_back(std::move(decoder));
@@ -171,6 +172,7 @@ class CsvRows {
   }
 
   csv::ParseOptions parse_;
+  ::arrow::MemoryPool* pool_;
   RowBlocks blocks_;
   // Decoders refer to these.
   const csv::ConvertOptions others_ = csv::ConvertOptions::Defaults();
@@ -198,7 +200,7 @@ class CsvRows {
     ARROW_ASSIGN_OR_RAISE(parse.delimiter, find_delimiter(std::string_view(*start)));
   }
   ARROW_ASSIGN_OR_RAISE(auto text, open());
-  const auto rows = std::make_shared<CsvRows>(std::move(text), parse);
+  const auto rows = std::make_shared<CsvRows>(std::move(text), parse, options.pool);
   ARROW_RETURN_NOT_OK(rows->open(options.columns));
   return Stream{rows->schema(), [rows] { return rows->next(); }, std::nullopt, rows->blocks()};
 }

@@ -36,10 +36,17 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
   bool ended_ = false;
 };
 
+::arrow::ipc::IpcReadOptions in_pool(::arrow::MemoryPool* pool) {
+  auto read = ::arrow::ipc::IpcReadOptions::Defaults();
+  read.memory_pool = pool;
+  return read;
+}
+
 }  // namespace
 
 ::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchFileReader::Open(file));
+  ARROW_ASSIGN_OR_RAISE(const auto reader,
+                        ::arrow::ipc::RecordBatchFileReader::Open(file, in_pool(options.pool)));
   ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, reader->CountRows());
   auto next = [reader, i = 0]() mutable -> BatchResult {
     if (i == reader->num_record_batches()) return nullptr;
@@ -60,8 +67,9 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
 }
 
 ::arrow::Result<Stream> open_ipc_stream(const File& file, const ReadOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(const auto reader, ::arrow::ipc::RecordBatchStreamReader::Open(
-                                               std::make_unique<MarkedMessages>(file)));
+  ARROW_ASSIGN_OR_RAISE(const auto reader,
+                        ::arrow::ipc::RecordBatchStreamReader::Open(
+                            std::make_unique<MarkedMessages>(file), in_pool(options.pool)));
   auto next = [reader]() -> BatchResult {
     std::shared_ptr<::arrow::RecordBatch> batch;
     ARROW_RETURN_NOT_OK(reader->ReadNext(&batch));

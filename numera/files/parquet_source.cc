@@ -129,7 +129,7 @@ class RowGroups {
 /// Verifies the checksums of pages that have them.
 ::arrow::Result<std::shared_ptr<parquet::arrow::FileReader>> open_reader(
     const File& file, const ReadOptions& options) {
-  parquet::ReaderProperties properties;
+  parquet::ReaderProperties properties(options.pool);
   properties.set_page_checksum_verification(true);
   properties.enable_buffered_stream();
   parquet::ArrowReaderProperties arrow_properties;
@@ -137,7 +137,7 @@ class RowGroups {
   arrow_properties.set_pre_buffer(false);
   parquet::arrow::FileReaderBuilder builder;
   ARROW_RETURN_NOT_OK(builder.Open(file, properties));
-  builder.properties(arrow_properties);
+  builder.memory_pool(options.pool)->properties(arrow_properties);
   ARROW_ASSIGN_OR_RAISE(auto reader, builder.Build());
   return std::shared_ptr<parquet::arrow::FileReader>(std::move(reader));
 }

@@ -10,6 +10,7 @@
 ///
 /// The library knows Arrow alone. `numera::extras::convert_to_host` takes the batches to the host.
 
+#include <arrow/memory_pool.h>
 #include <arrow/record_batch.h>
 #include <arrow/result.h>
 
@@ -33,6 +34,13 @@ struct ReadOptions {
   /// What separates the fields of a CSV file. None: whichever of comma, tab, semicolon and vertical
   /// bar splits the heading into most columns.
   std::optional<char> csv_delimiter = {};
+  /// The most memory, in bytes, that reading and the batches that are still in use take at any
+  /// time. None: 2 GiB, or four times the size of the file if that is more. A file that asks for
+  /// more, because a batch is that large or because the file is damaged, fails with OutOfMemory.
+  std::optional<std::int64_t> memory_limit = {};
+  /// Where memory comes from. It must outlive the source and all batches. Null: Arrow's default
+  /// pool, with `memory_limit`. A pool that is given has no limit beside its own.
+  ::arrow::MemoryPool* pool = nullptr;
 };
 
 /// A file that is read batch by batch. Memory holds one batch and what the format needs: some pages

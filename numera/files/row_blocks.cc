@@ -14,8 +14,11 @@ using MaybeBlock = ::arrow::Result<std::shared_ptr<::arrow::Buffer>>;
 }  // namespace
 
 RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
-                     std::unique_ptr<::arrow::Chunker> rows)
-    : text_(std::move(text)), rows_(std::move(rows)), rest_(::arrow::Buffer::FromString("")) {}
+                     std::unique_ptr<::arrow::Chunker> rows, ::arrow::MemoryPool* pool)
+    : text_(std::move(text)),
+      rows_(std::move(rows)),
+      pool_(pool),
+      rest_(::arrow::Buffer::FromString("")) {}
 
 MaybeBlock RowBlocks::next() {
   while (!is_at_end_) {
@@ -40,7 +43,7 @@ MaybeBlock RowBlocks::last(std::shared_ptr<::arrow::Buffer> block) {
   const char end = std::string_view(*block).back();
   lacks_last_line_break_ = end != '\n' && end != '\r';
   if (!lacks_last_line_break_) return block;
-  return ::arrow::ConcatenateBuffers({std::move(block), ::arrow::Buffer::FromString("\n")});
+  return ::arrow::ConcatenateBuffers({std::move(block), ::arrow::Buffer::FromString("\n")}, pool_);
 }
 
 /// The start of a row and what follows it: as much again, so that a long row takes few steps.
@@ -58,7 +61,7 @@ MaybeBlock RowBlocks::read() {
   }
   ended_with_return_ = false;
   if (rest_->size() == 0) return more;
-  return ::arrow::ConcatenateBuffers({std::move(rest_), std::move(more)});
+  return ::arrow::ConcatenateBuffers({std::move(rest_), std::move(more)}, pool_);
 }
 
 }  // namespace numera::files

@@ -2,6 +2,7 @@
 
 #include <arrow/buffer.h>
 #include <arrow/io/interfaces.h>
+#include <arrow/memory_pool.h>
 #include <arrow/result.h>
 #include <arrow/util/delimiting.h>
 
@@ -18,8 +19,9 @@ inline constexpr std::int64_t kLongestRowBytes = std::int64_t{1} << 26;
 /// row if that is longer.
 class RowBlocks {
  public:
-  /// `rows` finds the ends of rows.
-  RowBlocks(std::shared_ptr<::arrow::io::InputStream> text, std::unique_ptr<::arrow::Chunker> rows);
+  /// `rows` finds the ends of rows. `pool` outlives the blocks.
+  RowBlocks(std::shared_ptr<::arrow::io::InputStream> text, std::unique_ptr<::arrow::Chunker> rows,
+            ::arrow::MemoryPool* pool);
 
   /// The next block; null after the last one. The mark of the byte order at the start of a file is
   /// left out, and the last row gets a line break if it has none. Invalid for a row of more than 64
@@ -35,6 +37,7 @@ class RowBlocks {
 
   std::shared_ptr<::arrow::io::InputStream> text_;
   std::unique_ptr<::arrow::Chunker> rows_;
+  ::arrow::MemoryPool* pool_;
   std::shared_ptr<::arrow::Buffer> rest_;  ///< the start of a row
   bool is_at_start_ = true;
   bool is_at_end_ = false;

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "numera/files/formats.h"
+#include "numera/files/memory_limit.h"
 
 namespace numera::files {
 namespace {
@@ -29,6 +30,7 @@ constexpr Format kFormats[] = {
     {"PAR1", open_parquet}, {"ARROW1", open_ipc_file}, {"\xFF\xFF\xFF\xFF", open_ipc_stream}};
 
 constexpr std::int64_t kLookedAt = 65536;
+constexpr std::int64_t kLeastMemory = std::int64_t{1} << 31;
 
 /// Whether it is UTF-8 without NUL. Unless `whole` is set, `start` may end within a character.
 bool looks_like_csv(std::string_view start, bool whole) {
@@ -62,7 +64,7 @@ bool looks_like_csv(std::string_view start, bool whole) {
 }
 
 /// Checks before the file is opened, because opening a pipe waits for a writer.
-::arrow::Status check_is_file(const std::string& path) {
+::arrow::Result<std::int64_t> size_of_file(const std::string& path) {
   struct stat found = {};
   if (::stat(path.c_str(), &found) != 0)
     return ::arrow::Status::IOError(std::generic_category().message(errno));
@@ -70,7 +72,7 @@ bool looks_like_csv(std::string_view start, bool whole) {
   if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
   if (::access(path.c_str(), R_OK) != 0)
     return ::arrow::Status::IOError(std::generic_category().message(errno));
-  return ::arrow::Status::OK();
+  return found.st_size;
 }
 
 struct Version {
@@ -92,9 +94,10 @@ struct Version {
 /// that changed since it was opened: a CSV that lost lines would otherwise look complete.
 class LocalSource : public Source {
  public:
-  LocalSource(std::shared_ptr<::arrow::io::ReadableFile> file, const Version& opened, Stream stream,
-              std::int64_t batch_rows)
-      : file_(std::move(file)),
+  LocalSource(LimitedPool::Handle pool, std::shared_ptr<::arrow::io::ReadableFile> file,
+              const Version& opened, Stream stream, std::int64_t batch_rows)
+      : pool_(std::move(pool)),
+        file_(std::move(file)),
         opened_(opened),
         stream_(std::move(stream)),
         batch_rows_(batch_rows) {}
@@ -134,6 +137,7 @@ class LocalSource : public Source {
     return nullptr;
   }
 
+  LimitedPool::Handle pool_;  ///< destroyed last: all else may have memory of it
   std::shared_ptr<::arrow::io::ReadableFile> file_;
   Version opened_;
   Stream stream_;
@@ -152,13 +156,19 @@ Source::~Source() = default;
     return ::arrow::Status::Invalid("batch_rows: found ", options.batch_rows,
                                     ", expected a positive number");
   }
-  ARROW_RETURN_NOT_OK(check_is_file(path));
-  ARROW_ASSIGN_OR_RAISE(auto file, ::arrow::io::ReadableFile::Open(path));
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, size_of_file(path));
+  ReadOptions read = options;
+  LimitedPool::Handle pool;
+  if (options.pool == nullptr) {
+    pool = LimitedPool::make(options.memory_limit.value_or(std::max(kLeastMemory, 4 * size)));
+    read.pool = pool.get();
+  }
+  ARROW_ASSIGN_OR_RAISE(auto file, ::arrow::io::ReadableFile::Open(path, read.pool));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
   ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
   ARROW_RETURN_NOT_OK(file->Seek(0));  // some readers start at the current position
-  ARROW_ASSIGN_OR_RAISE(Stream stream, open(file, options));
-  return std::make_shared<LocalSource>(std::move(file), opened, std::move(stream),
+  ARROW_ASSIGN_OR_RAISE(Stream stream, open(file, read));
+  return std::make_shared<LocalSource>(std::move(pool), std::move(file), opened, std::move(stream),
                                        options.batch_rows);
 }
 

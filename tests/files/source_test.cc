@@ -62,6 +62,25 @@ TEST_F(SourceOfAFile, LeavesBatchesValidWhenItIsGone) {
   EXPECT_EQ(batch->column(1)->ToString(), "[\n  \"x\",\n  \"y\",\n  \"z\"\n]");
 }
 
+TEST_F(SourceOfAFile, TakesNoMoreMemoryThanItMay) {
+  const std::string file = folder_.path("large.arrow");
+  std::string json = "[0";
+  for (int i = 1; i < 100'000; ++i) json += ",0";
+  write_ipc(file, *table_of({{"n", ::arrow::int64(), json + "]"}}));  // a batch of 800,000 bytes
+  EXPECT_EQ(opened(file, {.memory_limit = 1'000'000})->num_rows(), 100'000);
+  const auto source = files::open_source(file, {.memory_limit = 700'000}).ValueOrDie();
+  const ::arrow::Status refusal = source->Next().status();
+  EXPECT_TRUE(refusal.IsOutOfMemory()) << refusal.ToString();
+  EXPECT_TRUE(refusal.message().ends_with(", and the memory limit is 700000 bytes"))
+      << refusal.message();
+}
+
+TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
+  ::arrow::ProxyMemoryPool pool(::arrow::default_memory_pool());
+  const auto table = opened(file_, {.pool = &pool});
+  EXPECT_GT(pool.bytes_allocated(), 0);
+}
+
 TEST_F(SourceOfAFile, IsNoFolderAndExists) {
   EXPECT_EQ(refusal_of(folder_.path("")), "it is a directory");
   EXPECT_EQ(refusal_of(folder_.path("none")), "No such file or directory");
