@@ -47,12 +47,12 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
 ::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options) {
   ARROW_ASSIGN_OR_RAISE(const auto reader,
                         ::arrow::ipc::RecordBatchFileReader::Open(file, in_pool(options.pool)));
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, reader->CountRows());
   auto next = [reader, i = 0]() mutable -> BatchResult {
     if (i == reader->num_record_batches()) return nullptr;
     return reader->ReadRecordBatch(i++);
   };
-  return select_columns(*reader->schema(), options, std::move(next), rows);
+  return select_columns(*reader->schema(), options,
+                        std::move(next));  // Arrow would read all batches to count rows
 }
 
 ::arrow::Result<bool> is_old_ipc_stream(const File& file) {
