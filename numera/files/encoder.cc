@@ -74,21 +74,24 @@ class CheckedEncoder {
   std::shared_ptr<::arrow::Schema> schema_;  ///< of the first batch; null before
 };
 
-Encoder make_unchecked(const Encoding& encoding, Output output) {
+::arrow::Result<Encoder> make_unchecked(const Encoding& encoding, const Output& output) {
   switch (encoding.format) {
     case Format::kParquet:
-      return make_parquet_encoder(encoding, std::move(output));
+      return make_parquet_encoder(encoding, output);
     case Format::kIpcFile:
     case Format::kIpcStream:
-      return make_ipc_encoder(encoding, std::move(output));
+      return make_ipc_encoder(encoding, output);
+    case Format::kCsv:
+      return make_text_encoder(encoding, output);
   }
-  return {};
+  return ::arrow::Status::Invalid("format: found a value without a name");
 }
 
 }  // namespace
 
-Encoder make_encoder(const Encoding& encoding, Output output) {
-  return encoder_of(std::make_shared<CheckedEncoder>(make_unchecked(encoding, std::move(output))));
+::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output) {
+  ARROW_ASSIGN_OR_RAISE(Encoder encoder, make_unchecked(encoding, output));
+  return encoder_of(std::make_shared<CheckedEncoder>(std::move(encoder)));
 }
 
 }  // namespace numera::files

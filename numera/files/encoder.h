@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "numera/files/encoding.h"
@@ -29,13 +30,20 @@ struct Encoder {
 /// An encoder that checks each batch before it is written: its schema, that its columns are valid
 /// Arrow data, and that types nest at most 1,024 levels deep. Its `close` returns Invalid if no
 /// batch was written.
-Encoder make_encoder(const Encoding& encoding, Output output);
+::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output);
 
 /// \name One writer per format, for batches that were checked
 /// @{
 Encoder make_parquet_encoder(const Encoding& encoding, Output output);
 Encoder make_ipc_encoder(const Encoding& encoding, Output output);
+/// CSV, compressed if the encoding says so. Its `close` closes `output`.
+::arrow::Result<Encoder> make_text_encoder(const Encoding& encoding, const Output& output);
+/// CSV, not compressed.
+Encoder make_csv_encoder(const Encoding& encoding, Output output);
 /// @}
+
+/// Invalid if the name is not UTF-8.
+::arrow::Status check_name(const std::string& name);
 
 /// The encoder that has the functions `write` and `close` of a writer.
 template <class Writer>

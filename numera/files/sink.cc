@@ -48,8 +48,7 @@ class EncodedSink : public Sink {
       ARROW_RETURN_NOT_OK(part_.open(path_, options.inputs));
       output_ = std::make_shared<DescriptorOutput>(part_.descriptor());
     }
-    encoder_ = make_encoder(encoding, output_);
-    return ::arrow::Status::OK();
+    return make_encoder(encoding, output_).Value(&encoder_);
   }
 
   ::arrow::Status end() {

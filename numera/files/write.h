@@ -23,6 +23,7 @@ enum class Format : std::uint8_t {
   kParquet,    ///< with the Arrow schema; a row group of about 16 MiB is held in memory
   kIpcFile,    ///< an Arrow IPC file; one record batch per batch
   kIpcStream,  ///< an Arrow IPC stream; one record batch per batch
+  kCsv,        ///< CSV with a heading
 };
 
 /// How a file is written.
@@ -32,11 +33,15 @@ struct WriteOptions {
   /// None: the end of the path decides.
   std::optional<Format> format = {};
   /// A name, and for some a level: "zstd", "zstd:9". "none" compresses nothing. Empty: "zstd:1" for
-  /// Parquet and "none" for Arrow IPC.
+  /// Parquet, what the end of the path says for text, and else "none".
   ///
-  /// - Parquet: none, zstd, snappy, gzip, brotli, lz4
+  /// - Parquet: none, zstd, lz4, snappy, gzip, brotli
   /// - Arrow IPC: none, zstd, lz4
+  /// - text: none, zstd, lz4, gzip, bz2
   std::string compression = {};
+  /// What separates the fields of a CSV file: a tab or a punctuation mark, but none of "+-.: and no
+  /// space. None: a tab for ".tsv", else a comma.
+  std::optional<char> csv_delimiter = {};
 };
 
 /// A file that appears only when it is complete. It is written beside its target and renamed at the
@@ -64,16 +69,40 @@ class NUMERA_EXPORT Sink {
 
 /// Opens a file to write. The end of `path` selects the format, unless the options do:
 ///
-/// | end of the path             | format      |
-/// |-----------------------------|-------------|
-/// | ".parquet"                  | Parquet     |
+/// | end of the path              | format     |
+/// |------------------------------|------------|
+/// | ".parquet"                   | Parquet    |
 /// | ".arrow", ".feather", ".ipc" | IPC file   |
-/// | ".arrows"                   | IPC stream  |
+/// | ".arrows"                    | IPC stream |
+/// | ".csv", ".tsv"               | CSV        |
+///
+/// Behind the end of a text file, ".gz", ".zst", ".bz2" and ".lz4" compress the text.
 ///
 /// Dictionaries of Arrow IPC are held in memory; they only grow from batch to batch.
 ///
 /// The path "-" is standard output, and the options select its format. It gets the bytes as they
 /// are made, and stays open. A write error, as for a closed pipe, is returned and raises no signal.
+///
+/// In CSV, a null is an empty field and a text has quotation marks, so `open_source` reads both as
+/// they were. Dates and times are written as "2024-02-29 23:59:59.250", and dictionaries as their
+/// values. The file does not say the types, so these do not come back as they were:
+///
+/// - a text column whose texts all look like numbers, truth values, dates or times: as such;
+/// - a text column of nulls alone: as nulls;
+/// - integers: as int64, and as double above its range; half floats, floats and decimals: as
+/// double,
+///   whole ones as int64; NaN: as null; durations: as int64;
+/// - timestamps: in seconds or nanoseconds, with a zone in UTC; dates of 64 bits: as 32;
+/// - times with a fraction, timestamps that nanoseconds do not reach, years below 0 and above 9999:
+///   as text;
+/// - a text with NUL: the file cannot be read.
+/// - a column whose first MiB of the file suggests another type than the rest, as whole numbers
+///   before fractions do: the file cannot be read.
+///
+/// The first `write` returns Invalid for a column that has no form in CSV: of bytes, lists,
+/// structs, maps, unions, intervals and encoded runs; also for a table without columns and a name
+/// that is not UTF-8. `write` returns Invalid for a year below -32767 or above 32767 and for a time
+/// that is not within a day.
 ///
 /// Returns Invalid for a path without a known end, for a compression that the format does not have,
 /// and for an input. Returns IOError for a target that is not a regular file, that is not writable,

@@ -137,7 +137,8 @@ TEST_F(FileSink, UsesTheLevelAskedFor) {
 
 TEST_F(FileSink, RefusesAPathWithoutAKnownEnd) {
   for (const char* name : {"back", "back.PARQUET", "back.arrow.gz", "back.txt"}) {
-    expect_refusal(name, {}, "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows");
+    expect_refusal(
+        name, {}, "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, .tsv");
   }
 }
 
@@ -231,7 +232,7 @@ TEST(SinkBatch, MayHaveATimeOf24Hours) {
 }
 
 TEST_F(FileSink, HasNothingToFinishWithoutABatch) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
     const std::string path = folder_.path(name);
     EXPECT_EQ(write_batches(path, {}),
               Status::Invalid("cannot write ", path, ": no batch was written"));
@@ -251,9 +252,9 @@ TEST_F(FileSink, IsOverWhenItIsFinished) {
 }
 
 TEST_F(FileSink, LeavesNothingIfItIsNotFinished) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
     const auto sink = files::open_sink(folder_.path(name)).ValueOrDie();
-    EXPECT_EQ(sink->write(rows()), Status::OK());
+    EXPECT_EQ(sink->write(zeros()), Status::OK());
   }
   EXPECT_EQ(folder_.names(), std::vector<std::string>());
 }
@@ -279,7 +280,7 @@ class SmallFiles {
 };
 
 TEST_F(FileSink, SaysThatTheFileCannotGrow) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
     SCOPED_TRACE(name);
     const std::string path = folder_.path(name);
     write_text(path, "older");
@@ -291,7 +292,8 @@ TEST_F(FileSink, SaysThatTheFileCannotGrow) {
     EXPECT_EQ(status, Status::IOError("cannot write ", path, ": File too large"));
     EXPECT_EQ(read_text(path), "older");
   }
-  EXPECT_EQ(folder_.names(), (std::vector<std::string>{"a.arrow", "a.arrows", "a.parquet"}));
+  EXPECT_EQ(folder_.names(),
+            (std::vector<std::string>{"a.arrow", "a.arrows", "a.csv", "a.parquet"}));
 }
 
 }  // namespace
