@@ -66,10 +66,6 @@ bool is_written(Type::type type) {
   }
 }
 
-::arrow::Status at_column(const std::string& name, const ::arrow::Status& status) {
-  return status.ok() ? status : status.WithMessage("column '", name, "': ", status.message());
-}
-
 class CsvWriter {
  public:
   CsvWriter(const Encoding& encoding, Output output)

@@ -41,10 +41,7 @@ class CheckedEncoder {
     ARROW_RETURN_NOT_OK(batch->Validate());
     for (int i = 0; i < batch->num_columns(); ++i) {
       if (is_always_sound(batch->column(i)->type_id())) continue;
-      const ::arrow::Status status = batch->column(i)->ValidateFull();
-      if (!status.ok()) {
-        return status.WithMessage("column '", batch->column_name(i), "': ", status.message());
-      }
+      ARROW_RETURN_NOT_OK(at_column(batch->column_name(i), batch->column(i)->ValidateFull()));
     }
     return encoder_.write(batch);
   }
@@ -82,12 +79,17 @@ class CheckedEncoder {
     case Format::kIpcStream:
       return make_ipc_encoder(encoding, output);
     case Format::kCsv:
+    case Format::kJsonLines:
       return make_text_encoder(encoding, output);
   }
   return ::arrow::Status::Invalid("format: found a value without a name");
 }
 
 }  // namespace
+
+::arrow::Status at_column(const std::string& name, const ::arrow::Status& status) {
+  return status.ok() ? status : status.WithMessage("column '", name, "': ", status.message());
+}
 
 ::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output) {
   ARROW_ASSIGN_OR_RAISE(Encoder encoder, make_unchecked(encoding, output));

@@ -36,14 +36,18 @@ struct Encoder {
 /// @{
 Encoder make_parquet_encoder(const Encoding& encoding, Output output);
 Encoder make_ipc_encoder(const Encoding& encoding, Output output);
-/// CSV, compressed if the encoding says so. Its `close` closes `output`.
+/// Text, compressed if the encoding says so. Its `close` closes `output`.
 ::arrow::Result<Encoder> make_text_encoder(const Encoding& encoding, const Output& output);
-/// CSV, not compressed.
+/// Text that is not compressed.
 Encoder make_csv_encoder(const Encoding& encoding, Output output);
+Encoder make_json_encoder(Output output);
 /// @}
 
 /// Invalid if the name is not UTF-8.
 ::arrow::Status check_name(const std::string& name);
+
+/// The status with the name of the column in front of its message.
+::arrow::Status at_column(const std::string& name, const ::arrow::Status& status);
 
 /// The encoder that has the functions `write` and `close` of a writer.
 template <class Writer>

@@ -26,7 +26,8 @@ struct PackedEnding {
 constexpr Ending kEndings[] = {{".parquet", Format::kParquet},  {".arrow", Format::kIpcFile},
                                {".feather", Format::kIpcFile},  {".ipc", Format::kIpcFile},
                                {".arrows", Format::kIpcStream}, {".csv", Format::kCsv},
-                               {".tsv", Format::kCsv, '\t'}};
+                               {".tsv", Format::kCsv, '\t'},    {".json", Format::kJsonLines},
+                               {".jsonl", Format::kJsonLines},  {".ndjson", Format::kJsonLines}};
 
 constexpr PackedEnding kPackedEndings[] = {
     {".gz", "gzip"}, {".zst", "zstd"}, {".bz2", "bz2"}, {".lz4", "lz4"}};
@@ -51,7 +52,7 @@ constexpr NamedCodec kCodecs[] = {
     {"brotli", Codec::BROTLI, kNot, kNot},
     {"bz2", kNot, kNot, Codec::BZ2}};
 
-bool is_text(Format format) { return format == Format::kCsv; }
+bool is_text(Format format) { return format == Format::kCsv || format == Format::kJsonLines; }
 
 /// The codec, if the format has it and this build of Arrow, too.
 std::optional<Codec> codec_for(const NamedCodec& named, Format format) {

@@ -39,7 +39,8 @@ struct CompressedText {
 
 ::arrow::Result<Encoder> make_text_encoder(const Encoding& encoding, const Output& output) {
   ARROW_ASSIGN_OR_RAISE(const Output text, compressed(encoding, output));
-  Encoder encoder = make_csv_encoder(encoding, text);
+  const Encoder encoder =
+      encoding.format == Format::kCsv ? make_csv_encoder(encoding, text) : make_json_encoder(text);
   return Encoder{encoder.write, [close = encoder.close, text] {
                    ARROW_RETURN_NOT_OK(close());
                    return text->Close();

@@ -24,6 +24,7 @@ enum class Format : std::uint8_t {
   kIpcFile,    ///< an Arrow IPC file; one record batch per batch
   kIpcStream,  ///< an Arrow IPC stream; one record batch per batch
   kCsv,        ///< CSV with a heading
+  kJsonLines,  ///< a JSON object per row and line
 };
 
 /// How a file is written.
@@ -75,6 +76,7 @@ class NUMERA_EXPORT Sink {
 /// | ".arrow", ".feather", ".ipc" | IPC file   |
 /// | ".arrows"                    | IPC stream |
 /// | ".csv", ".tsv"               | CSV        |
+/// | ".json", ".jsonl", ".ndjson" | JSON lines |
 ///
 /// Behind the end of a text file, ".gz", ".zst", ".bz2" and ".lz4" compress the text.
 ///
@@ -103,6 +105,17 @@ class NUMERA_EXPORT Sink {
 /// structs, maps, unions, intervals and encoded runs; also for a table without columns and a name
 /// that is not UTF-8. `write` returns Invalid for a year below -32767 or above 32767 and for a time
 /// that is not within a day.
+///
+/// In JSON, structs are objects, lists are arrays, and maps are arrays of objects such as
+/// {"key": 1, "value": 2}. Dictionaries are written as their values. Floating-point numbers have a
+/// fraction or an exponent. NaN and infinities are null, since JSON has no number for them. Dates,
+/// times and timestamps are texts as in CSV, decimals are texts, and durations are integers. A
+/// table without rows is an empty file.
+///
+/// The first `write` returns Invalid for a column that has no form in JSON: of bytes, unions,
+/// intervals and encoded runs, at any depth; also for a name that is not UTF-8 or that several
+/// columns, or several fields of a struct, have. `write` returns Invalid for the same times as in
+/// CSV.
 ///
 /// Returns Invalid for a path without a known end, for a compression that the format does not have,
 /// and for an input. Returns IOError for a target that is not a regular file, that is not writable,

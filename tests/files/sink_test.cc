@@ -137,8 +137,9 @@ TEST_F(FileSink, UsesTheLevelAskedFor) {
 
 TEST_F(FileSink, RefusesAPathWithoutAKnownEnd) {
   for (const char* name : {"back", "back.PARQUET", "back.arrow.gz", "back.txt"}) {
-    expect_refusal(
-        name, {}, "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, .tsv");
+    expect_refusal(name, {},
+                   "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, "
+                   ".tsv, .json, .jsonl, .ndjson");
   }
 }
 
@@ -168,71 +169,8 @@ TEST_F(FileSink, RefusesStandardOutputWithoutAFormat) {
   expect_refusal("-", {}, "its format is not given");
 }
 
-/// Writes the good batch, then the bad one. Expects that this is refused now and from then on, and
-/// that no file is left.
-void expect_refused_batch(const std::shared_ptr<::arrow::RecordBatch>& bad,
-                          const std::string& reason) {
-  const TemporaryFolder folder;
-  const std::string path = folder.path("a.arrow");
-  auto sink = files::open_sink(path).ValueOrDie();
-  const auto refused = Status::Invalid("cannot write ", path, ": ", reason);
-  EXPECT_EQ(sink->write(batch_of(*::arrow::Table::MakeEmpty(bad->schema()).ValueOrDie())),
-            Status::OK());
-  EXPECT_EQ(sink->write(bad), refused);
-  EXPECT_EQ(sink->finish(), refused);
-  sink.reset();
-  EXPECT_EQ(folder.names(), std::vector<std::string>());
-}
-
-TEST(SinkBatch, HasTheSchemaOfTheFirst) {
-  const TemporaryFolder folder;
-  const std::string path = folder.path("a.arrow");
-  auto sink = files::open_sink(path).ValueOrDie();
-  EXPECT_EQ(sink->write(rows()), Status::OK());
-  EXPECT_EQ(sink->write(zeros()), Status::Invalid("cannot write ", path,
-                                                  ": found a batch with another schema than the "
-                                                  "first"));
-}
-
-/// Texts with these offsets and bytes.
-std::shared_ptr<::arrow::RecordBatch> texts_with(const std::vector<std::int32_t>& offsets,
-                                                 const std::string& bytes) {
-  const auto data = ::arrow::ArrayData::Make(
-      ::arrow::utf8(), std::ssize(offsets) - 1,
-      {nullptr, ::arrow::Buffer::FromVector(offsets), ::arrow::Buffer::FromString(bytes)}, 0);
-  return batch_of("t", ::arrow::MakeArray(data));
-}
-
-TEST(SinkBatch, HasValidColumns) {
-  expect_refused_batch(texts_with({0, 1000}, "a"),
-                       "In column 0: Invalid: Length spanned by binary offsets (1000) larger than "
-                       "values array (size 1)");
-  expect_refused_batch(texts_with({0, 1, 0, 1}, "a"),
-                       "column 't': Offset invariant failure: non-monotonic offset at slot 2: 0 < "
-                       "1");
-  expect_refused_batch(texts_with({0, 1}, "\xFF"),
-                       "column 't': Invalid UTF8 sequence at string index 0");
-}
-
-TEST(SinkBatch, HasAtMost1024Levels) {
-  auto type = ::arrow::int8();
-  for (int i = 0; i < 1024; ++i) type = ::arrow::list(type);
-  const TemporaryFolder folder;
-  const std::string path = folder.path("a.arrow");
-  auto sink = files::open_sink(path).ValueOrDie();
-  EXPECT_EQ(sink->write(batch_of("deep", ::arrow::MakeEmptyArray(type).ValueOrDie())),
-            Status::Invalid("cannot write ", path,
-                            ": column 'deep': found more than 1024 levels, expected at most 1024"));
-}
-
-TEST(SinkBatch, MayHaveATimeOf24Hours) {
-  const TemporaryFolder folder;
-  const auto batch = batch_of({{"t", ::arrow::time32(::arrow::TimeUnit::SECOND), "[86400]"}});
-  EXPECT_EQ(write_batches(folder.path("a.arrow"), {batch}), Status::OK());
-}
-
 TEST_F(FileSink, HasNothingToFinishWithoutABatch) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv", "a.json"}) {
     const std::string path = folder_.path(name);
     EXPECT_EQ(write_batches(path, {}),
               Status::Invalid("cannot write ", path, ": no batch was written"));
@@ -252,7 +190,7 @@ TEST_F(FileSink, IsOverWhenItIsFinished) {
 }
 
 TEST_F(FileSink, LeavesNothingIfItIsNotFinished) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv", "a.json"}) {
     const auto sink = files::open_sink(folder_.path(name)).ValueOrDie();
     EXPECT_EQ(sink->write(zeros()), Status::OK());
   }
@@ -280,7 +218,7 @@ class SmallFiles {
 };
 
 TEST_F(FileSink, SaysThatTheFileCannotGrow) {
-  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv"}) {
+  for (const char* name : {"a.parquet", "a.arrow", "a.arrows", "a.csv", "a.json"}) {
     SCOPED_TRACE(name);
     const std::string path = folder_.path(name);
     write_text(path, "older");
@@ -293,7 +231,7 @@ TEST_F(FileSink, SaysThatTheFileCannotGrow) {
     EXPECT_EQ(read_text(path), "older");
   }
   EXPECT_EQ(folder_.names(),
-            (std::vector<std::string>{"a.arrow", "a.arrows", "a.csv", "a.parquet"}));
+            (std::vector<std::string>{"a.arrow", "a.arrows", "a.csv", "a.json", "a.parquet"}));
 }
 
 }  // namespace

@@ -18,8 +18,8 @@ namespace {
 using ::arrow::Status;
 using files::Format;
 
-constexpr Format kFormats[] = {Format::kParquet, Format::kIpcFile, Format::kIpcStream,
-                               Format::kCsv};
+constexpr Format kFormats[] = {Format::kParquet, Format::kIpcFile, Format::kIpcStream, Format::kCsv,
+                               Format::kJsonLines};
 
 std::shared_ptr<::arrow::RecordBatch> rows() {
   return batch_of({{"n", ::arrow::int64(), "[1, null, 3]"}});

@@ -50,9 +50,9 @@ class UnwritableOutput : public ::testing::Test {
 
 TEST_F(UnwritableOutput, ItsNameSaysNoKnownFormat) {
   for (const char* name : {"back", "back.txt", "back.PARQUET", "back.arrow.gz"}) {
-    expect_refusal(
-        folder_.path(name),
-        "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, .tsv");
+    expect_refusal(folder_.path(name),
+                   "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, "
+                   ".tsv, .json, .jsonl, .ndjson");
   }
 }
 
