@@ -1,135 +1,99 @@
 #include "numera/files/encoder.h"
 
-#include <arrow/array/array_dict.h>
-#include <arrow/chunked_array.h>
-#include <arrow/ipc/writer.h>
-#include <arrow/table.h>
-#include <arrow/util/byte_size.h>
-#include <parquet/arrow/writer.h>
-#include <parquet/exception.h>
+#include <arrow/array/array_base.h>
+#include <arrow/extension_type.h>
+#include <arrow/type.h>
+#include <arrow/type_traits.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <utility>
 
 namespace numera::files {
 namespace {
 
-using Batch = std::shared_ptr<::arrow::RecordBatch>;
-using Output = std::shared_ptr<::arrow::io::OutputStream>;
+constexpr int kMostLevels = 1024;
 
-/// A row group is collected first and then written column by column. Encoders for all columns at
-/// once would need several times as much memory. Groups are not smaller, because the footer grows
-/// with their number and stays in memory to the end.
-constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
-constexpr std::int64_t kGroupRows = 262144;  // few bytes of dictionary indices may stand for many
-
-class ParquetWriter {
- public:
-  explicit ParquetWriter(Output output) : output_(std::move(output)) {}
-
-  ::arrow::Status write(const Batch& batch) {
-    ARROW_ASSIGN_OR_RAISE(const std::int64_t bytes, ::arrow::util::ReferencedBufferSize(*batch));
-    group_.push_back(batch);
-    bytes_ += bytes;
-    rows_ += batch->num_rows();
-    return bytes_ < kGroupBytes && rows_ < kGroupRows ? ::arrow::Status::OK() : write_group();
+/// Whether types nest at most `levels` deep, this one included.
+bool is_within(const ::arrow::DataType& type, int levels) {
+  using ::arrow::Type;
+  if (levels == 0) return false;
+  if (type.id() == Type::DICTIONARY) {
+    return is_within(*static_cast<const ::arrow::DictionaryType&>(type).value_type(), levels - 1);
   }
-
-  ::arrow::Status close() try {
-    if (!group_.empty()) ARROW_RETURN_NOT_OK(write_group());
-    return writer_->Close();
-  } catch (const parquet::ParquetException& error) {
-    return ::arrow::Status::IOError(error.what());
+  if (type.id() == Type::EXTENSION) {
+    return is_within(*static_cast<const ::arrow::ExtensionType&>(type).storage_type(), levels - 1);
   }
-
- private:
-  ::arrow::Status write_group() try {
-    ARROW_ASSIGN_OR_RAISE(const auto table, ::arrow::Table::FromRecordBatches(group_));
-    if (writer_ == nullptr) {
-      const auto properties = parquet::ArrowWriterProperties::Builder().store_schema()->build();
-      ARROW_ASSIGN_OR_RAISE(writer_, parquet::arrow::FileWriter::Open(
-                                         *table->schema(), ::arrow::default_memory_pool(), output_,
-                                         parquet::default_writer_properties(), properties));
-    }
-    ARROW_RETURN_NOT_OK(writer_->WriteTable(*table, std::max<std::int64_t>(rows_, 1)));
-    group_.clear();
-    bytes_ = rows_ = 0;
-    return ::arrow::Status::OK();
-  } catch (const parquet::ParquetException& error) {
-    return ::arrow::Status::IOError(error.what());
-  }
-
-  Output output_;
-  std::unique_ptr<parquet::arrow::FileWriter> writer_;
-  ::arrow::RecordBatchVector group_;
-  std::int64_t bytes_ = 0;
-  std::int64_t rows_ = 0;
-};
-
-/// Dictionaries only grow from batch to batch, since an IPC file cannot replace them.
-class IpcWriter {
- public:
-  explicit IpcWriter(Output output) : output_(std::move(output)) {}
-
-  ::arrow::Status write(const Batch& batch) {
-    if (writer_ == nullptr) {
-      auto options = ::arrow::ipc::IpcWriteOptions::Defaults();
-      options.emit_dictionary_deltas = true;
-      ARROW_ASSIGN_OR_RAISE(writer_,
-                            ::arrow::ipc::MakeFileWriter(output_, batch->schema(), options));
-    }
-    ::arrow::ArrayVector columns = batch->columns();
-    for (size_t i = 0; i < dictionaries_.size(); ++i) {
-      ARROW_ASSIGN_OR_RAISE(columns[i], extend(dictionaries_[i], columns[i]));
-    }
-    dictionaries_.clear();
-    for (const auto& column : columns) dictionaries_.push_back(column->Slice(0, 0));
-    return writer_->WriteRecordBatch(
-        *::arrow::RecordBatch::Make(batch->schema(), batch->num_rows(), std::move(columns)));
-  }
-
-  ::arrow::Status close() { return writer_->Close(); }
-
- private:
-  /// `column` with each dictionary, at any depth, replaced by that of `last` plus the new values.
-  static ::arrow::Result<std::shared_ptr<::arrow::Array>> extend(
-      const std::shared_ptr<::arrow::Array>& last, const std::shared_ptr<::arrow::Array>& column) {
-    const auto both =
-        std::make_shared<::arrow::ChunkedArray>(::arrow::ArrayVector{last, column}, column->type());
-    ARROW_ASSIGN_OR_RAISE(const auto unified, ::arrow::DictionaryUnifier::UnifyChunkedArray(both));
-    return unified->chunk(1);
-  }
-
-  Output output_;
-  std::shared_ptr<::arrow::ipc::RecordBatchWriter> writer_;
-  ::arrow::ArrayVector dictionaries_;  ///< empty columns with the dictionaries written so far
-};
-
-template <class Writer>
-Encoder make_encoder(Output output) {
-  const auto writer = std::make_shared<Writer>(std::move(output));
-  return {[writer](const Batch& batch) { return writer->write(batch); },
-          [writer] { return writer->close(); }};
+  return std::ranges::all_of(
+      type.fields(), [levels](const auto& field) { return is_within(*field->type(), levels - 1); });
 }
 
-struct Suffix {
-  std::string_view text;
-  MakeEncoder make;
+/// Whether every content of its buffers is safe to read. Arrow's full validation would refuse some
+/// of it, such as a time of 24 hours.
+bool is_always_sound(::arrow::Type::type type) {
+  return ::arrow::is_primitive(type) || ::arrow::is_decimal(type) || type == ::arrow::Type::NA;
+}
+
+class CheckedEncoder {
+ public:
+  explicit CheckedEncoder(Encoder encoder) : encoder_(std::move(encoder)) {}
+
+  ::arrow::Status write(const Batch& batch) {
+    ARROW_RETURN_NOT_OK(schema_ == nullptr ? check_first(*batch) : check_schema(*batch));
+    ARROW_RETURN_NOT_OK(batch->Validate());
+    for (int i = 0; i < batch->num_columns(); ++i) {
+      if (is_always_sound(batch->column(i)->type_id())) continue;
+      ARROW_RETURN_NOT_OK(at_column(batch->column_name(i), batch->column(i)->ValidateFull()));
+    }
+    return encoder_.write(batch);
+  }
+
+  ::arrow::Status close() {
+    if (schema_ == nullptr) return ::arrow::Status::Invalid("no batch was written");
+    return encoder_.close();
+  }
+
+ private:
+  ::arrow::Status check_first(const ::arrow::RecordBatch& batch) {
+    for (const auto& field : batch.schema()->fields()) {
+      if (is_within(*field->type(), kMostLevels)) continue;
+      return ::arrow::Status::Invalid("column '", field->name(), "': found more than ", kMostLevels,
+                                      " levels, expected at most ", kMostLevels);
+    }
+    schema_ = batch.schema();
+    return ::arrow::Status::OK();
+  }
+
+  ::arrow::Status check_schema(const ::arrow::RecordBatch& batch) const {
+    if (batch.schema()->Equals(*schema_, false)) return ::arrow::Status::OK();
+    return ::arrow::Status::Invalid("found a batch with another schema than the first");
+  }
+
+  Encoder encoder_;
+  std::shared_ptr<::arrow::Schema> schema_;  ///< of the first batch; null before
 };
 
-constexpr Suffix kSuffixes[] = {{".parquet", make_encoder<ParquetWriter>},
-                                {".arrow", make_encoder<IpcWriter>},
-                                {".feather", make_encoder<IpcWriter>},
-                                {".ipc", make_encoder<IpcWriter>}};
+::arrow::Result<Encoder> make_unchecked(const Encoding& encoding, const Output& output) {
+  switch (encoding.format) {
+    case Format::kParquet:
+      return make_parquet_encoder(encoding, output);
+    case Format::kIpcFile:
+    case Format::kIpcStream:
+      return make_ipc_encoder(encoding, output);
+    case Format::kCsv:
+    case Format::kJsonLines:
+      return make_text_encoder(encoding, output);
+  }
+  return ::arrow::Status::Invalid("format: found a value without a name");
+}
 
 }  // namespace
 
-::arrow::Result<MakeEncoder> find_encoder(std::string_view path) {
-  for (const Suffix& suffix : kSuffixes) {
-    if (path.ends_with(suffix.text)) return suffix.make;
-  }
-  return ::arrow::Status::Invalid("the name ends in none of .parquet, .arrow, .feather, .ipc");
+::arrow::Status at_column(const std::string& name, const ::arrow::Status& status) {
+  return status.ok() ? status : status.WithMessage("column '", name, "': ", status.message());
+}
+
+::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output) {
+  ARROW_ASSIGN_OR_RAISE(Encoder encoder, make_unchecked(encoding, output));
+  return encoder_of(std::make_shared<CheckedEncoder>(std::move(encoder)));
 }
 
 }  // namespace numera::files

@@ -49,8 +49,10 @@ class UnwritableOutput : public ::testing::Test {
 };
 
 TEST_F(UnwritableOutput, ItsNameSaysNoKnownFormat) {
-  for (const char* name : {"back", "back.csv", "back.PARQUET", "back.arrow.gz"}) {
-    expect_refusal(folder_.path(name), "the name ends in none of .parquet, .arrow, .feather, .ipc");
+  for (const char* name : {"back", "back.txt", "back.PARQUET", "back.arrow.gz"}) {
+    expect_refusal(folder_.path(name),
+                   "the name ends in none of .parquet, .arrow, .feather, .ipc, .arrows, .csv, "
+                   ".tsv, .json, .jsonl, .ndjson");
   }
 }
 

@@ -1,0 +1,111 @@
+#include "numera/files/part_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "numera/files/descriptor_output.h"
+
+namespace numera::files {
+namespace {
+
+constexpr std::string_view kAddedToName = ".XXXXXX.part";
+constexpr std::string_view kSuffix = ".part";
+
+/// The permissions of the file that is replaced, or the default of a new file.
+mode_t mode_for(const std::string& path) {
+  struct stat target = {};
+  if (::stat(path.c_str(), &target) == 0) return target.st_mode & 0777U;
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666U & ~mask;
+}
+
+/// A name beside the target: the target's name, six random characters and ".part". If that is
+/// longer than the system allows, the target's name is cut.
+std::string pattern_of_part(const std::filesystem::path& target) {
+  std::string name = target.filename();
+  const size_t room = NAME_MAX - kAddedToName.size();
+  if (name.size() > room) name.resize(room);
+  return target.parent_path() / (name + std::string(kAddedToName));
+}
+
+/// The file that links lead to, whether it exists or not. Follows 40 links, as the system does.
+std::string behind_links(const std::string& path) {
+  std::filesystem::path target = path;
+  std::error_code error;
+  for (int i = 0; i < 40 && std::filesystem::is_symlink(target, error); ++i) {
+    const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+    if (error) break;
+    target = target.parent_path() / next;
+  }
+  return target;
+}
+
+::arrow::Status check_is_none_of(const struct stat& target,
+                                 const std::vector<std::string>& inputs) {
+  for (const std::string& input : inputs) {
+    struct stat source = {};
+    if (::stat(input.c_str(), &source) == 0 && source.st_dev == target.st_dev &&
+        source.st_ino == target.st_ino) {
+      return ::arrow::Status::Invalid("it is the input file");
+    }
+  }
+  return ::arrow::Status::OK();
+}
+
+::arrow::Status check_target(const std::string& path, const std::vector<std::string>& inputs) {
+  struct stat target = {};
+  if (::stat(path.c_str(), &target) != 0) {
+    return errno == ENOENT ? ::arrow::Status::OK() : last_error();  // it is new
+  }
+  ARROW_RETURN_NOT_OK(check_is_none_of(target, inputs));
+  if (!S_ISREG(target.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
+  return ::access(path.c_str(), W_OK) == 0 ? ::arrow::Status::OK() : last_error();
+}
+
+}  // namespace
+
+PartFile::~PartFile() {
+  if (descriptor_ >= 0) ::close(descriptor_);
+  if (!part_.empty()) std::remove(part_.c_str());
+}
+
+::arrow::Status PartFile::open(const std::string& path, const std::vector<std::string>& inputs) {
+  ARROW_RETURN_NOT_OK(check_target(path, inputs));
+  target_ = behind_links(path);
+  return create(path);
+}
+
+/// Beside the target, so that it can be renamed, under an unused name.
+::arrow::Status PartFile::create(const std::string& path) {
+  std::string name = pattern_of_part(target_);
+  descriptor_ = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
+  if (descriptor_ < 0) return last_error();
+  part_ = std::move(name);
+  return ::fchmod(descriptor_, mode_for(path)) == 0 ? ::arrow::Status::OK() : last_error();
+}
+
+::arrow::Status PartFile::put_in_place() {
+  if (::fsync(descriptor_) != 0) return last_error();
+  if (::close(std::exchange(descriptor_, -1)) != 0) return last_error();
+  if (std::rename(part_.c_str(), target_.c_str()) != 0) return last_error();
+  part_.clear();
+  return ::arrow::Status::OK();
+}
+
+::arrow::Status check_is_no_input(int descriptor, const std::vector<std::string>& inputs) {
+  struct stat target = {};
+  return ::fstat(descriptor, &target) == 0 ? check_is_none_of(target, inputs) : last_error();
+}
+
+}  // namespace numera::files
