@@ -85,7 +85,7 @@ class CsvRows {
     if (parser_ == nullptr) return nullptr;
     ::arrow::ArrayVector arrays;
     for (const auto& decoder : decoders_) {
-      ARROW_ASSIGN_OR_RAISE(arrays.emplace_back(), decoder->Decode(parser_).result());
+      ARROW_ASSIGN_OR_RAISE(arrays.emplace_back(), decode(*decoder));
     }
     auto batch = ::arrow::RecordBatch::Make(schema_, parser_->num_rows(), std::move(arrays));
     ++*count_;
@@ -143,6 +143,11 @@ class CsvRows {
     return ::arrow::Status::OK();
   }
 
+  /// Returns a copy, because the result of a future ends with the future.
+  ::arrow::Result<std::shared_ptr<::arrow::Array>> decode(csv::ColumnDecoder& decoder) const {
+    return decoder.Decode(parser_).result();
+  }
+
   /// Numbers, dates and times have Arrow's spellings of null, such as "NA".
   ::arrow::Status find_types() {
     ::arrow::FieldVector fields;
@@ -151,7 +156,7 @@ class CsvRows {
           auto decoder, csv::ColumnDecoder::Make(::arrow::default_memory_pool(), column, others_));
       auto type = ::arrow::null();
       if (parser_ != nullptr) {
-        ARROW_ASSIGN_OR_RAISE(const auto first, decoder->Decode(parser_).result());
+        ARROW_ASSIGN_OR_RAISE(const auto first, decode(*decoder));
         type = first->type();
       }
       if (::arrow::is_base_binary_like(type->id())) {
