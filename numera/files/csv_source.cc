@@ -103,8 +103,8 @@ class CsvRows {
     ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
     csv::BlockParser parser(parse_, -1, 1, 1);
     std::uint32_t size = 0;
-    if (block_ != nullptr) ARROW_RETURN_NOT_OK(parser.Parse(std::string_view(*block_), &size));
-    if (size == 0 || parser.num_rows() == 0) {
+    const bool is_parsed = block_ != nullptr && parser.Parse(std::string_view(*block_), &size).ok();
+    if (!is_parsed || size == 0 || parser.num_rows() == 0) {
       return ::arrow::Status::Invalid(
           "read as CSV, it has no heading: no line with text ends with a line break");
     }
