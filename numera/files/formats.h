@@ -41,7 +41,12 @@ using OpenText = std::function<::arrow::Result<std::shared_ptr<::arrow::io::Inpu
 ::arrow::Result<Stream> open_parquet(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_ipc_stream(const File& file, const ReadOptions& options);
+::arrow::Result<Stream> open_orc(const File& file, const ReadOptions& options);
+/// Feather version 1. The columns asked for are read whole.
+::arrow::Result<Stream> open_feather(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_csv(const OpenText& open, const ReadOptions& options);
+/// JSON lines. Reads the whole text twice: for the types of the columns, then for the rows.
+::arrow::Result<Stream> open_json(const OpenText& open, const ReadOptions& options);
 /// @}
 
 /// Whether the file starts as streams did before Arrow 0.15: with the length of the schema, then

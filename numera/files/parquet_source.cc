@@ -126,6 +126,21 @@ class RowGroups {
                                   footer.num_rows(), ", as the footer states");
 }
 
+/// A file with a plain footer may have encrypted columns. Their metadata is encrypted, too.
+::arrow::Status check_is_plain(const parquet::FileMetaData& footer, const Column& column) {
+  if (!footer.is_encryption_algorithm_set() || footer.num_row_groups() == 0) {
+    return ::arrow::Status::OK();
+  }
+  for (const int leaf : column.leaves) {
+    try {
+      footer.RowGroup(0)->ColumnChunk(leaf);
+    } catch (const parquet::ParquetException&) {
+      return ::arrow::Status::Invalid("column '", column.name, "' is encrypted");
+    }
+  }
+  return ::arrow::Status::OK();
+}
+
 /// Verifies the checksums of pages that have them.
 ::arrow::Result<std::shared_ptr<parquet::arrow::FileReader>> open_reader(
     const File& file, const ReadOptions& options) {
@@ -159,6 +174,7 @@ class RowGroups {
       columns.push_back({fields.back()->name(), {}});
       add_leaves(reader->manifest().schema_fields[static_cast<size_t>(number)],
                  columns.back().leaves);
+      ARROW_RETURN_NOT_OK(check_is_plain(*footer, columns.back()));
     }
     auto groups = std::make_shared<RowGroups>(reader, std::move(columns));
     return Stream{::arrow::schema(std::move(fields), whole->metadata()),

@@ -1,67 +1,20 @@
 #include "numera/files/read.h"
 
-#include <arrow/buffer.h>
 #include <arrow/io/file.h>
-#include <arrow/util/utf8.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
-#include "numera/files/formats.h"
 #include "numera/files/memory_limit.h"
+#include "numera/files/recognise.h"
 
 namespace numera::files {
 namespace {
 
-using Open = ::arrow::Result<Stream> (*)(const File&, const ReadOptions&);
-
-struct Format {
-  std::string_view magic;  ///< the first bytes of a file
-  Open open;
-};
-
-/// An IPC stream starts with the continuation marker of its first message.
-constexpr Format kFormats[] = {
-    {"PAR1", open_parquet}, {"ARROW1", open_ipc_file}, {"\xFF\xFF\xFF\xFF", open_ipc_stream}};
-
-constexpr std::int64_t kLookedAt = 65536;
 constexpr std::int64_t kLeastMemory = std::int64_t{1} << 31;
-
-/// Whether it is UTF-8 without NUL. Unless `whole` is set, `start` may end within a character.
-bool looks_like_csv(std::string_view start, bool whole) {
-  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
-  if (start.find('\0') != std::string_view::npos) return false;
-  for (size_t cut = 0; cut < 4 && cut <= start.size(); ++cut) {
-    const auto text = start.substr(0, start.size() - cut);
-    if (::arrow::util::ValidateUTF8(text)) return true;
-    if (whole) return false;
-  }
-  return false;
-}
-
-::arrow::Result<Stream> open_text(const File& file, const ReadOptions& options) {
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  return open_csv([=] { return ::arrow::io::RandomAccessFile::GetStream(file, 0, size); }, options);
-}
-
-::arrow::Result<Open> recognise(const File& file) {
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  if (size == 0) return ::arrow::Status::Invalid("it is empty");
-  ARROW_ASSIGN_OR_RAISE(const auto start, file->ReadAt(0, std::min(size, kLookedAt)));
-  const std::string_view bytes(*start);
-  for (const Format& format : kFormats) {
-    if (bytes.starts_with(format.magic)) return format.open;
-  }
-  ARROW_ASSIGN_OR_RAISE(const bool is_old, is_old_ipc_stream(file));
-  if (is_old) return open_ipc_stream;
-  if (looks_like_csv(bytes, size <= kLookedAt)) return open_text;
-  return ::arrow::Status::Invalid("it is not a Parquet, Arrow IPC or CSV file");
-}
 
 /// Checks before the file is opened, because opening a pipe waits for a writer.
 ::arrow::Result<std::int64_t> size_of_file(const std::string& path) {
@@ -165,9 +118,9 @@ Source::~Source() = default;
   }
   ARROW_ASSIGN_OR_RAISE(auto file, ::arrow::io::ReadableFile::Open(path, read.pool));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
-  ARROW_ASSIGN_OR_RAISE(const Open open, recognise(file));
+  ARROW_ASSIGN_OR_RAISE(const OpenTable open, recognise(file));
   ARROW_RETURN_NOT_OK(file->Seek(0));  // some readers start at the current position
-  ARROW_ASSIGN_OR_RAISE(Stream stream, open(file, read));
+  ARROW_ASSIGN_OR_RAISE(Stream stream, open(read));
   return std::make_shared<LocalSource>(std::move(pool), std::move(file), opened, std::move(stream),
                                        options.batch_rows);
 }

@@ -91,7 +91,8 @@ class NUMERA_EXPORT Sink {
 ///
 /// - a text column whose texts all look like numbers, truth values, dates or times: as such;
 /// - a text column of nulls alone: as nulls;
-/// - integers: as int64, and as double above its range; half floats, floats and decimals: as double,
+/// - integers: as int64, and as double above its range; half floats, floats and decimals: as
+/// double,
 ///   whole ones as int64; NaN: as null; durations: as int64;
 /// - timestamps: in seconds or nanoseconds, with a zone in UTC; dates of 64 bits: as 32;
 /// - times with a fraction, timestamps that nanoseconds do not reach, years below 0 and above 9999:

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tests/files/opened.h"
+#include "tests/files/tables.h"
 
 namespace numera::testing {
 namespace {
@@ -14,15 +14,15 @@ const auto kTexts = ::arrow::utf8();
 
 class CsvSource : public ::testing::Test {
  protected:
-  std::shared_ptr<::arrow::Table> table_in(const std::string& text,
-                                           const files::ReadOptions& options = {}) {
+  void expect(const std::string& text, const std::shared_ptr<::arrow::Table>& expected,
+              const files::ReadOptions& options = {}) {
     write_text(file_, text);
-    return opened(file_, options);
+    expect_table(file_, *expected, options);
   }
 
-  std::string refused(const std::string& text, const files::ReadOptions& options = {}) {
+  void expect_invalid(const std::string& text, const std::string& reason) {
     write_text(file_, text);
-    return refusal_of(file_, options);
+    expect_refused(file_, "Invalid: " + reason);
   }
 
   TemporaryFolder folder_;
@@ -35,70 +35,68 @@ TEST_F(CsvSource, HasTheDelimiterThatSplitsItsHeading) {
     SCOPED_TRACE(delimiter);
     std::string text = "n,t\n1,a\n2,b\n";
     std::ranges::replace(text, ',', delimiter);
-    expect_equal(*table_in(text), *expected);
+    expect(text, expected);
   }
 }
 
 TEST_F(CsvSource, HasTheDelimiterThatSplitsItsHeadingMost) {
-  expect_equal(*table_in("a,b;c;d\n1;2;3\n"),
-               *table_of({{"a,b", kInts, "[1]"}, {"c", kInts, "[2]"}, {"d", kInts, "[3]"}}));
+  expect("a,b;c;d\n1;2;3\n",
+         table_of({{"a,b", kInts, "[1]"}, {"c", kInts, "[2]"}, {"d", kInts, "[3]"}}));
 }
 
 TEST_F(CsvSource, HasAnEarlierDelimiterIfTwoSplitItsHeadingAlike) {
-  expect_equal(*table_in("a;b,c\n1,2\n"), *table_of({{"a;b", kInts, "[1]"}, {"c", kInts, "[2]"}}));
+  expect("a;b,c\n1,2\n", table_of({{"a;b", kInts, "[1]"}, {"c", kInts, "[2]"}}));
 }
 
 TEST_F(CsvSource, IgnoresDelimitersInQuotationMarks) {
-  expect_equal(*table_in("\"a;b;c\",d\n1,2\n"),
-               *table_of({{"a;b;c", kInts, "[1]"}, {"d", kInts, "[2]"}}));
+  expect("\"a;b;c\",d\n1,2\n", table_of({{"a;b;c", kInts, "[1]"}, {"d", kInts, "[2]"}}));
 }
 
 TEST_F(CsvSource, HasTheDelimiterThatIsAskedFor) {
-  expect_equal(*table_in("a,b,c:d\n1:2\n", {.csv_delimiter = ':'}),
-               *table_of({{"a,b,c", kInts, "[1]"}, {"d", kInts, "[2]"}}));
+  expect("a,b,c:d\n1:2\n", table_of({{"a,b,c", kInts, "[1]"}, {"d", kInts, "[2]"}}),
+         {.csv_delimiter = ':'});
 }
 
 TEST_F(CsvSource, IsRefusedWhereTabsSplitAllRowsButTheFirst) {
-  EXPECT_EQ(refused("A title\n1\t2\t3\n4\t5\t6\n"),
-            "its first line has one column, and the next lines have 3, separated by tabs");
+  expect_invalid("A title\n1\t2\t3\n4\t5\t6\n",
+                 "its first line has one column, and the next lines have 3, separated by tabs");
 }
 
 TEST_F(CsvSource, HasATabInATextWhereRowsHaveNotOneNumberOfThem) {
-  expect_equal(*table_in("t\na\tb\nc\n"), *table_of({{"t", kTexts, R"(["a\tb", "c"])"}}));
+  expect("t\na\tb\nc\n", table_of({{"t", kTexts, R"(["a\tb", "c"])"}}));
 }
 
 TEST_F(CsvSource, HasANullForAnEmptyFieldAndATextForAQuotedOne) {
-  expect_equal(*table_in("n,t\n1,\n,\"\"\n3,x\n"),
-               *table_of({{"n", kInts, "[1, null, 3]"}, {"t", kTexts, R"([null, "", "x"])"}}));
+  expect("n,t\n1,\n,\"\"\n3,x\n",
+         table_of({{"n", kInts, "[1, null, 3]"}, {"t", kTexts, R"([null, "", "x"])"}}));
 }
 
 TEST_F(CsvSource, HasSpellingsOfNullAmongNumbersAndNotAmongTexts) {
-  expect_equal(
-      *table_in("n,t\n1,NA\nNA,null\nnull,x\n"),
-      *table_of({{"n", kInts, "[1, null, null]"}, {"t", kTexts, R"(["NA", "null", "x"])"}}));
+  expect("n,t\n1,NA\nNA,null\nnull,x\n",
+         table_of({{"n", kInts, "[1, null, null]"}, {"t", kTexts, R"(["NA", "null", "x"])"}}));
 }
 
 TEST_F(CsvSource, HasTheTypesOfArrow) {
-  expect_equal(*table_in("i,d,b,day,at,t\n1,1.5,true,2024-02-29,2024-02-29 12:00:00,x\n"),
-               *table_of({{"i", kInts, "[1]"},
-                          {"d", ::arrow::float64(), "[1.5]"},
-                          {"b", ::arrow::boolean(), "[true]"},
-                          {"day", ::arrow::date32(), "[19782]"},
-                          {"at", ::arrow::timestamp(::arrow::TimeUnit::SECOND), "[1709208000]"},
-                          {"t", kTexts, R"(["x"])"}}));
+  expect("i,d,b,day,at,t\n1,1.5,true,2024-02-29,2024-02-29 12:00:00,x\n",
+         table_of({{"i", kInts, "[1]"},
+                   {"d", ::arrow::float64(), "[1.5]"},
+                   {"b", ::arrow::boolean(), "[true]"},
+                   {"day", ::arrow::date32(), "[19782]"},
+                   {"at", ::arrow::timestamp(::arrow::TimeUnit::SECOND), "[1709208000]"},
+                   {"t", kTexts, R"(["x"])"}}));
 }
 
 TEST_F(CsvSource, MayHaveSeveralColumnsOfOneNameAndOfDifferentTypes) {
   std::string text = "a,a\n";
   while (text.size() < (std::size_t{1} << 21)) text += "1,x\n";
-  const auto table = table_in(text);
+  write_text(file_, text);
+  const auto table = read_table(file_).ValueOrDie();
   EXPECT_EQ(table->num_rows(), std::ssize(text) / 4 - 1);
   EXPECT_EQ(table->schema()->ToString(), "a: int64\na: string");
 }
 
 TEST_F(CsvSource, MayBeginWithAMarkOfTheByteOrder) {
-  expect_equal(*table_in("\xEF\xBB\xBF\"a\nb\",c\n1,2\n"),
-               *table_of({{"a\nb", kInts, "[1]"}, {"c", kInts, "[2]"}}));
+  expect("\xEF\xBB\xBF\"a\nb\",c\n1,2\n", table_of({{"a\nb", kInts, "[1]"}, {"c", kInts, "[2]"}}));
 }
 
 TEST_F(CsvSource, MayEndItsLinesInAnyWay) {
@@ -106,12 +104,12 @@ TEST_F(CsvSource, MayEndItsLinesInAnyWay) {
   for (const char* text : {"n,t\n1,a\n2,b\n", "n,t\r\n1,a\r\n2,b\r\n", "n,t\r1,a\r2,b\r",
                            "n,t\n1,a\n2,b", "\n\nn,t\n\n1,a\n\n2,b\n\n"}) {
     SCOPED_TRACE(text);
-    expect_equal(*table_in(text), *expected);
+    expect(text, expected);
   }
 }
 
 TEST_F(CsvSource, OfOneColumnHasARowForAnEmptyLine) {
-  expect_equal(*table_in("\n\nn\n1\n\n3\n"), *table_of({{"n", kInts, "[1, null, 3]"}}));
+  expect("\n\nn\n1\n\n3\n", table_of({{"n", kInts, "[1, null, 3]"}}));
 }
 
 TEST_F(CsvSource, OfOneColumnCountsALineBreakOfTwoCharactersOnceWhereABlockEnds) {
@@ -119,14 +117,14 @@ TEST_F(CsvSource, OfOneColumnCountsALineBreakOfTwoCharactersOnceWhereABlockEnds)
   const std::size_t block = std::size_t{1} << 20;
   text += std::string(block - text.size() - 1, 'x');  // "\r" is the last byte of the first block
   text += "\r\ny\r\n";
-  const auto table = table_in(text);
+  write_text(file_, text);
+  const auto table = read_table(file_).ValueOrDie();
   EXPECT_EQ(table->num_rows(), 2);
   EXPECT_EQ(table->column(0)->null_count(), 0);
 }
 
 TEST_F(CsvSource, WithoutRowsHasColumnsOfNulls) {
-  expect_equal(*table_in("n,t\n"),
-               *table_of({{"n", ::arrow::null(), "[]"}, {"t", ::arrow::null(), "[]"}}));
+  expect("n,t\n", table_of({{"n", ::arrow::null(), "[]"}, {"t", ::arrow::null(), "[]"}}));
 }
 
 TEST_F(CsvSource, IsRefusedWithAReason) {
@@ -142,20 +140,20 @@ TEST_F(CsvSource, IsRefusedWithAReason) {
   };
   for (const Case& bad : cases) {
     SCOPED_TRACE(bad.text);
-    EXPECT_EQ(refused(bad.text), bad.reason);
+    expect_invalid(bad.text, bad.reason);
   }
 }
 
 TEST_F(CsvSource, IsRefusedWhereAQuotationMarkIsNotClosed) {
-  EXPECT_EQ(refused("a,b\n1,2\n3,\"4\n5,6\n"), "a quotation mark after row 2 is not closed");
+  expect_invalid("a,b\n1,2\n3,\"4\n5,6\n", "a quotation mark after row 2 is not closed");
 }
 
 TEST_F(CsvSource, NamesTheRowOfAValueOfAnotherType) {
   std::string text = "a,b\n";
   while (text.size() < (std::size_t{1} << 21)) text += "1,2\n";
   const std::size_t row = text.size() / 4 + 1;
-  EXPECT_EQ(refused(text + "x,2\n"), "In CSV column #0: Row #" + std::to_string(row) +
-                                         ": CSV conversion error to int64: invalid value 'x'");
+  expect_invalid(text + "x,2\n", "In CSV column #0: Row #" + std::to_string(row) +
+                                     ": CSV conversion error to int64: invalid value 'x'");
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <arrow/array/array_base.h>
 #include <gtest/gtest.h>
 
-#include "tests/files/opened.h"
+#include "tests/files/tables.h"
 
 namespace numera::testing {
 namespace {
@@ -25,15 +25,18 @@ TEST_F(SourceOfAFile, CutsBatches) {
 }
 
 TEST_F(SourceOfAFile, GivesTheColumnsAskedForInTheirOrder) {
-  expect_equal(*opened(file_, {.columns = {"b", "a"}}),
+  expect_table(file_,
                *table_of({{"b", ::arrow::utf8(), R"(["x", "y", "z"])"},
-                          {"a", ::arrow::int64(), "[1, 2, 3]"}}));
+                          {"a", ::arrow::int64(), "[1, 2, 3]"}}),
+               {.columns = {"b", "a"}});
 }
 
 TEST_F(SourceOfAFile, IsRefusedForABatchWithoutRows) {
   for (const std::int64_t rows : {0, -1}) {
-    EXPECT_EQ(refusal_of(file_, {.batch_rows = rows}),
-              "batch_rows: found " + std::to_string(rows) + ", expected a positive number");
+    expect_refused(
+        file_,
+        "Invalid: batch_rows: found " + std::to_string(rows) + ", expected a positive number",
+        {.batch_rows = rows});
   }
 }
 
@@ -67,7 +70,7 @@ TEST_F(SourceOfAFile, TakesNoMoreMemoryThanItMay) {
   std::string json = "[0";
   for (int i = 1; i < 100'000; ++i) json += ",0";
   write_ipc(file, *table_of({{"n", ::arrow::int64(), json + "]"}}));  // a batch of 800,000 bytes
-  EXPECT_EQ(opened(file, {.memory_limit = 1'000'000})->num_rows(), 100'000);
+  EXPECT_EQ(read_table(file, {.memory_limit = 1'000'000}).ValueOrDie()->num_rows(), 100'000);
   const auto source = files::open_source(file, {.memory_limit = 700'000}).ValueOrDie();
   const ::arrow::Status refusal = source->Next().status();
   EXPECT_TRUE(refusal.IsOutOfMemory()) << refusal.ToString();
@@ -77,13 +80,13 @@ TEST_F(SourceOfAFile, TakesNoMoreMemoryThanItMay) {
 
 TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
   ::arrow::ProxyMemoryPool pool(::arrow::default_memory_pool());
-  const auto table = opened(file_, {.pool = &pool});
+  const auto table = read_table(file_, {.pool = &pool}).ValueOrDie();
   EXPECT_GT(pool.bytes_allocated(), 0);
 }
 
 TEST_F(SourceOfAFile, IsNoFolderAndExists) {
-  EXPECT_EQ(refusal_of(folder_.path("")), "it is a directory");
-  EXPECT_EQ(refusal_of(folder_.path("none")), "No such file or directory");
+  expect_refused(folder_.path(""), "IOError: it is a directory");
+  expect_refused(folder_.path("none"), "IOError: No such file or directory");
 }
 
 }  // namespace

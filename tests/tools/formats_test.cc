@@ -118,7 +118,7 @@ TEST_F(Formats, ACharacterOfACsvMayBeCutWhereTheProgramStopsLooking) {
   }
 }
 
-TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
+TEST_F(Formats, AnythingElseIsNoKnownFormat) {
   const std::pair<const char*, std::string> cases[] = {
       {"NUL in text", std::string("a,b\n1,\0\n", 8)},
       {"Latin-1", "gr\xF6\xDF\x65\n1\n"},
@@ -132,8 +132,10 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
   for (const auto& [what, text] : cases) {
     SCOPED_TRACE(what);
     write_text(file_, text);
-    const Outcome expected{
-        1, "", "numera-arrow: " + file_ + ": it is not a Parquet, Arrow IPC or CSV file\n"};
+    const Outcome expected{1, "",
+                           "numera-arrow: " + file_ +
+                               ": it is no table in a known format (Parquet, Arrow IPC, ORC, "
+                               "Feather, CSV, JSON lines)\n"};
     for (const char* command : {"types", "show", "convert"}) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
@@ -146,8 +148,10 @@ TEST_F(Formats, AStreamFromBeforeArrow015OpensWithItsSchema) {
   std::int32_t length = 0;  // of the schema, which follows it
   std::memcpy(&length, content.data(), sizeof length);
   write_text(file_, content.substr(sizeof length + static_cast<size_t>(length)));
-  const Outcome expected{
-      1, "", "numera-arrow: " + file_ + ": it is not a Parquet, Arrow IPC or CSV file\n"};
+  const Outcome expected{1, "",
+                         "numera-arrow: " + file_ +
+                             ": it is no table in a known format (Parquet, Arrow IPC, ORC, "
+                             "Feather, CSV, JSON lines)\n"};
   EXPECT_EQ(run_program({"types", file_}), expected);
 }
 

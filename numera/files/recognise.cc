@@ -1,0 +1,156 @@
+#include "numera/files/recognise.h"
+
+#include <arrow/buffer.h>
+#include <arrow/io/memory.h>
+#include <arrow/util/utf8.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "numera/files/decompress.h"
+#include "numera/files/json_lines.h"
+
+namespace numera::files {
+namespace {
+
+using Open = ::arrow::Result<Stream> (*)(const File&, const ReadOptions&);
+using OpenAsText = ::arrow::Result<Stream> (*)(const OpenText&, const ReadOptions&);
+
+struct Format {
+  std::string_view magic;  ///< the first bytes of a file
+  const char* name;
+  Open open;               ///< null if the format is not read
+  bool is_at_end = false;  ///< the magic is also at the end; text could start with it, too
+};
+
+/// An IPC stream starts with the continuation marker of its first message.
+constexpr Format kFormats[] = {
+    {"PAR1", "Parquet", open_parquet},
+    {"PARE", "Parquet with an encrypted footer", nullptr, true},
+    {"ARROW1", "an Arrow IPC file", open_ipc_file},
+    {"\xFF\xFF\xFF\xFF", "an Arrow IPC stream", open_ipc_stream},
+    {"ORC", "ORC", open_orc, true},
+    {"FEA1", "Feather", open_feather, true},
+    {"Obj\x01", "Avro", nullptr},
+    {{"SQLite format 3\0", 16}, "an SQLite database", nullptr},
+    {"PK\x03\x04", "a ZIP archive, as Excel workbooks are", nullptr},
+    {"\x89HDF\r\n\x1A\n", "HDF5", nullptr},
+    {"%PDF-", "PDF", nullptr},
+    {"\xFD\x37zXZ", "xz", nullptr},
+};
+constexpr Format kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream};
+
+constexpr std::int64_t kLookedAt = 65536;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// The start of the contents of a file, decompressed.
+struct Start {
+  std::shared_ptr<::arrow::Buffer> buffer;
+  bool is_whole;
+  std::string_view end = {};  ///< the last bytes of a file that is not compressed
+
+  std::string_view bytes() const { return std::string_view(*buffer); }
+};
+
+/// Whether it is UTF-8 without NUL. Unless it is whole, it may end within a character.
+bool is_text(const Start& start) {
+  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
+  const std::string_view bytes = start.bytes();
+  if (bytes.find('\0') != std::string_view::npos) return false;
+  for (size_t cut = 0; cut < 4 && cut <= bytes.size(); ++cut) {
+    const auto text = bytes.substr(0, bytes.size() - cut);
+    if (::arrow::util::ValidateUTF8(text)) return true;
+    if (start.is_whole) return false;
+  }
+  return false;
+}
+
+/// Whether the magic is where the format repeats it. One byte may follow, as in ORC.
+bool ends_with_magic(const Start& start, std::string_view magic) {
+  return start.end.ends_with(magic) || start.end.substr(0, start.end.size() - 1).ends_with(magic);
+}
+
+/// The format of contents that are no text, or null. `file` has the contents from their start.
+::arrow::Result<const Format*> find_format(const Start& start, const File& file) {
+  for (const Format& format : kFormats) {
+    if (!start.bytes().starts_with(format.magic)) continue;
+    if (!format.is_at_end || ends_with_magic(start, format.magic) || !is_text(start)) {
+      return &format;
+    }
+  }
+  ARROW_ASSIGN_OR_RAISE(const bool is_old, is_old_ipc_stream(file));
+  return is_old ? &kOldIpcStream : nullptr;
+}
+
+/// How text is opened, or null for contents that are no text. Invalid for JSON that is no table.
+::arrow::Result<OpenAsText> find_text(const Start& start) {
+  std::string_view text = start.bytes();
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  if (text.starts_with('{')) {
+    const size_t length = length_of_line(text);
+    const bool is_cut = length == text.size() && !start.is_whole;
+    if (is_cut || JsonFields().scan(text.substr(0, length)).ok()) return open_json;
+  }
+  if (!is_text(start)) return nullptr;
+  if (!text.starts_with('{') && !text.starts_with('[')) return open_csv;
+  return ::arrow::Status::Invalid(
+      "it is JSON, but no table: of JSON, only files with one object per line are read");
+}
+
+::arrow::Result<OpenTable> recognise_compressed(const Compression& format, const File& file,
+                                                std::int64_t size) {
+  const OpenText open = [&format, file,
+                         size]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
+    ARROW_ASSIGN_OR_RAISE(auto stream, ::arrow::io::RandomAccessFile::GetStream(file, 0, size));
+    return decompress(format, std::move(stream));
+  };
+  ARROW_ASSIGN_OR_RAISE(const auto stream, open());
+  ARROW_ASSIGN_OR_RAISE(const auto buffer, stream->Read(kLookedAt));
+  const Start start{buffer, buffer->size() < kLookedAt};
+  if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty inside ", format.name);
+  ARROW_ASSIGN_OR_RAISE(const Format* inside,
+                        find_format(start, std::make_shared<::arrow::io::BufferReader>(buffer)));
+  const Compression* again = find_compression(start.bytes());
+  if (inside != nullptr || again != nullptr) {
+    return ::arrow::Status::Invalid("it is ", inside != nullptr ? inside->name : again->name,
+                                    " inside ", format.name, "; decompress it first");
+  }
+  ARROW_ASSIGN_OR_RAISE(const OpenAsText open_as_text, find_text(start));
+  if (open_as_text == nullptr) {
+    return ::arrow::Status::Invalid("it is no CSV and no JSON lines inside ", format.name);
+  }
+  return [=](const ReadOptions& options) { return open_as_text(open, options); };
+}
+
+}  // namespace
+
+::arrow::Result<OpenTable> recognise(const File& file) {
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
+  if (size == 0) return ::arrow::Status::Invalid("it is empty");
+  ARROW_ASSIGN_OR_RAISE(const auto buffer, file->ReadAt(0, std::min(size, kLookedAt)));
+  ARROW_ASSIGN_OR_RAISE(const auto end, file->ReadAt(std::max<std::int64_t>(size - 8, 0), 8));
+  const Start start{buffer, size <= kLookedAt, std::string_view(*end)};
+  if (const Compression* format = find_compression(start.bytes())) {
+    return recognise_compressed(*format, file, size);
+  }
+  ARROW_ASSIGN_OR_RAISE(const Format* format, find_format(start, file));
+  if (format != nullptr && format->open == nullptr) {
+    return ::arrow::Status::Invalid("it is ", format->name, ", which is not read");
+  }
+  if (format != nullptr) {
+    return [=](const ReadOptions& options) { return format->open(file, options); };
+  }
+  ARROW_ASSIGN_OR_RAISE(const OpenAsText open_as_text, find_text(start));
+  if (open_as_text == nullptr) {
+    return ::arrow::Status::Invalid(
+        "it is no table in a known format (Parquet, Arrow IPC, ORC, Feather, CSV, JSON lines)");
+  }
+  const OpenText open = [=] { return ::arrow::io::RandomAccessFile::GetStream(file, 0, size); };
+  return [=](const ReadOptions& options) { return open_as_text(open, options); };
+}
+
+}  // namespace numera::files

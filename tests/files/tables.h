@@ -1,0 +1,40 @@
+#pragma once
+
+/// \file
+/// What `open_source` makes of a file.
+
+#include <arrow/table.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "numera/files/read.h"
+#include "tests/tools/written_files.h"
+
+namespace numera::testing {
+
+/// The whole table in a file.
+inline ::arrow::Result<std::shared_ptr<::arrow::Table>> read_table(
+    const std::string& path, const files::ReadOptions& options = {}) {
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(path, options));
+  return source->ToTable();
+}
+
+/// Expects that the file holds this table, with these types and in this order.
+inline void expect_table(const std::string& path, const ::arrow::Table& expected,
+                         const files::ReadOptions& options = {}) {
+  const auto table = read_table(path, options);
+  ASSERT_TRUE(table.ok()) << table.status();
+  EXPECT_TRUE((*table)->ValidateFull().ok());
+  EXPECT_TRUE((*table)->Equals(expected))
+      << "found " << (*table)->ToString() << "expected " << expected.ToString();
+}
+
+/// Expects that the file is refused when it is opened or read.
+inline void expect_refused(const std::string& path, const std::string& status,
+                           const files::ReadOptions& options = {}) {
+  EXPECT_EQ(read_table(path, options).status().ToString(), status);
+}
+
+}  // namespace numera::testing
