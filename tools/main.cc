@@ -14,9 +14,9 @@
 #include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
 #include "numera/version.h"
+#include "tools/characters.h"
 #include "tools/convert.h"
 #include "tools/look.h"
-#include "tools/text_table.h"
 
 namespace {
 
