@@ -134,7 +134,7 @@ TEST_F(Formats, AnythingElseIsNoneOfTheFour) {
     write_text(file_, text);
     const Outcome expected{
         1, "", "numera-arrow: " + file_ + ": it is not a Parquet, Arrow IPC or CSV file\n"};
-    for (const char* command : {"types", "show", "convert"}) {
+    for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
   }

@@ -111,11 +111,13 @@ Outcome run_program(const std::vector<std::string>& arguments, const RunOptions&
   return RunningProgram(arguments, options).wait();
 }
 
-std::string run_on_terminal(const std::vector<std::string>& arguments) {
+std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width) {
   std::vector<std::string> texts = command(arguments);
   const std::vector<char*> pointers = pointers_to(texts);
   int terminal = -1;
-  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  winsize window = {};
+  window.ws_col = width;
+  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, &window);
   throw_where_failed(process < 0, "forkpty");
   if (process == 0) {
     ::execv(pointers[0], pointers.data());

@@ -60,8 +60,9 @@ class RunningProgram {
 /// Runs the program with the arguments and waits for it.
 Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
-/// The output of the program on a terminal, which is both its standard output and standard error.
-std::string run_on_terminal(const std::vector<std::string>& arguments);
+/// The output of the program on a terminal, which is both its standard output and standard error. A
+/// width of 0 is not known to the program.
+std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width = 0);
 
 /// The output of `convert`. Expects that the file is read and comes back.
 std::string converted(const std::string& file, const std::vector<std::string>& options = {});
