@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -55,6 +56,15 @@ std::string reason_of(const arrow::Status& status) {
   return status.message() + ": " + detail->ToString();
 }
 
+/// Ends the program as a closed pipe ends other programs, without a message, if the reader of
+/// standard output is gone.
+void end_if_nobody_reads() {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  if (::poll(&output, 1, 0) < 1 || (output.revents & POLLERR) == 0) return;
+  std::signal(SIGPIPE, SIG_DFL);
+  std::raise(SIGPIPE);
+}
+
 int run_and_report(const Arguments& arguments) {
   const std::string& file = arguments.convert.file;
   try {
@@ -63,6 +73,7 @@ int run_and_report(const Arguments& arguments) {
       status = arrow::Status::IOError("the result cannot be written");
     }
     if (status.ok()) return kSuccess;
+    if (!std::cout) end_if_nobody_reads();
     return report(file, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");
