@@ -97,7 +97,7 @@ void occupy_standard_streams() {
 }
 
 /// The program stops between two columns, so that no half-written file stays. Write errors, such as
-/// a file that may not grow or a closed pipe, are reported as errors and raise no signal. A signal
+/// a file that may not grow or a closed pipe, raise no signal before that file is removed. A signal
 /// that was ignored at the start, as under nohup, stays ignored.
 void heed_signals() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {

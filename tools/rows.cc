@@ -5,6 +5,7 @@
 #include <optional>
 #include <ostream>
 
+#include "tools/memory_check.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/value_table.h"
@@ -34,7 +35,7 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
 
 ::arrow::Status check(const ::arrow::RecordBatch& batch) {
   for (int i = 0; i < batch.num_columns(); ++i) {
-    const ::arrow::Status status = batch.column(i)->ValidateFull();
+    const ::arrow::Status status = check_memory(*batch.column(i));
     if (!status.ok()) return status.WithMessage(batch.column_name(i), ": ", status.message());
   }
   return ::arrow::Status::OK();

@@ -11,7 +11,7 @@
 namespace numera::tools {
 
 /// An element of a column as people read it, on one line; none for a null. The array has passed
-/// Arrow's full validation.
+/// `check_memory`.
 ///
 /// Dictionaries, run-end encoded values and extension types show the value that they stand for. A
 /// text stands as it is, but in quotation marks if it is "null", if it starts with a quotation
