@@ -9,10 +9,10 @@
 
 #include "numera/files/write.h"
 #include "numera/numera.h"
-#include "tools/look.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
+#include "tools/tree.h"
 #include "tools/way_back.h"
 
 namespace numera::tools {
@@ -153,7 +153,7 @@ class Conversion {
   ARROW_RETURN_NOT_OK(conversion.check());
   if (options.show) {
     out << '\n';
-    ARROW_RETURN_NOT_OK(print_values(options.file, options.source, {.cast = options.cast}, out));
+    ARROW_RETURN_NOT_OK(print_tree(options.file, options.source, {.cast = options.cast}, out));
   }
   if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();

@@ -1,14 +1,8 @@
 #include "tools/look.h"
 
-#include <arrow/table.h>
-
-#include <algorithm>
-#include <limits>
 #include <ostream>
 #include <vector>
 
-#include "numera/extras/inspect/inspect.h"
-#include "numera/extras/intake/intake.h"
 #include "numera/numera.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
@@ -17,9 +11,6 @@ namespace numera::tools {
 namespace {
 
 namespace core = numera::io::arrow::core;
-
-/// Enough for every row asked for, but not for a text of megabytes.
-constexpr size_t kWidestLine = 100'000;
 
 /// "Type" of an encoded column of this type; "-" if the type is refused.
 std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
@@ -56,29 +47,6 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
                grouped(source->chunks()), grouped(nulls[i])});
   }
   table.print(out, output_has_colour());
-  return ::arrow::Status::OK();
-}
-
-::arrow::Status print_values(const std::string& file, const files::ReadOptions& options,
-                             const ShowOptions& show, std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
-  ::arrow::RecordBatchVector batches;
-  for (std::int64_t wanted = show.rows; wanted > 0;) {
-    ARROW_ASSIGN_OR_RAISE(const auto batch, source->Next());
-    if (batch == nullptr) break;
-    hxThrowIfInterruptPending();
-    batches.push_back(batch->Slice(0, wanted));
-    wanted -= batches.back()->num_rows();
-  }
-  ARROW_ASSIGN_OR_RAISE(const auto table,
-                        ::arrow::Table::FromRecordBatches(source->schema(), batches));
-  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = show.cast}));
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, core::to_numera(taken.value));
-  const auto listed = static_cast<size_t>(std::max<std::int64_t>(show.rows, table->num_columns()));
-  const extras::PrintOptions all{.max_elements = std::max<size_t>(listed, 20),
-                                 .max_width = kWidestLine,
-                                 .max_lines = std::numeric_limits<size_t>::max()};
-  out << extras::print(host.get(), all) << '\n';
   return ::arrow::Status::OK();
 }
 

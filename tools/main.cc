@@ -1,94 +1,42 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <new>
-#include <sstream>
 #include <string>
-#include <vector>
+#include <variant>
 
 #include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
-#include "numera/version.h"
-#include "tools/convert.h"
+#include "tools/arguments.h"
+#include "tools/characters.h"
 #include "tools/look.h"
-#include "tools/text_table.h"
 
 namespace {
 
 using namespace numera::tools;
 
-enum Exit { kSuccess = 0, kFailure = 1, kUsage = 2, kSignal = 128 };
+enum Exit { kSuccess = 0, kFailure = 1, kSignal = 128 };
 
 /// The signal that asked the program to stop.
 volatile std::sig_atomic_t end_signal = 0;
 
-struct Arguments {
-  ConvertOptions convert;
-  ShowOptions show;
-};
-
-struct Commands {
-  CLI::App* types;
-  CLI::App* show;
-  CLI::App* convert;
-};
-
-void add_input(CLI::App* command, ConvertOptions& options) {
-  command->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
-  command
-      ->add_option("--columns", options.source.columns,
-                   "Read only these columns, in this order, separated by commas")
-      ->delimiter(',')
-      ->allow_extra_args(false);  // FILE may follow
-}
-
-Commands add_commands(CLI::App& program, Arguments& arguments) {
-  ConvertOptions& options = arguments.convert;
-  Commands commands{};
-  commands.types = program.add_subcommand(
-      "types", "List the columns, their Arrow types and their types in the host");
-  commands.types->add_option("FILE", options.file, "A Parquet, Arrow IPC or CSV file")->required();
-
-  commands.show = program.add_subcommand("show", "Print the first rows as encoded host values");
-  add_input(commands.show, options);
-  commands.show->add_option("--rows", arguments.show.rows, "Number of rows to print (default: 10)")
-      ->check(CLI::NonNegativeNumber);
-  commands.show->add_flag("--cast", arguments.show.cast, "Cast types that have no host form");
-
-  commands.convert = program.add_subcommand(
-      "convert", "Convert every column to the host and back, and compare it with the input");
-  add_input(commands.convert, options);
-  commands.convert->add_flag("--cast", options.cast, "Cast types that have no host form");
-  commands.convert
-      ->add_option("--output", options.output,
-                   "Write the returned columns to this file: .parquet, .arrow, .feather or .ipc")
-      ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
-  commands.convert
-      ->add_option("--batch-rows", options.source.batch_rows,
-                   "Maximum number of rows per batch (default: 65536)")
-      ->check(CLI::PositiveNumber);
-  commands.convert->add_flag("--show", options.show,
-                             "Also print the first rows, like the command show");
-  commands.convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
-  commands.convert
-      ->add_option("--threads", options.threads,
-                   "Number of threads that convert columns (default: 1; 0: one per processor)")
-      ->check(CLI::NonNegativeNumber);
-  return commands;
-}
-
-arrow::Status run(const Commands& commands, const Arguments& arguments) {
+arrow::Status run(const Arguments& arguments) {
   const ConvertOptions& options = arguments.convert;
-  if (commands.types->parsed()) return print_types(options.file, options.source, std::cout);
-  if (commands.show->parsed()) {
-    return print_values(options.file, options.source, arguments.show, std::cout);
+  switch (arguments.command) {
+    case Command::kTypes:
+      return print_types(options.file, options.source, std::cout);
+    case Command::kTree:
+      return print_tree(options.file, options.source, arguments.tree, std::cout);
+    case Command::kConvert:
+      return convert(options, std::cout);
+    default:
+      return print_rows(options.file, options.source, arguments.rows, std::cout);
   }
-  return convert(options, std::cout);
 }
 
 int report(const std::string& file, const std::string& reason) {
@@ -108,14 +56,24 @@ std::string reason_of(const arrow::Status& status) {
   return status.message() + ": " + detail->ToString();
 }
 
-int run_and_report(const Commands& commands, const Arguments& arguments) {
+/// Ends the program as a closed pipe ends other programs, without a message, if the reader of
+/// standard output is gone.
+void end_if_nobody_reads() {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  if (::poll(&output, 1, 0) < 1 || (output.revents & POLLERR) == 0) return;
+  std::signal(SIGPIPE, SIG_DFL);
+  std::raise(SIGPIPE);
+}
+
+int run_and_report(const Arguments& arguments) {
   const std::string& file = arguments.convert.file;
   try {
-    arrow::Status status = run(commands, arguments);
+    arrow::Status status = run(arguments);
     if (status.ok() && !std::cout.flush()) {
       status = arrow::Status::IOError("the result cannot be written");
     }
     if (status.ok()) return kSuccess;
+    if (!std::cout) end_if_nobody_reads();
     return report(file, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");
@@ -125,21 +83,6 @@ int run_and_report(const Commands& commands, const Arguments& arguments) {
   } catch (const std::exception& error) {
     return report(file, error.what());
   }
-}
-
-/// Prints what is wrong with the arguments. They may hold any bytes.
-int report_usage(const CLI::App& program, const CLI::ParseError& error) {
-  std::stringstream text;
-  const std::vector<std::string> unknown = program.remaining();
-  if (unknown.empty()) {
-    program.exit(error, text, text);
-  } else {  // else the message only says that a command is missing
-    program.exit(CLI::ExtrasError(program.get_name(), unknown), text, text);
-  }
-  for (std::string line; std::getline(text, line);) {
-    std::cerr << shortened(one_line(line)) << '\n';
-  }
-  return kUsage;
 }
 
 /// Opens each standard stream that the program was started without. Otherwise a file opened later
@@ -154,7 +97,7 @@ void occupy_standard_streams() {
 }
 
 /// The program stops between two columns, so that no half-written file stays. Write errors, such as
-/// a file that may not grow or a closed pipe, are reported as errors and raise no signal. A signal
+/// a file that may not grow or a closed pipe, raise no signal before that file is removed. A signal
 /// that was ignored at the start, as under nohup, stays ignored.
 void heed_signals() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -174,21 +117,9 @@ int main(int argc, char** argv) {
   // Arrow's other memory pools keep freed memory. They would add half to a bounded memory use.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
-  CLI::App program(
-      "Converts the columns of Parquet, Arrow IPC and CSV files to host arrays and back.",
-      "numera-arrow");
-  program.set_version_flag("--version", "numera-arrow " + std::string(numera::kVersion));
-  program.require_subcommand(1);
-  Arguments arguments;
-  const Commands commands = add_commands(program, arguments);
-  try {
-    program.parse(argc, argv);
-  } catch (const CLI::Success& answer) {
-    const int status = program.exit(answer);
-    return std::cout.flush() ? status : kFailure;
-  } catch (const CLI::ParseError& error) {
-    return report_usage(program, error);
-  }
-  if (commands.convert->parsed()) heed_signals();
-  return run_and_report(commands, arguments);
+  const auto read = read_arguments(argc, argv);
+  if (const int* status = std::get_if<int>(&read)) return *status;
+  const Arguments& arguments = std::get<Arguments>(read);
+  if (arguments.command == Command::kConvert) heed_signals();
+  return run_and_report(arguments);
 }

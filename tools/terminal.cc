@@ -1,9 +1,13 @@
 #include "tools/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdlib>
 #include <iostream>
+#include <string_view>
+#include <system_error>
 
 #include "tools/text_table.h"
 
@@ -12,6 +16,19 @@ namespace numera::tools {
 bool output_has_colour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
   return ::isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+}
+
+std::optional<size_t> output_width() {
+  winsize size = {};
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
+  const char* text = std::getenv("COLUMNS");
+  if (text == nullptr) return std::nullopt;
+  const std::string_view digits = text;
+  size_t columns = 0;
+  const auto [end, error] = std::from_chars(digits.begin(), digits.end(), columns);
+  const bool read = error == std::errc() && end == digits.end();
+  return read && columns > 0 ? std::optional(columns) : std::nullopt;
 }
 
 Progress::Progress(std::optional<std::int64_t> rows)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,6 +9,10 @@ namespace numera::tools {
 
 /// Whether results go to a terminal that wants colours (NO_COLOR is not set).
 bool output_has_colour();
+
+/// The number of cells in a line of the terminal that results go to, else the environment variable
+/// COLUMNS; none if neither says it.
+std::optional<size_t> output_width();
 
 /// One line on standard error that shows the progress of a command. Prints nothing unless standard
 /// error is a terminal. The destructor wipes the line; call `clear` before other output.

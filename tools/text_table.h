@@ -2,7 +2,6 @@
 
 #include <iosfwd>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,14 +21,6 @@ class TextTable {
  private:
   std::vector<std::vector<std::string>> rows_;
 };
-
-/// The text with "?" for every byte of a control character or of invalid UTF-8. A control character
-/// could break the line or command the terminal.
-std::string one_line(std::string_view text);
-
-/// A line of more than 600 bytes, cut to its first 400 and last 200 bytes at whole characters. A
-/// shorter line stays as it is.
-std::string shortened(const std::string& line);
 
 /// 1234567 as "1,234,567".
 std::string grouped(long long number);

@@ -38,9 +38,16 @@ TEST_P(Columns, MayBeNamedOneByOneAndBeforeTheFile) {
             "a | int8 | int8 | int8 | 1 | 1 | 0 | equal\n");
 }
 
+TEST_P(Columns, AreAskedForInTheOrderOfBothOptions) {
+  EXPECT_EQ(table_rows(converted("--column", {"z", "--columns", "s", "--column=a", file_})),
+            "z | double | double | double | 1 | 1 | 0 | equal\n"
+            "s | struct<x: int8, y: double> | struct | table | 1 | 1 | 0 | equal\n"
+            "a | int8 | int8 | int8 | 1 | 1 | 0 | equal\n");
+}
+
 TEST_P(Columns, ThatAreNotThereAreNamed) {
   const Outcome expected{1, "", "numera-arrow: " + file_ + ": there is no column 'nowhere'\n"};
-  for (const char* command : {"show", "convert"}) {
+  for (const char* command : {"head", "tail", "show", "tree", "convert"}) {
     EXPECT_EQ(run_program({command, file_, "--columns", "a,nowhere"}), expected);
   }
 }
@@ -85,6 +92,18 @@ TEST_F(ColumnsOfOneName, CannotBeAskedFor) {
       1, "",
       "numera-arrow: " + file_ + ": 2 columns have the name 'a', so the name selects none\n"};
   EXPECT_EQ(run_program({"convert", file_, "--columns", "a"}), expected);
+}
+
+TEST(ColumnsOfAnyName, AreAskedForOneByOne) {
+  const TemporaryFolder folder;
+  const std::string file = folder.path("a_file");
+  write_ipc(file, *table_of({{"a, b", ::arrow::int8(), "[1]"},
+                             {"[c,d]", ::arrow::int8(), "[2]"},
+                             {"-e", ::arrow::int8(), "[3]"},
+                             {"f", ::arrow::int8(), "[4]"}}));
+  const Outcome expected{0, "  -e  [c,d]  a, b\nint8   int8  int8\n   3      2     1\n", ""};
+  EXPECT_EQ(run_program({"head", "--column=-e", "--column", "[c,d]", "--column", "a, b", file}),
+            expected);
 }
 
 TEST(ColumnsWithoutFields, CannotReturnAndSayWhereTheyLackThem) {

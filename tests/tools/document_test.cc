@@ -78,6 +78,7 @@ class CopyOfTheExamples {
 TEST(Document, ShowsWhatTheProgramPrints) {
   const std::string path = std::getenv("PATH");
   ::setenv("PATH", (fs::path(NUMERA_PROGRAM).parent_path().string() + ":" + path).c_str(), 1);
+  ::unsetenv("COLUMNS");  // some shells export their width
   const CopyOfTheExamples here;
   const std::string document = read_text(NUMERA_PROGRAM_DOCUMENT);
   ASSERT_NE(document.find("```console\n$ numera-arrow "), std::string::npos);

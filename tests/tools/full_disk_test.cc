@@ -82,6 +82,7 @@ TEST_F(FullDisk, CutsAPrintedResultWhichIsAFailure) {
   write_text(output, "older");
   const std::vector<std::string> commands[] = {{"types", file_},
                                                {"show", file_, "--rows", "3000"},
+                                               {"tree", file_, "--rows", "3000"},
                                                {"convert", file_, "--output", output},
                                                {"convert", file_, "--output", output, "--show"}};
   for (const std::vector<std::string>& arguments : commands) {
@@ -98,7 +99,7 @@ TEST_F(FullDisk, CutsAPrintedResultWhichIsAFailure) {
 TEST_F(FullDisk, CutsAPrintedResultInItsMiddle) {
   disk_.leave_free(1);
   const Outcome expected{1, "", "numera-arrow: " + file_ + ": the result cannot be written\n"};
-  EXPECT_EQ(run_program({"show", file_, "--rows", "3000"}, {.out = disk_.path("out")}), expected);
+  EXPECT_EQ(run_program({"tree", file_, "--rows", "3000"}, {.out = disk_.path("out")}), expected);
   EXPECT_THAT(read_text(disk_.path("out")), StartsWith("struct 1x1\n"));
 }
 

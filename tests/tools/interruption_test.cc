@@ -95,7 +95,7 @@ TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
   RunningProgram program(convert());
   wait_for_part();
   program.send(SIGKILL);
-  EXPECT_EQ(program.wait().exit_status, -1);
+  EXPECT_EQ(program.wait().exit_status, 128 + SIGKILL);
   EXPECT_EQ(read_text(output_), "older");
   EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
 }

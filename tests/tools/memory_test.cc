@@ -63,6 +63,10 @@ TEST(Memory, StaysBelowTheBoundForAFileTenTimesAsLarge) {
   EXPECT_EQ(again.wait().exit_status, 0);
   EXPECT_LT(again.peak_bytes(), kBound);
   EXPECT_GE(static_cast<std::int64_t>(std::filesystem::file_size(file)), 10 * kBound);
+
+  RunningProgram tail({"tail", file});
+  EXPECT_EQ(tail.wait().exit_status, 0);
+  EXPECT_LT(tail.peak_bytes(), kBound);
 }
 
 }  // namespace

@@ -53,12 +53,19 @@ void limit(int resource, const std::optional<std::uint64_t>& most) {
   if (::setrlimit(resource, &both) != 0) ::_exit(126);
 }
 
+void open_closed_pipe() {
+  int ends[2];
+  if (::pipe(ends) != 0 || ::close(ends[0]) != 0) ::_exit(126);
+  if (::dup2(ends[1], STDOUT_FILENO) < 0 || ::close(ends[1]) != 0) ::_exit(126);
+}
+
 /// Runs between fork and exec.
 void apply(const RunOptions& options) {
   limit(RLIMIT_FSIZE, options.file_size);
   limit(RLIMIT_CPU, options.cpu_seconds);
   if (options.unprivileged && ::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(126);
   for (const int stream : options.closed) ::close(stream);
+  if (options.closed_pipe) open_closed_pipe();
   for (const int signal : options.ignored) std::signal(signal, SIG_IGN);
 }
 
@@ -103,19 +110,21 @@ Outcome RunningProgram::wait() {
   process_ = 0;
   peak_bytes_ = std::int64_t{usage.ru_maxrss} * 1024;
   const bool own_file = out_ == folder_.path("out");
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, own_file ? read_text(out_) : "",
-          read_text(folder_.path("errors"))};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+          own_file ? read_text(out_) : "", read_text(folder_.path("errors"))};
 }
 
 Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options) {
   return RunningProgram(arguments, options).wait();
 }
 
-std::string run_on_terminal(const std::vector<std::string>& arguments) {
+std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width) {
   std::vector<std::string> texts = command(arguments);
   const std::vector<char*> pointers = pointers_to(texts);
   int terminal = -1;
-  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  winsize window = {};
+  window.ws_col = width;
+  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, &window);
   throw_where_failed(process < 0, "forkpty");
   if (process == 0) {
     ::execv(pointers[0], pointers.data());

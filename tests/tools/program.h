@@ -17,7 +17,7 @@ namespace numera::testing {
 
 /// The result of a run of the program.
 struct Outcome {
-  int exit_status = -1;  ///< -1: ended by a signal
+  int exit_status = -1;  ///< 128 and the number of the signal if one ended it
   std::string out;
   std::string errors;
 
@@ -33,6 +33,7 @@ struct RunOptions {
   bool unprivileged = false;                      ///< runs as nobody if the tests run as root
   std::vector<int> closed = {};                   ///< standard streams that are closed at its start
   std::vector<int> ignored = {};                  ///< signals that are ignored from its start
+  bool closed_pipe = false;                       ///< standard output is a pipe that nobody reads
 };
 
 /// A running program. The destructor kills it if nobody has waited for it.
@@ -60,8 +61,9 @@ class RunningProgram {
 /// Runs the program with the arguments and waits for it.
 Outcome run_program(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
-/// The output of the program on a terminal, which is both its standard output and standard error.
-std::string run_on_terminal(const std::vector<std::string>& arguments);
+/// The output of the program on a terminal, which is both its standard output and standard error. A
+/// width of 0 is not known to the program.
+std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width = 0);
 
 /// The output of `convert`. Expects that the file is read and comes back.
 std::string converted(const std::string& file, const std::vector<std::string>& options = {});

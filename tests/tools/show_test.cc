@@ -1,5 +1,10 @@
+// The commands head, tail and show: rows as people read them.
+
+#include <arrow/array/array_dict.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 #include "tests/tools/program.h"
 
@@ -8,8 +13,10 @@ namespace {
 
 class Show : public ::testing::Test {
  protected:
-  std::string shown(const std::vector<std::string>& options) const {
-    std::vector<std::string> arguments = {"show", file_};
+  void SetUp() override { ::unsetenv("COLUMNS"); }  // some shells export their width
+
+  std::string printed(const std::string& command, const std::vector<std::string>& options = {}) {
+    std::vector<std::string> arguments = {command, file_};
     arguments.insert(arguments.end(), options.begin(), options.end());
     Outcome run = run_program(arguments);
     EXPECT_EQ(run.exit_status, 0);
@@ -21,96 +28,138 @@ class Show : public ::testing::Test {
   std::string file_ = folder_.path("a_file");
 };
 
-TEST_F(Show, PrintsTheFirstRowsAsAnEncodedTable) {
-  write_parquet(file_, *table_of({{"n", ::arrow::int16(), "[1, 2, null, 4]"},
-                                  {"b", ::arrow::boolean(), "[true, true, false, false]"}}));
-  EXPECT_EQ(shown({"--rows", "3"}),
-            R"(struct 1x1
-  ArrowType: char 1x5 "table"
-  Columns: struct 2x1
-    (0):
-      ArrowType: char 1x5 "array"
-      Type: char 1x5 "int16"
-      Data: int16 3x1 [1 2 0]
-      Valid: struct 1x1
-        ArrowType: char 1x6 "buffer"
-        Values: uint8 1x1 [251]
-        Length: double 1x1 [3]
-    (1):
-      ArrowType: char 1x5 "array"
-      Type: char 1x7 "logical"
-      Data: struct 1x1
-        Values: uint8 1x1 [3]
-        Length: double 1x1 [3]
-        ArrowType: char 1x6 "buffer"
-      Valid: struct 1x1
-        ArrowType: char 1x6 "buffer"
-        Values: uint8 0x1 []
-        Length: double 1x1 [3]
-  Names: cell 1x2
-    {0}: char 1x1 "n"
-    {1}: char 1x1 "b"
-)");
+std::shared_ptr<::arrow::Table> five_rows() {
+  return table_of({{"n", ::arrow::int16(), "[1, 2, null, 4, 5]"},
+                   {"t", ::arrow::utf8(), R"(["a", null, "null", "d", "e"])"}});
 }
 
-TEST_F(Show, IsWhatConvertPrintsLastWhereItIsAskedToShow) {
-  write_text(file_, "n,t\n1,a\n2,b\n");
-  const std::string tree = shown({});
-  EXPECT_THAT(tree, ::testing::HasSubstr("Data: string 2x1 [\"a\" \"b\"]\n"));
-  EXPECT_THAT(converted(file_, {"--show"}), ::testing::EndsWith(" s\n\n" + tree));
+/// Categories of one text.
+std::shared_ptr<::arrow::Array> categories(const std::string& codes) {
+  const auto table =
+      table_of({{"codes", ::arrow::int8(), codes}, {"texts", ::arrow::utf8(), R"(["a", "a"])"}});
+  return std::make_shared<::arrow::DictionaryArray>(
+      ::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), table->column(0)->chunk(0),
+      table->column(1)->chunk(0));
+}
+
+/// A CSV file of the numbers from 1 to `count`.
+std::string numbers_to(int count) {
+  std::string text = "n\n";
+  for (int i = 1; i <= count; ++i) text += std::to_string(i) + "\n";
+  return text;
+}
+
+TEST_F(Show, PrintsTheFirstRowsAndHowManyThereAre) {
+  write_parquet(file_, *five_rows(), 2);
+  const std::string head =
+      "    n  t\n"
+      "int16  string\n"
+      "    1  a\n"
+      "    2  null\n"
+      " null  \"null\"\n";
+  EXPECT_EQ(printed("head", {"--rows", "3"}), head);
+  EXPECT_EQ(printed("show", {"-n", "3"}), head + "\n3 of 5 rows\n");
+  EXPECT_THAT(printed("show"), ::testing::EndsWith("\n    5  e\n\n5 rows\n"));
+}
+
+TEST_F(Show, PrintsTheLastRows) {
+  const auto table = five_rows();
+  const std::string tail =
+      "    n  t\n"
+      "int16  string\n"
+      " null  \"null\"\n"
+      "    4  d\n"
+      "    5  e\n";
+  for (const std::int64_t row_group : {1, 2, 3, 5}) {
+    SCOPED_TRACE(row_group);
+    write_parquet(file_, *table, row_group);
+    EXPECT_EQ(printed("tail", {"-n", "3"}), tail);
+  }
+  EXPECT_EQ(printed("tail", {"-n", "0"}), "    n  t\nint16  string\n");
+  EXPECT_EQ(printed("tail", {"-n", "9"}), printed("head"));
 }
 
 TEST_F(Show, PrintsTenRowsWhereNoneAreAskedFor) {
-  write_text(file_, "n\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n");
-  EXPECT_THAT(shown({}), ::testing::HasSubstr("Data: int64 10x1 [1 2 3 4 5 6 7 8 9 10]\n"));
+  write_text(file_, numbers_to(12));
+  const std::string heading = "    n\nint64\n";
+  EXPECT_EQ(printed("head"), heading +
+                                 "    1\n    2\n    3\n    4\n    5\n    6\n    7\n    8\n    9\n"
+                                 "   10\n");
+  EXPECT_EQ(printed("tail"), heading +
+                                 "    3\n    4\n    5\n    6\n    7\n    8\n    9\n   10\n   11\n"
+                                 "   12\n");
 }
 
-TEST_F(Show, PrintsEveryRowAskedFor) {
-  std::string numbers = "1";
-  std::string text = "n\n1\n";
-  for (int i = 2; i <= 100; ++i) {
-    numbers += " " + std::to_string(i);
-    text += std::to_string(i) + "\n";
-  }
-  write_text(file_, text);
-  EXPECT_THAT(shown({"--rows", "1000"}),
-              ::testing::HasSubstr("Data: int64 100x1 [" + numbers + "]\n"));
+TEST_F(Show, CountsRowsWhereTheFileStatesThemOrIsReadToItsEnd) {
+  write_text(file_, numbers_to(12));
+  EXPECT_THAT(printed("show"), ::testing::EndsWith("\n   10\n"));
+  EXPECT_THAT(printed("show", {"-n", "20"}), ::testing::EndsWith("\n   12\n\n12 rows\n"));
+  write_text(file_, numbers_to(1));
+  EXPECT_EQ(printed("show"), "    n\nint64\n    1\n\n1 row\n");
+  write_text(file_, "n\n");
+  EXPECT_EQ(printed("show"), "n\nnull\n\n0 rows\n");
 }
 
-TEST_F(Show, PrintsNoRowsOnRequest) {
-  write_text(file_, "n\n1\n2\n");
-  EXPECT_THAT(shown({"--rows", "0"}), ::testing::HasSubstr("Data: int64 0x1 []\n"));
+TEST_F(Show, PrintsTheLastOfManyRows) {
+  write_text(file_, numbers_to(200000));  // more than one block
+  EXPECT_EQ(printed("tail", {"-n", "2"}), "     n\n int64\n199999\n200000\n");
 }
 
-TEST_F(Show, PrintsRowsOfSeveralRowGroups) {
-  write_parquet(file_, *table_of({{"n", ::arrow::int8(), "[1, 2, 3, 4, 5]"}}), 2);
-  EXPECT_THAT(shown({"--rows", "4"}), ::testing::HasSubstr("Data: int8 4x1 [1 2 3 4]\n"));
+TEST_F(Show, PrintsABlockPerRowOnRequest) {
+  write_parquet(file_, *five_rows());
+  EXPECT_EQ(printed("head", {"--vertical", "-n", "2"}), "n: 1\nt: a\n\nn: 2\nt: null\n");
+  EXPECT_EQ(printed("tail", {"--vertical", "-n", "1"}), "n: 5\nt: e\n");
 }
 
 TEST_F(Show, PrintsTheColumnsAskedFor) {
-  write_text(file_, "a,b,c\n1,2,3\n");
-  EXPECT_THAT(shown({"--columns", "c,a"}), ::testing::HasSubstr("  Names: cell 1x2\n"
-                                                                "    {0}: char 1x1 \"c\"\n"
-                                                                "    {1}: char 1x1 \"a\"\n"));
+  write_parquet(file_, *five_rows());
+  for (const char* command : {"head", "show", "tail"}) {
+    EXPECT_THAT(printed(command, {"--columns", "t,n"}), ::testing::StartsWith("t           n\n"));
+  }
 }
 
-TEST_F(Show, NamesTheColumnThatHasNoHostForm) {
-  write_ipc(file_, *table_of({{"n", ::arrow::int8(), "[1]"}, {"h", ::arrow::float16(), "[1]"}}));
-  const Outcome expected{1, "",
-                         "numera-arrow: " + file_ +
-                             ": h: found type halffloat, expected one that has a host form; casts "
-                             "were not asked for.\n"};
-  EXPECT_EQ(run_program({"show", file_}), expected);
+TEST_F(Show, PrintsTypesThatHaveNoHostForm) {
+  write_ipc(file_, *table_of({{"h", ::arrow::float16(), "[1.5]"},
+                              {"v", ::arrow::utf8_view(), R"(["x"])"}}));
+  EXPECT_EQ(printed("head"), "        h  v\nhalffloat  string_view\n      1.5  x\n");
 }
 
-TEST_F(Show, CastsWhereItIsAskedTo) {
-  write_ipc(file_, *table_of({{"h", ::arrow::float16(), "[1.5, null]"}}));
-  const std::string tree = shown({"--cast"});
-  EXPECT_THAT(tree, ::testing::HasSubstr("Data: double 2x1 [1.5 0]\n"));
-  const std::string output = folder_.path("back.arrow");
-  EXPECT_THAT(converted(file_, {"--cast", "--show", "--output", output}),
-              ::testing::EndsWith(" s\n\n" + tree));
-  EXPECT_EQ(read_ipc(output)->num_rows(), 2);
+TEST_F(Show, FitsTheWidthThatColumnsStates) {
+  write_text(file_, "first,second,third\n1,2,3\n");
+  const std::string all = printed("head");
+  ASSERT_EQ(::setenv("COLUMNS", "12", 1), 0);
+  EXPECT_EQ(printed("head"),
+            "first\nint64\n    1\n2 more columns: second, …; --columns or --vertical show them\n");
+  for (const char* none : {"0", "", "-5", "ten", "12x"}) {
+    ASSERT_EQ(::setenv("COLUMNS", none, 1), 0);
+    EXPECT_EQ(printed("head"), all) << none;
+  }
+  ::unsetenv("COLUMNS");
+}
+
+TEST_F(Show, PrintsTextsThatAreNotUtf8) {
+  write_ipc(file_, *table_of({{"t", ::arrow::utf8(), R"(["gruxxe"])"}}));
+  overwrite(file_, "gruxxe", "gr\xF6\xDF\x65!");
+  EXPECT_EQ(printed("head"), "t\nstring\ngr??e!\n");
+}
+
+TEST_F(Show, NamesTheColumnThatCannotBeShown) {
+  const auto codes = categories("[0, 7]");
+  write_ipc(file_, *::arrow::Table::Make(::arrow::schema({::arrow::field("bad", codes->type())}),
+                                         {codes}));
+  const Outcome run = run_program({"show", file_});
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.errors, ::testing::StartsWith("numera-arrow: " + file_ + ": bad: "));
+}
+
+TEST_F(Show, CutsATableOfWideRowsToATerminal) {
+  write_text(file_, "first,second,third\n1,,null\n");
+  EXPECT_EQ(run_on_terminal({"head", file_}, 15),
+            "\x1b[1mfirst\x1b[0m  \x1b[1msecond\x1b[0m\r\n"
+            "\x1b[2mint64\x1b[0m  \x1b[2mnull\x1b[0m\r\n"
+            "    1  \x1b[2mnull\x1b[0m\r\n"
+            "1 more column: third; --columns or --vertical show it\r\n");
 }
 
 }  // namespace

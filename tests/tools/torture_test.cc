@@ -1,5 +1,5 @@
-// Files with random damage. Each is converted, or refused by one line. None ends the program by a
-// signal.
+// Files with random damage. Each is converted and shown, or refused by one line. None ends the
+// program by a signal.
 
 #include <arrow/io/file.h>
 #include <arrow/ipc/writer.h>
@@ -83,13 +83,24 @@ class DamagedFile : public ::testing::TestWithParam<Kind> {
       EXPECT_EQ(run.errors, "");
       EXPECT_THAT(read_text(output_), StartsWith("ARROW1"));
     } else {
-      // A sanitizer adds lines of its own about allocations that are too large.
-      const std::string line = line_that_starts(run.errors, "numera-arrow: " + file_ + ": ");
-      EXPECT_NE(line, "") << ::testing::PrintToString(run);
-      EXPECT_TRUE(run.errors == line + "\n" || run.errors.starts_with("==")) << run.errors;
+      expect_one_line(run);
       EXPECT_EQ(read_text(output_), "older");
     }
     EXPECT_EQ(folder_.names(), before);
+  }
+
+  /// Expects status 0, or status 1 and one line.
+  void expect_rows(const std::vector<std::string>& arguments) {
+    const Outcome run = run_program(arguments, {.cpu_seconds = kMostSeconds});
+    ASSERT_THAT(run.exit_status, AnyOf(0, 1)) << ::testing::PrintToString(run);
+    if (run.exit_status == 1) expect_one_line(run);
+  }
+
+  /// A sanitizer adds lines of its own about allocations that are too large.
+  void expect_one_line(const Outcome& run) {
+    const std::string line = line_that_starts(run.errors, "numera-arrow: " + file_ + ": ");
+    EXPECT_NE(line, "") << ::testing::PrintToString(run);
+    EXPECT_TRUE(run.errors == line + "\n" || run.errors.starts_with("==")) << run.errors;
   }
 
   TemporaryFolder folder_;
@@ -105,6 +116,18 @@ TEST_P(DamagedFile, IsConvertedOrRefusedByOneLine) {
     SCOPED_TRACE(seed);
     write_text(file_, damaged(whole, seed));
     expect_answer();
+  }
+}
+
+TEST_P(DamagedFile, IsShownOrRefusedByOneLine) {
+  GetParam().write(file_, *many_layouts());
+  const std::string whole = read_text(file_);
+  const std::uint64_t damages = rounds(20, 1000);
+  for (std::uint64_t seed = 0; seed < damages; ++seed) {
+    SCOPED_TRACE(seed);
+    write_text(file_, damaged(whole, seed));
+    expect_rows({"show", file_, "-n", "2"});
+    expect_rows({"tail", file_, "-n", "4", "--vertical"});
   }
 }
 

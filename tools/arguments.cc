@@ -1,0 +1,169 @@
+#include "tools/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "numera/version.h"
+#include "tools/usage.h"
+
+namespace numera::tools {
+namespace {
+
+std::optional<std::int64_t> to_number(const std::string& text) {
+  std::int64_t number = 0;
+  const char* end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+/// Adds an option for a number that is at least `least`.
+template <typename Number>
+void add_number(CLI::App* command, const std::string& names, Number& number, std::int64_t least,
+                const std::string& help) {
+  command
+      ->add_option_function<std::string>(
+          names,
+          [&number](const std::string& text) { number = static_cast<Number>(*to_number(text)); },
+          help)
+      ->type_name("NUMBER")
+      ->check([least](const std::string& text) -> std::string {
+        if (to_number(text).value_or(least - 1) >= least) return "";
+        return "found " + text + ", expected a number from " + std::to_string(least) + " to " +
+               std::to_string(std::numeric_limits<std::int64_t>::max());
+      });
+}
+
+CLI::App* add_command(CLI::App& program, Arguments& arguments, const std::string& name,
+                      const std::string& help, const std::string& example) {
+  CLI::App* command = program.add_subcommand(name, help);
+  command->footer("Example: numera-arrow " + name + " rows.parquet" + example);
+  command->add_option("FILE", arguments.convert.file, "A Parquet, Arrow IPC or CSV file")
+      ->required();
+  return command;
+}
+
+void add_columns(CLI::App* command) {
+  const auto read_later = [](const std::vector<std::string>&) {};  // by columns_of
+  const std::pair<const char*, const char*> options[] = {
+      {"--columns", "Read only these columns, in this order, separated by commas"},
+      {"--column", "Read this column; may be repeated. A name may have commas and blanks"}};
+  for (const auto& [name, help] : options) {
+    command->add_option_function<std::vector<std::string>>(name, read_later, help)
+        ->type_name(name == std::string("--column") ? "NAME" : "NAMES")
+        ->allow_extra_args(false);  // FILE may follow
+  }
+}
+
+/// The columns that both options ask for, in the order of the command line.
+std::vector<std::string> columns_of(const CLI::App& command) {
+  std::vector<std::string> columns;
+  std::map<const CLI::Option*, size_t> read;
+  for (const CLI::Option* option : command.parse_order()) {
+    const std::string name = option->get_name();
+    if (name != "--columns" && name != "--column") continue;
+    const std::string& value = option->results().at(read[option]++);
+    if (name == "--column") {
+      columns.push_back(value);
+      continue;
+    }
+    for (std::string& part : CLI::detail::split(value, ',')) {
+      if (!part.empty()) columns.push_back(std::move(part));
+    }
+  }
+  return columns;
+}
+
+void add_rows(CLI::App& program, Arguments& arguments) {
+  const std::pair<const char*, const char*> commands[] = {
+      {"head", "Print the first rows"},
+      {"tail", "Print the last rows; reads the whole file"},
+      {"show", "Print the first rows and how many rows there are"}};
+  for (const auto& [name, help] : commands) {
+    CLI::App* command = add_command(program, arguments, name, help, " --rows 5");
+    add_columns(command);
+    add_number(command, "-n,--rows", arguments.rows.rows, 0,
+               "Number of rows to print (default: 10)");
+    command->add_flag("--vertical", arguments.rows.vertical,
+                      "Print a block of lines per row, with every column");
+  }
+}
+
+void add_tree(CLI::App& program, Arguments& arguments) {
+  CLI::App* tree =
+      add_command(program, arguments, "tree",
+                  "Print the first rows as the encoded host table they become", " --rows 5");
+  add_columns(tree);
+  add_number(tree, "-n,--rows", arguments.tree.rows, 0, "Number of rows to print (default: 10)");
+  tree->add_flag("--cast", arguments.tree.cast, "Cast types that have no host form");
+}
+
+void add_convert(CLI::App& program, Arguments& arguments) {
+  ConvertOptions& options = arguments.convert;
+  CLI::App* convert =
+      add_command(program, arguments, "convert",
+                  "Convert every column to the host and back, and compare it with the input",
+                  " --output back.parquet");
+  add_columns(convert);
+  convert->add_flag("--cast", options.cast, "Cast types that have no host form");
+  convert
+      ->add_option("-o,--output", options.output,
+                   "Write the returned columns to this file: .parquet, .arrow, .feather or .ipc")
+      ->type_name("OUT")
+      ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
+  add_number(convert, "--batch-rows", options.source.batch_rows, 1,
+             "Maximum number of rows per batch (default: 65536)");
+  convert->add_flag("--show", options.show, "Also print the first rows, like the command tree");
+  convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
+  add_number(convert, "--threads", options.threads, 0,
+             "Number of threads that convert columns (default: 1; 0: one per processor)");
+}
+
+/// What remains to be set when the command line has been read.
+void complete(const CLI::App& command, Arguments& arguments) {
+  static const std::map<std::string, Command> kCommands = {
+      {"types", Command::kTypes}, {"head", Command::kHead}, {"tail", Command::kTail},
+      {"show", Command::kShow},   {"tree", Command::kTree}, {"convert", Command::kConvert}};
+  arguments.command = kCommands.at(command.get_name());
+  arguments.convert.source.columns = columns_of(command);
+  arguments.rows.part = arguments.command == Command::kTail ? Part::kLast : Part::kFirst;
+  arguments.rows.count = arguments.command == Command::kShow;
+}
+
+}  // namespace
+
+std::variant<Arguments, int> read_arguments(int argc, char** argv) {
+  CLI::App program(
+      "Shows the columns of Parquet, Arrow IPC and CSV files, and converts them to host arrays and "
+      "back.",
+      "numera-arrow");
+  program.set_version_flag("--version", "numera-arrow " + std::string(kVersion));
+  program.require_subcommand(1);
+  program.footer("Example: numera-arrow show rows.parquet");
+  Arguments arguments;
+  add_command(program, arguments, "types",
+              "List the columns, their Arrow types and their types in the host", "");
+  add_rows(program, arguments);
+  add_tree(program, arguments);
+  add_convert(program, arguments);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& answer) {
+    const int status = program.exit(answer);
+    return std::cout.flush() ? status : 1;
+  } catch (const CLI::ParseError& error) {
+    std::cerr << wrong_usage(program, error) << '\n';
+    return kUsage;
+  }
+  complete(*program.get_subcommands().front(), arguments);
+  return arguments;
+}
+
+}  // namespace numera::tools

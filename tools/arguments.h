@@ -1,0 +1,28 @@
+#pragma once
+
+#include <variant>
+
+#include "tools/convert.h"
+#include "tools/rows.h"
+#include "tools/tree.h"
+
+namespace numera::tools {
+
+enum class Command { kTypes, kHead, kTail, kShow, kTree, kConvert };
+
+/// What the program is asked to do. Every command uses `convert.file` and `convert.source`.
+struct Arguments {
+  Command command = Command::kShow;
+  ConvertOptions convert;
+  RowsOptions rows;
+  TreeOptions tree;
+};
+
+/// The exit status for wrong usage.
+inline constexpr int kUsage = 2;
+
+/// Reads the command line. Returns an exit status if that is all: after help, which goes to
+/// standard output, and after wrong usage, which standard error tells.
+std::variant<Arguments, int> read_arguments(int argc, char** argv);
+
+}  // namespace numera::tools

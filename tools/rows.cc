@@ -1,0 +1,105 @@
+#include "tools/rows.h"
+
+#include <algorithm>
+#include <deque>
+#include <optional>
+#include <ostream>
+
+#include "tools/memory_check.h"
+#include "tools/terminal.h"
+#include "tools/text_table.h"
+#include "tools/value_table.h"
+
+namespace numera::tools {
+namespace {
+
+/// Rows of a file, and how many the file has if that is known.
+struct Rows {
+  ::arrow::RecordBatchVector batches;
+  std::optional<std::int64_t> all;
+};
+
+std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
+  std::int64_t rows = 0;
+  for (const auto& batch : batches) rows += batch->num_rows();
+  return rows;
+}
+
+/// Files can hold columns of several lengths, and offsets and codes that lead out of their buffers.
+/// The lengths are checked before a batch is sliced.
+::arrow::Result<std::shared_ptr<::arrow::RecordBatch>> next_batch(files::Source& source) {
+  ARROW_ASSIGN_OR_RAISE(auto batch, source.Next());
+  if (batch != nullptr) ARROW_RETURN_NOT_OK(batch->Validate());
+  return batch;
+}
+
+::arrow::Status check(const ::arrow::RecordBatch& batch) {
+  for (int i = 0; i < batch.num_columns(); ++i) {
+    const ::arrow::Status status = check_memory(*batch.column(i));
+    if (!status.ok()) return status.WithMessage(batch.column_name(i), ": ", status.message());
+  }
+  return ::arrow::Status::OK();
+}
+
+::arrow::Result<Rows> first_rows(files::Source& source, std::int64_t wanted) {
+  Rows rows{{}, source.rows()};
+  while (wanted > 0) {
+    ARROW_ASSIGN_OR_RAISE(const auto batch, next_batch(source));
+    if (batch == nullptr) {
+      rows.all = count_rows(rows.batches);
+      break;
+    }
+    rows.batches.push_back(batch->Slice(0, wanted));
+    wanted -= rows.batches.back()->num_rows();
+  }
+  return rows;
+}
+
+::arrow::Result<Rows> last_rows(files::Source& source, std::int64_t wanted) {
+  std::deque<std::shared_ptr<::arrow::RecordBatch>> last;
+  std::int64_t held = 0;
+  std::int64_t read = 0;
+  Progress progress(source.rows());
+  while (true) {
+    ARROW_ASSIGN_OR_RAISE(auto batch, next_batch(source));
+    if (batch == nullptr) break;
+    held += batch->num_rows();
+    read += batch->num_rows();
+    last.push_back(std::move(batch));
+    while (!last.empty() && held - last.front()->num_rows() >= wanted) {
+      held -= last.front()->num_rows();
+      last.pop_front();
+    }
+    progress.show(read);
+  }
+  if (held > wanted) last.front() = last.front()->Slice(held - wanted);
+  return Rows{{last.begin(), last.end()}, read};
+}
+
+void print_count(const Rows& rows, std::ostream& out) {
+  if (!rows.all) return;
+  const std::int64_t shown = count_rows(rows.batches);
+  const std::string all = grouped(*rows.all) + (*rows.all == 1 ? " row" : " rows");
+  out << '\n' << (shown == *rows.all ? all : grouped(shown) + " of " + all) << '\n';
+}
+
+}  // namespace
+
+::arrow::Status print_rows(const std::string& file, const files::ReadOptions& options,
+                           const RowsOptions& wanted, std::ostream& out) {
+  files::ReadOptions few = options;
+  if (wanted.part == Part::kFirst) {  // no more than that is decoded
+    few.batch_rows = std::clamp<std::int64_t>(wanted.rows, 1, options.batch_rows);
+  }
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, few));
+  ARROW_ASSIGN_OR_RAISE(const Rows rows, wanted.part == Part::kFirst
+                                             ? first_rows(*source, wanted.rows)
+                                             : last_rows(*source, wanted.rows));
+  for (const auto& batch : rows.batches) ARROW_RETURN_NOT_OK(check(*batch));
+  const Layout layout{.width = output_width().value_or(kUnlimited), .colour = output_has_colour()};
+  (wanted.vertical ? print_blocks : print_table)(*source->schema(), rows.batches, layout, out);
+  if (wanted.count) print_count(rows, out);
+  return ::arrow::Status::OK();
+}
+
+}  // namespace numera::tools

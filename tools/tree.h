@@ -1,0 +1,22 @@
+#pragma once
+
+#include <arrow/status.h>
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include "numera/files/read.h"
+
+namespace numera::tools {
+
+struct TreeOptions {
+  std::int64_t rows = 10;
+  bool cast = false;  ///< cast types that have no host form
+};
+
+/// Prints the first rows of a file as an encoded host table.
+::arrow::Status print_tree(const std::string& file, const files::ReadOptions& options,
+                           const TreeOptions& tree, std::ostream& out);
+
+}  // namespace numera::tools
