@@ -1,16 +1,9 @@
 #include "numera/files/row_blocks.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
 namespace numera::files {
-namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
-
 RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
                      std::unique_ptr<::arrow::Chunker> rows)
     : text_(std::move(text)), rows_(std::move(rows)), rest_(::arrow::Buffer::FromString("")) {}
