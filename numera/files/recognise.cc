@@ -44,7 +44,6 @@ constexpr Format kFormats[] = {
 constexpr Format kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream};
 
 constexpr std::int64_t kLookedAt = 65536;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 /// The start of the contents of a file, decompressed.
 struct Start {

@@ -1,13 +1,10 @@
 #include "numera/files/row_blocks.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
 namespace numera::files {
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 using MaybeBlock = ::arrow::Result<std::shared_ptr<::arrow::Buffer>>;
 

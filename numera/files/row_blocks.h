@@ -8,12 +8,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace numera::files {
 
 /// The number of bytes that text files are read in, and the longest row that is read.
 inline constexpr std::int64_t kTextBlockBytes = std::int64_t{1} << 20;
 inline constexpr std::int64_t kLongestRowBytes = std::int64_t{1} << 26;
+
+/// The mark of the byte order, which may be at the start of a text file.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 /// Cuts a text file into blocks of whole rows. A block has about 1 MiB, or the length of its first
 /// row if that is longer.
