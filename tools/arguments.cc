@@ -45,7 +45,9 @@ CLI::App* add_command(CLI::App& program, Arguments& arguments, const std::string
                       const std::string& help, const std::string& example) {
   CLI::App* command = program.add_subcommand(name, help);
   command->footer("Example: numera-arrow " + name + " rows.parquet" + example);
-  command->add_option("FILE", arguments.convert.file, "A Parquet, Arrow IPC or CSV file")
+  command
+      ->add_option("FILE", arguments.convert.file,
+                   "A file of Parquet, Arrow IPC, CSV, JSON lines or another format that is read")
       ->required();
   return command;
 }
@@ -114,13 +116,17 @@ void add_convert(CLI::App& program, Arguments& arguments) {
   add_columns(convert);
   convert->add_flag("--cast", options.cast, "Cast types that have no host form");
   convert
-      ->add_option("-o,--output", options.output,
-                   "Write the returned columns to this file: .parquet, .arrow, .feather or .ipc")
+      ->add_option(
+          "-o,--output", options.output,
+          "Write the returned columns to this file: .parquet, .arrow, .csv, .jsonl and others")
       ->type_name("OUT")
       ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
   add_number(convert, "--batch-rows", options.source.batch_rows, 1,
              "Maximum number of rows per batch (default: 65536)");
   convert->add_flag("--show", options.show, "Also print the first rows, like the command tree");
+  convert->add_flag_callback(
+      "--no-check", [&options] { options.check = false; },
+      "Do not compare what comes back with the input");
   convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
   add_number(convert, "--threads", options.threads, 0,
              "Number of threads that convert columns (default: 1; 0: one per processor)");
@@ -141,7 +147,8 @@ void complete(const CLI::App& command, Arguments& arguments) {
 
 std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   CLI::App program(
-      "Shows the columns of Parquet, Arrow IPC and CSV files, and converts them to host arrays and "
+      "Shows the columns of Parquet, Arrow IPC, CSV and JSON files, and converts them to host "
+      "arrays and "
       "back.",
       "numera-arrow");
   program.set_version_flag("--version", "numera-arrow " + std::string(kVersion));
