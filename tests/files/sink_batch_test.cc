@@ -50,14 +50,24 @@ std::shared_ptr<::arrow::RecordBatch> texts_with(const std::vector<std::int32_t>
 }
 
 TEST(SinkBatch, HasValidColumns) {
-  expect_refused_batch(texts_with({0, 1000}, "a"),
-                       "In column 0: Invalid: Length spanned by binary offsets (1000) larger than "
-                       "values array (size 1)");
+  expect_refused_batch(
+      texts_with({0, 1000}, "a"),
+      "column 't': Offset invariant failure: offset for slot 1 out of bounds: 1000 > 1");
   expect_refused_batch(texts_with({0, 1, 0, 1}, "a"),
                        "column 't': Offset invariant failure: non-monotonic offset at slot 2: 0 < "
                        "1");
   expect_refused_batch(texts_with({0, 1}, "\xFF"),
                        "column 't': Invalid UTF8 sequence at string index 0");
+}
+
+TEST(SinkBatch, HasColumnsOfItsLengthAndTypes) {
+  const auto schema = ::arrow::schema({::arrow::field("n", ::arrow::int64())});
+  const auto column = ::arrow::MakeArrayOfNull(::arrow::int64(), 1).ValueOrDie();
+  expect_refused_batch(::arrow::RecordBatch::Make(schema, 2, {column}),
+                       "Number of rows in column 0 did not match batch: 1 vs 2");
+  const auto other = ::arrow::MakeArrayOfNull(::arrow::int8(), 1).ValueOrDie();
+  expect_refused_batch(::arrow::RecordBatch::Make(schema, 1, {other}),
+                       "Column 0 type not match schema: int8 vs int64");
 }
 
 TEST(SinkBatch, HasAtMost1024Levels) {
