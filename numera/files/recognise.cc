@@ -19,7 +19,7 @@ namespace {
 using Open = ::arrow::Result<Stream> (*)(const File&, const ReadOptions&);
 using OpenAsText = ::arrow::Result<Stream> (*)(const OpenText&, const ReadOptions&);
 
-struct Format {
+struct KnownFormat {
   std::string_view magic;  ///< the first bytes of a file
   const char* name;
   Open open;               ///< null if the format is not read
@@ -27,7 +27,7 @@ struct Format {
 };
 
 /// An IPC stream starts with the continuation marker of its first message.
-constexpr Format kFormats[] = {
+constexpr KnownFormat kFormats[] = {
     {"PAR1", "Parquet", open_parquet},
     {"PARE", "Parquet with an encrypted footer", nullptr, true},
     {"ARROW1", "an Arrow IPC file", open_ipc_file},
@@ -41,7 +41,7 @@ constexpr Format kFormats[] = {
     {"%PDF-", "PDF", nullptr},
     {"\xFD\x37zXZ", "xz", nullptr},
 };
-constexpr Format kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream};
+constexpr KnownFormat kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream};
 
 constexpr std::int64_t kLookedAt = 65536;
 
@@ -73,8 +73,8 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
 }
 
 /// The format of contents that are no text, or null. `file` has the contents from their start.
-::arrow::Result<const Format*> find_format(const Start& start, const File& file) {
-  for (const Format& format : kFormats) {
+::arrow::Result<const KnownFormat*> find_format(const Start& start, const File& file) {
+  for (const KnownFormat& format : kFormats) {
     if (!start.bytes().starts_with(format.magic)) continue;
     if (!format.is_at_end || ends_with_magic(start, format.magic) || !is_text(start)) {
       return &format;
@@ -111,7 +111,7 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
   ARROW_ASSIGN_OR_RAISE(const auto buffer, stream->Read(kLookedAt));
   const Start start{buffer, buffer->size() < kLookedAt};
   if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty inside ", format.name);
-  ARROW_ASSIGN_OR_RAISE(const Format* inside,
+  ARROW_ASSIGN_OR_RAISE(const KnownFormat* inside,
                         find_format(start, std::make_shared<::arrow::io::BufferReader>(buffer)));
   const Compression* again = find_compression(start.bytes());
   if (inside != nullptr || again != nullptr) {
@@ -136,7 +136,7 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
   if (const Compression* format = find_compression(start.bytes())) {
     return recognise_compressed(*format, file, size);
   }
-  ARROW_ASSIGN_OR_RAISE(const Format* format, find_format(start, file));
+  ARROW_ASSIGN_OR_RAISE(const KnownFormat* format, find_format(start, file));
   if (format != nullptr && format->open == nullptr) {
     return ::arrow::Status::Invalid("it is ", format->name, ", which is not read");
   }
