@@ -16,11 +16,11 @@ namespace {
 
 namespace json = ::arrow::json;
 
-using Type = std::shared_ptr<::arrow::DataType>;
+using TypePtr = std::shared_ptr<::arrow::DataType>;
 using Text = std::shared_ptr<::arrow::Buffer>;
 
 /// `before`, widened by the types in the lines.
-::arrow::Result<Type> widen_by(const Type& before, const Text& lines) {
+::arrow::Result<TypePtr> widen_by(const TypePtr& before, const Text& lines) {
   ARROW_ASSIGN_OR_RAISE(const auto batch, json::ParseOne(json::ParseOptions::Defaults(), lines));
   return widen_rows(before, ::arrow::struct_(batch->schema()->fields()));
 }
@@ -46,7 +46,7 @@ std::string reason_of(const ::arrow::Status& failure) {
 }
 
 /// Finds the first line that cannot be read after those before it.
-::arrow::Status explained(const Type& before, const JsonLines& lines,
+::arrow::Status explained(const TypePtr& before, const JsonLines& lines,
                           const ::arrow::Status& failure) {
   const auto ends = ends_of_lines(std::string_view(*lines.text));
   const auto is_read = [&](std::int64_t end) {
@@ -55,7 +55,7 @@ std::string reason_of(const ::arrow::Status& failure) {
   const auto bad = std::ranges::partition_point(ends, is_read);
   if (bad == ends.end()) return failure;
   const std::int64_t start = bad == ends.begin() ? 0 : *(bad - 1);
-  Type read = before;
+  TypePtr read = before;
   if (start > 0) {
     ARROW_ASSIGN_OR_RAISE(read, widen_by(before, ::arrow::SliceBuffer(lines.text, 0, start)));
   }
@@ -65,8 +65,8 @@ std::string reason_of(const ::arrow::Status& failure) {
 }
 
 /// The type of all rows of the file.
-::arrow::Result<Type> find_types(JsonPieces pieces) {
-  Type type = ::arrow::struct_({});
+::arrow::Result<TypePtr> find_types(JsonPieces pieces) {
+  TypePtr type = ::arrow::struct_({});
   while (true) {
     ARROW_ASSIGN_OR_RAISE(const JsonLines lines, pieces.next());
     if (lines.text == nullptr) return type;
@@ -110,7 +110,7 @@ class JsonRows {
 ::arrow::Result<Stream> open_json(const OpenText& open, const ReadOptions& options) {
   JsonFields fields;
   ARROW_ASSIGN_OR_RAISE(auto text, open());
-  ARROW_ASSIGN_OR_RAISE(const Type type,
+  ARROW_ASSIGN_OR_RAISE(const TypePtr type,
                         find_types(JsonPieces(std::move(text), fields, options.pool)));
   const ::arrow::Schema whole(type->fields());
   ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(whole, options.columns));

@@ -7,18 +7,20 @@
 namespace numera::files {
 namespace {
 
-using Type = std::shared_ptr<::arrow::DataType>;
+using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-bool are(const Type& one, const Type& other, ::arrow::Type::type id, ::arrow::Type::type other_id) {
+bool are(const TypePtr& one, const TypePtr& other, ::arrow::Type::type id,
+         ::arrow::Type::type other_id) {
   return (one->id() == id && other->id() == other_id) ||
          (one->id() == other_id && other->id() == id);
 }
 
-::arrow::Result<Type> widen(const Type& before, const Type& found, const std::string& path);
+::arrow::Result<TypePtr> widen(const TypePtr& before, const TypePtr& found,
+                               const std::string& path);
 
 /// Fields keep the order in which they were found.
-::arrow::Result<Type> widen_structs(const ::arrow::StructType& before,
-                                    const ::arrow::StructType& found, const std::string& path) {
+::arrow::Result<TypePtr> widen_structs(const ::arrow::StructType& before,
+                                       const ::arrow::StructType& found, const std::string& path) {
   ::arrow::FieldVector fields = before.fields();
   for (const auto& field : found.fields()) {
     const int i = before.GetFieldIndex(field->name());
@@ -34,7 +36,8 @@ bool are(const Type& one, const Type& other, ::arrow::Type::type id, ::arrow::Ty
   return ::arrow::struct_(std::move(fields));
 }
 
-::arrow::Result<Type> widen(const Type& before, const Type& found, const std::string& path) {
+::arrow::Result<TypePtr> widen(const TypePtr& before, const TypePtr& found,
+                               const std::string& path) {
   using enum ::arrow::Type::type;
   if (found->id() == NA || found->Equals(*before)) return before;
   if (before->id() == NA) return found;
@@ -55,7 +58,7 @@ bool are(const Type& one, const Type& other, ::arrow::Type::type id, ::arrow::Ty
 
 }  // namespace
 
-::arrow::Result<Type> widen_rows(const Type& before, const Type& found) {
+::arrow::Result<TypePtr> widen_rows(const TypePtr& before, const TypePtr& found) {
   return widen(before, found, "");
 }
 
