@@ -58,7 +58,7 @@ MaybeBlock RowBlocks::read() {
   }
   ended_with_return_ = false;
   if (rest_->size() == 0) return more;
-  return ::arrow::ConcatenateBuffers({std::move(rest_), std::move(more)}, pool_);
+  return ::arrow::ConcatenateBuffers({rest_, std::move(more)}, pool_);
 }
 
 }  // namespace numera::files
