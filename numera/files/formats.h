@@ -29,7 +29,7 @@ struct Stream {
   std::function<BatchResult()> next;
   /// The total number of rows, if the file states it.
   std::optional<std::int64_t> rows;
-  /// Row groups, record batches or blocks read so far.
+  /// Row groups, record batches, stripes or blocks read so far.
   std::shared_ptr<std::int64_t> chunks;
 };
 
@@ -42,8 +42,6 @@ using OpenText = std::function<::arrow::Result<std::shared_ptr<::arrow::io::Inpu
 ::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_ipc_stream(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_orc(const File& file, const ReadOptions& options);
-/// Feather version 1. The columns asked for are read whole.
-::arrow::Result<Stream> open_feather(const File& file, const ReadOptions& options);
 ::arrow::Result<Stream> open_csv(const OpenText& open, const ReadOptions& options);
 /// JSON lines. Reads the whole text twice: for the types of the columns, then for the rows.
 ::arrow::Result<Stream> open_json(const OpenText& open, const ReadOptions& options);

@@ -12,7 +12,8 @@
 
 namespace numera::files {
 
-/// The deepest nesting of a line, and the greatest number of fields at all depths of a file.
+/// The deepest nesting of a line, and the greatest number of fields at all depths of a file. Arrow
+/// parses recursively: the deepest line takes between 1 and 1.5 MiB of stack.
 inline constexpr std::size_t kDeepestJson = 1024;
 inline constexpr std::size_t kMostJsonFields = 65536;
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <string>
 #include <utility>
 
 #include "numera/files/formats.h"
@@ -27,67 +28,71 @@ auto without_exceptions(const Read& read) -> decltype(read()) {
   }
 }
 
-/// Reads the stripes in order, each batch by batch.
+/// Names for `GetRecordBatchReader`, or none if it has to read all columns: it takes a name with a
+/// dot for a path.
+std::vector<std::string> names_of(const ::arrow::Schema& whole, const std::vector<int>& columns) {
+  std::vector<std::string> names;
+  for (int i = 0; i < whole.num_fields(); ++i) {
+    const std::string& name = whole.field(i)->name();
+    if (name.empty() || name.find('.') != std::string::npos) return {};
+    if (whole.GetAllFieldIndices(name).size() > 1) return {};
+    if (std::ranges::find(columns, i) != columns.end()) names.push_back(name);
+  }
+  return names;
+}
+
+/// Reads the stripes in order, each batch by batch. Never seeks to a stripe: the library would
+/// follow an index of rows that a damaged file lacks.
 class Stripes {
  public:
-  /// `columns` are the numbers of the columns to read, in the order of the result.
-  Stripes(std::shared_ptr<ORCFileReader> file, std::vector<int> columns, std::int64_t batch_rows)
-      : file_(std::move(file)),
-        sorted_(columns),
-        batch_rows_(batch_rows),
-        rows_expected_(file_->NumberOfRows()) {
-    std::ranges::sort(sorted_);
-    for (const int column : columns) {
-      const auto place = std::ranges::lower_bound(sorted_, column) - sorted_.begin();
-      places_.push_back(static_cast<int>(place));
-    }
-  }
+  Stripes(std::shared_ptr<ORCFileReader> file, std::shared_ptr<::arrow::RecordBatchReader> batches,
+          std::vector<int> places)
+      : file_(std::move(file)), batches_(std::move(batches)), places_(std::move(places)) {}
 
   const std::shared_ptr<std::int64_t>& opened() const { return opened_; }
 
   BatchResult next() {
-    while (true) {
-      if (batches_ == nullptr) {
-        ARROW_ASSIGN_OR_RAISE(batches_, file_->NextStripeReader(batch_rows_, sorted_));
-        if (batches_ == nullptr) break;
-        ++*opened_;
+    std::shared_ptr<::arrow::RecordBatch> batch;
+    ARROW_RETURN_NOT_OK(batches_->ReadNext(&batch));
+    if (batch != nullptr) {
+      rows_ += batch->num_rows();
+      while (rows_ > rows_opened_ && *opened_ < file_->NumberOfStripes()) {
+        rows_opened_ += file_->GetStripeInformation((*opened_)++).num_rows;
       }
-      std::shared_ptr<::arrow::RecordBatch> batch;
-      ARROW_RETURN_NOT_OK(batches_->ReadNext(&batch));
-      if (batch != nullptr) {
-        rows_ += batch->num_rows();
-        return batch->SelectColumns(places_);
-      }
-      batches_ = nullptr;
+      return batch->SelectColumns(places_);
     }
-    if (rows_ == rows_expected_) return nullptr;
-    return ::arrow::Status::Invalid("found ", rows_, " rows, expected ", rows_expected_,
+    if (rows_ == file_->NumberOfRows()) return nullptr;
+    return ::arrow::Status::Invalid("found ", rows_, " rows, expected ", file_->NumberOfRows(),
                                     ", as the footer states");
   }
 
  private:
   std::shared_ptr<ORCFileReader> file_;
-  std::vector<int> sorted_;  ///< Arrow returns the columns in the order of the file
-  std::vector<int> places_;  ///< the place of each column in what Arrow returns
-  std::int64_t batch_rows_;
-  std::int64_t rows_expected_;
-  std::int64_t rows_ = 0;
-  std::shared_ptr<std::int64_t> opened_ = std::make_shared<std::int64_t>(0);
   std::shared_ptr<::arrow::RecordBatchReader> batches_;
+  std::vector<int> places_;  ///< of the columns asked for, in what is read
+  std::int64_t rows_ = 0;
+  std::int64_t rows_opened_ = 0;  ///< of the stripes that were opened
+  std::shared_ptr<std::int64_t> opened_ = std::make_shared<std::int64_t>(0);
 };
 
 ::arrow::Result<Stream> open_stripes(const File& file, const ReadOptions& options) {
   ARROW_ASSIGN_OR_RAISE(auto opened, ORCFileReader::Open(file, options.pool));
   const std::shared_ptr<ORCFileReader> reader = std::move(opened);
   ARROW_ASSIGN_OR_RAISE(const auto whole, reader->ReadSchema());
-  ARROW_ASSIGN_OR_RAISE(auto columns, find_columns(*whole, options.columns));
+  ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(*whole, options.columns));
+  const auto names = names_of(*whole, columns);
   ::arrow::FieldVector fields;
-  for (const int column : columns) fields.push_back(whole->field(column));
-  const std::int64_t rows = reader->NumberOfRows();
-  const auto stripes = std::make_shared<Stripes>(reader, std::move(columns), options.batch_rows);
+  std::vector<int> places;
+  for (const int column : columns) {
+    fields.push_back(whole->field(column));
+    const auto place = std::ranges::find(names, fields.back()->name()) - names.begin();
+    places.push_back(names.empty() ? column : static_cast<int>(place));
+  }
+  ARROW_ASSIGN_OR_RAISE(auto batches, reader->GetRecordBatchReader(options.batch_rows, names));
+  const auto stripes = std::make_shared<Stripes>(reader, std::move(batches), std::move(places));
   auto next = [stripes] { return without_exceptions([&] { return stripes->next(); }); };
-  return Stream{::arrow::schema(std::move(fields), whole->metadata()), std::move(next), rows,
-                stripes->opened()};
+  return Stream{::arrow::schema(std::move(fields), whole->metadata()), std::move(next),
+                reader->NumberOfRows(), stripes->opened()};
 }
 
 }  // namespace

@@ -44,8 +44,7 @@ struct ReadOptions {
 };
 
 /// A file that is read batch by batch. Memory holds one batch and what the format needs: some pages
-/// per column of a Parquet file, one record batch of an Arrow IPC file, some blocks of a text file,
-/// and the whole columns of a Feather file.
+/// per column of a Parquet file, one record batch of an Arrow IPC file, some blocks of a text file.
 ///
 /// `ReadNext` gives batches of at most `batch_rows` rows and null after the last one. After an
 /// error, every further call returns the same error. A file that changed since it was opened is an
@@ -57,7 +56,7 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 
   /// The number of rows of the whole file, if the file states it.
   virtual std::optional<std::int64_t> rows() const = 0;
-  /// The number of row groups, record batches or blocks that were read so far.
+  /// The number of row groups, record batches, stripes or blocks that were read so far.
   virtual std::int64_t chunks() const = 0;
 };
 
@@ -67,7 +66,6 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 ///   footer is refused, and so is an encrypted column.
 /// - Arrow IPC files, and Arrow IPC streams that have their end marker, of all versions since 0.8.
 /// - ORC, if this build of Arrow has it. Timestamps are in nanoseconds; others are refused.
-/// - Feather version 1. The columns are read whole when the file is opened.
 /// - CSV: UTF-8 without NUL in its first 64 KiB, with a heading. The first MiB decides the types. A
 ///   row may have 64 MiB. In a column of texts, an empty field is null unless it has quotation
 ///   marks; in other columns, Arrow's spellings such as "NA" are null, too. In a file of one
@@ -76,14 +74,13 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 ///   decide the types: int64, or double where a number is none; text, or timestamp[s] where every
 ///   text is a moment in whole seconds, in UTC if it states an offset; structs and lists. Objects
 ///   have 1,024 levels and a file has 65,536 fields at most.
-/// - CSV and JSON lines inside gzip, zstd, bzip2 or lz4 frames, one after another, too. Data that
-/// is
-///   cut off, damaged, or followed by other bytes is refused.
+/// - CSV and JSON lines inside gzip, zstd, bzip2 or lz4 frames, of which several may follow one
+///   another. Data that is cut off, damaged, or followed by other bytes is refused.
 ///
 /// Returns IOError for a path that is no readable file, and Invalid for contents that are no table
 /// of these formats, for a column that does not exist, that is named twice, or whose name several
 /// columns have. The message says why in one line and does not name the file. Takes time for the
-/// footer or the first block alone, but reads JSON lines and Feather files to their end.
+/// footer or the first block alone, but reads JSON lines to their end.
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
                                                                    const ReadOptions& options = {});
 

@@ -33,7 +33,7 @@ constexpr KnownFormat kFormats[] = {
     {"ARROW1", "an Arrow IPC file", open_ipc_file},
     {"\xFF\xFF\xFF\xFF", "an Arrow IPC stream", open_ipc_stream},
     {"ORC", "ORC", open_orc, true},
-    {"FEA1", "Feather", open_feather, true},
+    {"FEA1", "Feather of version 1", nullptr, true},
     {"Obj\x01", "Avro", nullptr},
     {{"SQLite format 3\0", 16}, "an SQLite database", nullptr},
     {"PK\x03\x04", "a ZIP archive, as Excel workbooks are", nullptr},
@@ -146,7 +146,7 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
   ARROW_ASSIGN_OR_RAISE(const OpenAsText open_as_text, find_text(start));
   if (open_as_text == nullptr) {
     return ::arrow::Status::Invalid(
-        "it is no table in a known format (Parquet, Arrow IPC, ORC, Feather, CSV, JSON lines)");
+        "it is no table in a known format (Parquet, Arrow IPC, ORC, CSV, JSON lines)");
   }
   const OpenText open = [=] { return ::arrow::io::RandomAccessFile::GetStream(file, 0, size); };
   return [=](const ReadOptions& options) { return open_as_text(open, options); };

@@ -104,6 +104,34 @@ TEST_F(OrcFiles, ColumnsAreReadInTheOrderAskedFor) {
   expect_refused(file_, "Invalid: there is no column 'd'", {.columns = {"d"}});
 }
 
+TEST_F(OrcFiles, ColumnsAreFoundWhateverTheirNames) {
+  const auto inner = ::arrow::struct_({::arrow::field("b", ::arrow::int64())});
+  ASSERT_EQ(write_orc(file_, *table_of({{"a", inner, R"([{"b": 1}])"},
+                                        {"a.b", ::arrow::int64(), "[2]"},
+                                        {"c", ::arrow::int64(), "[3]"},
+                                        {"", ::arrow::int64(), "[4]"}}))
+                .ToString(),
+            "OK");
+  expect_table(file_, *table_of({{"", ::arrow::int64(), "[4]"}, {"a.b", ::arrow::int64(), "[2]"}}),
+               {.columns = {"", "a.b"}});
+}
+
+TEST_F(OrcFiles, AnyChangedByteIsAnswered) {
+  ASSERT_EQ(write_orc(file_, *table_of({{"n", ::arrow::int64(), "[1, null]"},
+                                        {"t", ::arrow::utf8(), R"(["text", null])"},
+                                        {"l", ::arrow::list(::arrow::int8()), "[[1, 2], [3]]"}}))
+                .ToString(),
+            "OK");
+  const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file_));
+  for (std::int64_t at = 0; at < size; ++at) {
+    SCOPED_TRACE(at);
+    flip_byte(file_, at);
+    const auto table = read_table(file_);
+    EXPECT_TRUE(!table.ok() || (*table)->num_rows() == 2);
+    flip_byte(file_, at);
+  }
+}
+
 TEST_F(OrcFiles, AFileWithoutRowsHasItsColumns) {
   const auto table = table_of({{"n", ::arrow::int64(), "[]"}});
   ASSERT_EQ(write_orc(file_, *table).ToString(), "OK");

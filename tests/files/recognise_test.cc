@@ -1,9 +1,7 @@
 // The first bytes of a file tell its format. What is known and not read is named.
 
 #include <arrow/io/file.h>
-#include <arrow/ipc/feather.h>
 #include <arrow/util/config.h>
-#include <arrow/util/macros.h>
 #include <arrow/util/secure_string.h>
 #include <gtest/gtest.h>
 #include <parquet/arrow/writer.h>
@@ -18,7 +16,7 @@ namespace numera::testing {
 namespace {
 
 constexpr const char* kUnknown =
-    "Invalid: it is no table in a known format (Parquet, Arrow IPC, ORC, Feather, CSV, JSON lines)";
+    "Invalid: it is no table in a known format (Parquet, Arrow IPC, ORC, CSV, JSON lines)";
 constexpr const char* kNoTable =
     "Invalid: it is JSON, but no table: of JSON, only files with one object per line are read";
 
@@ -39,15 +37,6 @@ void write_encrypted(const std::string& path, const ::arrow::Table& table,
 }
 #endif
 
-ARROW_SUPPRESS_DEPRECATION_WARNING
-void write_feather(const std::string& path, const ::arrow::Table& table) {
-  const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
-  const auto version_1 = ::arrow::ipc::feather::WriteProperties::DefaultsV1();
-  ASSERT_TRUE(::arrow::ipc::feather::WriteTable(table, file.get(), version_1).ok());
-  ASSERT_TRUE(file->Close().ok());
-}
-ARROW_UNSUPPRESS_DEPRECATION_WARNING
-
 class Recognition : public ::testing::Test {
  protected:
   TemporaryFolder folder_;
@@ -59,27 +48,9 @@ class Recognition : public ::testing::Test {
 TEST_F(Recognition, BinaryFormatsReturnTheirTable) {
   write_parquet(file_, *table_);
   expect_table(file_, *table_);
-  for (const auto write : {write_ipc, write_ipc_stream, write_old_ipc_stream, write_feather}) {
+  for (const auto write : {write_ipc, write_ipc_stream, write_old_ipc_stream}) {
     write(file_, *table_);
     expect_table(file_, *table_);
-  }
-}
-
-TEST_F(Recognition, ColumnsOfFeatherAreReadInTheOrderAskedFor) {
-  write_feather(file_, *table_);
-  expect_table(file_, *table_->SelectColumns({1, 0}).ValueOrDie(), {.columns = {"t", "n"}});
-  expect_table(file_, *table_, {.batch_rows = 2});
-  expect_refused(file_, "Invalid: there is no column 'd'", {.columns = {"d"}});
-  EXPECT_EQ(files::open_source(file_).ValueOrDie()->rows(), 3);
-}
-
-TEST_F(Recognition, AFeatherFileThatIsCutIsRefused) {
-  write_feather(file_, *table_);
-  const std::string whole = read_text(file_);
-  for (size_t size = 1; size < whole.size(); ++size) {
-    SCOPED_TRACE(size);
-    write_text(file_, whole.substr(0, size));
-    EXPECT_FALSE(read_table(file_).ok());
   }
 }
 
@@ -109,6 +80,7 @@ TEST_F(Recognition, AnEncryptedColumnIsNamedAndOthersAreRead) {
 
 TEST_F(Recognition, FormatsThatAreNotReadAreNamed) {
   const std::pair<std::string, const char*> cases[] = {
+      {std::string("FEA1\0\0\0\0FEA1", 12), "Feather of version 1"},
       {std::string("Obj\x01\x04\x16", 6), "Avro"},
       {std::string("SQLite format 3\0\x10", 17), "an SQLite database"},
       {std::string("PK\x03\x04\x14\0", 6), "a ZIP archive, as Excel workbooks are"},

@@ -135,7 +135,7 @@ TEST_F(Formats, AnythingElseIsNoKnownFormat) {
     const Outcome expected{1, "",
                            "numera-arrow: " + file_ +
                                ": it is no table in a known format (Parquet, Arrow IPC, ORC, "
-                               "Feather, CSV, JSON lines)\n"};
+                               "CSV, JSON lines)\n"};
     for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
@@ -151,7 +151,7 @@ TEST_F(Formats, AStreamFromBeforeArrow015OpensWithItsSchema) {
   const Outcome expected{1, "",
                          "numera-arrow: " + file_ +
                              ": it is no table in a known format (Parquet, Arrow IPC, ORC, "
-                             "Feather, CSV, JSON lines)\n"};
+                             "CSV, JSON lines)\n"};
   EXPECT_EQ(run_program({"types", file_}), expected);
 }
 
