@@ -1,147 +1,193 @@
 #include "tools/compare.h"
 
-#include <arrow/array/array_binary.h>
-#include <arrow/array/array_dict.h>
-#include <arrow/array/array_nested.h>
-#include <arrow/array/array_primitive.h>
 #include <arrow/array/util.h>
 #include <arrow/compare.h>
-#include <arrow/type.h>
+#include <arrow/type_traits.h>
 
 #include <algorithm>
-#include <memory>
-#include <string_view>
+#include <cmath>
+
+#include "tools/compare_ranges.h"
 
 namespace numera::tools {
 namespace {
 
 using ::arrow::Array;
+using ::arrow::ArrayData;
 using ::arrow::Type;
 using Row = std::optional<std::int64_t>;
 
-/// The first row that is null on one side only, or for which `same(i)` is false.
-template <class Same>
-Row first_row(const Array& went, const Array& came, const Same& same) {
-  for (std::int64_t i = 0; i < went.length(); ++i) {
-    if (went.IsNull(i) != came.IsNull(i)) return i;
-    if (!went.IsNull(i) && !same(i)) return i;
-  }
-  return std::nullopt;
+bool same(Rows rows);
+
+bool same_integers(const Rows& rows) {
+  return same_fixed(rows, [](std::int64_t) { return false; });
 }
 
-bool is_text_or_bytes(Type::type id) {
-  return ::arrow::is_base_binary_like(id) || id == Type::FIXED_SIZE_BINARY;
-}
-
-/// The text or bytes of a row. Looks up the values of a dictionary.
-std::string_view bytes_at(const Array& array, std::int64_t i) {
-  switch (array.type_id()) {
-    case Type::STRING:
-    case Type::BINARY:
-      return static_cast<const ::arrow::BinaryArray&>(array).GetView(i);
-    case Type::LARGE_STRING:
-    case Type::LARGE_BINARY:
-      return static_cast<const ::arrow::LargeBinaryArray&>(array).GetView(i);
-    case Type::FIXED_SIZE_BINARY:
-      return static_cast<const ::arrow::FixedSizeBinaryArray&>(array).GetView(i);
-    case Type::DICTIONARY: {
-      const auto& categories = static_cast<const ::arrow::DictionaryArray&>(array);
-      return bytes_at(*categories.dictionary(), categories.GetValueIndex(i));
-    }
-    default:  // callers pass no other types
-      return {};
-  }
-}
-
-Row compare_bytes(const Array& went, const Array& came) {
-  return first_row(went, came,
-                   [&](std::int64_t i) { return bytes_at(went, i) == bytes_at(came, i); });
-}
-
-template <class Went, class Came>
-Row compare_lists(const Array& went_array, const Array& came_array) {
-  const auto& went = static_cast<const Went&>(went_array);
-  const auto& came = static_cast<const Came&>(came_array);
-  return first_row(went, came, [&](std::int64_t i) {
-    return went.value_length(i) == came.value_length(i) &&
-           !first_differing_row(*went.value_slice(i), *came.value_slice(i));
+template <class Float>
+bool same_floats(const Rows& rows) {
+  const Values<Float> went(rows.went);
+  const Values<Float> came(rows.came);
+  return same_fixed(rows, [&](std::int64_t row) {
+    if (std::isnan(went[row])) return std::isnan(came[row]);
+    return went[row] == came[row] && std::signbit(went[row]) == std::signbit(came[row]);
   });
 }
 
-bool same_fields(const ::arrow::StructArray& went, const ::arrow::StructArray& came) {
-  for (int field = 0; field < went.num_fields(); ++field) {
-    if (first_differing_row(*went.field(field), *came.field(field))) return false;
-  }
-  return true;
+bool same_days(const Rows& rows) {
+  constexpr std::int64_t kSecondsPerDay = std::int64_t{24} * 60 * 60;
+  const Values<std::int32_t> days(rows.went);
+  const Values<std::int64_t> seconds(rows.came);
+  return same_rows(rows, [&](auto row) { return days[row] * kSecondsPerDay == seconds[row]; });
 }
 
-/// Ignores the values of the fields in rows where the struct is null.
-Row compare_structs(const Array& went_array, const Array& came_array) {
-  const auto& went = static_cast<const ::arrow::StructArray&>(went_array);
-  const auto& came = static_cast<const ::arrow::StructArray&>(came_array);
-  const bool same_everywhere = same_fields(went, came);
-  return first_row(went, came, [&](std::int64_t i) {
-    return same_everywhere ||
-           same_fields(static_cast<const ::arrow::StructArray&>(*went.Slice(i, 1)),
-                       static_cast<const ::arrow::StructArray&>(*came.Slice(i, 1)));
+/// Nulls return as doubles that are all null.
+bool same_nulls(const Rows& rows) {
+  const Bits valid = rows.came.bits(0);
+  return valid.bytes != nullptr && same_runs(rows, [&](std::int64_t first, std::int64_t end) {
+           using ::arrow::internal::CountSetBits;
+           return CountSetBits(valid.bytes, valid.start + first, end - first) == 0;
+         });
+}
+
+/// Compares the texts behind nulls too at first: they are often equal, and one range is quicker.
+template <class Offsets>
+bool same_texts(const Rows& rows, const Offsets& offsets, const std::uint8_t* went) {
+  const std::uint8_t* const came = rows.came.buffer(2);
+  const auto same_part = [&](std::int64_t from, std::int64_t to, std::int64_t length) {
+    return same_bytes(went + from, came + to, length);
+  };
+  return same_contents({rows.went, rows.came, rows.length, {}}, offsets, same_part) ||
+         (rows.compared.bytes != nullptr && same_contents(rows, offsets, same_part));
+}
+
+template <class Offset>
+bool same_texts(const Rows& rows) {
+  return same_texts(rows, Values<Offset>(rows.went), rows.went.buffer(2));
+}
+
+/// The offsets of values of one width.
+struct EvenOffsets {
+  std::int64_t start;
+  std::int64_t width;
+
+  std::int64_t operator[](std::int64_t row) const { return (start + row) * width; }
+};
+
+bool same_fixed_texts(const Rows& rows) {
+  const EvenOffsets offsets = {rows.went.start, rows.went.array.type->byte_width()};
+  return same_texts(rows, offsets, rows.went.buffer(1));
+}
+
+template <class Offset>
+bool same_lists(const Rows& rows) {
+  const ArrayData& went = *rows.went.array.child_data[0];
+  const ArrayData& came = *rows.came.array.child_data[0];
+  const Values<Offset> offsets(rows.went);
+  return same_contents(rows, offsets, [&](std::int64_t from, std::int64_t to, std::int64_t length) {
+    return same({Side(went, from), Side(came, to), length, {}});
   });
 }
 
-template <class Date>
-Row compare_dates(const Array& went_array, const Array& came_array, std::int64_t ticks) {
-  const auto& went = static_cast<const ::arrow::NumericArray<Date>&>(went_array);
-  const auto& came = static_cast<const ::arrow::TimestampArray&>(came_array);
-  return first_row(went, came,
-                   [&](std::int64_t i) { return went.Value(i) * ticks == came.Value(i); });
+/// Compares the fields of valid structs only.
+bool same_structs(const Rows& rows) {
+  const auto same_field = [&](const auto& went, const auto& came) {
+    return same(
+        {Side(*went, rows.went.start), Side(*came, rows.came.start), rows.length, rows.compared});
+  };
+  return std::ranges::equal(rows.went.array.child_data, rows.came.array.child_data, same_field);
 }
 
-Row compare_as_they_are(const Array& went, const Array& came) {
+std::int64_t code_at(const Side& side, std::int64_t row) {
+  const int width = side.array.type->byte_width();
+  std::int64_t code = 0;
+  std::memcpy(&code, side.buffer(1) + (side.start + row) * width, static_cast<size_t>(width));
+  return code;
+}
+
+/// Equal codes are equal texts if the dictionaries are equal. A dictionary that is longer than the
+/// range is not compared, because there can be as many ranges as rows.
+bool same_categories(const Rows& rows) {
+  const auto& [went, came, length, valid] = rows;
+  const ArrayData& texts = *went.array.dictionary;
+  const ArrayData& other_texts = *came.array.dictionary;
+  const auto same_row = [&](std::int64_t row) {
+    return same(
+        {Side(texts, code_at(rows.went, row)), Side(other_texts, code_at(rows.came, row)), 1, {}});
+  };
+  const bool same_codes = went.array.type->byte_width() == came.array.type->byte_width() &&
+                          texts.length == other_texts.length && texts.length <= length &&
+                          same({Side(texts, 0), Side(other_texts, 0), texts.length, {}});
+  return same_codes ? same_fixed(rows, same_row) : same_rows(rows, same_row);
+}
+
+/// Compares values of one type. Values of two types differ.
+bool same_by_arrow(const Rows& rows) {
   const auto options = ::arrow::EqualOptions::Defaults().nans_equal(true).signed_zeros_equal(false);
-  if (went.RangeEquals(came, 0, went.length(), 0, options)) return std::nullopt;
-  for (std::int64_t i = 0; i < went.length(); ++i) {
-    if (!went.RangeEquals(came, i, i + 1, i, options)) return i;
-  }
-  return 0;
+  const auto went = ::arrow::MakeArray(rows.went.array.Copy());
+  const auto came = ::arrow::MakeArray(rows.came.array.Copy());
+  const std::int64_t start = rows.went.start - went->offset();
+  const std::int64_t came_start = rows.came.start - came->offset();
+  return same_runs(rows, [&](std::int64_t first, std::int64_t end) {
+    return went->RangeEquals(*came, start + first, start + end, came_start + first, options);
+  });
 }
 
-/// The durations as int64 values, without their unit.
-std::shared_ptr<Array> counts_of(const Array& durations) {
-  const auto data = durations.data()->Copy();
-  data->type = ::arrow::int64();
-  return ::arrow::MakeArray(data);
+using Same = bool (*)(const Rows&);
+
+/// The comparison of the valid rows of two types, or null if these have none of their own.
+Same comparison_of(const Side& went, const Side& came) {
+  const Type::type from = went.type();
+  const Type::type to = came.type();
+  if (::arrow::is_large_binary_like(to)) {
+    if (::arrow::is_binary_like(from)) return same_texts<std::int32_t>;
+    if (::arrow::is_large_binary_like(from)) return same_texts<std::int64_t>;
+    if (from == Type::FIXED_SIZE_BINARY) return same_fixed_texts;
+  }
+  if (to == Type::LARGE_LIST) {
+    if (from == Type::LIST || from == Type::MAP) return same_lists<std::int32_t>;
+    if (from == Type::LARGE_LIST) return same_lists<std::int64_t>;
+  }
+  if (from == Type::DATE32 && to == Type::TIMESTAMP) return same_days;
+  if (from == Type::DATE64 && to == Type::TIMESTAMP) return same_integers;
+  if (from == Type::DURATION && to == Type::INT64) return same_integers;
+  if (from != to) return nullptr;
+  if (from == Type::STRUCT) return same_structs;
+  if (from == Type::DICTIONARY) return same_categories;
+  if (from == Type::BOOL) return [](const Rows& rows) { return same_bits(rows, 1); };
+  if (from == Type::FLOAT) return same_floats<float>;
+  if (from == Type::DOUBLE) return same_floats<double>;
+  const bool integers = ::arrow::is_integer(from) || ::arrow::is_temporal(from);
+  return integers && went.array.type->Equals(*came.array.type) ? same_integers : nullptr;
+}
+
+bool same(Rows rows) {
+  if (rows.length == 0) return true;
+  if (rows.went.type() == Type::NA && rows.came.type() == Type::DOUBLE) return same_nulls(rows);
+  const Same same_valid_rows = comparison_of(rows.went, rows.came);
+  if (same_valid_rows == nullptr) return same_by_arrow(rows);
+  if (!same_bits(rows, 0)) return false;
+  rows.compared = both(rows.compared, rows.went.bits(0), rows.length);
+  return same_valid_rows(rows);
 }
 
 }  // namespace
 
 Row first_differing_row(const Array& went, const Array& came) {
-  const Type::type from = went.type_id();
-  const Type::type to = came.type_id();
-  if (went.length() != came.length()) return std::min(went.length(), came.length());
-  if (is_text_or_bytes(from) && is_text_or_bytes(to)) return compare_bytes(went, came);
-  if (from == Type::DICTIONARY && to == Type::DICTIONARY) return compare_bytes(went, came);
-  if (from == Type::LIST && to == Type::LARGE_LIST) {
-    return compare_lists<::arrow::ListArray, ::arrow::LargeListArray>(went, came);
+  const std::int64_t length = went.length();
+  if (length != came.length()) return std::min(length, came.length());
+  if (went.type_id() == Type::NA && came.type_id() == Type::DOUBLE) {
+    return came.null_count() == length ? std::nullopt : Row(0);
   }
-  if (from == Type::LARGE_LIST && to == Type::LARGE_LIST) {
-    return compare_lists<::arrow::LargeListArray, ::arrow::LargeListArray>(went, came);
+  const auto same_in = [&](std::int64_t first, std::int64_t end) {
+    return same({Side(*went.data(), first), Side(*came.data(), first), end - first, {}});
+  };
+  if (same_in(0, length)) return std::nullopt;
+  std::int64_t first = 0;  // all rows before are the same
+  for (std::int64_t end = length; end - first > 1;) {
+    const std::int64_t middle = first + (end - first) / 2;
+    (same_in(first, middle) ? first : end) = middle;
   }
-  if (from == Type::MAP && to == Type::LARGE_LIST) {
-    return compare_lists<::arrow::MapArray, ::arrow::LargeListArray>(went, came);
-  }
-  if (from == Type::STRUCT && to == Type::STRUCT) return compare_structs(went, came);
-  if (from == Type::DATE32 && to == Type::TIMESTAMP) {
-    return compare_dates<::arrow::Date32Type>(went, came, std::int64_t{24} * 60 * 60);
-  }
-  if (from == Type::DATE64 && to == Type::TIMESTAMP) {
-    return compare_dates<::arrow::Date64Type>(went, came, 1);
-  }
-  if (from == Type::NA && to == Type::DOUBLE) {
-    return came.null_count() == came.length() ? std::nullopt : Row(0);
-  }
-  if (from == Type::DURATION && to == Type::INT64) {
-    return compare_as_they_are(*counts_of(went), came);
-  }
-  return compare_as_they_are(went, came);
+  return first;
 }
 
 }  // namespace numera::tools

@@ -6,6 +6,7 @@
 #include <arrow/api.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/offset_arrays.h"
 #include "tests/tools/written_files.h"
 
 namespace numera::testing {
@@ -53,6 +54,28 @@ std::vector<Case> cases() {
        R"([[{"key": "a", "value": 1}], [{"key": "b", "value": 3}]])"},
       {text(utf8()), text(large_utf8()), R"([{"t": "a"}, {"t": "b"}])",
        R"([{"t": "a"}, {"t": "b"}])", R"([{"t": "a"}, {"t": "c"}])"},
+      {boolean(), boolean(), "[true, false, null]", "[true, false, null]", "[true, true, null]"},
+      {float32(), float32(), "[NaN, 0]", "[NaN, 0]", "[NaN, -0.0]"},
+      {time64(TimeUnit::MICRO), time64(TimeUnit::MICRO), "[1, 2]", "[1, 2]", "[1, 3]"},
+      {dictionary(int8(), utf8()), dictionary(int8(), large_utf8()), R"(["a", "b", null])",
+       R"(["a", "b", null])", R"(["a", "a", null])"},
+      {dictionary(int8(), utf8()), dictionary(int32(), large_utf8()),
+       R"(["a", "a", "a", "a", "b"])", R"(["a", "a", "a", "a", "b"])",
+       R"(["a", "b", "a", "a", "b"])"},
+      {list(text(utf8())), large_list(text(large_utf8())), R"([[{"t": "a"}, null], [{"t": "b"}]])",
+       R"([[{"t": "a"}, null], [{"t": "b"}]])", R"([[{"t": "a"}, null], [{"t": "c"}]])"},
+      {list(text(utf8())), large_list(text(large_utf8())), R"([[{"t": "a"}, null], [{"t": "b"}]])",
+       R"([[{"t": "a"}, null], [{"t": "b"}]])", R"([[{"t": "a"}, null], [{"t": null}]])"},
+      {list(null()), large_list(float64()), "[[null], [null, null]]", "[[null], [null, null]]",
+       "[[null], [null, 0]]"},
+      {text(text(list(int8()))), text(text(large_list(int8()))),
+       R"([{"t": {"t": [1]}}, {"t": {"t": [2]}}, {"t": null}, null])",
+       R"([{"t": {"t": [1]}}, {"t": {"t": [2]}}, {"t": null}, null])",
+       R"([{"t": {"t": [1]}}, {"t": {"t": []}}, {"t": null}, null])"},
+      {list(float64()), list(float64()), "[[1], [NaN, 0]]", "[[1], [NaN, 0]]",
+       "[[1], [NaN, -0.0]]"},
+      {decimal128(9, 2), decimal128(9, 2), R"(["1.25", null])", R"(["1.25", null])",
+       R"(["1.25", "0.00"])"},
   };
 }
 
@@ -70,6 +93,63 @@ TEST(Compare, FindsTheFirstRowThatDiffers) {
     EXPECT_EQ(
         first_differing_row(*values_of(test.from, test.went), *values_of(test.to, test.other)),
         Row(1));
+  }
+}
+
+/// The array as a slice of a longer one, of which other rows stand on both sides.
+std::shared_ptr<::arrow::Array> sliced(const std::shared_ptr<::arrow::Array>& array,
+                                       const std::shared_ptr<::arrow::Array>& others) {
+  return ::arrow::Concatenate({others, others, array, others})
+      .ValueOrDie()
+      ->Slice(2 * others->length(), array->length());
+}
+
+TEST(Compare, FindsTheSameInSlices) {
+  for (const Case& test : cases()) {
+    SCOPED_TRACE(test.from->ToString() + " " + test.other);
+    const auto went = values_of(test.from, test.went);
+    const auto same = values_of(test.to, test.same);
+    const auto other = values_of(test.to, test.other);
+    EXPECT_EQ(first_differing_row(*sliced(went, went), *same), std::nullopt);
+    EXPECT_EQ(first_differing_row(*went, *sliced(same, other)), std::nullopt);
+    EXPECT_EQ(first_differing_row(*sliced(went, went), *other), Row(1));
+    EXPECT_EQ(first_differing_row(*went, *sliced(other, same)), Row(1));
+  }
+}
+
+TEST(Compare, FindsTheRowAmongMany) {
+  constexpr std::int64_t kTimes = 99;
+  for (const Case& test : cases()) {
+    const auto went = values_of(test.from, test.went);
+    const auto same = values_of(test.to, test.same);
+    const auto many = ::arrow::Concatenate(::arrow::ArrayVector(kTimes, went)).ValueOrDie();
+    ::arrow::ArrayVector parts(kTimes, same);
+    EXPECT_EQ(first_differing_row(*many, *::arrow::Concatenate(parts).ValueOrDie()), std::nullopt);
+    for (const std::int64_t part : {kTimes - 1, kTimes / 2, std::int64_t{0}}) {
+      SCOPED_TRACE(test.from->ToString() + " " + test.other + " " + std::to_string(part));
+      parts[static_cast<size_t>(part)] = values_of(test.to, test.other);
+      EXPECT_EQ(first_differing_row(*many, *::arrow::Concatenate(parts).ValueOrDie()),
+                Row(part * went->length() + 1));
+    }
+  }
+}
+
+/// The array with every buffer but the first moved by one byte.
+std::shared_ptr<::arrow::Array> unaligned(const std::shared_ptr<::arrow::Array>& array) {
+  const auto data = array->data()->Copy();
+  for (size_t i = 1; i < data->buffers.size(); ++i) {
+    data->buffers[i] =
+        ::arrow::SliceBuffer(::arrow::Buffer::FromString(" " + data->buffers[i]->ToString()), 1);
+  }
+  return ::arrow::MakeArray(data);
+}
+
+TEST(Compare, ReadsUnalignedBuffers) {
+  for (const Case& test : cases()) {
+    SCOPED_TRACE(test.from->ToString() + " " + test.other);
+    const auto went = unaligned(values_of(test.from, test.went));
+    EXPECT_EQ(first_differing_row(*went, *unaligned(values_of(test.to, test.same))), std::nullopt);
+    EXPECT_EQ(first_differing_row(*went, *unaligned(values_of(test.to, test.other))), Row(1));
   }
 }
 
@@ -106,6 +186,48 @@ TEST(Compare, ReadsCategoriesAsTheirTexts) {
   const auto other = categories("[1, 1, null]", R"(["b", "a"])", ::arrow::large_utf8());
   EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
   EXPECT_EQ(first_differing_row(*went, *other), Row(1));
+}
+
+TEST(Compare, FindsEqualCodesOfOtherTexts) {
+  const auto went = categories("[0, 1, null]", R"(["a", "b"])", ::arrow::utf8());
+  const auto longer = categories("[0, 1, null]", R"(["a", "b", "c"])", ::arrow::large_utf8());
+  const auto other = categories("[0, 1, null]", R"(["a", "c"])", ::arrow::large_utf8());
+  EXPECT_EQ(first_differing_row(*went, *longer), std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
+}
+
+TEST(Compare, ReadsNoTextBehindTheShorterDictionary) {
+  const auto went = categories("[0, 1, 0]", R"(["a", "b", "c"])", ::arrow::utf8());
+  const auto shorter =
+      ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), "[0, 1, 0]"),
+                                           LargeArray(::arrow::large_utf8(), "ab", {0, 1, 2}))
+          .ValueOrDie();
+  EXPECT_EQ(first_differing_row(*went, *shorter), std::nullopt);
+}
+
+TEST(Compare, TakesEqualCategoriesForOne) {
+  const auto went = categories("[0, 1, 0]", R"(["a", "a"])", ::arrow::utf8());
+  const auto same = categories("[1, 1, 0]", R"(["a", "a"])", ::arrow::large_utf8());
+  const auto other = categories("[1, 1, 0]", R"(["b", "a"])", ::arrow::large_utf8());
+  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *other), Row(2));
+}
+
+TEST(Compare, ComparesRowsOfDictionariesThatAreLonger) {
+  const auto went = categories("[2, 0]", R"(["a", "b", "c"])", ::arrow::utf8());
+  const auto same = categories("[2, 0]", R"(["a", "b", "c"])", ::arrow::large_utf8());
+  const auto other = categories("[2, 1]", R"(["a", "b", "c"])", ::arrow::large_utf8());
+  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
+  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
+}
+
+TEST(Compare, TakesAllNaNsForEqual) {
+  const auto went = values_of(::arrow::uint64(), "[9221120237041090560, 9221120237041090560]");
+  const auto same = values_of(::arrow::uint64(), "[9221120237041090560, 18444492273895866369]");
+  const auto other = values_of(::arrow::uint64(), "[18444492273895866369, 0]");
+  const auto doubles = [](const auto& bits) { return bits->View(::arrow::float64()).ValueOrDie(); };
+  EXPECT_EQ(first_differing_row(*doubles(went), *doubles(same)), std::nullopt);
+  EXPECT_EQ(first_differing_row(*doubles(went), *doubles(other)), Row(1));
 }
 
 TEST(Compare, ExpectsNullsForNulls) {
