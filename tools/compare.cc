@@ -153,11 +153,28 @@ Same comparison_of(const Side& went, const Side& came) {
   if (from != to) return nullptr;
   if (from == Type::STRUCT) return same_structs;
   if (from == Type::DICTIONARY) return same_categories;
-  if (from == Type::BOOL) return [](const Rows& rows) { return same_bits(rows, 1); };
+  if (from == Type::BOOL)
+    return [](const Rows& rows) { return same_bits(rows, rows.went.bits(1), rows.came.bits(1)); };
   if (from == Type::FLOAT) return same_floats<float>;
   if (from == Type::DOUBLE) return same_floats<double>;
   const bool integers = ::arrow::is_integer(from) || ::arrow::is_temporal(from);
   return integers && went.array.type->Equals(*came.array.type) ? same_integers : nullptr;
+}
+
+/// The validity of rows. The code of a null entry of a dictionary is null: the host has no such
+/// entries, so it returns as a null.
+Bits validity_of(const Side& side, std::int64_t length) {
+  Bits valid = side.bits(0);
+  if (side.type() != Type::DICTIONARY || side.array.dictionary->GetNullCount() == 0) return valid;
+  const auto bytes = static_cast<size_t>(::arrow::bit_util::BytesForBits(length));
+  const auto bits = std::make_shared<std::vector<std::uint8_t>>(bytes);
+  for (std::int64_t row = 0; row < length; ++row) {
+    const bool is_valid =
+        valid.bytes == nullptr || ::arrow::bit_util::GetBit(valid.bytes, valid.start + row);
+    if (!is_valid || side.array.dictionary->IsNull(code_at(side, row))) continue;
+    ::arrow::bit_util::SetBit(bits->data(), row);
+  }
+  return {bits->data(), 0, bits};
 }
 
 bool same(Rows rows) {
@@ -165,8 +182,9 @@ bool same(Rows rows) {
   if (rows.went.type() == Type::NA && rows.came.type() == Type::DOUBLE) return same_nulls(rows);
   const Same same_valid_rows = comparison_of(rows.went, rows.came);
   if (same_valid_rows == nullptr) return same_by_arrow(rows);
-  if (!same_bits(rows, 0)) return false;
-  rows.compared = both(rows.compared, rows.went.bits(0), rows.length);
+  const Bits valid = validity_of(rows.went, rows.length);
+  if (!same_bits(rows, valid, validity_of(rows.came, rows.length))) return false;
+  rows.compared = both(rows.compared, valid, rows.length);
   return same_valid_rows(rows);
 }
 

@@ -69,10 +69,10 @@ inline Bits both(const Bits& one, const Bits& other, std::int64_t length) {
   return {bits->data(), 0, bits};
 }
 
-/// Whether a bitmap of both sides has the same bits in the rows that are compared.
-inline bool same_bits(const Rows& rows, size_t buffer) {
-  const Bits went = both(rows.compared, rows.went.bits(buffer), rows.length);
-  const Bits came = both(rows.compared, rows.came.bits(buffer), rows.length);
+/// Whether the bits are the same in the rows that are compared.
+inline bool same_bits(const Rows& rows, const Bits& went_bits, const Bits& came_bits) {
+  const Bits went = both(rows.compared, went_bits, rows.length);
+  const Bits came = both(rows.compared, came_bits, rows.length);
   return ::arrow::internal::OptionalBitmapEquals(went.bytes, went.start, came.bytes, came.start,
                                                  rows.length);
 }

@@ -116,5 +116,24 @@ TEST(CompareNulls, ReadsNoCodesBehindNulls) {
   EXPECT_EQ(first_differing_row(*went, *coded("[0, -1, 0]", ::arrow::large_utf8())), Row(2));
 }
 
+TEST(CompareNulls, TakesTheCodeOfANullEntryForANull) {
+  const auto of = [](const char* codes, const std::shared_ptr<::arrow::DataType>& type,
+                     const char* entries) {
+    return ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), codes),
+                                                values_of(type, entries))
+        .ValueOrDie();
+  };
+  const auto went = of("[0, 1, null, 2]", ::arrow::utf8(), R"(["a", null, "b"])");
+  struct Pair {
+    const char* codes;
+    Row row;
+  };
+  for (const auto& [codes, row] : {Pair{"[0, null, null, 1]", std::nullopt},
+                                   Pair{"[0, 0, null, 1]", 1}, Pair{"[0, null, null, 0]", 3}}) {
+    SCOPED_TRACE(codes);
+    EXPECT_EQ(first_differing_row(*went, *of(codes, ::arrow::large_utf8(), R"(["a", "b"])")), row);
+  }
+}
+
 }  // namespace
 }  // namespace numera::testing
