@@ -170,7 +170,8 @@ Bits validity_of(const Side& side, std::int64_t length) {
   const auto bits = std::make_shared<std::vector<std::uint8_t>>(bytes);
   for (std::int64_t row = 0; row < length; ++row) {
     const bool is_valid =
-        valid.bytes == nullptr || ::arrow::bit_util::GetBit(valid.bytes, valid.start + row);
+        valid.bytes == nullptr ||
+        ::arrow::bit_util::GetBit(valid.bytes, static_cast<std::uint64_t>(valid.start + row));
     if (!is_valid || side.array.dictionary->IsNull(code_at(side, row))) continue;
     ::arrow::bit_util::SetBit(bits->data(), row);
   }
