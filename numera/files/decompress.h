@@ -19,9 +19,9 @@ struct Compression {
 /// The format of a file that starts with these bytes, or null if it is not compressed.
 const Compression* find_compression(std::string_view start);
 
-/// The decompressed bytes. Memory holds 64 KiB of the compressed bytes. Compressed files may follow
-/// one another. Reading fails where the compressed bytes are damaged, end too early, or are
-/// followed by anything else. Invalid if this build of Arrow lacks the codec.
+/// The decompressed bytes. Compressed files may follow one another. Reading fails where the
+/// compressed bytes are damaged, end too early, or are followed by anything else. Invalid if this
+/// build of Arrow lacks the codec.
 ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> decompress(
     const Compression& format, std::shared_ptr<::arrow::io::InputStream> compressed);
 
