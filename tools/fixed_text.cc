@@ -1,14 +1,15 @@
 #include "tools/fixed_text.h"
 
 #include <arrow/array.h>
+#include <arrow/type_traits.h>
 #include <arrow/util/float16.h>
+#include <arrow/util/formatting.h>
 
 #include <charconv>
 #include <cmath>
 #include <iterator>
+#include <string_view>
 #include <type_traits>
-
-#include "tools/time_text.h"
 
 namespace numera::tools {
 namespace {
@@ -53,16 +54,38 @@ std::string half_text(std::uint16_t bits) {
   return {text, std::to_chars(text, std::end(text), number, std::chars_format::general, 5).ptr};
 }
 
-std::string timestamp_of(const ::arrow::Array& array, std::int64_t row) {
-  const auto& type = static_cast<const ::arrow::TimestampType&>(*array.type());
-  const std::string text =
-      timestamp_text(as<::arrow::TimestampArray>(array).Value(row), type.unit());
-  return type.timezone().empty() ? text : text + "Z";
+/// The unit that the values of a type count: "s" of timestamp[s, tz=UTC].
+std::string unit_of(const ::arrow::DataType& type) {
+  const std::string text = type.ToString();
+  const size_t start = text.find('[') + 1;
+  return text.substr(start, text.find_first_of(",]", start) - start);
 }
 
-std::string day_of(std::int64_t milliseconds) {
-  std::string text = timestamp_text(milliseconds, ::arrow::TimeUnit::MILLI);
-  return text.ends_with(" 00:00:00") ? text.substr(0, text.size() - 9) : text;
+std::string count_text(std::int64_t count, const ::arrow::DataType& type) {
+  return std::to_string(count) + " " + unit_of(type);
+}
+
+/// A fraction of seconds loses the groups of three zeros at its end.
+std::string without_zeros(std::string text) {
+  const bool has_zone = text.ends_with('Z');
+  if (has_zone) text.pop_back();
+  const size_t point = text.find('.');
+  while (point != std::string::npos && text.size() > point + 1 && text.ends_with("000")) {
+    text.resize(text.size() - 3);
+  }
+  if (text.ends_with('.')) text.pop_back();
+  return has_zone ? text + "Z" : text;
+}
+
+/// Arrow's text of a date or a time, or the number where Arrow has none: for a year below -32767 or
+/// above 32767, and for what is no time of a day.
+template <typename TimeType>
+std::string time_of(const ::arrow::Array& array, std::int64_t row) {
+  const auto value = as<typename ::arrow::TypeTraits<TimeType>::ArrayType>(array).Value(row);
+  ::arrow::internal::StringFormatter<TimeType> format(array.type().get());
+  std::string text;
+  format(value, [&text](std::string_view found) { text = found; });
+  return text.starts_with('<') ? count_text(value, *array.type()) : without_zeros(std::move(text));
 }
 
 template <typename ArrayType>
@@ -112,20 +135,17 @@ std::optional<std::string> fixed_text(const ::arrow::Array& array, std::int64_t 
     case Type::DECIMAL256:
       return decimal_of<::arrow::Decimal256Array>(array, row);
     case Type::DATE32:
-      return date_text(as<::arrow::Date32Array>(array).Value(row));
+      return time_of<::arrow::Date32Type>(array, row);
     case Type::DATE64:
-      return day_of(as<::arrow::Date64Array>(array).Value(row));
+      return time_of<::arrow::Date64Type>(array, row);
     case Type::TIME32:
-      return time_text(as<::arrow::Time32Array>(array).Value(row),
-                       static_cast<const ::arrow::Time32Type&>(*array.type()).unit());
+      return time_of<::arrow::Time32Type>(array, row);
     case Type::TIME64:
-      return time_text(as<::arrow::Time64Array>(array).Value(row),
-                       static_cast<const ::arrow::Time64Type&>(*array.type()).unit());
+      return time_of<::arrow::Time64Type>(array, row);
     case Type::TIMESTAMP:
-      return timestamp_of(array, row);
+      return time_of<::arrow::TimestampType>(array, row);
     case Type::DURATION:
-      return duration_text(as<::arrow::DurationArray>(array).Value(row),
-                           static_cast<const ::arrow::DurationType&>(*array.type()).unit());
+      return count_text(as<::arrow::DurationArray>(array).Value(row), *array.type());
     default:
       return std::nullopt;
   }

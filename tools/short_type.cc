@@ -2,7 +2,7 @@
 
 #include <arrow/extension_type.h>
 
-#include "tools/time_text.h"
+#include <string_view>
 
 namespace numera::tools {
 namespace {
@@ -26,8 +26,10 @@ std::string map_name(const ::arrow::MapType& type) {
 }
 
 std::string timestamp_name(const ::arrow::TimestampType& type) {
-  const std::string zone = type.timezone().empty() ? "" : ", " + type.timezone();
-  return std::string("timestamp[") + unit_text(type.unit()) + zone + "]";
+  constexpr std::string_view kZone = "tz=";
+  std::string name = type.ToString();
+  if (!type.timezone().empty()) name.erase(name.find(kZone), kZone.size());
+  return name;
 }
 
 }  // namespace

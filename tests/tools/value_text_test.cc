@@ -14,7 +14,6 @@
 #include "tests/tools/written_files.h"
 #include "tools/characters.h"
 #include "tools/short_type.h"
-#include "tools/time_text.h"
 
 namespace numera::testing {
 namespace {
@@ -117,23 +116,15 @@ TEST(ValueText, OfTimes) {
   });
 }
 
-TEST(ValueText, OfTimesThatAreNoTimesOfADay) {
-  EXPECT_EQ(tools::time_text(86400, TimeUnit::SECOND), "86400 s");
-  EXPECT_EQ(tools::time_text(-1, TimeUnit::NANO), "-1 ns");
-  EXPECT_EQ(tools::timestamp_text(std::numeric_limits<std::int64_t>::min(), TimeUnit::SECOND),
-            "-292277022657-01-27 08:29:52");
-}
-
-TEST(ValueText, OfDaysFollowsTheCalendar) {
-  using std::chrono::days;
-  for (int day = -1'000'000; day < 1'000'000; day += 37) {
-    const std::chrono::year_month_day date{std::chrono::sys_days{days{day}}};
-    if (int{date.year()} < 0) continue;
-    char expected[32];
-    std::snprintf(expected, sizeof expected, "%04d-%02u-%02u", int{date.year()},
-                  unsigned{date.month()}, unsigned{date.day()});
-    ASSERT_EQ(tools::date_text(day), expected);
-  }
+TEST(ValueText, OfTimesThatArrowHasNoTextFor) {
+  expect_texts({
+      {::arrow::time32(TimeUnit::SECOND), "[86400]", "86400 s"},
+      {::arrow::time64(TimeUnit::NANO), "[-1]", "-1 ns"},
+      {::arrow::date32(), "[11248738]", "11248738 day"},
+      {::arrow::date64(), "[971890963200000]", "971890963200000 ms"},
+      {::arrow::timestamp(TimeUnit::SECOND, "UTC"), "[-9223372036854775808]",
+       "-9223372036854775808 s"},
+  });
 }
 
 TEST(ValueText, OfTexts) {
