@@ -32,7 +32,7 @@ std::string number_text(Number number) {
 template <typename Float>
 std::string float_text(Float number) {
   if (std::isnan(number)) return "NaN";
-  constexpr Float kLargest = std::is_same_v<Float, float> ? Float{1e7F} : Float{1e15};
+  constexpr auto kLargest = static_cast<Float>(std::is_same_v<Float, float> ? 1e7 : 1e15);
   const Float size = std::abs(number);
   if (size >= kLargest || (size < Float{1e-5F} && size > 0)) return number_text(number);
   char digits[64];

@@ -14,7 +14,7 @@ namespace numera::tools {
 namespace {
 
 /// Rows of a file, and how many the file has if that is known.
-struct Rows {
+struct TableRows {
   ::arrow::RecordBatchVector batches;
   std::optional<std::int64_t> all;
 };
@@ -41,8 +41,8 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
   return ::arrow::Status::OK();
 }
 
-::arrow::Result<Rows> first_rows(files::Source& source, std::int64_t wanted) {
-  Rows rows{{}, source.rows()};
+::arrow::Result<TableRows> first_rows(files::Source& source, std::int64_t wanted) {
+  TableRows rows{{}, source.rows()};
   while (wanted > 0) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, next_batch(source));
     if (batch == nullptr) {
@@ -55,7 +55,7 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
   return rows;
 }
 
-::arrow::Result<Rows> last_rows(files::Source& source, std::int64_t wanted) {
+::arrow::Result<TableRows> last_rows(files::Source& source, std::int64_t wanted) {
   std::deque<std::shared_ptr<::arrow::RecordBatch>> last;
   std::int64_t held = 0;
   std::int64_t read = 0;
@@ -73,10 +73,10 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
     progress.show(read);
   }
   if (held > wanted) last.front() = last.front()->Slice(held - wanted);
-  return Rows{{last.begin(), last.end()}, read};
+  return TableRows{{last.begin(), last.end()}, read};
 }
 
-void print_count(const Rows& rows, std::ostream& out) {
+void print_count(const TableRows& rows, std::ostream& out) {
   if (!rows.all) return;
   const std::int64_t shown = count_rows(rows.batches);
   const std::string all = grouped(*rows.all) + (*rows.all == 1 ? " row" : " rows");
@@ -92,9 +92,9 @@ void print_count(const Rows& rows, std::ostream& out) {
     few.batch_rows = std::clamp<std::int64_t>(wanted.rows, 1, options.batch_rows);
   }
   ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, few));
-  ARROW_ASSIGN_OR_RAISE(const Rows rows, wanted.part == Part::kFirst
-                                             ? first_rows(*source, wanted.rows)
-                                             : last_rows(*source, wanted.rows));
+  ARROW_ASSIGN_OR_RAISE(const TableRows rows, wanted.part == Part::kFirst
+                                                  ? first_rows(*source, wanted.rows)
+                                                  : last_rows(*source, wanted.rows));
   for (const auto& batch : rows.batches) ARROW_RETURN_NOT_OK(check(*batch));
   const Layout layout{.width = output_width().value_or(kUnlimited), .colour = output_has_colour()};
   (wanted.vertical ? print_blocks : print_table)(*source->schema(), rows.batches, layout, out);

@@ -2,8 +2,6 @@
 
 #include <arrow/io/compressed.h>
 
-#include <utility>
-
 namespace numera::files {
 namespace {
 
@@ -34,12 +32,12 @@ const Compression* find_compression(std::string_view start) {
 }
 
 ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> decompress(
-    const Compression& format, std::shared_ptr<::arrow::io::InputStream> compressed) {
+    const Compression& format, const std::shared_ptr<::arrow::io::InputStream>& compressed) {
   if (!::arrow::util::Codec::IsAvailable(format.codec)) {
     return ::arrow::Status::Invalid("it is ", format.name, ", which this build does not read");
   }
   ARROW_ASSIGN_OR_RAISE(const auto codec, ::arrow::util::Codec::Create(format.codec));
-  return ::arrow::io::CompressedInputStream::Make(codec.get(), std::move(compressed));
+  return ::arrow::io::CompressedInputStream::Make(codec.get(), compressed);
 }
 
 }  // namespace numera::files

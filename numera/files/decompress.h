@@ -23,6 +23,6 @@ const Compression* find_compression(std::string_view start);
 /// compressed bytes are damaged, end too early, or are followed by anything else. Invalid if this
 /// build of Arrow lacks the codec.
 ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> decompress(
-    const Compression& format, std::shared_ptr<::arrow::io::InputStream> compressed);
+    const Compression& format, const std::shared_ptr<::arrow::io::InputStream>& compressed);
 
 }  // namespace numera::files

@@ -83,7 +83,7 @@ template <class... Parts>
   ARROW_ASSIGN_OR_RAISE(const int least, ::arrow::util::Codec::MinimumCompressionLevel(codec));
   ARROW_ASSIGN_OR_RAISE(const int most, ::arrow::util::Codec::MaximumCompressionLevel(codec));
   int level = 0;
-  const std::string_view digits = compression.substr(colon + 1);
+  const std::string digits(compression.substr(colon + 1));
   const char* end = digits.data() + digits.size();
   const auto [stop, error] = std::from_chars(digits.data(), end, level);
   if (error == std::errc() && stop == end && level >= least && level <= most) return level;

@@ -33,7 +33,7 @@ bool are(const TypePtr& one, const TypePtr& other, ::arrow::Type::type id,
                                            path + (path.empty() ? "" : ".") + field->name()));
     widened = widened->WithType(type);
   }
-  return ::arrow::struct_(std::move(fields));
+  return ::arrow::struct_(fields);
 }
 
 ::arrow::Result<TypePtr> widen(const TypePtr& before, const TypePtr& found,

@@ -104,8 +104,9 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
                                                 std::int64_t size) {
   const OpenText open = [&format, file,
                          size]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
-    ARROW_ASSIGN_OR_RAISE(auto stream, ::arrow::io::RandomAccessFile::GetStream(file, 0, size));
-    return decompress(format, std::move(stream));
+    ARROW_ASSIGN_OR_RAISE(const auto stream,
+                          ::arrow::io::RandomAccessFile::GetStream(file, 0, size));
+    return decompress(format, stream);
   };
   ARROW_ASSIGN_OR_RAISE(const auto stream, open());
   ARROW_ASSIGN_OR_RAISE(const auto buffer, stream->Read(kLookedAt));
