@@ -223,7 +223,7 @@ std::optional<std::string> value_text(const ::arrow::Array& array, std::int64_t 
   const Element element = resolved({nullptr, &array, row});
   if (element.array->IsNull(element.row)) return std::nullopt;
   if (is_text(element.array->type_id())) {
-    const std::string_view text = *bytes_of(element);
+    const std::string_view text = bytes_of(element).value_or("");
     if (text != "null" && !text.starts_with('"')) return fitted(text, width);
   }
   return whole_text(element, width).text;
