@@ -148,8 +148,7 @@ void complete(const CLI::App& command, Arguments& arguments) {
 std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   CLI::App program(
       "Shows the columns of Parquet, Arrow IPC, CSV and JSON files, and converts them to host "
-      "arrays and "
-      "back.",
+      "arrays and back.",
       "numera-arrow");
   program.set_version_flag("--version", "numera-arrow " + std::string(kVersion));
   program.require_subcommand(1);

@@ -194,9 +194,6 @@ bool same(Rows rows) {
 Row first_differing_row(const Array& went, const Array& came) {
   const std::int64_t length = went.length();
   if (length != came.length()) return std::min(length, came.length());
-  if (went.type_id() == Type::NA && came.type_id() == Type::DOUBLE) {
-    return came.null_count() == length ? std::nullopt : Row(0);
-  }
   const auto same_in = [&](std::int64_t first, std::int64_t end) {
     return same({Side(*went.data(), first), Side(*came.data(), first), end - first, {}});
   };

@@ -64,8 +64,6 @@ class Conversion {
   ::arrow::Status finish() { return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish(); }
 
  private:
-  using Batch = std::shared_ptr<::arrow::RecordBatch>;
-
   /// The next batch is read and the last one is checked and written while a batch is converted; one
   /// after the other if there is one thread. Only this thread calls the host.
   ::arrow::Status go_through() {

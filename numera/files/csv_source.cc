@@ -43,6 +43,7 @@ std::int32_t columns_of(std::string_view text, char delimiter, std::int32_t rows
 ::arrow::Result<char> find_delimiter(std::string_view start) {
   constexpr std::string_view kDelimiters = ",\t;|";
   constexpr std::int32_t kRowsLookedAt = 10;
+  if (start.starts_with(kByteOrderMark)) start.remove_prefix(kByteOrderMark.size());
   char best = kDelimiters.front();
   std::int32_t most = 1;
   for (const char delimiter : kDelimiters) {
@@ -85,14 +86,15 @@ class CsvRows {
   const std::shared_ptr<std::int64_t>& blocks() const { return count_; }
 
   BatchResult next() {
+    if (parser_ == nullptr) ARROW_RETURN_NOT_OK(parse_block());
     if (parser_ == nullptr) return nullptr;
     ::arrow::ArrayVector arrays;
     for (const auto& decoder : decoders_) {
       ARROW_ASSIGN_OR_RAISE(arrays.emplace_back(), decode(*decoder));
     }
     auto batch = ::arrow::RecordBatch::Make(schema_, parser_->num_rows(), std::move(arrays));
+    parser_ = nullptr;
     ++*count_;
-    ARROW_RETURN_NOT_OK(parse_block());
     return batch;
   }
 
@@ -124,9 +126,8 @@ class CsvRows {
     return names;
   }
 
-  /// Parses the next block that has a row. No parser is left after the last one.
+  /// Parses the next block that has a row. There is no parser after the last one.
   ::arrow::Status parse_block() {
-    parser_ = nullptr;
     for (; parser_ == nullptr; block_ = nullptr) {
       if (block_ == nullptr) {
         ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
@@ -182,7 +183,7 @@ class CsvRows {
   std::vector<int> columns_;
   std::vector<std::shared_ptr<csv::ColumnDecoder>> decoders_;
   std::shared_ptr<::arrow::Buffer> block_;    ///< not parsed yet
-  std::shared_ptr<csv::BlockParser> parser_;  ///< the rows of the next batch
+  std::shared_ptr<csv::BlockParser> parser_;  ///< the rows of the next batch, if they are parsed
   std::int64_t row_ = 1;                      ///< of the file, the heading included
   std::shared_ptr<std::int64_t> count_ = std::make_shared<std::int64_t>(0);
 };
@@ -194,6 +195,7 @@ class CsvRows {
   auto parse = csv::ParseOptions::Defaults();
   if (options.csv_delimiter) {
     parse.delimiter = *options.csv_delimiter;
+    ARROW_RETURN_NOT_OK(parse.Validate());
   } else {
     ARROW_ASSIGN_OR_RAISE(const auto text, open());
     ARROW_ASSIGN_OR_RAISE(const auto start, text->Read(kTextBlockBytes));

@@ -8,7 +8,8 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <system_error>
+
+#include "numera/files/last_error.h"
 
 namespace numera::files {
 namespace {
@@ -58,10 +59,6 @@ bool can_be_tried_again(int descriptor) {
 }
 
 }  // namespace
-
-::arrow::Status last_error() {
-  return ::arrow::Status::IOError(std::generic_category().message(errno));
-}
 
 DescriptorOutput::DescriptorOutput(int descriptor) : descriptor_(descriptor) {
   struct stat found = {};

@@ -8,9 +8,6 @@
 
 namespace numera::files {
 
-/// The reason why the last system call of this thread failed.
-::arrow::Status last_error();
-
 /// Writes to an open file, pipe or terminal. `Close` ends the writing; the descriptor stays open.
 /// A closed pipe is an error and raises no signal.
 class DescriptorOutput : public ::arrow::io::OutputStream {

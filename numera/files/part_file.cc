@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-#include "numera/files/descriptor_output.h"
+#include "numera/files/last_error.h"
 
 namespace numera::files {
 namespace {

@@ -46,7 +46,8 @@ struct ReadOptions {
 /// A file that is read batch by batch. Memory holds one batch and what the format needs: some pages
 /// per column of a Parquet file, one record batch of an Arrow IPC file, some blocks of a text file.
 ///
-/// `ReadNext` gives batches of at most `batch_rows` rows and null after the last one. After an
+/// `ReadNext` gives batches of at most `batch_rows` rows and null after the last one. Each has
+/// passed `RecordBatch::Validate`, but not the full validation, which reads all values. After an
 /// error, every further call returns the same error. A file that changed since it was opened is an
 /// error at its end. Buffers of a batch stay valid after the source is gone. One thread at a time
 /// may use a source; it may be another one for each call.

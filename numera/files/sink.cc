@@ -8,6 +8,7 @@
 
 #include "numera/files/descriptor_output.h"
 #include "numera/files/encoder.h"
+#include "numera/files/last_error.h"
 #include "numera/files/part_file.h"
 
 namespace numera::files {

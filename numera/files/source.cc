@@ -4,10 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <system_error>
+#include <algorithm>
 #include <utility>
 
+#include "numera/files/last_error.h"
 #include "numera/files/memory_limit.h"
 #include "numera/files/recognise.h"
 
@@ -19,12 +19,10 @@ constexpr std::int64_t kLeastMemory = std::int64_t{1} << 31;
 /// Checks before the file is opened, because opening a pipe waits for a writer.
 ::arrow::Result<std::int64_t> size_of_file(const std::string& path) {
   struct stat found = {};
-  if (::stat(path.c_str(), &found) != 0)
-    return ::arrow::Status::IOError(std::generic_category().message(errno));
+  if (::stat(path.c_str(), &found) != 0) return last_error();
   if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("it is a directory");
   if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
-  if (::access(path.c_str(), R_OK) != 0)
-    return ::arrow::Status::IOError(std::generic_category().message(errno));
+  if (::access(path.c_str(), R_OK) != 0) return last_error();
   return found.st_size;
 }
 
@@ -38,8 +36,7 @@ struct Version {
 
 ::arrow::Result<Version> version_of(const ::arrow::io::ReadableFile& file) {
   struct stat found = {};
-  if (::fstat(file.file_descriptor(), &found) != 0)
-    return ::arrow::Status::IOError(std::generic_category().message(errno));
+  if (::fstat(file.file_descriptor(), &found) != 0) return last_error();
   return Version{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
 }
 

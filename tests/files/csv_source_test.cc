@@ -99,6 +99,27 @@ TEST_F(CsvSource, MayBeginWithAMarkOfTheByteOrder) {
   expect("\xEF\xBB\xBF\"a\nb\",c\n1,2\n", table_of({{"a\nb", kInts, "[1]"}, {"c", kInts, "[2]"}}));
 }
 
+TEST_F(CsvSource, IgnoresDelimitersInQuotationMarksBehindAMarkOfTheByteOrder) {
+  expect("\xEF\xBB\xBF\"a;b;c\",d\n1,2\n",
+         table_of({{"a;b;c", kInts, "[1]"}, {"d", kInts, "[2]"}}));
+}
+
+TEST_F(CsvSource, IsRefusedForALineBreakAsDelimiter) {
+  write_text(file_, "a\n1\n");
+  expect_refused(file_, "Invalid: ParseOptions: delimiter cannot be \\r or \\n",
+                 {.csv_delimiter = '\n'});
+}
+
+TEST_F(CsvSource, GivesTheBatchesBeforeARowThatIsRefused) {
+  std::string text = "a,b\n";
+  while (text.size() < (std::size_t{1} << 20)) text += "1,2\n";
+  write_text(file_, text + "1,2\n3\n");
+  const auto source = files::open_source(file_, {.batch_rows = 1 << 20}).ValueOrDie();
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), (1 << 18) - 1);
+  EXPECT_EQ(source->Next().status().ToString(),
+            "Invalid: CSV parse error: Row #262146: Expected 2 columns, got 1: 3");
+}
+
 TEST_F(CsvSource, MayEndItsLinesInAnyWay) {
   const auto expected = table_of({{"n", kInts, "[1, 2]"}, {"t", kTexts, R"(["a", "b"])"}});
   for (const char* text : {"n,t\n1,a\n2,b\n", "n,t\r\n1,a\r\n2,b\r\n", "n,t\r1,a\r2,b\r",
