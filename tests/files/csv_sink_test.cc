@@ -6,11 +6,11 @@
 #include <arrow/extension/bool8.h>
 #include <arrow/io/compressed.h>
 #include <arrow/io/file.h>
-#include <arrow/json/from_string.h>
 #include <arrow/util/compression.h>
 #include <gtest/gtest.h>
 
 #include "tests/files/written.h"
+#include "tests/support/arrow_values.h"
 
 namespace numera::testing {
 namespace {
@@ -41,7 +41,7 @@ class CsvSink : public ::testing::Test {
 };
 
 std::shared_ptr<::arrow::RecordBatch> column(const TypePtr& type, const std::string& json) {
-  return batch_of("c", ::arrow::json::ArrayFromJSONString(type, json).ValueOrDie());
+  return batch_of("c", ArrowArray(type, json));
 }
 
 TEST_F(CsvSink, WritesAHeadingAndARowPerRow) {
@@ -93,9 +93,8 @@ TEST_F(CsvSink, WritesEveryPlainType) {
 
 std::shared_ptr<::arrow::Array> values_at(const std::string& indices, const TypePtr& type,
                                           const std::string& values) {
-  return ::arrow::DictionaryArray::FromArrays(
-             ::arrow::json::ArrayFromJSONString(::arrow::int8(), indices).ValueOrDie(),
-             ::arrow::json::ArrayFromJSONString(type, values).ValueOrDie())
+  return ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), indices),
+                                              ArrowArray(type, values))
       .ValueOrDie();
 }
 
@@ -113,8 +112,7 @@ TEST_F(CsvSink, WritesTheValuesOfADictionary) {
 }
 
 TEST_F(CsvSink, WritesTheStorageOfAnExtension) {
-  const auto storage =
-      ::arrow::json::ArrayFromJSONString(::arrow::int8(), "[1, null]").ValueOrDie();
+  const auto storage = ArrowArray(::arrow::int8(), "[1, null]");
   EXPECT_EQ(written({batch_of(
                 "c", ::arrow::ExtensionType::WrapArray(::arrow::extension::bool8(), storage))}),
             "\"c\"\n1\n\n");

@@ -8,12 +8,12 @@
 #include <arrow/extension/bool8.h>
 #include <arrow/io/compressed.h>
 #include <arrow/io/file.h>
-#include <arrow/json/from_string.h>
 #include <arrow/scalar.h>
 #include <arrow/util/compression.h>
 #include <gtest/gtest.h>
 
 #include "tests/files/written.h"
+#include "tests/support/arrow_values.h"
 #include "tests/support/large_stack.h"
 
 namespace numera::testing {
@@ -24,10 +24,6 @@ using ::arrow::TimeUnit;
 using files::Format;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
-
-ArrayPtr values(const TypePtr& type, const std::string& json) {
-  return ::arrow::json::ArrayFromJSONString(type, json).ValueOrDie();
-}
 
 class JsonSink : public ::testing::Test {
  protected:
@@ -132,14 +128,14 @@ TEST_F(JsonSink, WritesEveryPlainType) {
       {::arrow::utf8_view(), R"(["a", null, "longer than 12 bytes"])",
        "\"a\" null \"longer than 12 bytes\""}};
   for (const auto& [type, json, text] : cases) {
-    EXPECT_EQ(written_values(values(type, json)), text) << *type;
+    EXPECT_EQ(written_values(ArrowArray(type, json)), text) << *type;
   }
 }
 
 TEST_F(JsonSink, EscapesWhatJsonDemandsAndKeepsTheRest) {
   EXPECT_EQ(
-      written_values(values(::arrow::utf8(),
-                            R"(["\"\\/", "\b\f\n\r\t", "\u0000\u0001\u001f ", "äλ😀\u007f"])")),
+      written_values(ArrowArray(::arrow::utf8(),
+                                R"(["\"\\/", "\b\f\n\r\t", "\u0000\u0001\u001f ", "äλ😀\u007f"])")),
       R"("\"\\/" "\b\f\n\r\t" "\u0000\u0001\u001f " "äλ😀)"
       "\x7f\"");
 }
@@ -162,29 +158,29 @@ TEST_F(JsonSink, WritesNestedValues) {
       {::arrow::list(::arrow::list(pair)), R"([[[{"a": 1, "b": "x"}], []]])",
        R"([[{"a":1,"b":"x"}],[]])"}};
   for (const auto& [type, json, text] : cases) {
-    EXPECT_EQ(written_values(values(type, json)), text) << *type;
+    EXPECT_EQ(written_values(ArrowArray(type, json)), text) << *type;
     const ArrayPtr twice =
-        ::arrow::Concatenate({values(type, json), values(type, json)}).ValueOrDie();
+        ::arrow::Concatenate({ArrowArray(type, json), ArrowArray(type, json)}).ValueOrDie();
     EXPECT_EQ(written_values(twice->Slice(twice->length() / 2)), text) << "slice of " << *type;
   }
 }
 
 ArrayPtr values_at(const std::string& indices, const ArrayPtr& dictionary) {
-  return ::arrow::DictionaryArray::FromArrays(values(::arrow::int8(), indices), dictionary)
+  return ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), indices), dictionary)
       .ValueOrDie();
 }
 
 TEST_F(JsonSink, WritesTheValuesOfADictionary) {
-  const ArrayPtr texts = values(::arrow::utf8(), R"(["a", "b", null])");
+  const ArrayPtr texts = ArrowArray(::arrow::utf8(), R"(["a", "b", null])");
   EXPECT_EQ(written_values(values_at("[1, null, 0, 2]", texts)), R"("b" null "a" null)");
   EXPECT_EQ(written_values(values_at("[0, 1, 0]", texts)->Slice(1)), R"("b" "a")");
-  const ArrayPtr lists = values(::arrow::list(::arrow::int8()), "[[1], [2, 3]]");
+  const ArrayPtr lists = ArrowArray(::arrow::list(::arrow::int8()), "[[1], [2, 3]]");
   EXPECT_EQ(written_values(values_at("[1, 0]", lists)), "[2,3] [1]");
 }
 
 TEST_F(JsonSink, WritesTheStorageOfAnExtension) {
-  EXPECT_EQ(written_values(::arrow::ExtensionType::WrapArray(::arrow::extension::bool8(),
-                                                             values(::arrow::int8(), "[1, null]"))),
+  EXPECT_EQ(written_values(::arrow::ExtensionType::WrapArray(
+                ::arrow::extension::bool8(), ArrowArray(::arrow::int8(), "[1, null]"))),
             "1 null");
 }
 
@@ -199,9 +195,9 @@ TEST_F(JsonSink, WritesMoreThanItCollects) {
 
 /// A number within so many lists, or within structs and lists in turn.
 ArrayPtr nested(int levels, bool with_structs) {
-  ArrayPtr array = values(::arrow::int8(), "[7]");
+  ArrayPtr array = ArrowArray(::arrow::int8(), "[7]");
   for (int i = 0; i < levels; ++i) {
-    const ArrayPtr offsets = values(::arrow::int32(), "[0, 1]");
+    const ArrayPtr offsets = ArrowArray(::arrow::int32(), "[0, 1]");
     array = with_structs && i % 2 == 1
                 ? ::arrow::StructArray::Make({array}, {std::string("s")}).ValueOrDie()
                 : ArrayPtr(::arrow::ListArray::FromArrays(*offsets, *array).ValueOrDie());
@@ -250,7 +246,7 @@ TEST_F(JsonSink, RefusesATypeWithoutAFormInJson) {
           "column 'c': found type " + type->ToString() + ", expected one that has a form in JSON");
     }
   }
-  expect_refusal({batch_of("c", values_at("[0]", values(::arrow::binary(), R"(["a"])")))},
+  expect_refusal({batch_of("c", values_at("[0]", ArrowArray(::arrow::binary(), R"(["a"])")))},
                  "column 'c': found type binary, expected one that has a form in JSON");
 }
 

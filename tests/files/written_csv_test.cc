@@ -1,11 +1,11 @@
 // What comes back of a CSV file that a sink wrote.
 
-#include <arrow/json/from_string.h>
 #include <arrow/type.h>
 #include <gtest/gtest.h>
 
 #include "numera/files/read.h"
 #include "tests/files/written.h"
+#include "tests/support/arrow_values.h"
 
 namespace numera::testing {
 namespace {
@@ -17,7 +17,7 @@ using TypePtr = std::shared_ptr<::arrow::DataType>;
 std::shared_ptr<::arrow::Table> returned(const TypePtr& type, const std::string& json) {
   const TemporaryFolder folder;
   const std::string path = folder.path("a.csv");
-  const auto values = ::arrow::json::ArrayFromJSONString(type, json).ValueOrDie();
+  const auto values = ArrowArray(type, json);
   EXPECT_EQ(write_batches(path, {batch_of("c", values)}), ::arrow::Status::OK());
   return files::open_source(path).ValueOrDie()->ToTable().ValueOrDie();
 }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/arrow_values.h"
 #include "tests/tools/program.h"
 
 namespace numera::testing {
@@ -20,48 +21,43 @@ struct Case {
   std::string returned;
 };
 
-std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,
-                                          const std::string& json) {
-  return table_of({{"c", type, json}})->column(0)->chunk(0);
-}
-
 std::shared_ptr<::arrow::Array> numbered_categories() {
-  return ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), "[1, 0]"),
-                                              values_of(::arrow::int64(), "[10, 20]"))
+  return ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), "[1, 0]"),
+                                              ArrowArray(::arrow::int64(), "[10, 20]"))
       .ValueOrDie();
 }
 
 std::shared_ptr<::arrow::Array> runs() {
-  return ::arrow::RunEndEncodedArray::Make(2, values_of(::arrow::int32(), "[2]"),
-                                           values_of(::arrow::utf8(), R"(["r"])"))
+  return ::arrow::RunEndEncodedArray::Make(2, ArrowArray(::arrow::int32(), "[2]"),
+                                           ArrowArray(::arrow::utf8(), R"(["r"])"))
       .ValueOrDie();
 }
 
 std::shared_ptr<::arrow::Array> identifiers() {
   return ::arrow::ExtensionType::WrapArray(
       ::arrow::extension::uuid(),
-      values_of(::arrow::fixed_size_binary(16), R"(["0123456789abcdef", null])"));
+      ArrowArray(::arrow::fixed_size_binary(16), R"(["0123456789abcdef", null])"));
 }
 
 std::vector<Case> cases() {
   using namespace ::arrow;  // NOLINT: names of types
   return {
-      {"decimal128(9, 2)", values_of(decimal128(9, 2), R"(["1.25", null])"), "double", "-",
+      {"decimal128(9, 2)", ArrowArray(decimal128(9, 2), R"(["1.25", null])"), "double", "-",
        "decimal128(9, 2)", "double", "double"},
-      {"decimal256(40, 0)", values_of(decimal256(40, 0), R"(["-7", "3"])"), "double", "-",
+      {"decimal256(40, 0)", ArrowArray(decimal256(40, 0), R"(["-7", "3"])"), "double", "-",
        "decimal256(40, 0)", "double", "double"},
-      {"halffloat", values_of(float16(), "[1.5, null]"), "double", "-", "halffloat", "double",
+      {"halffloat", ArrowArray(float16(), "[1.5, null]"), "double", "-", "halffloat", "double",
        "double"},
-      {"string_view", values_of(utf8_view(), R"(["longer than twelve bytes", null])"), "string",
+      {"string_view", ArrowArray(utf8_view(), R"(["longer than twelve bytes", null])"), "string",
        "-", "string_view", "string", "large_string"},
-      {"binary_view", values_of(binary_view(), R"(["x", ""])"), "binary_array", "-", "binary_view",
+      {"binary_view", ArrowArray(binary_view(), R"(["x", ""])"), "binary_array", "-", "binary_view",
        "binary", "large_binary"},
-      {"fixed_size_list<item: int8>[2]", values_of(fixed_size_list(int8(), 2), "[[1, 2], null]"),
+      {"fixed_size_list<item: int8>[2]", ArrowArray(fixed_size_list(int8(), 2), "[[1, 2], null]"),
        "list_array", "-", "fixed_size_list<item: int8>[2]", "list<item: int8>",
        "large_list<item: int8>"},
-      {"list_view<item: int8>", values_of(list_view(int8()), "[[1], [2, 3]]"), "list_array", "-",
+      {"list_view<item: int8>", ArrowArray(list_view(int8()), "[[1], [2, 3]]"), "list_array", "-",
        "list_view<item: int8>", "list<item: int8>", "large_list<item: int8>"},
-      {"list<item: decimal128(5, 1)>", values_of(list(decimal128(5, 1)), R"([["1.5"], []])"),
+      {"list<item: decimal128(5, 1)>", ArrowArray(list(decimal128(5, 1)), R"([["1.5"], []])"),
        "list_array", "-", "[]: decimal128(5, 1)", "double", "large_list<item: double>"},
       {"dictionary<values=int64, indices=int8, ordered=0>", numbered_categories(), "int64",
        "categorical", "dictionary<values=int64, indices=int8, ordered=0>", "int64", "int64"},
@@ -69,8 +65,8 @@ std::vector<Case> cases() {
        "run_end_encoded<run_ends: int32, values: string>", "string", "large_string"},
       {"extension<arrow.uuid>", identifiers(), "fixed_binary_array", "-", "extension<arrow.uuid>",
        "fixed_size_binary[16]", "large_binary"},
-      {"month_interval", values_of(month_interval(), "[14, null]"), "string", "-", "month_interval",
-       "string", "large_string"},
+      {"month_interval", ArrowArray(month_interval(), "[14, null]"), "string", "-",
+       "month_interval", "string", "large_string"},
   };
 }
 
@@ -127,7 +123,7 @@ TEST_F(Casts, LeaveOtherColumnsOnTheirWay) {
 }
 
 TEST_F(Casts, HaveNoRuleForUnions) {
-  write(values_of(::arrow::dense_union({::arrow::field("i", ::arrow::int8())}), "[[0, 1]]"));
+  write(ArrowArray(::arrow::dense_union({::arrow::field("i", ::arrow::int8())}), "[[0, 1]]"));
   EXPECT_EQ(run_program({"convert", file_, "--cast"}).exit_status, 1);
 }
 
@@ -143,11 +139,11 @@ TEST_F(Casts, OfAFileWithoutRowsAreNamedToo) {
 }
 
 TEST_F(Casts, AndEveryOtherChangeOfTypeFailWithStrict) {
-  write(values_of(::arrow::float16(), "[1.5]"));
+  write(ArrowArray(::arrow::float16(), "[1.5]"));
   const std::string name = "numera-arrow: " + file_ + ": ";
   EXPECT_EQ(run_program({"convert", file_, "--cast", "--strict"}).errors,
             name + "column 'c' returns as double\n");
-  write(values_of(::arrow::date32(), "[1]"));
+  write(ArrowArray(::arrow::date32(), "[1]"));
   const Outcome run = run_program({"convert", file_, "--strict"});
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_EQ(table_rows(run.out),
@@ -157,8 +153,8 @@ TEST_F(Casts, AndEveryOtherChangeOfTypeFailWithStrict) {
 
 TEST_F(Casts, AndNoChangeOfTypePassWithStrict) {
   const auto item = ::arrow::field("element", ::arrow::int8(), false);
-  write(values_of(::arrow::struct_({::arrow::field("l", ::arrow::large_list(item), false)}),
-                  R"([{"l": [1, 2]}])"));
+  write(ArrowArray(::arrow::struct_({::arrow::field("l", ::arrow::large_list(item), false)}),
+                   R"([{"l": [1, 2]}])"));
   EXPECT_EQ(table_rows(converted(file_, {"--strict"})),
             "c | struct<l: large_list<element: int8 not null> not null> | struct | table | 1 | 1 | "
             "0 | equal\n");

@@ -3,6 +3,7 @@
 #include <arrow/api.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/arrow_values.h"
 #include "tests/tools/written_files.h"
 #include "tools/compare.h"
 
@@ -20,16 +21,11 @@ struct Case {
   std::string other;  ///< differs in rows 1 and 2
 };
 
-std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,
-                                          const std::string& json) {
-  return table_of({{"c", type, json}})->column(0)->chunk(0);
-}
-
 /// Values of which the second one is null.
 std::shared_ptr<::arrow::Array> hiding(const std::shared_ptr<::arrow::DataType>& type,
                                        const std::string& json) {
-  const auto data = values_of(type, json)->data()->Copy();
-  data->buffers[0] = values_of(::arrow::boolean(), "[true, false, true]")->data()->buffers[1];
+  const auto data = ArrowArray(type, json)->data()->Copy();
+  data->buffers[0] = ArrowArray(::arrow::boolean(), "[true, false, true]")->data()->buffers[1];
   data->null_count = 1;
   return ::arrow::MakeArray(data);
 }
@@ -97,9 +93,9 @@ TEST(CompareNulls, FindsRowsBeforeHiddenValues) {
 TEST(CompareNulls, FindsNullsOfOneSideOnly) {
   for (const Case& test : cases()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.went);
-    EXPECT_EQ(first_differing_row(*hiding(test.from, test.went), *values_of(test.to, test.same)),
+    EXPECT_EQ(first_differing_row(*hiding(test.from, test.went), *ArrowArray(test.to, test.same)),
               Row(1));
-    EXPECT_EQ(first_differing_row(*values_of(test.from, test.went), *hiding(test.to, test.same)),
+    EXPECT_EQ(first_differing_row(*ArrowArray(test.from, test.went), *hiding(test.to, test.same)),
               Row(1));
   }
 }
@@ -108,31 +104,12 @@ TEST(CompareNulls, ReadsNoCodesBehindNulls) {
   const auto coded = [](const std::string& codes, const auto& type) {
     const auto data = hiding(::arrow::int8(), codes)->data()->Copy();
     data->type = ::arrow::dictionary(::arrow::int8(), type);
-    data->dictionary = values_of(type, R"(["a", "b"])")->data();
+    data->dictionary = ArrowArray(type, R"(["a", "b"])")->data();
     return ::arrow::MakeArray(data);
   };
   const auto went = coded("[0, 100, 1]", ::arrow::utf8());
   EXPECT_EQ(first_differing_row(*went, *coded("[0, -1, 1]", ::arrow::large_utf8())), std::nullopt);
   EXPECT_EQ(first_differing_row(*went, *coded("[0, -1, 0]", ::arrow::large_utf8())), Row(2));
-}
-
-TEST(CompareNulls, TakesTheCodeOfANullEntryForANull) {
-  const auto of = [](const char* codes, const std::shared_ptr<::arrow::DataType>& type,
-                     const char* entries) {
-    return ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), codes),
-                                                values_of(type, entries))
-        .ValueOrDie();
-  };
-  const auto went = of("[0, 1, null, 2]", ::arrow::utf8(), R"(["a", null, "b"])");
-  struct Pair {
-    const char* codes;
-    Row row;
-  };
-  for (const auto& [codes, row] : {Pair{"[0, null, null, 1]", std::nullopt},
-                                   Pair{"[0, 0, null, 1]", 1}, Pair{"[0, null, null, 0]", 3}}) {
-    SCOPED_TRACE(codes);
-    EXPECT_EQ(first_differing_row(*went, *of(codes, ::arrow::large_utf8(), R"(["a", "b"])")), row);
-  }
 }
 
 }  // namespace

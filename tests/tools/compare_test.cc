@@ -6,6 +6,7 @@
 #include <arrow/api.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/arrow_values.h"
 #include "tests/support/offset_arrays.h"
 #include "tests/tools/written_files.h"
 
@@ -22,11 +23,6 @@ struct Case {
   std::string same;
   std::string other;  ///< first differs in row 1
 };
-
-std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,
-                                          const std::string& json) {
-  return table_of({{"c", type, json}})->column(0)->chunk(0);
-}
 
 std::vector<Case> cases() {
   using namespace ::arrow;  // NOLINT: names of types
@@ -82,8 +78,9 @@ std::vector<Case> cases() {
 TEST(Compare, FindsNoRowWhereAllIsEqual) {
   for (const Case& test : cases()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.same);
-    EXPECT_EQ(first_differing_row(*values_of(test.from, test.went), *values_of(test.to, test.same)),
-              std::nullopt);
+    EXPECT_EQ(
+        first_differing_row(*ArrowArray(test.from, test.went), *ArrowArray(test.to, test.same)),
+        std::nullopt);
   }
 }
 
@@ -91,7 +88,7 @@ TEST(Compare, FindsTheFirstRowThatDiffers) {
   for (const Case& test : cases()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     EXPECT_EQ(
-        first_differing_row(*values_of(test.from, test.went), *values_of(test.to, test.other)),
+        first_differing_row(*ArrowArray(test.from, test.went), *ArrowArray(test.to, test.other)),
         Row(1));
   }
 }
@@ -107,9 +104,9 @@ std::shared_ptr<::arrow::Array> sliced(const std::shared_ptr<::arrow::Array>& ar
 TEST(Compare, FindsTheSameInSlices) {
   for (const Case& test : cases()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
-    const auto went = values_of(test.from, test.went);
-    const auto same = values_of(test.to, test.same);
-    const auto other = values_of(test.to, test.other);
+    const auto went = ArrowArray(test.from, test.went);
+    const auto same = ArrowArray(test.to, test.same);
+    const auto other = ArrowArray(test.to, test.other);
     EXPECT_EQ(first_differing_row(*sliced(went, went), *same), std::nullopt);
     EXPECT_EQ(first_differing_row(*went, *sliced(same, other)), std::nullopt);
     EXPECT_EQ(first_differing_row(*sliced(went, went), *other), Row(1));
@@ -120,14 +117,14 @@ TEST(Compare, FindsTheSameInSlices) {
 TEST(Compare, FindsTheRowAmongMany) {
   constexpr std::int64_t kTimes = 99;
   for (const Case& test : cases()) {
-    const auto went = values_of(test.from, test.went);
-    const auto same = values_of(test.to, test.same);
+    const auto went = ArrowArray(test.from, test.went);
+    const auto same = ArrowArray(test.to, test.same);
     const auto many = ::arrow::Concatenate(::arrow::ArrayVector(kTimes, went)).ValueOrDie();
     ::arrow::ArrayVector parts(kTimes, same);
     EXPECT_EQ(first_differing_row(*many, *::arrow::Concatenate(parts).ValueOrDie()), std::nullopt);
     for (const std::int64_t part : {kTimes - 1, kTimes / 2, std::int64_t{0}}) {
       SCOPED_TRACE(test.from->ToString() + " " + test.other + " " + std::to_string(part));
-      parts[static_cast<size_t>(part)] = values_of(test.to, test.other);
+      parts[static_cast<size_t>(part)] = ArrowArray(test.to, test.other);
       EXPECT_EQ(first_differing_row(*many, *::arrow::Concatenate(parts).ValueOrDie()),
                 Row(part * went->length() + 1));
     }
@@ -147,21 +144,21 @@ std::shared_ptr<::arrow::Array> unaligned(const std::shared_ptr<::arrow::Array>&
 TEST(Compare, ReadsUnalignedBuffers) {
   for (const Case& test : cases()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
-    const auto went = unaligned(values_of(test.from, test.went));
-    EXPECT_EQ(first_differing_row(*went, *unaligned(values_of(test.to, test.same))), std::nullopt);
-    EXPECT_EQ(first_differing_row(*went, *unaligned(values_of(test.to, test.other))), Row(1));
+    const auto went = unaligned(ArrowArray(test.from, test.went));
+    EXPECT_EQ(first_differing_row(*went, *unaligned(ArrowArray(test.to, test.same))), std::nullopt);
+    EXPECT_EQ(first_differing_row(*went, *unaligned(ArrowArray(test.to, test.other))), Row(1));
   }
 }
 
 TEST(Compare, FindsTheEndOfTheShorter) {
-  EXPECT_EQ(first_differing_row(*values_of(::arrow::int8(), "[1, 2, 3]"),
-                                *values_of(::arrow::int8(), "[1, 2]")),
+  EXPECT_EQ(first_differing_row(*ArrowArray(::arrow::int8(), "[1, 2, 3]"),
+                                *ArrowArray(::arrow::int8(), "[1, 2]")),
             Row(2));
 }
 
 std::shared_ptr<::arrow::Array> structs(const std::string& field, const std::string& valid) {
-  const auto bits = values_of(::arrow::boolean(), valid)->data()->buffers[1];
-  return ::arrow::StructArray::Make({values_of(::arrow::int8(), field)},
+  const auto bits = ArrowArray(::arrow::boolean(), valid)->data()->buffers[1];
+  return ::arrow::StructArray::Make({ArrowArray(::arrow::int8(), field)},
                                     {::arrow::field("x", ::arrow::int8())}, bits)
       .ValueOrDie();
 }
@@ -175,66 +172,64 @@ TEST(Compare, LeavesFieldsOfNullStructsAside) {
 
 std::shared_ptr<::arrow::Array> categories(const std::string& codes, const std::string& texts,
                                            const std::shared_ptr<::arrow::DataType>& type) {
-  return ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), codes),
-                                              values_of(type, texts))
+  return ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), codes),
+                                              ArrowArray(type, texts))
       .ValueOrDie();
 }
 
 TEST(Compare, ReadsCategoriesAsTheirTexts) {
-  const auto went = categories("[0, 1, null]", R"(["a", "b"])", ::arrow::utf8());
-  const auto same = categories("[1, 0, null]", R"(["b", "a"])", ::arrow::large_utf8());
-  const auto other = categories("[1, 1, null]", R"(["b", "a"])", ::arrow::large_utf8());
-  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
-  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
-}
-
-TEST(Compare, FindsEqualCodesOfOtherTexts) {
-  const auto went = categories("[0, 1, null]", R"(["a", "b"])", ::arrow::utf8());
-  const auto longer = categories("[0, 1, null]", R"(["a", "b", "c"])", ::arrow::large_utf8());
-  const auto other = categories("[0, 1, null]", R"(["a", "c"])", ::arrow::large_utf8());
-  EXPECT_EQ(first_differing_row(*went, *longer), std::nullopt);
-  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
+  struct Categories {
+    const char* codes;
+    const char* texts;
+    const char* came_codes;
+    const char* came_texts;
+    Row row;
+  };
+  const Categories cases[] = {
+      {"[0, 1, null]", R"(["a", "b"])", "[1, 0, null]", R"(["b", "a"])", std::nullopt},
+      {"[0, 1, null]", R"(["a", "b"])", "[1, 1, null]", R"(["b", "a"])", 1},
+      {"[0, 1, null]", R"(["a", "b"])", "[0, 1, null]", R"(["a", "b", "c"])", std::nullopt},
+      {"[0, 1, null]", R"(["a", "b"])", "[0, 1, null]", R"(["a", "c"])", 1},
+      {"[0, 1, 0]", R"(["a", "a"])", "[1, 1, 0]", R"(["a", "a"])", std::nullopt},
+      {"[0, 1, 0]", R"(["a", "a"])", "[1, 1, 0]", R"(["b", "a"])", 2},
+      {"[2, 0]", R"(["a", "b", "c"])", "[2, 0]", R"(["a", "b", "c"])", std::nullopt},
+      {"[2, 0]", R"(["a", "b", "c"])", "[2, 1]", R"(["a", "b", "c"])", 1},
+      {"[0, 1, null, 2]", R"(["a", null, "b"])", "[0, null, null, 1]", R"(["a", "b"])",
+       std::nullopt},
+      {"[0, 1, null, 2]", R"(["a", null, "b"])", "[0, 0, null, 1]", R"(["a", "b"])", 1},
+      {"[0, 1, null, 2]", R"(["a", null, "b"])", "[0, null, null, 0]", R"(["a", "b"])", 3},
+  };
+  for (const auto& [codes, texts, came_codes, came_texts, row] : cases) {
+    SCOPED_TRACE(std::string(codes) + texts + " " + came_codes + came_texts);
+    EXPECT_EQ(first_differing_row(*categories(codes, texts, ::arrow::utf8()),
+                                  *categories(came_codes, came_texts, ::arrow::large_utf8())),
+              row);
+  }
 }
 
 TEST(Compare, ReadsNoTextBehindTheShorterDictionary) {
   const auto went = categories("[0, 1, 0]", R"(["a", "b", "c"])", ::arrow::utf8());
   const auto shorter =
-      ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), "[0, 1, 0]"),
+      ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), "[0, 1, 0]"),
                                            LargeArray(::arrow::large_utf8(), "ab", {0, 1, 2}))
           .ValueOrDie();
   EXPECT_EQ(first_differing_row(*went, *shorter), std::nullopt);
 }
 
-TEST(Compare, TakesEqualCategoriesForOne) {
-  const auto went = categories("[0, 1, 0]", R"(["a", "a"])", ::arrow::utf8());
-  const auto same = categories("[1, 1, 0]", R"(["a", "a"])", ::arrow::large_utf8());
-  const auto other = categories("[1, 1, 0]", R"(["b", "a"])", ::arrow::large_utf8());
-  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
-  EXPECT_EQ(first_differing_row(*went, *other), Row(2));
-}
-
-TEST(Compare, ComparesRowsOfDictionariesThatAreLonger) {
-  const auto went = categories("[2, 0]", R"(["a", "b", "c"])", ::arrow::utf8());
-  const auto same = categories("[2, 0]", R"(["a", "b", "c"])", ::arrow::large_utf8());
-  const auto other = categories("[2, 1]", R"(["a", "b", "c"])", ::arrow::large_utf8());
-  EXPECT_EQ(first_differing_row(*went, *same), std::nullopt);
-  EXPECT_EQ(first_differing_row(*went, *other), Row(1));
-}
-
 TEST(Compare, TakesAllNaNsForEqual) {
-  const auto went = values_of(::arrow::uint64(), "[9221120237041090560, 9221120237041090560]");
-  const auto same = values_of(::arrow::uint64(), "[9221120237041090560, 18444492273895866369]");
-  const auto other = values_of(::arrow::uint64(), "[18444492273895866369, 0]");
+  const auto went = ArrowArray(::arrow::uint64(), "[9221120237041090560, 9221120237041090560]");
+  const auto same = ArrowArray(::arrow::uint64(), "[9221120237041090560, 18444492273895866369]");
+  const auto other = ArrowArray(::arrow::uint64(), "[18444492273895866369, 0]");
   const auto doubles = [](const auto& bits) { return bits->View(::arrow::float64()).ValueOrDie(); };
   EXPECT_EQ(first_differing_row(*doubles(went), *doubles(same)), std::nullopt);
   EXPECT_EQ(first_differing_row(*doubles(went), *doubles(other)), Row(1));
 }
 
 TEST(Compare, ExpectsNullsForNulls) {
-  const auto went = values_of(::arrow::null(), "[null, null]");
-  EXPECT_EQ(first_differing_row(*went, *values_of(::arrow::float64(), "[null, null]")),
+  const auto went = ArrowArray(::arrow::null(), "[null, null]");
+  EXPECT_EQ(first_differing_row(*went, *ArrowArray(::arrow::float64(), "[null, null]")),
             std::nullopt);
-  EXPECT_EQ(first_differing_row(*went, *values_of(::arrow::float64(), "[null, 0]")), Row(1));
+  EXPECT_EQ(first_differing_row(*went, *ArrowArray(::arrow::float64(), "[null, 0]")), Row(1));
 }
 
 }  // namespace

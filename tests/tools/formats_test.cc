@@ -12,10 +12,7 @@ namespace {
 class Formats : public ::testing::Test {
  protected:
   static std::string types_of(const std::string& file) {
-    const Outcome run = run_program({"types", file});
-    EXPECT_EQ(run.exit_status, 0);
-    EXPECT_EQ(run.errors, "");
-    return table_rows(run.out);
+    return table_rows(printed("types", file));
   }
 
   TemporaryFolder folder_;

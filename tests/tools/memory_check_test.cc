@@ -6,6 +6,7 @@
 #include <arrow/extension/uuid.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/arrow_values.h"
 #include "tests/tools/written_files.h"
 
 namespace numera::testing {
@@ -14,10 +15,6 @@ namespace {
 using ::arrow::TimeUnit;
 using tools::check_memory;
 using Type = std::shared_ptr<::arrow::DataType>;
-
-std::shared_ptr<::arrow::Array> values_of(const Type& type, const std::string& json) {
-  return table_of({{"c", type, json}})->column(0)->chunk(0);
-}
 
 TEST(MemoryCheck, AcceptsSoundValuesOfEveryLayout) {
   const std::pair<Type, const char*> cases[] = {
@@ -40,13 +37,13 @@ TEST(MemoryCheck, AcceptsSoundValuesOfEveryLayout) {
       {::arrow::sparse_union({::arrow::field("t", ::arrow::utf8())}), R"([[0, "a"]])"},
       {::arrow::dictionary(::arrow::int8(), ::arrow::utf8()), R"(["a", null])"}};
   for (const auto& [type, json] : cases) {
-    EXPECT_EQ(check_memory(*values_of(type, json)), ::arrow::Status::OK()) << type->ToString();
+    EXPECT_EQ(check_memory(*ArrowArray(type, json)), ::arrow::Status::OK()) << type->ToString();
   }
-  const auto runs = ::arrow::RunEndEncodedArray::Make(2, values_of(::arrow::int32(), "[2]"),
-                                                      values_of(::arrow::utf8(), R"(["a"])"));
+  const auto runs = ::arrow::RunEndEncodedArray::Make(2, ArrowArray(::arrow::int32(), "[2]"),
+                                                      ArrowArray(::arrow::utf8(), R"(["a"])"));
   EXPECT_EQ(check_memory(**runs), ::arrow::Status::OK());
   const auto uuids = ::arrow::ExtensionType::WrapArray(
-      ::arrow::extension::uuid(), values_of(::arrow::fixed_size_binary(16), "[null]"));
+      ::arrow::extension::uuid(), ArrowArray(::arrow::fixed_size_binary(16), "[null]"));
   EXPECT_EQ(check_memory(*uuids), ::arrow::Status::OK());
 }
 
@@ -69,11 +66,11 @@ TEST(MemoryCheck, AcceptsValuesThatAreNoneOfTheirType) {
   const std::shared_ptr<::arrow::Array> cases[] = {
       text,
       ::arrow::StructArray::Make({text}, {::arrow::field("t", text->type())}).ValueOrDie(),
-      ::arrow::DictionaryArray::FromArrays(values_of(::arrow::int8(), "[0]"), text).ValueOrDie(),
-      with_type(values_of(::arrow::int32(), "[-1, 86400]"), ::arrow::time32(TimeUnit::SECOND)),
-      with_type(values_of(::arrow::int64(), "[-1]"), ::arrow::time64(TimeUnit::NANO)),
-      with_type(values_of(::arrow::int64(), "[1]"), ::arrow::date64()),
-      with_type(values_of(::arrow::int32(), "[1000]"), ::arrow::decimal32(3, 0))};
+      ::arrow::DictionaryArray::FromArrays(ArrowArray(::arrow::int8(), "[0]"), text).ValueOrDie(),
+      with_type(ArrowArray(::arrow::int32(), "[-1, 86400]"), ::arrow::time32(TimeUnit::SECOND)),
+      with_type(ArrowArray(::arrow::int64(), "[-1]"), ::arrow::time64(TimeUnit::NANO)),
+      with_type(ArrowArray(::arrow::int64(), "[1]"), ::arrow::date64()),
+      with_type(ArrowArray(::arrow::int32(), "[1000]"), ::arrow::decimal32(3, 0))};
   for (const auto& array : cases) {
     EXPECT_FALSE(array->ValidateFull().ok()) << array->type()->ToString();
     EXPECT_EQ(check_memory(*array), ::arrow::Status::OK()) << array->type()->ToString();
@@ -81,13 +78,13 @@ TEST(MemoryCheck, AcceptsValuesThatAreNoneOfTheirType) {
 }
 
 std::shared_ptr<::arrow::Buffer> offsets(const std::string& json) {
-  return values_of(::arrow::int32(), json)->data()->buffers[1];
+  return ArrowArray(::arrow::int32(), json)->data()->buffers[1];
 }
 
 TEST(MemoryCheck, RefusesWhatLeadsOutOfTheBuffers) {
   const auto bytes = ::arrow::Buffer::FromString("abc");
-  const auto code = values_of(::arrow::int8(), "[1]");
-  const auto text = values_of(::arrow::utf8(), R"(["a"])");
+  const auto code = ArrowArray(::arrow::int8(), "[1]");
+  const auto text = ArrowArray(::arrow::utf8(), R"(["a"])");
   const auto outside =
       std::make_shared<::arrow::StringArray>(2, offsets("[0, 4, 3]"), bytes);  // 4 is too much
   const auto list = ::arrow::list(::arrow::utf8());

@@ -142,13 +142,18 @@ std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned 
   return written;
 }
 
-std::string converted(const std::string& file, const std::vector<std::string>& options) {
-  std::vector<std::string> arguments = {"convert", file};
+std::string printed(const std::string& command, const std::string& file,
+                    const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {command, file};
   arguments.insert(arguments.end(), options.begin(), options.end());
   Outcome run = run_program(arguments);
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.errors, "");
   return std::move(run.out);
+}
+
+std::string converted(const std::string& file, const std::vector<std::string>& options) {
+  return printed("convert", file, options);
 }
 
 void expect_refusal(const std::string& file, const std::string& reason, const RunOptions& options) {

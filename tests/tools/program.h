@@ -65,6 +65,10 @@ Outcome run_program(const std::vector<std::string>& arguments, const RunOptions&
 /// width of 0 is not known to the program.
 std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width = 0);
 
+/// What a command prints for a file. Expects success and nothing on standard error.
+std::string printed(const std::string& command, const std::string& file,
+                    const std::vector<std::string>& options = {});
+
 /// The output of `convert`. Expects that the file is read and comes back.
 std::string converted(const std::string& file, const std::vector<std::string>& options = {});
 

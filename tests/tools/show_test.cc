@@ -15,15 +15,6 @@ class Show : public ::testing::Test {
  protected:
   void SetUp() override { ::unsetenv("COLUMNS"); }  // some shells export their width
 
-  std::string printed(const std::string& command, const std::vector<std::string>& options = {}) {
-    std::vector<std::string> arguments = {command, file_};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    Outcome run = run_program(arguments);
-    EXPECT_EQ(run.exit_status, 0);
-    EXPECT_EQ(run.errors, "");
-    return std::move(run.out);
-  }
-
   TemporaryFolder folder_;
   std::string file_ = folder_.path("a_file");
 };
@@ -57,9 +48,9 @@ TEST_F(Show, PrintsTheFirstRowsAndHowManyThereAre) {
       "    1  a\n"
       "    2  null\n"
       " null  \"null\"\n";
-  EXPECT_EQ(printed("head", {"--rows", "3"}), head);
-  EXPECT_EQ(printed("show", {"-n", "3"}), head + "\n3 of 5 rows\n");
-  EXPECT_THAT(printed("show"), ::testing::EndsWith("\n    5  e\n\n5 rows\n"));
+  EXPECT_EQ(printed("head", file_, {"--rows", "3"}), head);
+  EXPECT_EQ(printed("show", file_, {"-n", "3"}), head + "\n3 of 5 rows\n");
+  EXPECT_THAT(printed("show", file_), ::testing::EndsWith("\n    5  e\n\n5 rows\n"));
 }
 
 TEST_F(Show, PrintsTheLastRows) {
@@ -73,66 +64,69 @@ TEST_F(Show, PrintsTheLastRows) {
   for (const std::int64_t row_group : {1, 2, 3, 5}) {
     SCOPED_TRACE(row_group);
     write_parquet(file_, *table, row_group);
-    EXPECT_EQ(printed("tail", {"-n", "3"}), tail);
+    EXPECT_EQ(printed("tail", file_, {"-n", "3"}), tail);
   }
-  EXPECT_EQ(printed("tail", {"-n", "0"}), "    n  t\nint16  string\n");
-  EXPECT_EQ(printed("tail", {"-n", "9"}), printed("head"));
+  EXPECT_EQ(printed("tail", file_, {"-n", "0"}), "    n  t\nint16  string\n");
+  EXPECT_EQ(printed("tail", file_, {"-n", "9"}), printed("head", file_));
 }
 
 TEST_F(Show, PrintsTenRowsWhereNoneAreAskedFor) {
   write_text(file_, numbers_to(12));
   const std::string heading = "    n\nint64\n";
-  EXPECT_EQ(printed("head"), heading +
-                                 "    1\n    2\n    3\n    4\n    5\n    6\n    7\n    8\n    9\n"
-                                 "   10\n");
-  EXPECT_EQ(printed("tail"), heading +
-                                 "    3\n    4\n    5\n    6\n    7\n    8\n    9\n   10\n   11\n"
-                                 "   12\n");
+  EXPECT_EQ(printed("head", file_),
+            heading +
+                "    1\n    2\n    3\n    4\n    5\n    6\n    7\n    8\n    9\n"
+                "   10\n");
+  EXPECT_EQ(printed("tail", file_),
+            heading +
+                "    3\n    4\n    5\n    6\n    7\n    8\n    9\n   10\n   11\n"
+                "   12\n");
 }
 
 TEST_F(Show, CountsRowsWhereTheFileStatesThemOrIsReadToItsEnd) {
   write_text(file_, numbers_to(12));
-  EXPECT_THAT(printed("show"), ::testing::EndsWith("\n   10\n"));
-  EXPECT_THAT(printed("show", {"-n", "20"}), ::testing::EndsWith("\n   12\n\n12 rows\n"));
+  EXPECT_THAT(printed("show", file_), ::testing::EndsWith("\n   10\n"));
+  EXPECT_THAT(printed("show", file_, {"-n", "20"}), ::testing::EndsWith("\n   12\n\n12 rows\n"));
   write_text(file_, numbers_to(1));
-  EXPECT_EQ(printed("show"), "    n\nint64\n    1\n\n1 row\n");
+  EXPECT_EQ(printed("show", file_), "    n\nint64\n    1\n\n1 row\n");
   write_text(file_, "n\n");
-  EXPECT_EQ(printed("show"), "n\nnull\n\n0 rows\n");
+  EXPECT_EQ(printed("show", file_), "n\nnull\n\n0 rows\n");
 }
 
 TEST_F(Show, PrintsTheLastOfManyRows) {
   write_text(file_, numbers_to(200000));  // more than one block
-  EXPECT_EQ(printed("tail", {"-n", "2"}), "     n\n int64\n199999\n200000\n");
+  EXPECT_EQ(printed("tail", file_, {"-n", "2"}), "     n\n int64\n199999\n200000\n");
 }
 
 TEST_F(Show, PrintsABlockPerRowOnRequest) {
   write_parquet(file_, *five_rows());
-  EXPECT_EQ(printed("head", {"--vertical", "-n", "2"}), "n: 1\nt: a\n\nn: 2\nt: null\n");
-  EXPECT_EQ(printed("tail", {"--vertical", "-n", "1"}), "n: 5\nt: e\n");
+  EXPECT_EQ(printed("head", file_, {"--vertical", "-n", "2"}), "n: 1\nt: a\n\nn: 2\nt: null\n");
+  EXPECT_EQ(printed("tail", file_, {"--vertical", "-n", "1"}), "n: 5\nt: e\n");
 }
 
 TEST_F(Show, PrintsTheColumnsAskedFor) {
   write_parquet(file_, *five_rows());
   for (const char* command : {"head", "show", "tail"}) {
-    EXPECT_THAT(printed(command, {"--columns", "t,n"}), ::testing::StartsWith("t           n\n"));
+    EXPECT_THAT(printed(command, file_, {"--columns", "t,n"}),
+                ::testing::StartsWith("t           n\n"));
   }
 }
 
 TEST_F(Show, PrintsTypesThatHaveNoHostForm) {
   write_ipc(file_, *table_of({{"h", ::arrow::float16(), "[1.5]"},
                               {"v", ::arrow::utf8_view(), R"(["x"])"}}));
-  EXPECT_EQ(printed("head"), "        h  v\nhalffloat  string_view\n      1.5  x\n");
+  EXPECT_EQ(printed("head", file_), "        h  v\nhalffloat  string_view\n      1.5  x\n");
 }
 
 TEST_F(Show, FitsTheWidthThatColumnsStates) {
   write_text(file_, "first,second,third\n1,2,3\n");
-  const std::string all = printed("head");
+  const std::string all = printed("head", file_);
   ASSERT_EQ(::setenv("COLUMNS", "12", 1), 0);
-  EXPECT_EQ(printed("head"),
+  EXPECT_EQ(printed("head", file_),
             "first\nint64\n    1\n2 more columns: second, …; --columns or --vertical show them\n");
   for (const char* none : {"0", "", "-5", "ten", "12x"}) {
     ASSERT_EQ(::setenv("COLUMNS", none, 1), 0);
-    EXPECT_EQ(printed("head"), all) << none;
+    EXPECT_EQ(printed("head", file_), all) << none;
   }
   ::unsetenv("COLUMNS");
 }
@@ -140,7 +134,7 @@ TEST_F(Show, FitsTheWidthThatColumnsStates) {
 TEST_F(Show, PrintsTextsThatAreNotUtf8) {
   write_ipc(file_, *table_of({{"t", ::arrow::utf8(), R"(["gruxxe"])"}}));
   overwrite(file_, "gruxxe", "gr\xF6\xDF\x65!");
-  EXPECT_EQ(printed("head"), "t\nstring\ngr??e!\n");
+  EXPECT_EQ(printed("head", file_), "t\nstring\ngr??e!\n");
 }
 
 TEST_F(Show, NamesTheColumnThatCannotBeShown) {

@@ -72,6 +72,18 @@ void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
 
 class DamagedFile : public ::testing::TestWithParam<Kind> {
  protected:
+  template <class Expect>
+  void for_each_damage(const Expect& expect) {
+    GetParam().write(file_, *many_layouts());
+    const std::string whole = read_text(file_);
+    const std::uint64_t damages = rounds(20, 1000);
+    for (std::uint64_t seed = 0; seed < damages; ++seed) {
+      SCOPED_TRACE(seed);
+      write_text(file_, damaged(whole, seed));
+      expect();
+    }
+  }
+
   /// Expects status 0 and a new output, or status 1, one line and the old output.
   void expect_answer() {
     write_text(output_, "older");
@@ -109,26 +121,14 @@ class DamagedFile : public ::testing::TestWithParam<Kind> {
 };
 
 TEST_P(DamagedFile, IsConvertedOrRefusedByOneLine) {
-  GetParam().write(file_, *many_layouts());
-  const std::string whole = read_text(file_);
-  const std::uint64_t damages = rounds(20, 1000);
-  for (std::uint64_t seed = 0; seed < damages; ++seed) {
-    SCOPED_TRACE(seed);
-    write_text(file_, damaged(whole, seed));
-    expect_answer();
-  }
+  for_each_damage([this] { expect_answer(); });
 }
 
 TEST_P(DamagedFile, IsShownOrRefusedByOneLine) {
-  GetParam().write(file_, *many_layouts());
-  const std::string whole = read_text(file_);
-  const std::uint64_t damages = rounds(20, 1000);
-  for (std::uint64_t seed = 0; seed < damages; ++seed) {
-    SCOPED_TRACE(seed);
-    write_text(file_, damaged(whole, seed));
+  for_each_damage([this] {
     expect_rows({"show", file_, "-n", "2"});
     expect_rows({"tail", file_, "-n", "4", "--vertical"});
-  }
+  });
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DamagedFile,

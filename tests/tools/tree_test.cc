@@ -9,12 +9,7 @@ namespace {
 class Tree : public ::testing::Test {
  protected:
   std::string shown(const std::vector<std::string>& options) const {
-    std::vector<std::string> arguments = {"tree", file_};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    Outcome run = run_program(arguments);
-    EXPECT_EQ(run.exit_status, 0);
-    EXPECT_EQ(run.errors, "");
-    return std::move(run.out);
+    return printed("tree", file_, options);
   }
 
   TemporaryFolder folder_;

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "tests/support/arrow_values.h"
 #include "tests/tools/written_files.h"
 #include "tools/characters.h"
 #include "tools/short_type.h"
@@ -20,11 +21,6 @@ namespace {
 
 using ::arrow::TimeUnit;
 using tools::kUnlimited;
-
-std::shared_ptr<::arrow::Array> values_of(const std::shared_ptr<::arrow::DataType>& type,
-                                          const std::string& json) {
-  return table_of({{"c", type, json}})->column(0)->chunk(0);
-}
 
 /// The texts of all elements, one a line; nulls as "(null)".
 std::string texts_of(const ::arrow::Array& array, size_t width = kUnlimited) {
@@ -43,7 +39,7 @@ struct Case {
 
 void expect_texts(const std::vector<Case>& cases) {
   for (const Case& one : cases) {
-    EXPECT_EQ(texts_of(*values_of(one.type, one.json)), one.texts) << one.type->ToString();
+    EXPECT_EQ(texts_of(*ArrowArray(one.type, one.json)), one.texts) << one.type->ToString();
   }
 }
 
@@ -130,7 +126,7 @@ TEST(ValueText, OfTimesThatArrowHasNoTextFor) {
 TEST(ValueText, OfTexts) {
   const std::string json = R"(["tea", "", "null", "\"null\"", "say \"a\"", "a\nb\u001b", null])";
   for (const auto& type : {::arrow::utf8(), ::arrow::large_utf8(), ::arrow::utf8_view()}) {
-    EXPECT_EQ(texts_of(*values_of(type, json)),
+    EXPECT_EQ(texts_of(*ArrowArray(type, json)),
               "tea\n\n\"null\"\n\"\\\"null\\\"\"\nsay \"a\"\na?b?\n(null)")
         << type->ToString();
   }
@@ -138,7 +134,7 @@ TEST(ValueText, OfTexts) {
 
 TEST(ValueText, OfBytes) {
   for (const auto& type : {::arrow::binary(), ::arrow::large_binary(), ::arrow::binary_view()}) {
-    EXPECT_EQ(texts_of(*values_of(type, R"(["", "az", null])")), "0x\n0x617a\n(null)");
+    EXPECT_EQ(texts_of(*ArrowArray(type, R"(["", "az", null])")), "0x\n0x617a\n(null)");
   }
   expect_texts({{::arrow::fixed_size_binary(2), R"(["az", null])", "0x617a\n(null)"}});
 }
@@ -170,32 +166,32 @@ TEST(ValueText, OfNestedValues) {
 
 TEST(ValueText, OfSlicesIsThatOfTheirElements) {
   const auto pairs = ::arrow::fixed_size_list(::arrow::int8(), 2);
-  EXPECT_EQ(texts_of(*values_of(pairs, "[[1, 2], [3, 4], [5, 6]]")->Slice(1, 1)), "[3, 4]");
+  EXPECT_EQ(texts_of(*ArrowArray(pairs, "[[1, 2], [3, 4], [5, 6]]")->Slice(1, 1)), "[3, 4]");
   const auto map = ::arrow::map(::arrow::int8(), ::arrow::int8());
-  EXPECT_EQ(texts_of(*values_of(map, "[[[1, 2]], [[3, 4]]]")->Slice(1)), "{3: 4}");
+  EXPECT_EQ(texts_of(*ArrowArray(map, "[[[1, 2]], [[3, 4]]]")->Slice(1)), "{3: 4}");
   const auto point = ::arrow::struct_({::arrow::field("x", ::arrow::int8())});
-  EXPECT_EQ(texts_of(*values_of(point, R"([{"x": 1}, {"x": 2}])")->Slice(1)), "{x: 2}");
-  EXPECT_EQ(texts_of(*values_of(::arrow::list(::arrow::int8()), "[[1], [2]]")->Slice(1)), "[2]");
+  EXPECT_EQ(texts_of(*ArrowArray(point, R"([{"x": 1}, {"x": 2}])")->Slice(1)), "{x: 2}");
+  EXPECT_EQ(texts_of(*ArrowArray(::arrow::list(::arrow::int8()), "[[1], [2]]")->Slice(1)), "[2]");
 }
 
 TEST(ValueText, OfCodesIsWhatTheyStandFor) {
-  const auto codes = values_of(::arrow::int8(), "[2, 0, 1, null]");
-  const auto texts = values_of(::arrow::utf8(), R"(["a", null, "null"])");
+  const auto codes = ArrowArray(::arrow::int8(), "[2, 0, 1, null]");
+  const auto texts = ArrowArray(::arrow::utf8(), R"(["a", null, "null"])");
   const auto column = ::arrow::DictionaryArray::FromArrays(codes, texts).ValueOrDie();
   EXPECT_EQ(texts_of(*column), "\"null\"\na\n(null)\n(null)");
   EXPECT_EQ(texts_of(*column->Slice(1, 1)), "a");
 }
 
 TEST(ValueText, OfRunsIsTheirValue) {
-  const auto ends = values_of(::arrow::int32(), "[2, 3, 5]");
-  const auto values = values_of(::arrow::utf8(), R"(["a", null, "b"])");
+  const auto ends = ArrowArray(::arrow::int32(), "[2, 3, 5]");
+  const auto values = ArrowArray(::arrow::utf8(), R"(["a", null, "b"])");
   const auto runs = ::arrow::RunEndEncodedArray::Make(5, ends, values).ValueOrDie();
   EXPECT_EQ(texts_of(*runs), "a\na\n(null)\nb\nb");
   EXPECT_EQ(texts_of(*runs->Slice(1, 2)), "a\n(null)");
 }
 
 TEST(ValueText, OfExtensionTypesIsThatOfTheirStorage) {
-  const auto storage = values_of(::arrow::fixed_size_binary(16), R"(["0123456789abcdef", null])");
+  const auto storage = ArrowArray(::arrow::fixed_size_binary(16), R"(["0123456789abcdef", null])");
   EXPECT_EQ(texts_of(*::arrow::ExtensionType::WrapArray(::arrow::extension::uuid(), storage)),
             "0x30313233343536373839616263646566\n(null)");
 }
@@ -230,7 +226,7 @@ TEST(ValueText, IsCutToAWidth) {
        R"({"a": 1, …})"},
   };
   for (const Cut& one : cases) {
-    EXPECT_EQ(texts_of(*values_of(one.type, one.json), one.width), one.text) << one.json;
+    EXPECT_EQ(texts_of(*ArrowArray(one.type, one.json), one.width), one.text) << one.json;
   }
 }
 
