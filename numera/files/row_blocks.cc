@@ -35,11 +35,10 @@ MaybeBlock RowBlocks::next() {
   return nullptr;
 }
 
+/// What is left at the end of a file is no whole row.
 MaybeBlock RowBlocks::last(std::shared_ptr<::arrow::Buffer> block) {
   if (block->size() == 0) return nullptr;
-  const char end = std::string_view(*block).back();
-  lacks_last_line_break_ = end != '\n' && end != '\r';
-  if (!lacks_last_line_break_) return block;
+  lacks_last_line_break_ = true;  // or a quotation mark is not closed
   return ::arrow::ConcatenateBuffers({std::move(block), ::arrow::Buffer::FromString("\n")}, pool_);
 }
 

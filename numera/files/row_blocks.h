@@ -32,7 +32,7 @@ class RowBlocks {
   /// MiB.
   ::arrow::Result<std::shared_ptr<::arrow::Buffer>> next();
 
-  /// Whether the file has been read to its end and does not end with a line break.
+  /// Whether the file has been read to its end, and its last row has no line break of its own.
   bool lacks_last_line_break() const { return lacks_last_line_break_; }
 
  private:

@@ -145,7 +145,10 @@ TEST_F(CsvSource, OfOneColumnCountsALineBreakOfTwoCharactersOnceWhereABlockEnds)
 }
 
 TEST_F(CsvSource, WithoutRowsHasColumnsOfNulls) {
-  expect("n,t\n", table_of({{"n", ::arrow::null(), "[]"}, {"t", ::arrow::null(), "[]"}}));
+  for (const char* text : {"n,t\n", "n,t\r\n", "n,t\r"}) {
+    SCOPED_TRACE(text);
+    expect(text, table_of({{"n", ::arrow::null(), "[]"}, {"t", ::arrow::null(), "[]"}}));
+  }
 }
 
 TEST_F(CsvSource, IsRefusedWithAReason) {

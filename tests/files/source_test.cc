@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/files/tables.h"
+#include "tests/files/written.h"
+#include "tests/support/arrow_values.h"
 
 namespace numera::testing {
 namespace {
@@ -65,17 +67,57 @@ TEST_F(SourceOfAFile, LeavesBatchesValidWhenItIsGone) {
   EXPECT_EQ(batch->column(1)->ToString(), "[\n  \"x\",\n  \"y\",\n  \"z\"\n]");
 }
 
+/// 100,000 different numbers, 800,000 bytes in one batch or page.
+std::shared_ptr<::arrow::Table> many_numbers() {
+  std::string json = "[0";
+  for (int i = 1; i < 100'000; ++i) json += "," + std::to_string(i);
+  return table_of({{"n", ::arrow::int64(), json + "]"}});
+}
+
+void expect_too_large(const ::arrow::Status& status) {
+  EXPECT_TRUE(status.IsOutOfMemory()) << status.ToString();
+  EXPECT_TRUE(status.message().ends_with(", and the memory limit is 700000 bytes"))
+      << status.ToString();
+}
+
 TEST_F(SourceOfAFile, TakesNoMoreMemoryThanItMay) {
   const std::string file = folder_.path("large.arrow");
-  std::string json = "[0";
-  for (int i = 1; i < 100'000; ++i) json += ",0";
-  write_ipc(file, *table_of({{"n", ::arrow::int64(), json + "]"}}));  // a batch of 800,000 bytes
+  write_ipc(file, *many_numbers());
   EXPECT_EQ(read_table(file, {.memory_limit = 1'000'000}).ValueOrDie()->num_rows(), 100'000);
   const auto source = files::open_source(file, {.memory_limit = 700'000}).ValueOrDie();
-  const ::arrow::Status refusal = source->Next().status();
-  EXPECT_TRUE(refusal.IsOutOfMemory()) << refusal.ToString();
-  EXPECT_TRUE(refusal.message().ends_with(", and the memory limit is 700000 bytes"))
-      << refusal.message();
+  expect_too_large(source->Next().status());
+}
+
+TEST_F(SourceOfAFile, CountsWhatIsDecompressedAsMemory) {
+  for (const char* name : {"large.parquet", "large.arrow"}) {
+    SCOPED_TRACE(name);
+    const std::string file = folder_.path(name);
+    const auto batch = many_numbers()->CombineChunksToBatch().ValueOrDie();
+    ASSERT_TRUE(write_batches(file, {batch}, {.compression = "zstd"}).ok());
+    const auto source =
+        files::open_source(file, {.batch_rows = 1, .memory_limit = 700'000}).ValueOrDie();
+    expect_too_large(source->Next().status());
+  }
+}
+
+TEST_F(SourceOfAFile, CountsTheMemoryOfBatchesThatAreStillUsed) {
+  const std::string file = folder_.path("large.arrows");
+  const auto numbers = many_numbers()->Slice(0, 50'000);
+  write_ipc_stream(file, *::arrow::ConcatenateTables({numbers, numbers}).ValueOrDie());
+  const auto source = files::open_source(file, {.memory_limit = 700'000}).ValueOrDie();
+  const auto first = source->Next().ValueOrDie();
+  expect_too_large(source->Next().status());
+}
+
+TEST_F(SourceOfAFile, RefusesBuffersThatAreTooShort) {
+  const auto numbers = ArrowArray(::arrow::int64(), "[1]")->data()->Copy();
+  numbers->length = 100;
+  const std::string file = folder_.path("short.arrow");
+  write_ipc(file, *::arrow::Table::Make(::arrow::schema({::arrow::field("n", ::arrow::int64())}),
+                                        {::arrow::MakeArray(numbers)}));
+  const ::arrow::Status status = read_table(file).status();
+  EXPECT_TRUE(status.IsInvalid()) << status.ToString();
+  EXPECT_NE(status.message().find("too small"), std::string::npos) << status.ToString();
 }
 
 TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
