@@ -1,6 +1,7 @@
 #pragma once
 
 #include <arrow/status.h>
+#include <poll.h>
 
 #include <cerrno>
 #include <system_error>
@@ -10,6 +11,15 @@ namespace numera::files {
 /// The reason why the last system call of this thread failed.
 inline ::arrow::Status last_error() {
   return ::arrow::Status::IOError(std::generic_category().message(errno));
+}
+
+/// Whether the system call on the descriptor that failed last can be tried again. Waits for
+/// `events` if the descriptor does not block by itself.
+inline bool can_be_tried_again(int descriptor, short events) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN) return false;
+  pollfd ready = {descriptor, events, 0};
+  return ::poll(&ready, 1, -1) >= 0 || errno == EINTR;
 }
 
 }  // namespace numera::files

@@ -2,7 +2,14 @@
 
 namespace numera::files {
 
-LimitedPool::Handle LimitedPool::make(std::int64_t bytes) { return Handle(new LimitedPool(bytes)); }
+std::shared_ptr<LimitedPool> LimitedPool::make(std::optional<std::int64_t> bytes) {
+  return {new LimitedPool(bytes), [](LimitedPool* pool) { pool->drop(); }};
+}
+
+/// One thread opens files at a time.
+void LimitedPool::allow(std::int64_t bytes) {
+  if (!is_given_ && bytes > limit_) limit_ = bytes;
+}
 
 ::arrow::Status LimitedPool::Allocate(std::int64_t size, std::int64_t alignment,
                                       std::uint8_t** out) {
@@ -32,7 +39,7 @@ void LimitedPool::Free(std::uint8_t* memory, std::int64_t size, std::int64_t ali
   const std::int64_t used = bytes_allocated();
   if (more <= limit_ - used) return ::arrow::Status::OK();
   return ::arrow::Status::OutOfMemory("reading it needs ", more, " bytes beside ", used,
-                                      " in use, and the memory limit is ", limit_, " bytes");
+                                      " in use, and the memory limit is ", limit_.load(), " bytes");
 }
 
 void LimitedPool::drop() {

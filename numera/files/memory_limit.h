@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace numera::files {
@@ -13,17 +14,15 @@ namespace numera::files {
 /// The default memory pool with an upper limit. Files can state sizes that no memory has; such a
 /// request is refused before the system is asked.
 ///
-/// Buffers may outlive the source that read them. So the pool lives until its handle is gone and
-/// all of its memory is freed.
+/// Buffers may outlive the source that read them. So the pool lives until its last owner is
+/// gone and all of its memory is freed.
 class LimitedPool final : public ::arrow::MemoryPool {
  public:
-  struct Drop {
-    void operator()(LimitedPool* pool) const { pool->drop(); }
-  };
-  using Handle = std::unique_ptr<LimitedPool, Drop>;
+  /// `bytes` is the most that is allocated at any time. None: 2 GiB, which may be raised.
+  static std::shared_ptr<LimitedPool> make(std::optional<std::int64_t> bytes);
 
-  /// `bytes` is the most that is allocated at any time.
-  static Handle make(std::int64_t bytes);
+  /// Raises the limit to `bytes` if it is less and was not given.
+  void allow(std::int64_t bytes);
 
   using MemoryPool::Allocate;
   using MemoryPool::Free;
@@ -42,15 +41,17 @@ class LimitedPool final : public ::arrow::MemoryPool {
   std::string backend_name() const override { return pool_->backend_name(); }
 
  private:
-  explicit LimitedPool(std::int64_t bytes) : limit_(bytes) {}
+  explicit LimitedPool(std::optional<std::int64_t> bytes)
+      : limit_(bytes.value_or(std::int64_t{1} << 31)), is_given_(bytes) {}
 
   ::arrow::Status check(std::int64_t more) const;
   void drop();
 
   ::arrow::MemoryPool* pool_ = ::arrow::default_memory_pool();
-  std::int64_t limit_;
+  std::atomic<std::int64_t> limit_;
+  bool is_given_;
   ::arrow::internal::MemoryPoolStats stats_;
-  std::atomic<std::int64_t> users_ = 1;  ///< the handle, and each piece of memory
+  std::atomic<std::int64_t> users_ = 1;  ///< the owners together, and each piece of memory
 };
 
 }  // namespace numera::files

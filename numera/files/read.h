@@ -61,7 +61,28 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
   virtual std::int64_t chunks() const = 0;
 };
 
-/// Opens a file. Its first bytes tell the format, whatever its name:
+/// Opens one or several files as one table. Each path is
+///
+/// - a file or a named pipe;
+/// - "-": standard input. Pipes of CSV and of Arrow IPC streams are read as the bytes come. What
+///   cannot be read forwards is copied to a temporary file first, which has no name and never
+///   stays: in the folder of the environment variable TMPDIR, else in "/tmp";
+/// - a folder: all files below it, in the order of their paths, but for names that begin with "."
+/// or
+///   "_". Folders named "key=value" add a column per key, behind the columns of the files: int32 or
+///   int64 if each value is such a number, else a dictionary of texts;
+/// - a pattern with "*" or "?", which match within a name: the files, and the files below the
+///   folders, that match, in the order of their paths;
+/// - a URI of one of these, with a scheme that Arrow's file systems know, such as "file://",
+///   "s3://" or "gs://". No other path touches a network. Call `arrow::fs::EnsureFinalized` at the
+///   end of a process that has read one.
+///
+/// Several files are read one after another. Their columns are joined by name, and a file without a
+/// column gives nulls. Where types differ, columns of nulls take the other type, and numbers, sizes
+/// and units become wider if no value is lost; all else is refused. Messages begin with the name of
+/// the file then.
+///
+/// The first bytes of a file tell its format, whatever its name:
 ///
 /// - Parquet. Checksums of pages are verified. A column whose number of rows differs from the
 ///   footer is refused, and so is an encrypted column.
@@ -80,9 +101,14 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 ///
 /// Returns IOError for a path that is no readable file, and Invalid for contents that are no table
 /// of these formats, for a column that does not exist, that is named twice, or whose name several
-/// columns have. The message says why in one line and does not name the file. Takes time for the
-/// footer or the first block alone, but reads JSON lines to their end.
+/// columns have. The message says why in one line and does not name the file, if there is one path
+/// and it names one. Takes time for the footer or the first block of each file alone, but reads
+/// JSON lines to their end.
+/// @{
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
                                                                    const ReadOptions& options = {});
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(
+    const std::vector<std::string>& paths, const ReadOptions& options = {});
+/// @}
 
 }  // namespace numera::files

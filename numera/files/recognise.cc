@@ -5,6 +5,7 @@
 #include <arrow/util/utf8.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,16 +23,25 @@ using OpenAsText = ::arrow::Result<Stream> (*)(const OpenText&, const ReadOption
 struct KnownFormat {
   std::string_view magic;  ///< the first bytes of a file
   const char* name;
-  Open open;               ///< null if the format is not read
-  bool is_at_end = false;  ///< the magic is also at the end; text could start with it, too
+  Open open;                    ///< null if the format is not read
+  bool is_at_end = false;       ///< the magic is also at the end; text could start with it, too
+  bool reads_forwards = false;  ///< from the first byte to the last
 };
+
+/// How text is read.
+struct TextFormat {
+  OpenAsText open;
+  bool reads_forwards;
+};
+constexpr TextFormat kCsv = {open_csv, true};
+constexpr TextFormat kJsonLines = {open_json, false};
 
 /// An IPC stream starts with the continuation marker of its first message.
 constexpr KnownFormat kFormats[] = {
     {"PAR1", "Parquet", open_parquet},
     {"PARE", "Parquet with an encrypted footer", nullptr, true},
     {"ARROW1", "an Arrow IPC file", open_ipc_file},
-    {"\xFF\xFF\xFF\xFF", "an Arrow IPC stream", open_ipc_stream},
+    {"\xFF\xFF\xFF\xFF", "an Arrow IPC stream", open_ipc_stream, false, true},
     {"ORC", "ORC", open_orc, true},
     {"FEA1", "Feather of version 1", nullptr, true},
     {"Obj\x01", "Avro", nullptr},
@@ -41,7 +51,7 @@ constexpr KnownFormat kFormats[] = {
     {"%PDF-", "PDF", nullptr},
     {"\xFD\x37zXZ", "xz", nullptr},
 };
-constexpr KnownFormat kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream};
+constexpr KnownFormat kOldIpcStream = {"", "an Arrow IPC stream", open_ipc_stream, false, true};
 
 constexpr std::int64_t kLookedAt = 65536;
 
@@ -49,7 +59,7 @@ constexpr std::int64_t kLookedAt = 65536;
 struct Start {
   std::shared_ptr<::arrow::Buffer> buffer;
   bool is_whole;
-  std::string_view end = {};  ///< the last bytes of a file that is not compressed
+  std::string_view end = {};  ///< the last bytes, if the file has a size and is not compressed
 
   std::string_view bytes() const { return std::string_view(*buffer); }
 };
@@ -69,7 +79,10 @@ bool is_text(const Start& start) {
 
 /// Whether the magic is where the format repeats it. One byte may follow, as in ORC.
 bool ends_with_magic(const Start& start, std::string_view magic) {
-  return start.end.ends_with(magic) || start.end.substr(0, start.end.size() - 1).ends_with(magic);
+  std::string_view end = start.end;
+  if (end.ends_with(magic)) return true;
+  end.remove_suffix(std::min<size_t>(end.size(), 1));
+  return end.ends_with(magic);
 }
 
 /// The format of contents that are no text, or null. `file` has the contents from their start.
@@ -85,27 +98,38 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
 }
 
 /// How text is opened, or null for contents that are no text. Invalid for JSON that is no table.
-::arrow::Result<OpenAsText> find_text(const Start& start) {
+::arrow::Result<const TextFormat*> find_text(const Start& start) {
   std::string_view text = start.bytes();
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
   if (text.starts_with('{')) {
     const size_t length = length_of_line(text);
     const bool is_cut = length == text.size() && !start.is_whole;
-    if (is_cut || JsonFields().scan(text.substr(0, length)).ok()) return open_json;
+    if (is_cut || JsonFields().scan(text.substr(0, length)).ok()) return &kJsonLines;
   }
   if (!is_text(start)) return nullptr;
-  if (!text.starts_with('{') && !text.starts_with('[')) return open_csv;
+  if (!text.starts_with('{') && !text.starts_with('[')) return &kCsv;
   return ::arrow::Status::Invalid(
       "it is JSON, but no table: of JSON, only files with one object per line are read");
 }
 
-::arrow::Result<OpenTable> recognise_compressed(const Compression& format, const File& file,
-                                                std::int64_t size) {
-  const OpenText open = [&format, file,
-                         size]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
-    ARROW_ASSIGN_OR_RAISE(const auto stream,
-                          ::arrow::io::RandomAccessFile::GetStream(file, 0, size));
+/// Opens the bytes of a file from the first to the last.
+OpenText from_start(const File& file) {
+  constexpr std::int64_t kToItsEnd = std::numeric_limits<std::int64_t>::max();
+  return [file] { return ::arrow::io::RandomAccessFile::GetStream(file, 0, kToItsEnd); };
+}
+
+Recognised as_text(const TextFormat& format, OpenText text) {
+  return {[open = format.open, text = std::move(text)](const ReadOptions& options) {
+            return open(text, options);
+          },
+          format.reads_forwards};
+}
+
+::arrow::Result<Recognised> recognise_compressed(const Compression& format, const File& file) {
+  const OpenText open = [&format,
+                         file]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
+    ARROW_ASSIGN_OR_RAISE(const auto stream, from_start(file)());
     return decompress(format, stream);
   };
   ARROW_ASSIGN_OR_RAISE(const auto stream, open());
@@ -119,38 +143,41 @@ bool ends_with_magic(const Start& start, std::string_view magic) {
     return ::arrow::Status::Invalid("it is ", inside != nullptr ? inside->name : again->name,
                                     " inside ", format.name, "; decompress it first");
   }
-  ARROW_ASSIGN_OR_RAISE(const OpenAsText open_as_text, find_text(start));
-  if (open_as_text == nullptr) {
+  ARROW_ASSIGN_OR_RAISE(const TextFormat* text, find_text(start));
+  if (text == nullptr) {
     return ::arrow::Status::Invalid("it is no CSV and no JSON lines inside ", format.name);
   }
-  return [=](const ReadOptions& options) { return open_as_text(open, options); };
+  return as_text(*text, open);
 }
 
 }  // namespace
 
-::arrow::Result<OpenTable> recognise(const File& file) {
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  if (size == 0) return ::arrow::Status::Invalid("it is empty");
-  ARROW_ASSIGN_OR_RAISE(const auto buffer, file->ReadAt(0, std::min(size, kLookedAt)));
-  ARROW_ASSIGN_OR_RAISE(const auto end, file->ReadAt(std::max<std::int64_t>(size - 8, 0), 8));
-  const Start start{buffer, size <= kLookedAt, std::string_view(*end)};
+::arrow::Result<Recognised> recognise(const File& file, std::optional<std::int64_t> size) {
+  ARROW_ASSIGN_OR_RAISE(const auto buffer, file->ReadAt(0, kLookedAt));
+  if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty");
+  Start start{buffer, buffer->size() < kLookedAt || buffer->size() == size};
+  std::shared_ptr<::arrow::Buffer> end;
+  if (size) {
+    ARROW_ASSIGN_OR_RAISE(end, file->ReadAt(std::max<std::int64_t>(*size - 8, 0), 8));
+    start.end = std::string_view(*end);
+  }
   if (const Compression* format = find_compression(start.bytes())) {
-    return recognise_compressed(*format, file, size);
+    return recognise_compressed(*format, file);
   }
   ARROW_ASSIGN_OR_RAISE(const KnownFormat* format, find_format(start, file));
   if (format != nullptr && format->open == nullptr) {
     return ::arrow::Status::Invalid("it is ", format->name, ", which is not read");
   }
   if (format != nullptr) {
-    return [=](const ReadOptions& options) { return format->open(file, options); };
+    return Recognised{[=](const ReadOptions& options) { return format->open(file, options); },
+                      format->reads_forwards};
   }
-  ARROW_ASSIGN_OR_RAISE(const OpenAsText open_as_text, find_text(start));
-  if (open_as_text == nullptr) {
+  ARROW_ASSIGN_OR_RAISE(const TextFormat* text, find_text(start));
+  if (text == nullptr) {
     return ::arrow::Status::Invalid(
         "it is no table in a known format (Parquet, Arrow IPC, ORC, CSV, JSON lines)");
   }
-  const OpenText open = [=] { return ::arrow::io::RandomAccessFile::GetStream(file, 0, size); };
-  return [=](const ReadOptions& options) { return open_as_text(open, options); };
+  return as_text(*text, from_start(file));
 }
 
 }  // namespace numera::files

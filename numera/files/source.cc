@@ -1,125 +1,35 @@
-#include "numera/files/read.h"
-
-#include <arrow/io/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <utility>
 
-#include "numera/files/last_error.h"
+#include "numera/files/locations.h"
 #include "numera/files/memory_limit.h"
-#include "numera/files/recognise.h"
+#include "numera/files/open_file.h"
+#include "numera/files/read.h"
 
 namespace numera::files {
-namespace {
-
-constexpr std::int64_t kLeastMemory = std::int64_t{1} << 31;
-
-/// Checks before the file is opened, because opening a pipe waits for a writer.
-::arrow::Result<std::int64_t> size_of_file(const std::string& path) {
-  struct stat found = {};
-  if (::stat(path.c_str(), &found) != 0) return last_error();
-  if (S_ISDIR(found.st_mode)) return ::arrow::Status::IOError("it is a directory");
-  if (!S_ISREG(found.st_mode)) return ::arrow::Status::IOError("it is not a regular file");
-  if (::access(path.c_str(), R_OK) != 0) return last_error();
-  return found.st_size;
-}
-
-struct Version {
-  off_t size;
-  std::int64_t seconds;
-  std::int64_t nanoseconds;
-
-  bool operator==(const Version&) const = default;
-};
-
-::arrow::Result<Version> version_of(const ::arrow::io::ReadableFile& file) {
-  struct stat found = {};
-  if (::fstat(file.file_descriptor(), &found) != 0) return last_error();
-  return Version{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
-}
-
-/// Cuts the batches of a stream to the number of rows asked for. After the last one, refuses a file
-/// that changed since it was opened: a CSV that lost lines would otherwise look complete.
-class LocalSource : public Source {
- public:
-  LocalSource(LimitedPool::Handle pool, std::shared_ptr<::arrow::io::ReadableFile> file,
-              const Version& opened, Stream stream, std::int64_t batch_rows)
-      : pool_(std::move(pool)),
-        file_(std::move(file)),
-        opened_(opened),
-        stream_(std::move(stream)),
-        batch_rows_(batch_rows) {}
-
-  std::shared_ptr<::arrow::Schema> schema() const override { return stream_.schema; }
-  std::optional<std::int64_t> rows() const override { return stream_.rows; }
-  std::int64_t chunks() const override { return *stream_.chunks; }
-
-  ::arrow::Status ReadNext(std::shared_ptr<::arrow::RecordBatch>* batch) override {
-    *batch = nullptr;
-    if (failure_.ok()) failure_ = next().Value(batch);
-    return failure_;
-  }
-
-  ::arrow::Status Close() override {
-    rest_ = nullptr;
-    stream_.next = [] { return ::arrow::Status::Invalid("it was closed"); };
-    return file_->Close();
-  }
-
- private:
-  BatchResult next() {
-    if (rest_ == nullptr) {
-      ARROW_ASSIGN_OR_RAISE(rest_, stream_.next());
-      if (rest_ == nullptr) return last();
-      ARROW_RETURN_NOT_OK(rest_->Validate());
-    }
-    auto batch = rest_->Slice(0, batch_rows_);
-    rest_ = rest_->num_rows() > batch_rows_ ? rest_->Slice(batch_rows_) : nullptr;
-    return batch;
-  }
-
-  BatchResult last() {
-    stream_.next = [] { return std::shared_ptr<::arrow::RecordBatch>(); };
-    ARROW_ASSIGN_OR_RAISE(const Version read, version_of(*file_));
-    if (read != opened_) return ::arrow::Status::IOError("it changed while it was read");
-    return nullptr;
-  }
-
-  LimitedPool::Handle pool_;  ///< destroyed last: all else may have memory of it
-  std::shared_ptr<::arrow::io::ReadableFile> file_;
-  Version opened_;
-  Stream stream_;
-  std::int64_t batch_rows_;
-  std::shared_ptr<::arrow::RecordBatch> rest_;  ///< rows that were read and not yet returned
-  ::arrow::Status failure_;
-};
-
-}  // namespace
 
 Source::~Source() = default;
 
-::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
+::arrow::Result<std::shared_ptr<Source>> open_source(const std::vector<std::string>& paths,
                                                      const ReadOptions& options) {
   if (options.batch_rows <= 0) {
     return ::arrow::Status::Invalid("batch_rows: found ", options.batch_rows,
                                     ", expected a positive number");
   }
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t size, size_of_file(path));
-  ReadOptions read = options;
-  LimitedPool::Handle pool;
+  ARROW_ASSIGN_OR_RAISE(const auto files, find_files(paths));
+  Opening opening = {options, nullptr};
   if (options.pool == nullptr) {
-    pool = LimitedPool::make(options.memory_limit.value_or(std::max(kLeastMemory, 4 * size)));
-    read.pool = pool.get();
+    opening.limit = LimitedPool::make(options.memory_limit);
+    opening.options.pool = opening.limit.get();
   }
-  ARROW_ASSIGN_OR_RAISE(auto file, ::arrow::io::ReadableFile::Open(path, read.pool));
-  ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
-  ARROW_ASSIGN_OR_RAISE(const OpenTable open, recognise(file));
-  ARROW_RETURN_NOT_OK(file->Seek(0));  // some readers start at the current position
-  ARROW_ASSIGN_OR_RAISE(Stream stream, open(read));
-  return std::make_shared<LocalSource>(std::move(pool), std::move(file), opened, std::move(stream),
-                                       options.batch_rows);
+  const bool is_one_file = paths.size() == 1 && files.size() == 1 && files[0].is_named;
+  if (!is_one_file) return open_files(files, opening);
+  ARROW_ASSIGN_OR_RAISE(auto opened, open_file(files.front(), opening));
+  return std::move(opened.source);
+}
+
+::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
+                                                     const ReadOptions& options) {
+  return open_source(std::vector<std::string>{path}, options);
 }
 
 }  // namespace numera::files

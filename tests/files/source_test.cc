@@ -126,8 +126,7 @@ TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
   EXPECT_GT(pool.bytes_allocated(), 0);
 }
 
-TEST_F(SourceOfAFile, IsNoFolderAndExists) {
-  expect_refused(folder_.path(""), "IOError: it is a directory");
+TEST_F(SourceOfAFile, Exists) {
   expect_refused(folder_.path("none"), "IOError: No such file or directory");
 }
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <arrow/memory_pool.h>
+#include <arrow/result.h>
+#include <arrow/status.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "numera/files/formats.h"
+#include "numera/files/locations.h"
+#include "numera/files/pipe.h"
+
+namespace numera::files {
+
+/// An open file whose format is not known yet.
+struct Input {
+  File file;
+  std::optional<std::int64_t> size;  ///< none: a pipe
+  /// IOError if the file has changed since it was opened.
+  std::function<::arrow::Status()> check_unchanged;
+  std::shared_ptr<Pipe> pipe = nullptr;  ///< `file`, if it is one
+};
+
+/// IOError for a path that is no readable file.
+::arrow::Result<Input> open_input(const Location& location, ::arrow::MemoryPool* pool);
+
+/// The bytes of a pipe from its start, in a file that has no name and is gone when it is closed.
+/// It lies in the folder that the environment variable TMPDIR names, else in /tmp.
+::arrow::Result<Input> copy_to_file(Pipe& pipe, ::arrow::MemoryPool* pool);
+
+}  // namespace numera::files

@@ -1,0 +1,189 @@
+#include <arrow/type.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "numera/files/formats.h"
+#include "numera/files/merged_schema.h"
+#include "numera/files/open_file.h"
+
+namespace numera::files {
+namespace {
+
+using SchemaPtr = std::shared_ptr<::arrow::Schema>;
+
+/// One of the files.
+struct Member {
+  Location location;
+  SchemaPtr schema;
+  std::optional<std::int64_t> rows;
+  std::shared_ptr<Source> source;  ///< of a pipe, which cannot be opened again
+};
+
+::arrow::Status in_file(const Location& location, const ::arrow::Status& failure) {
+  return failure.WithMessage(location.name, ": ", failure.message());
+}
+
+bool have_equal_schemas(const std::vector<Member>& members) {
+  return std::ranges::all_of(members, [&](const Member& member) {
+    return member.schema->Equals(*members.front().schema) && member.location.keys.empty();
+  });
+}
+
+::arrow::Status check_names(const ::arrow::Schema& schema) {
+  for (const auto& name : schema.field_names()) {
+    const size_t columns = schema.GetAllFieldIndices(name).size();
+    if (columns > 1) {
+      return ::arrow::Status::Invalid(columns, " columns have the name '", name,
+                                      "', so that they cannot be joined with other files");
+    }
+  }
+  return ::arrow::Status::OK();
+}
+
+/// The columns of all files, and behind them those of the keys.
+::arrow::Result<SchemaPtr> join_schemas(const std::vector<Member>& members,
+                                        const ::arrow::FieldVector& keys) {
+  SchemaPtr joined = members.front().schema;
+  for (const Member& member : members) {
+    ::arrow::Status status = check_names(*member.schema);
+    if (status.ok()) status = merge_schemas(joined, *member.schema).Value(&joined);
+    if (!status.ok()) return in_file(member.location, status);
+  }
+  for (const auto& key : keys) {
+    if (joined->GetFieldIndex(key->name()) >= 0) {
+      return ::arrow::Status::Invalid("the column '", key->name(),
+                                      "' is in a file and in the name of a folder");
+    }
+    ARROW_ASSIGN_OR_RAISE(joined, joined->AddField(joined->num_fields(), key));
+  }
+  return joined;
+}
+
+/// Reads the files one after another.
+class JoinedSource : public Source {
+ public:
+  JoinedSource(Opening opening, std::vector<Member> members, SchemaPtr schema)
+      : opening_(std::move(opening)),
+        members_(std::move(members)),
+        schema_(std::move(schema)),
+        are_equal_(opening_.options.columns.empty() && have_equal_schemas(members_)) {}
+
+  SchemaPtr schema() const override { return schema_; }
+
+  std::optional<std::int64_t> rows() const override {
+    std::int64_t rows = 0;
+    for (const Member& member : members_) {
+      if (!member.rows) return std::nullopt;
+      rows += *member.rows;
+    }
+    return rows;
+  }
+
+  std::int64_t chunks() const override {
+    return chunks_ + (source_ == nullptr ? 0 : source_->chunks());
+  }
+
+  ::arrow::Status ReadNext(std::shared_ptr<::arrow::RecordBatch>* batch) override {
+    *batch = nullptr;
+    while (failure_.ok() && *batch == nullptr && next_ < members_.size()) {
+      failure_ = next().Value(batch);
+      if (!failure_.ok()) failure_ = in_file(members_[next_].location, failure_);
+    }
+    return failure_;
+  }
+
+  ::arrow::Status Close() override {
+    if (failure_.ok()) failure_ = ::arrow::Status::Invalid("it was closed");
+    members_.clear();
+    return source_ == nullptr ? ::arrow::Status::OK() : source_->Close();
+  }
+
+ private:
+  /// The next batch of a file, or null after its last one.
+  BatchResult next() {
+    const Member& member = members_[next_];
+    if (source_ == nullptr) ARROW_RETURN_NOT_OK(open(member));
+    std::shared_ptr<::arrow::RecordBatch> batch;
+    ARROW_RETURN_NOT_OK(source_->ReadNext(&batch));
+    if (batch == nullptr) {
+      chunks_ += source_->chunks();
+      source_ = nullptr;
+      ++next_;
+      return nullptr;
+    }
+    if (are_equal_) return batch;
+    return conform(*batch, member.location.keys, schema_, opening_.options.pool);
+  }
+
+  ::arrow::Status open(const Member& member) {
+    source_ = member.source;
+    if (source_ != nullptr) return ::arrow::Status::OK();
+    Opening opening = opening_;
+    opening.options.columns = are_equal_ ? std::vector<std::string>() : columns_in(*member.schema);
+    ARROW_ASSIGN_OR_RAISE(const OpenedFile file, open_file(member.location, opening));
+    if (!is_as_before(*file.source->schema(), *member.schema)) {
+      return ::arrow::Status::IOError("it changed while it was read");
+    }
+    source_ = file.source;
+    return ::arrow::Status::OK();
+  }
+
+  bool is_as_before(const ::arrow::Schema& now, const ::arrow::Schema& before) const {
+    if (are_equal_) return now.Equals(before);
+    return std::ranges::all_of(now.fields(), [&](const auto& field) {
+      const auto expected = before.GetFieldByName(field->name());
+      return expected != nullptr && expected->Equals(field);
+    });
+  }
+
+  /// The columns to read, or one that tells the number of rows.
+  std::vector<std::string> columns_in(const ::arrow::Schema& schema) const {
+    std::vector<std::string> columns;
+    for (const std::string& name : schema_->field_names()) {
+      if (schema.GetFieldIndex(name) >= 0) columns.push_back(name);
+    }
+    if (columns.empty() && schema.num_fields() > 0) columns.push_back(schema.field(0)->name());
+    return columns;
+  }
+
+  Opening opening_;
+  std::vector<Member> members_;
+  SchemaPtr schema_;
+  bool are_equal_;  ///< all columns of all files are read as they are
+  std::shared_ptr<Source> source_;
+  size_t next_ = 0;
+  std::int64_t chunks_ = 0;  ///< of the files before
+  ::arrow::Status failure_;
+};
+
+::arrow::Result<Member> open_member(const Location& location, Opening opening) {
+  opening.options.columns.clear();
+  auto opened = open_file(location, opening);
+  if (!opened.ok()) return in_file(location, opened.status());
+  const auto& source = opened->source;
+  return Member{location, source->schema(), source->rows(), opened->is_pipe ? source : nullptr};
+}
+
+}  // namespace
+
+::arrow::Result<std::shared_ptr<Source>> open_files(const std::vector<Location>& locations,
+                                                    const Opening& opening) {
+  std::vector<Member> members;
+  for (const Location& location : locations) {
+    ARROW_ASSIGN_OR_RAISE(members.emplace_back(), open_member(location, opening));
+  }
+  SchemaPtr joined = members.front().schema;
+  if (!have_equal_schemas(members)) {
+    ARROW_ASSIGN_OR_RAISE(const auto keys, fields_of_keys(locations));
+    ARROW_ASSIGN_OR_RAISE(joined, join_schemas(members, keys));
+  }
+  ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(*joined, opening.options.columns));
+  ::arrow::FieldVector fields;
+  for (const int column : columns) fields.push_back(joined->field(column));
+  auto schema = ::arrow::schema(std::move(fields), joined->metadata());
+  return std::make_shared<JoinedSource>(opening, std::move(members), std::move(schema));
+}
+
+}  // namespace numera::files
