@@ -13,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+#include "numera/files/csv_fields.h"
 #include "numera/files/formats.h"
 #include "numera/files/row_blocks.h"
 
@@ -21,52 +22,17 @@ namespace {
 
 namespace csv = ::arrow::csv;
 
-/// In texts, only an empty field without quotation marks is null, so that "NA" stays a text.
-csv::ConvertOptions options_of_texts() {
-  auto options = csv::ConvertOptions::Defaults();
-  options.null_values = {""};
-  options.strings_can_be_null = true;
-  options.quoted_strings_can_be_null = false;
-  return options;
-}
-
-/// The number of columns of the first rows; 1 if they differ.
-std::int32_t columns_of(std::string_view text, char delimiter, std::int32_t rows) {
-  auto parse = csv::ParseOptions::Defaults();
-  parse.delimiter = delimiter;
-  csv::BlockParser parser(parse, -1, -1, rows);
-  std::uint32_t size = 0;
-  return parser.Parse(text, &size).ok() && parser.num_rows() > 0 ? parser.num_cols() : 1;
-}
-
-/// The delimiter that splits the heading into most columns. `start` is the start of the file.
-::arrow::Result<char> find_delimiter(std::string_view start) {
-  constexpr std::string_view kDelimiters = ",\t;|";
-  constexpr std::int32_t kRowsLookedAt = 10;
-  if (start.starts_with(kByteOrderMark)) start.remove_prefix(kByteOrderMark.size());
-  char best = kDelimiters.front();
-  std::int32_t most = 1;
-  for (const char delimiter : kDelimiters) {
-    const std::int32_t columns = columns_of(start, delimiter, 1);
-    if (columns > most) best = delimiter;
-    most = std::max(most, columns);
-  }
-  if (most > 1) return best;
-  const std::string_view rows = start.substr(std::min(start.find('\n'), start.size()));
-  const std::int32_t columns = columns_of(rows, '\t', kRowsLookedAt);
-  if (columns == 1) return best;
-  return ::arrow::Status::Invalid("its first line has one column, and the next lines have ",
-                                  columns, ", separated by tabs");
-}
-
-/// The rows of a file, block by block. The first block with rows decides the types.
+/// The rows of a file, block by block.
 class CsvRows {
  public:
   CsvRows(std::shared_ptr<::arrow::io::InputStream> text, const csv::ParseOptions& parse,
-          ::arrow::MemoryPool* pool)
+          const ReadOptions& options)
       : parse_(parse),
-        pool_(pool),
-        blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse)), pool) {}
+        pool_(options.pool),
+        has_heading_(options.csv_heading),
+        blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse)), pool_),
+        others_(fields_of_others(options)),
+        texts_(fields_of_texts(options)) {}
 
   /// Reads the heading, then the first rows.
   ::arrow::Status open(const std::vector<std::string>& wanted) {
@@ -78,8 +44,39 @@ class CsvRows {
     // An empty line of a file with several columns is no row.
     parse_.ignore_empty_lines = names.size() > 1;
     width_ = schema_->num_fields();
-    ARROW_RETURN_NOT_OK(parse_block());
-    return find_types();
+    return parse_block();
+  }
+
+  /// The types of the columns asked for. Takes them from the block at hand, or from that and all
+  /// that follow; then no rows are left.
+  ::arrow::Result<::arrow::DataTypeVector> find_types(bool all_rows) {
+    ::arrow::DataTypeVector types(columns_.size(), ::arrow::null());
+    while (parser_ != nullptr) {
+      for (size_t i = 0; i < types.size(); ++i) {
+        ARROW_ASSIGN_OR_RAISE(const auto decoder,
+                              csv::ColumnDecoder::Make(pool_, columns_[i], others_));
+        ARROW_ASSIGN_OR_RAISE(const auto column, decode(*decoder));
+        types[i] = common_type(types[i], column->type());
+      }
+      if (!all_rows) break;
+      parser_ = nullptr;
+      ARROW_RETURN_NOT_OK(parse_block());
+    }
+    return types;
+  }
+
+  /// Sets the types of the columns asked for.
+  ::arrow::Status set_types(const ::arrow::DataTypeVector& types) {
+    ::arrow::FieldVector fields;
+    for (size_t i = 0; i < types.size(); ++i) {
+      const bool is_text = ::arrow::is_base_binary_like(types[i]->id());
+      ARROW_ASSIGN_OR_RAISE(
+          decoders_.emplace_back(),
+          csv::ColumnDecoder::Make(pool_, types[i], columns_[i], is_text ? texts_ : others_));
+      fields.push_back(schema_->field(columns_[i])->WithType(types[i]));
+    }
+    schema_ = ::arrow::schema(std::move(fields));
+    return ::arrow::Status::OK();
   }
 
   const std::shared_ptr<::arrow::Schema>& schema() const { return schema_; }
@@ -104,25 +101,40 @@ class CsvRows {
     return parse;
   }
 
+  ::arrow::Status skip_empty_lines() {
+    do {
+      ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
+      if (block_ == nullptr) return ::arrow::Status::OK();
+      const std::string_view text(*block_);
+      const size_t start = std::min(text.find_first_not_of("\r\n"), text.size());
+      block_ = ::arrow::SliceBuffer(block_, static_cast<std::int64_t>(start));
+    } while (block_->size() == 0);
+    return ::arrow::Status::OK();
+  }
+
+  /// Reads the first line that is not empty. Without a heading it is a row.
   ::arrow::Result<std::vector<std::string>> read_heading() {
-    ARROW_ASSIGN_OR_RAISE(block_, blocks_.next());
+    ARROW_RETURN_NOT_OK(skip_empty_lines());
     csv::BlockParser parser(pool_, parse_, -1, 1, 1);
     std::uint32_t size = 0;
     if (block_ == nullptr || !parser.Parse(std::string_view(*block_), &size).ok() ||
-        (size == block_->size() && blocks_.lacks_last_line_break())) {
+        (has_heading_ && size == block_->size() && blocks_.lacks_last_line_break())) {
       return ::arrow::Status::Invalid(
           "read as CSV, it has no heading: no line with text ends with a line break");
     }
     std::vector<std::string> names;
     const auto add = [&](const std::uint8_t* text, std::uint32_t length, bool, bool) {
       names.emplace_back(reinterpret_cast<const char*>(text), length);
+      if (!has_heading_) names.back() = "f" + std::to_string(names.size() - 1);
       return ::arrow::util::ValidateUTF8(names.back())
                  ? ::arrow::Status::OK()
                  : ::arrow::Status::Invalid("a name in the heading is not UTF-8");
     };
     ARROW_RETURN_NOT_OK(parser.VisitLastRow(add));
-    block_ = ::arrow::SliceBuffer(block_, size);
-    row_ = 2;
+    if (has_heading_) {
+      block_ = ::arrow::SliceBuffer(block_, size);
+      row_ = 2;
+    }
     return names;
   }
 
@@ -152,32 +164,13 @@ class CsvRows {
     return column.result();
   }
 
-  /// Numbers, dates and times have Arrow's spellings of null, such as "NA".
-  ::arrow::Status find_types() {
-    ::arrow::FieldVector fields;
-    for (const int column : columns_) {
-      ARROW_ASSIGN_OR_RAISE(auto decoder, csv::ColumnDecoder::Make(pool_, column, others_));
-      auto type = ::arrow::null();
-      if (parser_ != nullptr) {
-        ARROW_ASSIGN_OR_RAISE(const auto first, decode(*decoder));
-        type = first->type();
-      }
-      if (::arrow::is_base_binary_like(type->id())) {
-        ARROW_ASSIGN_OR_RAISE(decoder, csv::ColumnDecoder::Make(pool_, type, column, texts_));
-      }
-      fields.push_back(schema_->field(column)->WithType(type));
-      decoders_.push_back(std::move(decoder));
-    }
-    schema_ = ::arrow::schema(std::move(fields));
-    return ::arrow::Status::OK();
-  }
-
   csv::ParseOptions parse_;
   ::arrow::MemoryPool* pool_;
+  bool has_heading_;
   RowBlocks blocks_;
   // Decoders refer to these.
-  const csv::ConvertOptions others_ = csv::ConvertOptions::Defaults();
-  const csv::ConvertOptions texts_ = options_of_texts();
+  const csv::ConvertOptions others_;
+  const csv::ConvertOptions texts_;
   std::shared_ptr<::arrow::Schema> schema_;  ///< of the columns asked for
   std::int32_t width_ = 0;                   ///< the number of columns of the file
   std::vector<int> columns_;
@@ -188,22 +181,36 @@ class CsvRows {
   std::shared_ptr<std::int64_t> count_ = std::make_shared<std::int64_t>(0);
 };
 
-}  // namespace
-
-::arrow::Result<Stream> open_csv(const OpenText& open, const ReadOptions& options) {
-  ::arrow::util::InitializeUTF8();
+::arrow::Result<csv::ParseOptions> find_dialect(const OpenText& open, const ReadOptions& options) {
   auto parse = csv::ParseOptions::Defaults();
   if (options.csv_delimiter) {
     parse.delimiter = *options.csv_delimiter;
     ARROW_RETURN_NOT_OK(parse.Validate());
-  } else {
-    ARROW_ASSIGN_OR_RAISE(const auto text, open());
-    ARROW_ASSIGN_OR_RAISE(const auto start, text->Read(kTextBlockBytes));
-    ARROW_ASSIGN_OR_RAISE(parse.delimiter, find_delimiter(std::string_view(*start)));
+    return parse;
   }
-  ARROW_ASSIGN_OR_RAISE(auto text, open());
-  const auto rows = std::make_shared<CsvRows>(std::move(text), parse, options.pool);
-  ARROW_RETURN_NOT_OK(rows->open(options.columns));
+  ARROW_ASSIGN_OR_RAISE(const auto text, open());
+  ARROW_ASSIGN_OR_RAISE(const auto start, text->Read(kTextBlockBytes));
+  ARROW_ASSIGN_OR_RAISE(parse.delimiter, find_delimiter(std::string_view(*start)));
+  return parse;
+}
+
+}  // namespace
+
+::arrow::Result<Stream> open_csv(const OpenText& open, const ReadOptions& options) {
+  ::arrow::util::InitializeUTF8();
+  ARROW_ASSIGN_OR_RAISE(const auto parse, find_dialect(open, options));
+  const auto open_rows = [&]() -> ::arrow::Result<std::shared_ptr<CsvRows>> {
+    ARROW_ASSIGN_OR_RAISE(auto text, open());
+    auto rows = std::make_shared<CsvRows>(std::move(text), parse, options);
+    ARROW_RETURN_NOT_OK(rows->open(options.columns));
+    return rows;
+  };
+  ARROW_ASSIGN_OR_RAISE(auto rows, open_rows());
+  ARROW_ASSIGN_OR_RAISE(const auto types, rows->find_types(options.csv_types_of_all_rows));
+  if (options.csv_types_of_all_rows) {
+    ARROW_ASSIGN_OR_RAISE(rows, open_rows());
+  }
+  ARROW_RETURN_NOT_OK(rows->set_types(types));
   return Stream{rows->schema(), [rows] { return rows->next(); }, std::nullopt, rows->blocks()};
 }
 

@@ -61,11 +61,13 @@ class FileSource : public Source {
 };
 
 /// Copies a pipe to a file if its format is not read forwards.
-::arrow::Result<Recognised> recognise_input(Input& input, ::arrow::MemoryPool* pool) {
-  ARROW_ASSIGN_OR_RAISE(Recognised format, recognise(input.file, input.size));
-  if (input.pipe == nullptr || format.reads_forwards) return format;
-  ARROW_ASSIGN_OR_RAISE(input, copy_to_file(*input.pipe, pool));
-  return recognise(input.file, input.size);
+::arrow::Result<Recognised> recognise_input(Input& input, const ReadOptions& options) {
+  const std::string& encoding = options.csv_encoding;
+  ARROW_ASSIGN_OR_RAISE(Recognised format, recognise(input.file, input.size, encoding));
+  const bool reads_twice = options.csv_types_of_all_rows;
+  if (input.pipe == nullptr || (format.reads_forwards && !reads_twice)) return format;
+  ARROW_ASSIGN_OR_RAISE(input, copy_to_file(*input.pipe, options.pool));
+  return recognise(input.file, input.size, encoding);
 }
 
 }  // namespace
@@ -74,7 +76,7 @@ class FileSource : public Source {
   ::arrow::MemoryPool* pool = opening.options.pool;
   ARROW_ASSIGN_OR_RAISE(Input input, open_input(location, pool));
   const bool is_pipe = input.pipe != nullptr;
-  ARROW_ASSIGN_OR_RAISE(const Recognised format, recognise_input(input, pool));
+  ARROW_ASSIGN_OR_RAISE(const Recognised format, recognise_input(input, opening.options));
   if (opening.limit != nullptr && input.size) opening.limit->allow(4 * *input.size);
   ARROW_RETURN_NOT_OK(input.file->Seek(0));  // some readers start at the current position
   ARROW_ASSIGN_OR_RAISE(Stream stream, format.open(opening.options));

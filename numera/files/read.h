@@ -34,6 +34,17 @@ struct ReadOptions {
   /// What separates the fields of a CSV file. None: whichever of comma, tab, semicolon and vertical
   /// bar splits the heading into most columns.
   std::optional<char> csv_delimiter = {};
+  /// Whether the first line of a CSV file names the columns. If not, they are called "f0", "f1" and
+  /// so on.
+  bool csv_heading = true;
+  /// Further texts that are null in a CSV file, in columns of every type. In columns of texts, they
+  /// have no quotation marks.
+  std::vector<std::string> csv_nulls = {};
+  /// The encoding of a CSV file, by a name that iconv(3) knows, such as "latin1". Empty: UTF-8, or
+  /// UTF-16 if the file starts with the mark of its byte order.
+  std::string csv_encoding = {};
+  /// Whether all rows of a CSV file decide the types of its columns. It is read twice then.
+  bool csv_types_of_all_rows = false;
   /// The most memory, in bytes, that reading and the batches that are still in use take at any
   /// time. None: 2 GiB, or four times the size of the file if that is more. A file that asks for
   /// more, because a batch is that large or because the file is damaged, fails with OutOfMemory.
@@ -88,10 +99,11 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 ///   footer is refused, and so is an encrypted column.
 /// - Arrow IPC files, and Arrow IPC streams that have their end marker, of all versions since 0.8.
 /// - ORC, if this build of Arrow has it. Timestamps are in nanoseconds; others are refused.
-/// - CSV: UTF-8 without NUL in its first 64 KiB, with a heading. The first MiB decides the types. A
-///   row may have 64 MiB. In a column of texts, an empty field is null unless it has quotation
-///   marks; in other columns, Arrow's spellings such as "NA" are null, too. In a file of one
-///   column, an empty line is a row.
+/// - CSV: text without NUL in its first 64 KiB. The first MiB decides the types, unless all rows
+///   are asked to; then whole numbers become double in a column that has other numbers, dates
+///   become timestamps in one that has these, and all else becomes text. A row may have 64 MiB. In
+///   a column of texts, an empty field is null unless it has quotation marks; in other columns,
+///   Arrow's spellings such as "NA" are null, too. In a file of one column, an empty line is a row.
 /// - JSON lines: one object per line, which may have 64 MiB; an empty line is no row. All lines
 ///   decide the types: int64, or double where a number is none; text, or timestamp[s] where every
 ///   text is a moment in whole seconds, in UTC if it states an offset; structs and lists. Objects

@@ -13,6 +13,8 @@
 
 #include "numera/files/decompress.h"
 #include "numera/files/json_lines.h"
+#include "numera/files/row_blocks.h"
+#include "numera/files/transcode.h"
 
 namespace numera::files {
 namespace {
@@ -126,7 +128,40 @@ Recognised as_text(const TextFormat& format, OpenText text) {
           format.reads_forwards};
 }
 
-::arrow::Result<Recognised> recognise_compressed(const Compression& format, const File& file) {
+OpenText transcoded(OpenText open, std::string encoding) {
+  return [open = std::move(open),
+          encoding =
+              std::move(encoding)]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
+    ARROW_ASSIGN_OR_RAISE(auto text, open());
+    return transcode(encoding, std::move(text));
+  };
+}
+
+bool is_utf16(std::string_view bytes) {
+  return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+}
+
+/// Whether the bytes could be text in an encoding such as Latin-1.
+bool is_other_text(std::string_view bytes) {
+  return std::ranges::none_of(bytes, [](unsigned char byte) {
+    return byte < ' ' && byte != '\t' && byte != '\r' && byte != '\n' && byte != '\f';
+  });
+}
+
+/// `refusal` is for what is no text.
+::arrow::Result<Recognised> recognise_text(const Start& start, OpenText open, std::string encoding,
+                                           const std::string& refusal) {
+  if (encoding.empty() && is_utf16(start.bytes())) encoding = "UTF-16";
+  if (!encoding.empty()) return as_text(kCsv, transcoded(std::move(open), std::move(encoding)));
+  ARROW_ASSIGN_OR_RAISE(const TextFormat* text, find_text(start));
+  if (text != nullptr) return as_text(*text, std::move(open));
+  return ::arrow::Status::Invalid(
+      is_other_text(start.bytes()) ? "it is text that is not UTF-8, and its encoding was not named"
+                                   : refusal);
+}
+
+::arrow::Result<Recognised> recognise_compressed(const Compression& format, const File& file,
+                                                 const std::string& encoding) {
   const OpenText open = [&format,
                          file]() -> ::arrow::Result<std::shared_ptr<::arrow::io::InputStream>> {
     ARROW_ASSIGN_OR_RAISE(const auto stream, from_start(file)());
@@ -135,24 +170,22 @@ Recognised as_text(const TextFormat& format, OpenText text) {
   ARROW_ASSIGN_OR_RAISE(const auto stream, open());
   ARROW_ASSIGN_OR_RAISE(const auto buffer, stream->Read(kLookedAt));
   const Start start{buffer, buffer->size() < kLookedAt};
-  if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty inside ", format.name);
-  ARROW_ASSIGN_OR_RAISE(const KnownFormat* inside,
+  const std::string inside = std::string(" inside ") + format.name;
+  if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty", inside);
+  ARROW_ASSIGN_OR_RAISE(const KnownFormat* found,
                         find_format(start, std::make_shared<::arrow::io::BufferReader>(buffer)));
   const Compression* again = find_compression(start.bytes());
-  if (inside != nullptr || again != nullptr) {
-    return ::arrow::Status::Invalid("it is ", inside != nullptr ? inside->name : again->name,
-                                    " inside ", format.name, "; decompress it first");
+  if (found != nullptr || again != nullptr) {
+    return ::arrow::Status::Invalid("it is ", found != nullptr ? found->name : again->name, inside,
+                                    "; decompress it first");
   }
-  ARROW_ASSIGN_OR_RAISE(const TextFormat* text, find_text(start));
-  if (text == nullptr) {
-    return ::arrow::Status::Invalid("it is no CSV and no JSON lines inside ", format.name);
-  }
-  return as_text(*text, open);
+  return recognise_text(start, open, encoding, "it is no CSV and no JSON lines" + inside);
 }
 
 }  // namespace
 
-::arrow::Result<Recognised> recognise(const File& file, std::optional<std::int64_t> size) {
+::arrow::Result<Recognised> recognise(const File& file, std::optional<std::int64_t> size,
+                                      const std::string& encoding) {
   ARROW_ASSIGN_OR_RAISE(const auto buffer, file->ReadAt(0, kLookedAt));
   if (buffer->size() == 0) return ::arrow::Status::Invalid("it is empty");
   Start start{buffer, buffer->size() < kLookedAt || buffer->size() == size};
@@ -162,7 +195,7 @@ Recognised as_text(const TextFormat& format, OpenText text) {
     start.end = std::string_view(*end);
   }
   if (const Compression* format = find_compression(start.bytes())) {
-    return recognise_compressed(*format, file);
+    return recognise_compressed(*format, file, encoding);
   }
   ARROW_ASSIGN_OR_RAISE(const KnownFormat* format, find_format(start, file));
   if (format != nullptr && format->open == nullptr) {
@@ -172,12 +205,9 @@ Recognised as_text(const TextFormat& format, OpenText text) {
     return Recognised{[=](const ReadOptions& options) { return format->open(file, options); },
                       format->reads_forwards};
   }
-  ARROW_ASSIGN_OR_RAISE(const TextFormat* text, find_text(start));
-  if (text == nullptr) {
-    return ::arrow::Status::Invalid(
-        "it is no table in a known format (Parquet, Arrow IPC, ORC, CSV, JSON lines)");
-  }
-  return as_text(*text, from_start(file));
+  return recognise_text(
+      start, from_start(file), encoding,
+      "it is no table in a known format (Parquet, Arrow IPC, ORC, CSV, JSON lines)");
 }
 
 }  // namespace numera::files

@@ -163,7 +163,7 @@ TEST_F(CompressedFiles, WhatIsNoTextInsideIsNamed) {
       {inside(write_old_ipc_stream), "it is an Arrow IPC stream inside gzip; decompress it first"},
       {compressed(Codec::ZSTD, "n\n1\n"), "it is zstd inside gzip; decompress it first"},
       {std::string("\0\1\2", 3), "it is no CSV and no JSON lines inside gzip"},
-      {"gr\xF6\xDF\x65\n1\n", "it is no CSV and no JSON lines inside gzip"},
+      {"gr\xF6\xDF\x65\n1\n", "it is text that is not UTF-8, and its encoding was not named"},
       {"", "it is empty inside gzip"},
       {"[1]\n", "it is JSON, but no table: of JSON, only files with one object per line are read"},
       {"n", "read as CSV, it has no heading: no line with text ends with a line break"},

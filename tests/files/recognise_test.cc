@@ -122,9 +122,15 @@ TEST_F(Recognition, OtherJsonIsNoTable) {
   }
 }
 
+TEST_F(Recognition, TextThatIsNotUtf8NeedsTheNameOfItsEncoding) {
+  for (const char* bytes : {"gr\xF6\xDF\x65\n1\n", "{\"\xF6\":1}\n", "[\xF6]\n"}) {
+    write_text(file_, bytes);
+    expect_refused(file_, "Invalid: it is text that is not UTF-8, and its encoding was not named");
+  }
+}
+
 TEST_F(Recognition, EverythingElseIsUnknown) {
-  const std::string cases[] = {std::string("a,b\n1,\0\n", 8), "gr\xF6\xDF\x65\n1\n", "\xFF\xFE",
-                               "{\"\xF6\":1}\n", "[\xF6]\n"};
+  const std::string cases[] = {std::string("a,b\n1,\0\n", 8), "gr\xF6\xDF\x65\n\x01\n"};
   for (const std::string& bytes : cases) {
     write_text(file_, bytes);
     expect_refused(file_, kUnknown);
