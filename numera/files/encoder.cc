@@ -94,9 +94,13 @@ class CheckedEncoder {
   return status.ok() ? status : status.WithMessage("column '", name, "': ", status.message());
 }
 
+Encoder checked(Encoder encoder) {
+  return encoder_of(std::make_shared<CheckedEncoder>(std::move(encoder)));
+}
+
 ::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output) {
   ARROW_ASSIGN_OR_RAISE(Encoder encoder, make_unchecked(encoding, output));
-  return encoder_of(std::make_shared<CheckedEncoder>(std::move(encoder)));
+  return checked(std::move(encoder));
 }
 
 }  // namespace numera::files

@@ -30,6 +30,9 @@ struct Encoder {
 /// An encoder that checks each batch before it is written: its schema, that its columns are valid
 /// Arrow data, and that types nest at most 1,024 levels deep. Its `close` returns Invalid if no
 /// batch was written.
+Encoder checked(Encoder encoder);
+
+/// The checked encoder of a format.
 ::arrow::Result<Encoder> make_encoder(const Encoding& encoding, const Output& output);
 
 /// \name One writer per format, for batches that were checked

@@ -148,6 +148,7 @@ std::string_view default_compression(std::string_view path, Format format) {
 
 ::arrow::Result<Encoding> choose_encoding(std::string_view path, const WriteOptions& options) {
   const Ending* ending = find_ending(path);
+  if (ending == nullptr && !options.partition_by.empty()) ending = kEndings;
   if (ending == nullptr && !options.format) return refuse_path(path);
   Encoding encoding;
   encoding.format = options.format ? *options.format : ending->format;
@@ -160,6 +161,16 @@ std::string_view default_compression(std::string_view path, Format format) {
     ARROW_RETURN_NOT_OK(check_delimiter(encoding.delimiter));
   }
   return encoding;
+}
+
+std::string ending_of(const Encoding& encoding) {
+  const auto* ending = std::ranges::find(kEndings, encoding.format, &Ending::format);
+  std::string text(ending->text);
+  if (!is_text(encoding.format)) return text;
+  const auto* codec = std::ranges::find(kCodecs, encoding.codec, &NamedCodec::text);
+  const auto* packed = std::ranges::find(kPackedEndings, codec->name, &PackedEnding::compression);
+  if (packed != std::end(kPackedEndings)) text += packed->text;
+  return text;
 }
 
 }  // namespace numera::files

@@ -18,8 +18,6 @@ namespace {
 
 namespace fs = ::arrow::fs;
 
-/// What Hive writes for null.
-constexpr std::string_view kHiveNull = "__HIVE_DEFAULT_PARTITION__";
 constexpr std::string_view kWildcards = "*?";
 
 struct Place {

@@ -13,6 +13,9 @@ namespace numera::files {
 /// The name of standard input and standard output.
 inline constexpr const char* kStandardStream = "-";
 
+/// What stands for null in the names of folders.
+inline constexpr const char* kHiveNull = "__HIVE_DEFAULT_PARTITION__";
+
 /// A column whose value stands in the name of a folder, such as "year=2013".
 struct PartitionKey {
   std::string name;

@@ -15,7 +15,6 @@ namespace {
 /// A row group is collected first and then written column by column. Encoders for all columns at
 /// once would need several times as much memory. Groups are not smaller, because the footer grows
 /// with their number and stays in memory to the end.
-constexpr std::int64_t kGroupBytes = std::int64_t{16} * 1024 * 1024;
 constexpr std::int64_t kGroupRows = 262144;  // few bytes of dictionary indices may stand for many
 
 class ParquetWriter {
@@ -28,7 +27,8 @@ class ParquetWriter {
     group_.push_back(batch);
     bytes_ += bytes;
     rows_ += batch->num_rows();
-    return bytes_ < kGroupBytes && rows_ < kGroupRows ? ::arrow::Status::OK() : write_group();
+    return bytes_ < encoding_.group_bytes && rows_ < kGroupRows ? ::arrow::Status::OK()
+                                                                : write_group();
   }
 
   ::arrow::Status close() try {

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "numera/files/last_error.h"
+#include "numera/files/locations.h"
 
 namespace numera::files {
 namespace {
@@ -53,9 +54,11 @@ std::string behind_links(const std::string& path) {
 
 ::arrow::Status check_is_none_of(const struct stat& target,
                                  const std::vector<std::string>& inputs) {
-  for (const std::string& input : inputs) {
+  // What cannot be found was not read either.
+  const auto files = find_files(inputs).ValueOr({});
+  for (const Location& input : files) {
     struct stat source = {};
-    if (::stat(input.c_str(), &source) == 0 && source.st_dev == target.st_dev &&
+    if (::stat(input.path.c_str(), &source) == 0 && source.st_dev == target.st_dev &&
         source.st_ino == target.st_ino) {
       return ::arrow::Status::Invalid("it is the input file");
     }

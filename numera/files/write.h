@@ -43,6 +43,10 @@ struct WriteOptions {
   /// What separates the fields of a CSV file: a tab or a punctuation mark, but none of "+-.: and no
   /// space. None: a tab for ".tsv", else a comma.
   std::optional<char> csv_delimiter = {};
+  /// Columns whose values name folders, from the outer one to the inner one: "year=2024". The path
+  /// is then that of a new or empty folder, and the files do not have these columns. They may be
+  /// integers, truth values, dates of 32 bits, texts and dictionaries of these.
+  std::vector<std::string> partition_by = {};
 };
 
 /// A file that appears only when it is complete. It is written beside its target and renamed at the
@@ -79,6 +83,13 @@ class NUMERA_EXPORT Sink {
 /// | ".json", ".jsonl", ".ndjson" | JSON lines |
 ///
 /// Behind the end of a text file, ".gz", ".zst", ".bz2" and ".lz4" compress the text.
+///
+/// With `partition_by`, a folder appears when all of its files are complete: Parquet, unless the
+/// end of the path or the options say something else. At most 64 files are written at the same
+/// time; a partition has another file whenever its last one was ended for that reason. Null is
+/// "__HIVE_DEFAULT_PARTITION__", as Hive writes it, and a text that says so is refused. So is a
+/// table without rows. `open_source` reads such a folder; keys come back as int32 or int64 if all
+/// of their values are numbers, else as dictionaries.
 ///
 /// Dictionaries of Arrow IPC are held in memory; they only grow from batch to batch.
 ///
