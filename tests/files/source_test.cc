@@ -128,7 +128,8 @@ TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
 
 TEST_F(SourceOfAFile, IsNoFolderAndExists) {
   expect_refused(folder_.path(""), "IOError: it is a directory");
-  expect_refused(folder_.path("none"), "IOError: No such file or directory");
+  expect_refused(folder_.path("none"),
+                 "IOError: No such file or directory. Detail: [errno 2] No such file or directory");
 }
 
 }  // namespace
