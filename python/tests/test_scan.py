@@ -64,7 +64,7 @@ def test_scans_may_ask_for_more_rows_than_there_are(tmp_path, suffix):
     assert columns(table) == ROWS
 
 
-@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".orc", ".csv", ".jsonl"])
+@pytest.mark.parametrize("suffix", [".parquet", ".arrow", ".arrows", ".orc", ".csv"])
 def test_scans_take_the_memory_of_a_batch(tmp_path, suffix):
     table = pa.table({"n": range(1_000_000), "x": pa.array(range(1_000_000), pa.float64())})
     path = file_of(tmp_path, table, suffix, rows=50_000 if suffix != ".parquet" else None)

@@ -120,7 +120,7 @@ def write(host: HostArray, path: _Path, *, compression: str | None = None) -> No
 
     Columns have the types of `to_arrow(host)`. CSV has no nested columns, and CSV and JSON do not
     state types: a text column whose texts all look like numbers reads back as numbers, for example.
-    Nulls and empty texts read back as such.
+    Nulls and empty texts of CSV read back as such, if the column has another text.
 
     Raises:
     - pyarrow.ArrowInvalid, which is a ValueError, for any other name, which is checked first, for a
