@@ -1,3 +1,4 @@
+#include <arrow/util/io_util.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <system_error>
 #include <variant>
 
 #include "numera/core/util/table_error.h"
@@ -45,14 +47,16 @@ int report(const std::string& file, const std::string& reason) {
   return kFailure;
 }
 
-/// The message, followed by the detail of a system error, which is its reason. The detail of a
-/// table error only names the column, which the message does, too.
+/// The message, followed by the detail of a system error, which is its reason, unless the message
+/// ends with it. The detail of a table error only names the column, which the message does, too.
 std::string reason_of(const arrow::Status& status) {
   using numera::io::arrow::core::util::TableErrorStatusDetail;
   const auto& detail = status.detail();
   if (detail == nullptr || dynamic_cast<const TableErrorStatusDetail*>(detail.get()) != nullptr) {
     return status.message();
   }
+  const int number = arrow::internal::ErrnoFromStatus(status);
+  if (status.message().ends_with(std::generic_category().message(number))) return status.message();
   return status.message() + ": " + detail->ToString();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <arrow/status.h>
+#include <arrow/util/io_util.h>
 #include <poll.h>
 
 #include <cerrno>
@@ -8,9 +9,11 @@
 
 namespace numera::files {
 
-/// The reason why the last system call of this thread failed.
+/// The reason why the last system call of this thread failed. Its number is the detail of the
+/// status.
 inline ::arrow::Status last_error() {
-  return ::arrow::Status::IOError(std::generic_category().message(errno));
+  const int number = errno;
+  return ::arrow::internal::IOErrorFromErrno(number, std::generic_category().message(number));
 }
 
 /// Whether the system call on the descriptor that failed last can be tried again. Waits for

@@ -5,6 +5,7 @@
 #endif
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <string>
 #include <utility>
@@ -17,6 +18,9 @@ namespace numera::files {
 namespace {
 
 using ::arrow::adapters::orc::ORCFileReader;
+
+/// The library takes memory for the whole batch at once, however few rows there are.
+constexpr std::int64_t kMostRowsAtOnce = 65536;
 
 /// Arrow turns most exceptions of its ORC library into statuses, but not all.
 template <class Read>
@@ -88,7 +92,8 @@ class Stripes {
     const auto place = std::ranges::find(names, fields.back()->name()) - names.begin();
     places.push_back(names.empty() ? column : static_cast<int>(place));
   }
-  ARROW_ASSIGN_OR_RAISE(auto batches, reader->GetRecordBatchReader(options.batch_rows, names));
+  const std::int64_t rows = std::min(options.batch_rows, kMostRowsAtOnce);
+  ARROW_ASSIGN_OR_RAISE(auto batches, reader->GetRecordBatchReader(rows, names));
   const auto stripes = std::make_shared<Stripes>(reader, std::move(batches), std::move(places));
   auto next = [stripes] { return without_exceptions([&] { return stripes->next(); }); };
   return Stream{::arrow::schema(std::move(fields), whole->metadata()), std::move(next),

@@ -114,8 +114,9 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 /// Returns IOError for a path that is no readable file, and Invalid for contents that are no table
 /// of these formats, for a column that does not exist, that is named twice, or whose name several
 /// columns have. The message says why in one line and does not name the file, if there is one path
-/// and it names one. Takes time for the footer or the first block of each file alone, but reads
-/// JSON lines to their end.
+/// and it names one. If the system gave the reason, the status has Arrow's detail with its number.
+/// Takes time for the footer or the first block of each file alone, but reads JSON lines to their
+/// end.
 /// @{
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
                                                                    const ReadOptions& options = {});

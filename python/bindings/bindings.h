@@ -15,6 +15,8 @@ void bind_builders(nb::module_& module);
 void bind_to_host(nb::module_& module);
 void bind_to_arrow(nb::module_& module);
 void bind_make_readable(nb::module_& module);
+void bind_file_source(nb::module_& module);
+void bind_file_sink(nb::module_& module);
 /// @}
 
 }  // namespace numera::python

@@ -1,5 +1,8 @@
 #include "python/bindings/errors.h"
 
+#include <arrow/util/io_util.h>
+
+#include <cerrno>
 #include <cstddef>
 #include <exception>
 #include <string>
@@ -14,11 +17,6 @@ namespace numera::python {
 namespace {
 
 using io::arrow::core::util::TableErrorStatusDetail;
-
-nb::str text_of(std::string_view text) {
-  return nb::steal<nb::str>(
-      PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "replace"));
-}
 
 nb::object exception_class(::arrow::StatusCode code) {
   const char* name = nullptr;
@@ -109,6 +107,25 @@ void raise_status(const ::arrow::Status& status, const std::string& note) {
     error.attr("add_note")(text_of(note));
   }
   PyErr_SetObject(type.ptr(), error.ptr());
+  throw nb::python_error();
+}
+
+nb::str text_of(std::string_view text) {
+  return nb::steal<nb::str>(
+      PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "replace"));
+}
+
+nb::str path_text(std::string_view path) {
+  return nb::steal<nb::str>(
+      PyUnicode_DecodeFSDefaultAndSize(path.data(), static_cast<Py_ssize_t>(path.size())));
+}
+
+void raise_file_status(const ::arrow::Status& status, const std::string& path) {
+  const int number = ::arrow::internal::ErrnoFromStatus(status);
+  if (!status.IsIOError() || number == 0) raise_status(status);
+  const nb::str name = path_text(path);
+  errno = number;
+  PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, name.ptr());
   throw nb::python_error();
 }
 

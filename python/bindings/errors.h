@@ -8,6 +8,7 @@
 #include <nanobind/nanobind.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace numera::python {
@@ -28,6 +29,15 @@ T value_or_raise(::arrow::Result<T> result, const std::string& note = {}) {
   if (!result.ok()) raise_status(result.status(), note);
   return std::move(result).MoveValueUnsafe();
 }
+
+/// Raises the exception for a file that cannot be read or written. If the system gave the reason,
+/// this is an OSError with the error number and the path, else what `raise_status` raises.
+[[noreturn]] void raise_file_status(const ::arrow::Status& status, const std::string& path);
+
+/// Python text of UTF-8. Other bytes are replaced.
+nb::str text_of(std::string_view text);
+/// Python text of a path, as `os.fsdecode` gives it.
+nb::str path_text(std::string_view path);
 
 /// Raises `type` with a UTF-8 text and a note.
 [[noreturn]] void raise_with_note(PyObject* type, const char* text, const nb::object& note);

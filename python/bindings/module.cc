@@ -23,4 +23,6 @@ NB_MODULE(_core, module) {
   bind_to_host(module);
   bind_to_arrow(module);
   bind_make_readable(module);
+  bind_file_source(module);
+  bind_file_sink(module);
 }

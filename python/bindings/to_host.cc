@@ -1,3 +1,5 @@
+#include "python/bindings/to_host.h"
+
 #include <arrow/array/array_nested.h>
 #include <arrow/array/validate.h>
 #include <arrow/c/abi.h>
@@ -37,11 +39,6 @@ constexpr const char* kCastNote =
 /// Options for objects of other libraries. Their views are always cast, because some of these
 /// libraries have no plain text. Views in pyarrow objects were chosen by the user.
 extras::IntakeOptions from_outside(bool cast) { return {.cast = cast, .views = true}; }
-
-HostValue adopt_result(::arrow::Result<hxArrayPtr> result, bool cast) {
-  const bool casts_help = !cast && result.status().IsTypeError();
-  return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : ""));
-}
 
 template <class T>
 HostValue convert(const std::shared_ptr<T>& value, const extras::IntakeOptions& options) {
@@ -169,6 +166,11 @@ std::optional<std::string> datatype(nb::handle type) {
 }
 
 }  // namespace
+
+HostValue adopt_result(::arrow::Result<hxArrayPtr> result, bool cast) {
+  const bool casts_help = !cast && result.status().IsTypeError();
+  return adopt(value_or_raise(std::move(result), casts_help ? kCastNote : ""));
+}
 
 void bind_to_host(nb::module_& module) {
   module.def("to_host", &to_host, nb::arg("x").none(), nb::arg("cast") = false,

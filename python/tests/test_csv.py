@@ -3,7 +3,6 @@
 import numera
 import pyarrow as pa
 import pytest
-from numera import _files
 from table_files import columns
 
 
@@ -11,7 +10,7 @@ from table_files import columns
     ([1, None, 3], [1, None, 3]),
     ([None, 1, None, None], [None, 1, None, None]),
     ([None, None], [None, None]),
-    (["x", None, "", "y"], ["x", "", "", "y"]),  # a null text reads back as an empty one
+    (["x", None, "", "y"], ["x", None, "", "y"]),
     (["", None], [None, None]),  # the file does not show that these were texts
 ])
 def test_a_csv_of_one_column_has_every_row(tmp_path, values, expected):
@@ -61,68 +60,53 @@ def test_rows_of_a_csv_may_be_longer_than_a_megabyte(tmp_path):
     assert scanned(path).to_pydict() == rows
 
 
-@pytest.fixture
-def small_blocks(monkeypatch):
-    monkeypatch.setattr(_files, "_CSV_BLOCK_BYTES", 1 << 10)
-    monkeypatch.setattr(_files, "_CSV_LONGEST_ROW_BYTES", 1 << 14)
-
-
-@pytest.mark.parametrize("places", [[0], [1], [2_500], [4_999], [100, 101, 3_000], [0, 4_999]])
-@pytest.mark.parametrize("text", ["x" * 9_000, "a\nlong, \"line\"\n" * 500], ids=["one line", "many"])
-def test_scans_go_on_behind_the_rows_so_far_with_longer_blocks(tmp_path, small_blocks, places, text):
-    path = tmp_path / "long.csv"
-    rows = {"n": list(range(5_000)), "text": ["short"] * 5_000}
-    for place in places:
-        rows["text"][place] = text
+def test_nulls_and_empty_texts_of_a_csv_are_told_apart(tmp_path):
+    path = tmp_path / "texts.csv"
+    rows = {"n": [1, None, 3, 4], "text": ["", None, "NA", "text"], "flag": [None, True, None, False]}
     numera.write(numera.to_host(pa.table(rows)), path)
-    assert scanned(path, batch_rows=700).to_pydict() == rows
-    assert scanned(path, columns=["text"]).to_pydict() == {"text": rows["text"]}
+    assert columns(numera.read(path)) == rows
+    [table] = numera.scan(path)
+    assert columns(table) == rows
 
 
-def test_rows_of_a_csv_of_one_column_stay_where_blocks_get_longer(tmp_path, small_blocks):
-    path = tmp_path / "one.csv"
-    texts = ["", "short"] * 1_000 + ["x" * 9_000, ""]
-    path.write_text("\n\ntext\n" + "\n".join(texts) + "\n")
-    assert scanned(path).to_pydict() == {"text": texts}
+CALLS = pytest.mark.parametrize("call", [numera.read, scanned])
 
 
-def test_types_of_csv_stay_those_of_the_first_block_where_blocks_get_longer(tmp_path, small_blocks):
-    path = tmp_path / "types.csv"
-    row = "1,1.5,true,,2013-01-01,2013-01-01T12:00:00,2013-01-01T12:00:00Z,text\n"
-    path.write_text("a,b,c,d,e,f,g,h\n" + row * 100 + row.replace("text", "x" * 9_000) + row)
-    types = [[column["Type"].text for column in table["Columns"]]
-             for table in numera.scan(path, batch_rows=1)]
-    assert types[0] == ["int64", "double", "logical", "null", "datetime", "datetime", "datetime",
-                        "string"]
-    assert types == [types[0]] * 102
-    assert scanned(path).equals(numera.to_arrow(numera.make_readable(numera.read(path))))
-    with path.open("a") as file:
-        file.write(row.replace("1.5", "late"))
-    with pytest.raises(pa.ArrowInvalid, match="CSV conversion error to double"):
-        scanned(path)
-
-
-def test_rows_of_a_csv_that_are_too_long_are_refused(tmp_path, small_blocks):
+@CALLS
+def test_a_row_of_a_csv_has_64_mebibytes_at_most(tmp_path, call):
     path = tmp_path / "long.csv"
-    path.write_text("n,text\n1,short\n2," + "x" * 40_000 + "\n3,short\n")
-    for call in (numera.read, scanned):
-        with pytest.raises(pa.ArrowInvalid) as caught:
-            call(path)
-        assert str(caught.value) == (
-            "CSV: found a row of more than 16,384 bytes, expected a shorter row.")
+    path.write_text("n,text\n1,short\n2," + "x" * (1 << 26) + "\n3,short\n")
+    with pytest.raises(pa.ArrowInvalid) as caught:
+        call(path)
+    assert str(caught.value) == (f"{str(path)!r}: a row is longer than 64 MiB, or a quotation mark in "
+                                 "it is not closed")
 
 
-def test_where_columns_share_a_name_scans_have_blocks_of_one_length(tmp_path, small_blocks):
-    path = tmp_path / "names.csv"
-    path.write_text("n,n\n" + "1,short\n" * 1_000 + "2," + "x" * 9_000 + "\n")
-    assert len(numera.read(path)["Columns"][1]["Data"]) == 1_001
-    with pytest.raises(pa.ArrowInvalid, match="^CSV: found a row of more than 1,024 bytes, expected "):
-        scanned(path)
-
-
-def test_types_of_csv_come_from_the_whole_file_or_the_first_block(tmp_path):
+@CALLS
+def test_the_first_megabyte_of_a_csv_decides_the_types(tmp_path, call):
     path = tmp_path / "late.csv"
     path.write_text("n\n" + "1\n" * 1_000_000 + "late\n")
-    assert numera.read(path)["Columns"][0]["Type"].text == "string"
-    with pytest.raises(pa.ArrowInvalid):
-        list(numera.scan(path))
+    with pytest.raises(pa.ArrowInvalid, match="^'.*/late.csv': .*conversion error to int64: invalid "
+                                              "value 'late'"):
+        call(path)
+
+
+@CALLS
+@pytest.mark.parametrize("text, reason", [
+    ("n,n\n1,2,3\n", "CSV parse error: Row #2: Expected 2 columns, got 3: 1,2,3"),
+    ('n,m\n1,"open\n', "a quotation mark after row 1 is not closed"),
+    ("one line", "read as CSV, it has no heading: no line with text ends with a line break"),
+])
+def test_a_csv_that_is_no_table_is_refused(tmp_path, call, text, reason):
+    path = tmp_path / "bad.csv"
+    path.write_text(text)
+    with pytest.raises(pa.ArrowInvalid) as caught:
+        call(path)
+    assert str(caught.value) == f"{str(path)!r}: {reason}"
+
+
+def test_columns_of_a_csv_may_share_a_name(tmp_path):
+    path = tmp_path / "names.csv"
+    path.write_text("n,n\n" + "1,short\n" * 1_000 + "2," + "x" * 2_000_000 + "\n")
+    assert len(numera.read(path)["Columns"][1]["Data"]) == 1_001
+    assert sum(len(table["Columns"][1]["Data"]) for table in numera.scan(path, 700)) == 1_001

@@ -59,8 +59,8 @@ def refusal(call, *arguments):
 def test_a_column_with_fewer_rows_than_the_footer_is_named(tmp_path, call, page, name):
     path = written(tmp_path)
     recount(path, "page", page, 400)
-    expected = (f"{str(path)!r}, row group 0, column {name!r}: found 400 rows, "
-                "expected 1000, as the footer states.")
+    expected = (f"{str(path)!r}: row group 0, column {name!r}: found 400 rows, "
+                "expected 1000, as the footer states")
     assert refusal(call, path) == expected
     assert refusal(call, path, [name]) == expected
 
@@ -69,7 +69,7 @@ def test_a_column_with_fewer_rows_than_the_footer_is_named(tmp_path, call, page,
 def test_a_part_of_a_column_with_fewer_rows_than_others_is_named(tmp_path, call):
     path = written(tmp_path)
     recount(path, "page", 3, 500)
-    expected = f"{str(path)!r}, row group 0, column 's': Struct child array #1 has length smaller "
+    expected = f"{str(path)!r}: row group 0, column 's': Struct child array #1 has length smaller "
     assert refusal(call, path).startswith(expected)
     assert refusal(call, path, ["s"]).startswith(expected)
 
@@ -79,24 +79,24 @@ def test_columns_that_all_have_fewer_rows_than_the_footer_are_refused(tmp_path, 
     path = written(tmp_path)
     for page in (3, 2, 1, 0):
         recount(path, "page", page, 400)
-    assert refusal(call, path) == (f"{str(path)!r}, row group 0, column 'n': found 400 rows, "
-                                   "expected 1000, as the footer states.")
+    assert refusal(call, path) == (f"{str(path)!r}: row group 0, column 'n': found 400 rows, "
+                                   "expected 1000, as the footer states")
 
 
 @CALLS
 def test_the_row_group_is_named(tmp_path, call):
     path = written(tmp_path, 2 * ROWS)
     recount(path, "page", 4, 400)
-    assert refusal(call, path) == (f"{str(path)!r}, row group 1, column 'n': found 400 rows, "
-                                   "expected 1000, as the footer states.")
+    assert refusal(call, path) == (f"{str(path)!r}: row group 1, column 'n': found 400 rows, "
+                                   "expected 1000, as the footer states")
 
 
 @CALLS
 def test_a_column_of_more_values_than_rows_is_named(tmp_path, call):
     path = written(tmp_path)
     recount(path, "footer", VALUES_OF_N, 1400)
-    expected = (f"{str(path)!r}, row group 0, column 'n': found 1400 values, "
-                "expected 1000, as the footer states.")
+    expected = (f"{str(path)!r}: row group 0, column 'n': found 1400 values, "
+                "expected 1000, as the footer states")
     assert refusal(call, path) == expected
     assert refusal(call, path, ["n"]) == expected
 
@@ -115,7 +115,7 @@ def test_row_groups_that_have_other_rows_than_the_file_are_refused(tmp_path, cal
     path = written(tmp_path)
     recount(path, "footer", ROWS_OF_FILE, rows)
     assert refusal(call, path) == (f"{str(path)!r}: found 1000 rows in the row groups, "
-                                   f"expected {rows}, as the footer states.")
+                                   f"expected {rows}, as the footer states")
 
 
 @pytest.mark.parametrize("kind, which, count", [("page", 0, 400), ("footer", VALUES_OF_N, 1400)])
@@ -135,7 +135,7 @@ def test_a_page_that_has_changed_is_noticed_by_its_checksum(tmp_path, call, name
     with pytest.raises(OSError) as caught:
         call(path, names)
     assert str(caught.value) == (
-        f"{str(path)!r}, row group 0, column 's': could not verify page integrity, "
+        f"{str(path)!r}: row group 0, column 's': could not verify page integrity, "
         "CRC checksum verification failed for page_ordinal 0")
     assert columns(numera.read(path, ["n"])) == {"n": [7] * ROWS}
 

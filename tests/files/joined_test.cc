@@ -257,7 +257,9 @@ TEST_F(JoinedFiles, NameTheFileThatIsRefused) {
   write("rows/1.csv", "n\n1\n");
   write("rows/2.csv", "");
   expect_refused({"rows"}, "Invalid: /rows/2.csv: it is empty");
-  expect_refused({"rows/1.csv", "none.csv"}, "IOError: /none.csv: No such file or directory");
+  expect_refused({"rows/1.csv", "none.csv"},
+                 "IOError: /none.csv: No such file or directory. "
+                 "Detail: [errno 2] No such file or directory");
   expect_refused({"rows/1.csv", "*.txt"}, "IOError: /*.txt: no file matches it");
   expect_refused({}, "Invalid: no file is named");
 }

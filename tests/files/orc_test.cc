@@ -6,7 +6,9 @@
 #include <arrow/io/file.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -89,6 +91,12 @@ TEST_F(OrcFiles, StripesAreReadInOrderAndCounted) {
   EXPECT_EQ(source->chunks(), 0);
   ASSERT_TRUE(source->ToRecordBatches().ok());
   EXPECT_GT(source->chunks(), 5);
+}
+
+TEST_F(OrcFiles, BatchesMayBeLargerThanTheFile) {
+  const auto table = table_of({{"n", ::arrow::int64(), "[1, null]"}});
+  ASSERT_EQ(write_orc(file_, *table).ToString(), "OK");
+  expect_table(file_, *table, {.batch_rows = std::numeric_limits<std::int64_t>::max()});
 }
 
 TEST_F(OrcFiles, ColumnsAreReadInTheOrderAskedFor) {

@@ -154,7 +154,8 @@ TEST_F(Pipes, AreRefusedIfTheyCannotBeCopied) {
   const auto source = files::open_source(pipe.path());
   ASSERT_EQ(::unsetenv("TMPDIR"), 0);
   EXPECT_EQ(source.status().ToString(),
-            "IOError: a copy of it cannot be written in /nowhere: No such file or directory");
+            "IOError: a copy of it cannot be written in /nowhere: No such file or directory. "
+            "Detail: [errno 2] No such file or directory");
 }
 
 TEST_F(Pipes, AreRefusedLikeFiles) {

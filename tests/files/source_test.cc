@@ -127,7 +127,8 @@ TEST_F(SourceOfAFile, TakesMemoryFromThePoolOfTheCaller) {
 }
 
 TEST_F(SourceOfAFile, Exists) {
-  expect_refused(folder_.path("none"), "IOError: No such file or directory");
+  expect_refused(folder_.path("none"),
+                 "IOError: No such file or directory. Detail: [errno 2] No such file or directory");
 }
 
 }  // namespace

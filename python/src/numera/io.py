@@ -1,50 +1,60 @@
-"""Host tables from files and into files: Parquet, Arrow IPC and CSV."""
+"""Host tables from files and into files."""
 
 import operator
 import os
-import secrets
-import shutil
-import stat
 import sys
 from collections.abc import Iterator, Sequence
-from contextlib import contextmanager, suppress
-from pathlib import Path
+from contextlib import closing
 
 import pyarrow as pa
 from tqdm import tqdm
 
-from ._core import HostArray, to_arrow, to_host
-from ._files import format_of, open_sink, open_source
+from ._core import FileSink, FileSource, HostArray, to_arrow
 
 __all__ = ["read", "scan", "write"]
 
 # Short work shows no bar.
 _SECONDS_BEFORE_BAR = 1.0
 
+_ALL_ROWS = 2**63 - 1
+_READ_ROWS = 1 << 20  # at a time; most row groups have no more, and stay one chunk
+_WRITTEN_ROWS = 1 << 16  # at a time; the rows of a batch in Arrow IPC files
+
 _Path = str | bytes | os.PathLike[str] | os.PathLike[bytes]
 
 
 def read(
-    path: _Path, columns: Sequence[str] | None = None, cast: bool = False
+    path: _Path,
+    columns: Sequence[str] | None = None,
+    cast: bool = False,
+    *,
+    memory_limit: int | None = None,
 ) -> HostArray:
     """Reads a file and returns its encoded table, as `to_host` does.
 
-    The suffix of path selects the format: ".parquet"; ".csv"; ".arrow", ".ipc", ".feather" and
-    ".arrows" for Arrow IPC. The first bytes of an Arrow IPC file tell whether it is in the file or
-    in the stream format. The types of CSV columns are inferred from the whole file, by the rules of
-    pyarrow.csv. In a CSV file with one column an empty line is a null. A CSV row of more than 32 MB
-    raises pyarrow.ArrowInvalid.
+    The contents tell the format, not the name: Parquet, Arrow IPC files and streams, ORC, CSV with
+    any of the delimiters comma, tab, semicolon and vertical bar, and JSON lines. CSV and JSON lines
+    may be compressed by gzip, zstd, bzip2 or lz4.
+
+    The first MiB of a CSV file decides the types of its columns. A later value of another type is
+    an error. In a column of texts, an empty field is null and a field of two quotation marks is an
+    empty text. In a CSV file with one column an empty line is a null. A row may have 64 MiB.
 
     columns names the columns to read, in the order of the result; None reads all. cast is the same
-    as in `to_host`. If reading takes long and stderr is a terminal, a bar shows the progress.
+    as in `to_host`. memory_limit is the most memory in bytes that the file may take before it is
+    converted; None is 2 GiB, or four times the size of the file if that is more. If reading takes
+    long and stderr is a terminal, a bar shows the progress.
 
     Raises:
     - KeyError, with the names, for columns that the file does not have;
-    - ValueError for a name that is listed twice or that several columns have, and for any other
-      suffix;
-    - pyarrow.ArrowInvalid, which is a ValueError, for invalid contents, such as a Parquet column
-      whose number of rows differs from the footer;
-    - OSError for a file that cannot be read or a Parquet page that does not match its checksum;
+    - ValueError for a name that is listed twice or that several columns have, and for a
+      memory_limit that is not positive or is 2**63 or more;
+    - pyarrow.ArrowInvalid, which is a ValueError, for contents that are no table of these formats,
+      such as a Parquet column whose number of rows differs from the footer;
+    - OSError for a file that cannot be read, that changed while it was read, or whose data does not
+      match its checksum;
+    - pyarrow.ArrowMemoryError, which is a MemoryError, for a file that takes more than memory_limit;
+    - UnicodeError, which is a ValueError, for a name that is not UTF-8;
     - whatever `to_host` raises.
 
     >>> import numera, tempfile, pathlib
@@ -53,16 +63,10 @@ def read(
     >>> numera.read(path, columns=["text"])["Columns"][0]["Data"]
     string 2x1 ["one" "two"]
     """
-    path = os.fsdecode(path)
-    source = open_source(path)
-    names = _checked(columns, source.names, path)
-    with _bar("reading", source.rows) as bar:
-        parts = []
-        for part in source.parts(names):
-            parts.append(part if isinstance(part, pa.Table) else pa.Table.from_batches([part]))
-            bar.update(part.num_rows)
-    table = pa.concat_tables(parts) if parts else source.empty()
-    return to_host(table if names is None else table.select(names), cast)
+    with closing(_open(path, columns, _READ_ROWS, memory_limit=memory_limit)) as source:
+        with _bar("reading", source.rows) as bar:
+            _collect(source, _ALL_ROWS, bar)
+        return source.take(cast, one_chunk=False)
 
 
 def scan(
@@ -70,21 +74,21 @@ def scan(
     batch_rows: int = 65_536,
     columns: Sequence[str] | None = None,
     cast: bool = False,
+    *,
+    memory_limit: int | None = None,
 ) -> Iterator[HostArray]:
     """An iterator over a file as encoded tables of batch_rows rows each.
 
     The last table may be shorter. A file without rows gives no table. Memory holds one table and
-    what the format needs: a few pages per column of a Parquet file, one batch of an IPC file, 40 MB
-    of a CSV file. Every column of a table is one chunk.
+    what the format needs: some pages per column of a Parquet file, one batch of an IPC file, some
+    megabytes of text. Every column of a table is one chunk.
 
-    The types of CSV columns come from the first megabyte of the file, or from the first row if that
-    is longer. A later value of another type is an error. A CSV row longer than a megabyte takes up
-    to 80 times its length in memory, because files are read ahead. At such a row the file is read
-    again from the start; if two columns have the same name, the row is refused instead.
+    path, columns, cast and memory_limit are the same as in `read`, and so are the errors. A
+    batch_rows that is not an integer raises TypeError; one that is not positive or is 2**63 or more
+    raises ValueError. Errors of the arguments, and of files that cannot be opened, are raised at
+    once, others when they occur. The file is closed when the iterator ends or is closed.
 
-    path, columns and cast are the same as in `read`, and so are the errors. A batch_rows that is
-    not an integer raises TypeError; one that is not positive or is 2**63 or more raises ValueError.
-    Errors of path, columns and batch_rows are raised at once, others when they occur.
+    One thread at a time may use the iterator; it may be another one for each table.
 
     >>> import numera, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.csv")
@@ -92,33 +96,39 @@ def scan(
     >>> [table["Columns"][0]["Data"] for table in numera.scan(path, batch_rows=2)]
     [int64 2x1 [1 2], int64 1x1 [3]]
     """
-    batch_rows = operator.index(batch_rows)
-    if not 0 < batch_rows < 2**63:
-        raise ValueError(f"batch_rows: found {batch_rows}, expected a positive number below 2**63.")
-    path = os.fsdecode(path)
-    source = open_source(path)
-    names = _checked(columns, source.names, path)
-    return _scanned(source, names, batch_rows, cast)
+    batch_rows = _positive("batch_rows", batch_rows)
+    source = _open(path, columns, batch_rows, memory_limit=memory_limit)
+    return _scanned(source, batch_rows, cast)
 
 
-def write(host: HostArray, path: _Path) -> None:
+def write(host: HostArray, path: _Path, *, compression: str | None = None) -> None:
     """Writes an encoded table, from `to_host`, `read` or `make_readable`, to a file.
 
-    The suffix of path selects the format: ".parquet"; ".arrow", ".ipc" and ".feather" for Arrow IPC
-    files; ".arrows" for streams; ".csv". The new file is written beside path. It replaces path, and
-    takes over its permissions, when it is complete and on disk. Readers see the old file or the new
-    one, and after any failure the old one stays. If writing takes long and stderr is a terminal, a
-    bar shows the progress.
+    The end of the name selects the format:
+    - ".parquet" is Parquet;
+    - ".arrow", ".ipc" and ".feather" are Arrow IPC files, ".arrows" are Arrow IPC streams;
+    - ".csv" is CSV with commas, ".tsv" with tabs;
+    - ".json", ".jsonl" and ".ndjson" are JSON lines. Behind the end of CSV and JSON lines, ".gz",
+      ".zst", ".bz2" and ".lz4" compress the text.
 
-    Columns have the types of `to_arrow(host)`. CSV has no nested columns and no types: a null text
-    reads back as an empty text, and a column that holds only nulls reads back as type null.
+    compression is a name, and for some a level: "zstd", "zstd:9"; "none" compresses nothing. None
+    is "zstd:1" for Parquet, what the end of the name says for text, and else "none".
+
+    The new file is written beside path. It replaces path, and takes over its permissions, when it
+    is complete and on disk. Readers see the old file or the new one, and after any failure the old
+    one stays. If writing takes long and stderr is a terminal, a bar shows the progress.
+
+    Columns have the types of `to_arrow(host)`. CSV has no nested columns, and CSV and JSON do not
+    state types: a text column whose texts all look like numbers reads back as numbers, for example.
+    Nulls and empty texts of CSV read back as such, if the column has another text.
 
     Raises:
-    - ValueError for any other suffix, which is checked first, and for a path that exists but is
-      not a regular file;
+    - pyarrow.ArrowInvalid, which is a ValueError, for any other name, which is checked first, for a
+      compression that the format does not have, and for a column that has no form in the format;
     - TypeError for any other value;
-    - OSError, with the path, for a file that cannot be written;
-    - whatever `to_arrow` and the pyarrow writers raise.
+    - OSError for a file that cannot be written, and for a path that exists but is not a regular
+      file;
+    - whatever `to_arrow` raises.
 
     >>> import numera, pyarrow, tempfile, pathlib
     >>> path = pathlib.Path(tempfile.mkdtemp(), "rows.parquet")
@@ -126,35 +136,56 @@ def write(host: HostArray, path: _Path) -> None:
     >>> numera.to_arrow(numera.read(path)).to_pydict()
     {'n': [1, None]}
     """
-    path = os.fsdecode(path)
-    format_of(path)
-    table = _table(host)
-    with _replacing(path) as sink:
-        writer, rows = open_sink(sink, path, table.schema)
-        with writer, _bar("writing", table.num_rows) as bar:
-            for start in range(0, table.num_rows, rows):
-                part = table.slice(start, rows)
-                writer.write_table(part)
+    with closing(FileSink(path, compression)) as sink:
+        table = _table(host)
+        with _bar("writing", table.num_rows) as bar:
+            for start in range(0, max(table.num_rows, 1), _WRITTEN_ROWS):
+                part = table.slice(start, _WRITTEN_ROWS)
+                sink.write(part)
                 bar.update(part.num_rows)
+        sink.finish()
 
 
-def _checked(columns, names, path):
-    if columns is None:
-        return None
+def _open(path, columns, batch_rows, *, memory_limit):
     if isinstance(columns, str):
         raise TypeError("columns: found a text, expected a list of names.")
-    columns = list(columns)
+    names = None if columns is None else list(columns)
+    if memory_limit is not None:
+        memory_limit = _positive("memory_limit", memory_limit)
+    options = {"batch_rows": batch_rows, "memory_limit": memory_limit}
+    try:
+        return FileSource(path, names, **options)
+    except (TypeError, pa.ArrowInvalid) as error:
+        if names is None:
+            raise
+        found = _names_of(path, options)
+        raise _refused(names, found, path) or error from None
+
+
+def _names_of(path, options):
+    """The columns of a file, or None if it cannot be read."""
+    try:
+        return FileSource(path, None, **options).names
+    except (TypeError, pa.ArrowInvalid):
+        return None
+
+
+def _refused(columns, names, path):
+    """The reason why columns are not to be had of a file with these names, or None."""
+    if names is None:
+        return None
+    path = os.fsdecode(path)
     missing = [name for name in columns if name not in names]
     if missing:
-        raise KeyError(f"columns: found no {_listed(missing)} in {path!r}, "
-                       f"expected some of {_listed(names)}.")
+        return KeyError(f"columns: found no {_listed(missing)} in {path!r}, "
+                        f"expected some of {_listed(names)}.")
     for name in columns:
         if columns.count(name) > 1:
-            raise ValueError(f"columns: found {name!r} twice or more, expected it once.")
+            return ValueError(f"columns: found {name!r} twice or more, expected it once.")
         if names.count(name) > 1:
-            raise ValueError(f"columns: found {names.count(name)} columns {name!r} in {path!r}, "
-                             "expected one.")
-    return columns
+            return ValueError(f"columns: found {names.count(name)} columns {name!r} in {path!r}, "
+                              "expected one.")
+    return None
 
 
 def _listed(names):
@@ -162,28 +193,26 @@ def _listed(names):
     return f"{shown}, ... {len(names) - 20} more" if len(names) > 20 else shown
 
 
-def _scanned(source, names, rows, cast):
-    with _bar("scanning", source.rows) as bar:
-        for batches in _gathered(source.batches(names, rows), rows):
-            table = pa.Table.from_batches(batches).combine_chunks()
-            yield to_host(table if names is None else table.select(names), cast)
-            bar.update(table.num_rows)
+def _positive(name, number):
+    number = operator.index(number)
+    if not 0 < number < 2**63:
+        raise ValueError(f"{name}: found {number}, expected a positive number below 2**63.")
+    return number
 
 
-def _gathered(batches, rows):
-    """Lists of batches with `rows` rows in total each; the last list has the rest."""
-    gathered, missing = [], rows
-    for batch in batches:
-        while batch.num_rows > 0:
-            part = batch.slice(0, missing)
-            gathered.append(part)
-            batch = batch.slice(part.num_rows)
-            missing -= part.num_rows
-            if missing == 0:
-                yield gathered
-                gathered, missing = [], rows
-    if gathered:
-        yield gathered
+def _scanned(source, rows, cast):
+    with closing(source), _bar("scanning", source.rows) as bar:
+        while _collect(source, rows, bar):
+            yield source.take(cast, one_chunk=True)
+
+
+def _collect(source, rows, bar):
+    """Collects so many rows, or those up to the end. Returns their number."""
+    missing = rows
+    while missing and (collected := source.collect(missing)):
+        missing -= collected
+        bar.update(collected)
+    return rows - missing
 
 
 def _table(host):
@@ -194,30 +223,6 @@ def _table(host):
         kind = f"{host.class_name} {'x'.join(map(str, host.shape))}"
         raise TypeError(f"host: found {kind}, expected an encoded table.")
     return table
-
-
-@contextmanager
-def _replacing(path):
-    """A new file beside `path`. It replaces `path` at the end; after a failure it is removed."""
-    target = Path(os.path.realpath(path))
-    with suppress(FileNotFoundError):
-        if not stat.S_ISREG(target.stat().st_mode):
-            raise ValueError(f"path: found {path!r}, expected a regular file.")
-    new = target.with_name(f".numera-{secrets.token_hex(8)}.tmp")
-    try:
-        with open(new, "xb") as sink:
-            yield sink
-            sink.flush()
-            os.fsync(sink.fileno())
-        with suppress(FileNotFoundError):
-            shutil.copymode(target, new)
-        os.replace(new, target)
-    except BaseException as error:
-        with suppress(OSError):
-            new.unlink()
-        if isinstance(error, OSError) and error.filename is not None:
-            raise OSError(error.errno, error.strerror, path) from None  # not the hidden file's name
-        raise
 
 
 def _bar(doing, rows):

@@ -1,0 +1,54 @@
+#pragma once
+
+/// \file
+/// Calls `numera::files` for Python objects.
+
+#include <arrow/result.h>
+
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "python/bindings/bindings.h"
+#include "python/bindings/errors.h"
+#include "python/bindings/unlocked.h"
+
+namespace numera::python {
+
+/// The bytes of a path. ValueError for a NUL, where the system would end the path.
+std::string path_of(nb::handle path);
+
+/// Calls a function of `numera::files` while other Python threads run. Two threads that call at
+/// once would share what one of them asked for, so the second one is refused.
+class Calls {
+ public:
+  /// Messages begin with `prefix`.
+  explicit Calls(std::string path, std::string prefix = "")
+      : path_(std::move(path)), prefix_(std::move(prefix)) {}
+
+  const std::string& path() const { return path_; }
+
+  /// The value of a result of `call`.
+  template <class Call>
+  auto value(const Call& call) {
+    const std::unique_lock<std::mutex> lock(mutex_, std::try_to_lock);
+    if (!lock.owns_lock()) {
+      throw std::runtime_error("File: found two threads that use it, expected one at a time.");
+    }
+    auto result = [&] {
+      const Unlocked unlocked;
+      return call();
+    }();
+    const ::arrow::Status& status = result.status();
+    if (!status.ok()) raise_file_status(status.WithMessage(prefix_, status.message()), path_);
+    return *std::move(result);
+  }
+
+ private:
+  std::string path_;
+  std::string prefix_;
+  std::mutex mutex_;
+};
+
+}  // namespace numera::python

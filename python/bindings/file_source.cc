@@ -1,0 +1,155 @@
+#include <arrow/array/array_base.h>
+#include <arrow/array/concatenate.h>
+#include <arrow/record_batch.h>
+#include <arrow/table.h>
+#include <arrow/type.h>
+#include <arrow/type_traits.h>
+#include <nanobind/stl/vector.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "numera/core/to_numera.h"
+#include "numera/core/util/table_error.h"
+#include "numera/extras/intake/intake.h"
+#include "numera/files/read.h"
+#include "python/bindings/bindings.h"
+#include "python/bindings/errors.h"
+#include "python/bindings/file_calls.h"
+#include "python/bindings/host_value.h"
+#include "python/bindings/to_host.h"
+#include "python/bindings/unlocked.h"
+
+namespace numera::python {
+namespace {
+
+using TablePtr = std::shared_ptr<::arrow::Table>;
+
+/// The path as messages show it.
+std::string quoted(const std::string& path) { return nb::repr(path_text(path)).c_str(); }
+
+/// Nested columns in one chunk each. Of these alone the host has one element per chunk. The table
+/// must be fully valid: Arrow would follow wrong offsets.
+::arrow::Result<TablePtr> in_one_chunk(const ::arrow::Table& table) {
+  ::arrow::ChunkedArrayVector columns = table.columns();
+  for (size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i]->num_chunks() < 2 || !::arrow::is_nested(columns[i]->type()->id())) continue;
+    const auto array = ::arrow::Concatenate(columns[i]->chunks());
+    if (!array.ok()) {
+      const auto index = static_cast<int>(i);
+      return io::arrow::core::util::in_column(array.status(), table.field(index)->name(), index);
+    }
+    columns[i] = std::make_shared<::arrow::ChunkedArray>(*array);
+  }
+  return ::arrow::Table::Make(table.schema(), std::move(columns), table.num_rows());
+}
+
+::arrow::Result<hxArrayPtr> convert_batches(const std::shared_ptr<::arrow::Schema>& schema,
+                                            const ::arrow::RecordBatchVector& batches, bool cast,
+                                            bool one_chunk) {
+  ARROW_ASSIGN_OR_RAISE(const auto table, ::arrow::Table::FromRecordBatches(schema, batches));
+  ARROW_ASSIGN_OR_RAISE(auto taken, extras::take_in(table, {.cast = cast}));
+  if (one_chunk) {
+    ARROW_ASSIGN_OR_RAISE(taken.value, in_one_chunk(*taken.value));
+  }
+  return io::arrow::core::to_numera(std::move(taken.value));
+}
+
+/// A file that is read into host tables: rows are collected, then taken.
+class FileSource {
+ public:
+  FileSource(nb::handle path, const std::optional<std::vector<std::string>>& columns,
+             std::int64_t batch_rows, std::optional<std::int64_t> memory_limit)
+      : calls_(path_of(path), quoted(path_of(path)) + ": ") {
+    files::ReadOptions options;
+    options.columns = columns.value_or(std::vector<std::string>{});
+    options.batch_rows = batch_rows;
+    options.memory_limit = memory_limit;
+    source_ = calls_.value([&] { return files::open_source(calls_.path(), options); });
+    rows_ = source_->rows();
+    schema_ = source_->schema();
+    // For the library, no names are all columns.
+    if (columns && columns->empty()) schema_ = ::arrow::schema({});
+  }
+
+  nb::list names() const {
+    nb::list names;
+    for (const auto& field : schema_->fields()) {
+      names.append(text_of(field->name()));
+    }
+    return names;
+  }
+
+  std::optional<std::int64_t> rows() const { return rows_; }
+
+  /// Collects the next rows of the file, at most `most`. Returns their number; 0 at the end.
+  std::int64_t collect(std::int64_t most) {
+    return calls_.value([&]() -> ::arrow::Result<std::int64_t> {
+      while (rest_ == nullptr || rest_->num_rows() == 0) {
+        if (source_ == nullptr) return ::arrow::Status::Invalid("it is closed");
+        ARROW_RETURN_NOT_OK(source_->ReadNext(&rest_));
+        if (rest_ == nullptr) return 0;
+        if (schema_->num_fields() == 0) {
+          ARROW_ASSIGN_OR_RAISE(rest_, rest_->SelectColumns({}));
+        }
+      }
+      collected_.push_back(rest_->Slice(0, most));
+      const std::int64_t rows = collected_.back()->num_rows();
+      rest_ = rows < rest_->num_rows() ? rest_->Slice(rows) : nullptr;
+      return rows;
+    });
+  }
+
+  /// The host table of the collected rows, which are given up.
+  HostValue take(bool cast, bool one_chunk) {
+    const auto collected = calls_.value([&]() -> ::arrow::Result<::arrow::RecordBatchVector> {
+      return std::exchange(collected_, {});
+    });
+    ::arrow::Result<hxArrayPtr> result = [&] {
+      const Unlocked unlocked;
+      return convert_batches(schema_, collected, cast, one_chunk);
+    }();
+    return adopt_result(std::move(result), cast);
+  }
+
+  void close() {
+    calls_.value([&]() -> ::arrow::Result<bool> {
+      collected_.clear();
+      rest_ = nullptr;
+      source_ = nullptr;
+      return true;
+    });
+  }
+
+ private:
+  Calls calls_;
+  std::shared_ptr<files::Source> source_;
+  std::optional<std::int64_t> rows_;
+  std::shared_ptr<::arrow::Schema> schema_;
+  std::shared_ptr<::arrow::RecordBatch> rest_;  ///< rows that were read and not yet collected
+  ::arrow::RecordBatchVector collected_;
+};
+
+}  // namespace
+
+void bind_file_source(nb::module_& module) {
+  nb::class_<FileSource>(module, "FileSource", "A file that is read; `numera.scan` has it.")
+      .def(nb::init<nb::handle, const std::optional<std::vector<std::string>>&, std::int64_t,
+                    std::optional<std::int64_t>>(),
+           nb::arg("path"), nb::arg("columns").none(), nb::arg("batch_rows"),
+           nb::arg("memory_limit").none())
+      .def_prop_ro("names", &FileSource::names, nb::sig("def names(self) -> list[str]"),
+                   "The names of the columns.")
+      .def_prop_ro("rows", &FileSource::rows, "The number of rows, if the file states it.")
+      .def("collect", &FileSource::collect, nb::arg("most"),
+           "Reads at most so many rows more. Returns their number, which is 0 at the end.")
+      .def("take", &FileSource::take, nb::arg("cast"), nb::arg("one_chunk"),
+           "The encoded table of the rows that were collected since the last call.")
+      .def("close", &FileSource::close, "Closes the file and gives up what was collected.");
+}
+
+}  // namespace numera::python
