@@ -80,6 +80,17 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
        in_convert + "--batch-rows: found 0" + from + "1" + most + convert},
       {{"convert", "one", "-o"}, in_convert + "--output: found no value, expected one." + convert},
       {{"convert", "--output", "", "one"}, in_convert + "--output: the name is empty." + convert},
+      {{"convert", "--to", "parqet", "one"},
+       in_convert + "--to: there is no format 'parqet'; did you mean 'parquet'?" + convert},
+      {{"convert", "--to", "excel", "one"},
+       in_convert +
+           "--to: there is no format 'excel'; the formats are parquet, arrow, feather, ipc, "
+           "arrows, csv, tsv, json, jsonl, ndjson." +
+           convert},
+      {{"convert", "--to", "csv", "--compression", "gzp:9", "one"},
+       in_convert + "--compression: there is no compression 'gzp'; did you mean 'gzip'?" + convert},
+      {{"convert", "--compression", "gzip", "one"},
+       in_convert + "--compression: there is no output; add --to or --output." + convert},
       {{"convert", "--threads", "many", "one"},
        in_convert + "--threads: found many" + from + "0" + most + convert},
   };
