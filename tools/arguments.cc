@@ -167,8 +167,9 @@ void add_convert(CLI::App& program, Arguments& arguments) {
 /// What remains to be set when the command line has been read.
 void complete(const CLI::App& command, Arguments& arguments) {
   static const std::map<std::string, Command> kCommands = {
-      {"types", Command::kTypes}, {"head", Command::kHead}, {"tail", Command::kTail},
-      {"show", Command::kShow},   {"tree", Command::kTree}, {"convert", Command::kConvert}};
+      {"types", Command::kTypes},    {"head", Command::kHead},       {"tail", Command::kTail},
+      {"show", Command::kShow},      {"summary", Command::kSummary}, {"tree", Command::kTree},
+      {"convert", Command::kConvert}};
   arguments.command = kCommands.at(command.get_name());
   arguments.convert.source.columns = columns_of(command);
   arguments.rows.part = arguments.command == Command::kTail ? Part::kLast : Part::kFirst;
@@ -189,6 +190,9 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   add_command(program, arguments, "types",
               "List the columns, their Arrow types and their types in the host", "");
   add_rows(program, arguments);
+  add_columns(add_command(program, arguments, "summary",
+                          "Print what the values of each column are like; reads the whole file",
+                          ""));
   add_tree(program, arguments);
   add_convert(program, arguments);
   try {

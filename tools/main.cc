@@ -15,6 +15,7 @@
 #include "tools/arguments.h"
 #include "tools/characters.h"
 #include "tools/look.h"
+#include "tools/summary.h"
 
 namespace {
 
@@ -30,6 +31,8 @@ arrow::Status run(const Arguments& arguments) {
   switch (arguments.command) {
     case Command::kTypes:
       return print_types(options.file, options.source, std::cout);
+    case Command::kSummary:
+      return print_summary(options.file, options.source, std::cout);
     case Command::kTree:
       return print_tree(options.file, options.source, arguments.tree, std::cout);
     case Command::kConvert:

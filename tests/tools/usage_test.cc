@@ -20,7 +20,7 @@ TEST(Usage, HelpNamesTheCommands) {
   const Outcome run = run_program({"--help"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, HasSubstr("numera-arrow [OPTIONS] SUBCOMMAND"));
-  for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + command + " "));
   }
   EXPECT_THAT(run.errors, IsEmpty());
@@ -42,7 +42,7 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
   const std::string show_rows = show + " --rows 5";
   const std::string convert = " Example: numera-arrow convert rows.parquet --output back.parquet";
   const std::string types = " Example: numera-arrow types rows.parquet";
-  const std::string commands = "types, head, tail, show, tree, convert.";
+  const std::string commands = "types, head, tail, show, summary, tree, convert.";
   const std::string from = ", expected a number from ";
   const std::string most = " to 9223372036854775807.";
   struct Case {
@@ -125,7 +125,7 @@ TEST(Usage, AResultThatCannotBeWrittenIsAFailure) {
   const std::string file = folder.path("small.parquet");
   write_parquet(file, *table_of({{"n", ::arrow::int32(), "[1, 2]"}}));
   const Outcome expected{1, "", "numera-arrow: " + file + ": the result cannot be written\n"};
-  for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     SCOPED_TRACE(command);
     EXPECT_EQ(run_program({command, file}, {.out = "/dev/full"}), expected);
   }
