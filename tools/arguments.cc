@@ -1,6 +1,7 @@
 #include "tools/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <iostream>
 #include <limits>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "numera/version.h"
+#include "tools/output_format.h"
 #include "tools/usage.h"
 
 namespace numera::tools {
@@ -107,6 +109,33 @@ void add_tree(CLI::App& program, Arguments& arguments) {
   tree->add_flag("--cast", arguments.tree.cast, "Cast types that have no host form");
 }
 
+/// The options that say how the output is written.
+void add_encoding(CLI::App* convert, ConvertOptions& options) {
+  CLI::Option* to = convert->add_option_function<std::string>(
+      "--to", [&options](const std::string& name) { select_format(name, options.encoding); },
+      "Write in this format, to standard output unless --output names a file: " +
+          CLI::detail::join(names_of_formats(), ", "));
+  to->type_name("FORMAT")->check([](const std::string& name) {
+    const auto names = names_of_formats();
+    return std::ranges::count(names, name) > 0 ? "" : no_such_name("format", name, names);
+  });
+  CLI::Option* compression =
+      convert->add_option("--compression", options.encoding.compression,
+                          "Compress the output, with a level if one is given: " +
+                              CLI::detail::join(names_of_compressions(), ", ") + "; zstd:9");
+  compression->type_name("NAME[:LEVEL]")->check([](const std::string& text) {
+    const auto names = names_of_compressions();
+    const std::string name = text.substr(0, text.find(':'));
+    return std::ranges::count(names, name) > 0 ? "" : no_such_name("compression", name, names);
+  });
+  convert->parse_complete_callback([to, compression, &options] {
+    if (!to->empty() && options.output.empty()) options.output = "-";
+    if (!compression->empty() && options.output.empty()) {
+      throw CLI::ValidationError("--compression", "there is no output; add --to or --output");
+    }
+  });
+}
+
 void add_convert(CLI::App& program, Arguments& arguments) {
   ConvertOptions& options = arguments.convert;
   CLI::App* convert =
@@ -121,6 +150,9 @@ void add_convert(CLI::App& program, Arguments& arguments) {
           "Write the returned columns to this file: .parquet, .arrow, .csv, .jsonl and others")
       ->type_name("OUT")
       ->check([](const std::string& path) { return path.empty() ? "the name is empty" : ""; });
+  add_encoding(convert, options);
+  convert->add_flag("--skip-unsupported", options.skip_unsupported,
+                    "Leave out columns whose type has no host form, and say so");
   add_number(convert, "--batch-rows", options.source.batch_rows, 1,
              "Maximum number of rows per batch (default: 65536)");
   convert->add_flag("--show", options.show, "Also print the first rows, like the command tree");
@@ -135,8 +167,9 @@ void add_convert(CLI::App& program, Arguments& arguments) {
 /// What remains to be set when the command line has been read.
 void complete(const CLI::App& command, Arguments& arguments) {
   static const std::map<std::string, Command> kCommands = {
-      {"types", Command::kTypes}, {"head", Command::kHead}, {"tail", Command::kTail},
-      {"show", Command::kShow},   {"tree", Command::kTree}, {"convert", Command::kConvert}};
+      {"types", Command::kTypes},    {"head", Command::kHead},       {"tail", Command::kTail},
+      {"show", Command::kShow},      {"summary", Command::kSummary}, {"tree", Command::kTree},
+      {"convert", Command::kConvert}};
   arguments.command = kCommands.at(command.get_name());
   arguments.convert.source.columns = columns_of(command);
   arguments.rows.part = arguments.command == Command::kTail ? Part::kLast : Part::kFirst;
@@ -157,6 +190,9 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   add_command(program, arguments, "types",
               "List the columns, their Arrow types and their types in the host", "");
   add_rows(program, arguments);
+  add_columns(add_command(program, arguments, "summary",
+                          "Print what the values of each column are like; reads the whole file",
+                          ""));
   add_tree(program, arguments);
   add_convert(program, arguments);
   try {

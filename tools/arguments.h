@@ -8,7 +8,7 @@
 
 namespace numera::tools {
 
-enum class Command { kTypes, kHead, kTail, kShow, kTree, kConvert };
+enum class Command { kTypes, kHead, kTail, kShow, kSummary, kTree, kConvert };
 
 /// What the program is asked to do. Every command uses `convert.file` and `convert.source`.
 struct Arguments {

@@ -1,5 +1,7 @@
 #include "tools/convert.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <future>
@@ -9,6 +11,8 @@
 
 #include "numera/files/write.h"
 #include "numera/numera.h"
+#include "tools/characters.h"
+#include "tools/output_format.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
@@ -27,10 +31,18 @@ class Conversion {
   ::arrow::Status run() {
     ARROW_ASSIGN_OR_RAISE(source_, files::open_source(options_.file, options_.source));
     columns_.resize(static_cast<size_t>(source_->schema()->num_fields()));
-    if (!options_.output.empty()) {
-      ARROW_ASSIGN_OR_RAISE(sink_, files::open_sink(options_.output, {.inputs = {options_.file}}));
-    }
+    if (options_.skip_unsupported) ARROW_RETURN_NOT_OK(leave_out());
+    if (!options_.output.empty()) ARROW_RETURN_NOT_OK(open_output());
     return go_through();
+  }
+
+  /// The names of the columns that are not left out.
+  std::vector<std::string> kept() const {
+    std::vector<std::string> names;
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      if (!columns_[i].left_out) names.push_back(name(i));
+    }
+    return names;
   }
 
   void print(std::ostream& out) const {
@@ -43,19 +55,30 @@ class Conversion {
                  grouped(source_->chunks()), grouped(columns_[i].nulls),
                  columns_[i].text(*field->type())});
     }
-    table.print(out, output_has_colour());
+    table.print(out, output_has_colour(options_.output == "-" ? STDERR_FILENO : STDOUT_FILENO));
     out << '\n';
     print_leg(out, "to the host:  ", legs_.to_host);
     print_leg(out, "to Arrow:     ", legs_.to_arrow);
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      if (!columns_[i].left_out) continue;
+      out << one_line("left out:     " + name(i) + ": " + columns_[i].failure) << '\n';
+    }
   }
 
   /// Invalid if a column failed, or if `strict` is set and a column changed its type.
   ::arrow::Status check() const {
-    const auto failed = std::ranges::count_if(
-        columns_, [](const WayBack& column) { return !column.failure.empty(); });
+    const auto is_left_out = [](const WayBack& column) { return column.left_out; };
+    const auto has_failed = [](const WayBack& column) {
+      return !column.failure.empty() && !column.left_out;
+    };
+    if (!columns_.empty() && std::ranges::all_of(columns_, is_left_out)) {
+      return ::arrow::Status::Invalid("no column is left: none has a type with a host form");
+    }
+    const auto failed = std::ranges::count_if(columns_, has_failed);
     if (failed > 0) {
-      return ::arrow::Status::Invalid(failed, " of ", columns_.size(),
-                                      " columns were refused or came back different");
+      return ::arrow::Status::Invalid(
+          failed, " of ", columns_.size(), " columns were refused or came back different",
+          options_.skip_unsupported ? "; only those are left out whose type has no host form" : "");
     }
     return options_.strict ? check_types() : ::arrow::Status::OK();
   }
@@ -64,6 +87,39 @@ class Conversion {
   ::arrow::Status finish() { return sink_ == nullptr ? ::arrow::Status::OK() : sink_->finish(); }
 
  private:
+  const std::string& name(size_t column) const {
+    return source_->schema()->field(static_cast<int>(column))->name();
+  }
+
+  ::arrow::Status open_output() {
+    files::WriteOptions encoding = options_.encoding;
+    if (options_.output == "-" && encoding.format && would_garble_terminal(encoding)) {
+      return ::arrow::Status::Invalid("standard output is a terminal, which shows text alone");
+    }
+    encoding.inputs = {options_.file};
+    return files::open_sink(options_.output, encoding).Value(&sink_);
+  }
+
+  /// What is refused of a batch without rows is refused for its type.
+  ::arrow::Status leave_out() {
+    ARROW_ASSIGN_OR_RAISE(const auto nothing, ::arrow::RecordBatch::MakeEmpty(source_->schema()));
+    Legs uncounted;
+    const auto trips =
+        there_and_back(*nothing, {.cast = options_.cast}, failed_columns(), uncounted);
+    for (size_t i = 0; i < trips.size(); ++i) {
+      columns_[i].failure = trips[i].refusal;
+      columns_[i].left_out = !trips[i].refusal.empty();
+    }
+    return ::arrow::Status::OK();
+  }
+
+  std::vector<bool> failed_columns() const {
+    std::vector<bool> failed;
+    failed.reserve(columns_.size());
+    for (const WayBack& column : columns_) failed.push_back(!column.failure.empty());
+    return failed;
+  }
+
   /// The next batch is read and the last one is checked and written while a batch is converted; one
   /// after the other if there is one thread. Only this thread calls the host.
   ::arrow::Status go_through() {
@@ -72,7 +128,7 @@ class Conversion {
     Progress progress(source_->rows());
     std::int64_t rows = 0;
     std::future<::arrow::Status> added;
-    std::vector<bool> refused(columns_.size(), false);
+    std::vector<bool> refused = failed_columns();
     ARROW_ASSIGN_OR_RAISE(auto batch, read());
     if (batch == nullptr) {  // a file without rows is converted, too
       ARROW_ASSIGN_OR_RAISE(batch, ::arrow::RecordBatch::MakeEmpty(source_->schema()));
@@ -84,7 +140,7 @@ class Conversion {
                                   refused, legs_);
       rows += batch->num_rows();
       if (added.valid()) ARROW_RETURN_NOT_OK(added.get());
-      for (size_t i = 0; i < refused.size(); ++i) refused[i] = !columns_[i].failure.empty();
+      refused = failed_columns();
       added = std::async(policy,
                          [this, batch, trips = std::move(trips)] { return add(*batch, trips); });
       if (policy == std::launch::deferred) ARROW_RETURN_NOT_OK(added.get());
@@ -106,11 +162,13 @@ class Conversion {
     ::arrow::FieldVector fields;
     ::arrow::ArrayVector arrays;
     for (size_t i = 0; i < trips.size(); ++i) {
+      if (columns_[i].left_out) continue;
       if (!columns_[i].failure.empty()) return ::arrow::Status::OK();  // nothing will be written
       fields.push_back(
           source_->schema()->field(static_cast<int>(i))->WithType(trips[i].back->type()));
       arrays.push_back(trips[i].back);
     }
+    if (fields.empty() && !columns_.empty()) return ::arrow::Status::OK();  // none is left
     return sink_->write(::arrow::RecordBatch::Make(
         ::arrow::schema(std::move(fields), source_->schema()->metadata()), batch.num_rows(),
         arrays));
@@ -118,6 +176,7 @@ class Conversion {
 
   ::arrow::Status check_types() const {
     for (size_t i = 0; i < columns_.size(); ++i) {
+      if (columns_[i].left_out) continue;
       const auto& field = source_->schema()->field(static_cast<int>(i));
       const auto& returned = columns_[i].returned;
       if (!same_type(*field->type(), *returned)) {
@@ -151,7 +210,9 @@ class Conversion {
   ARROW_RETURN_NOT_OK(conversion.check());
   if (options.show) {
     out << '\n';
-    ARROW_RETURN_NOT_OK(print_tree(options.file, options.source, {.cast = options.cast}, out));
+    files::ReadOptions source = options.source;
+    if (options.skip_unsupported) source.columns = conversion.kept();
+    ARROW_RETURN_NOT_OK(print_tree(options.file, source, {.cast = options.cast}, out));
   }
   if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();

@@ -17,6 +17,7 @@
 #include "tools/arguments.h"
 #include "tools/characters.h"
 #include "tools/look.h"
+#include "tools/summary.h"
 
 namespace {
 
@@ -32,10 +33,12 @@ arrow::Status run(const Arguments& arguments) {
   switch (arguments.command) {
     case Command::kTypes:
       return print_types(options.file, options.source, std::cout);
+    case Command::kSummary:
+      return print_summary(options.file, options.source, std::cout);
     case Command::kTree:
       return print_tree(options.file, options.source, arguments.tree, std::cout);
     case Command::kConvert:
-      return convert(options, std::cout);
+      return convert(options, options.output == "-" ? std::cerr : std::cout);
     default:
       return print_rows(options.file, options.source, arguments.rows, std::cout);
   }
@@ -60,6 +63,11 @@ std::string reason_of(const arrow::Status& status) {
   return status.message() + ": " + detail->ToString();
 }
 
+/// Whether columns could not be written to standard output.
+bool is_about_standard_output(const arrow::Status& status) {
+  return status.IsIOError() && status.message().starts_with("cannot write standard output: ");
+}
+
 /// Ends the program as a closed pipe ends other programs, without a message, if the reader of
 /// standard output is gone.
 void end_if_nobody_reads() {
@@ -77,7 +85,7 @@ int run_and_report(const Arguments& arguments) {
       status = arrow::Status::IOError("the result cannot be written");
     }
     if (status.ok()) return kSuccess;
-    if (!std::cout) end_if_nobody_reads();
+    if (!std::cout || is_about_standard_output(status)) end_if_nobody_reads();
     return report(file, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
     report(file, "interrupted");

@@ -100,4 +100,12 @@ std::shared_ptr<::arrow::ArrayData> plain_data(const ::arrow::ArrayData& data) {
   return ::arrow::MakeArray(plain_data(*array.data()))->ValidateFull();
 }
 
+::arrow::Status check_memory(const ::arrow::RecordBatch& batch) {
+  for (int i = 0; i < batch.num_columns(); ++i) {
+    const ::arrow::Status status = check_memory(*batch.column(i));
+    if (!status.ok()) return status.WithMessage(batch.column_name(i), ": ", status.message());
+  }
+  return ::arrow::Status::OK();
+}
+
 }  // namespace numera::tools

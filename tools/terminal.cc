@@ -13,9 +13,9 @@
 
 namespace numera::tools {
 
-bool output_has_colour() {
+bool output_has_colour(int stream) {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
-  return ::isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+  return ::isatty(stream) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
 
 std::optional<size_t> output_width() {

@@ -7,8 +7,9 @@
 
 namespace numera::tools {
 
-/// Whether results go to a terminal that wants colours (NO_COLOR is not set).
-bool output_has_colour();
+/// Whether the stream is a terminal that wants colours (NO_COLOR is not set). Results go to
+/// standard output unless a caller says otherwise.
+bool output_has_colour(int stream = 1);
 
 /// The number of cells in a line of the terminal that results go to, else the environment variable
 /// COLUMNS; none if neither says it.

@@ -57,14 +57,6 @@ std::string no_such_option(const CLI::App& command, const std::string& word) {
          (likely.empty() ? "" : "; did you mean '" + likely + "'?");
 }
 
-std::string no_such_command(const CLI::App& program, const std::string& word) {
-  const std::vector<std::string> names = names_of_commands(program);
-  const std::string likely = likely_name(word, names);
-  return "there is no command '" + word + "'; " +
-         (likely.empty() ? "the commands are " + CLI::detail::join(names, ", ")
-                         : "did you mean '" + likely + "'?");
-}
-
 bool is_option(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
 
 /// The first argument that nothing has taken, or "".
@@ -86,7 +78,8 @@ std::string reason(const CLI::App& program, const CLI::App* command, const std::
                    const CLI::ParseError& error) {
   const CLI::App& asked = command == nullptr ? program : *command;
   if (is_option(word)) return no_such_option(asked, word);
-  if (!word.empty() && command == nullptr) return no_such_command(program, word);
+  if (!word.empty() && command == nullptr)
+    return no_such_name("command", word, names_of_commands(program));
   if (!word.empty()) return "found '" + word + "', expected one file";
   if (command == nullptr)
     return "found no command, expected one of " +
@@ -121,6 +114,14 @@ std::string likely_name(std::string_view word, const std::vector<std::string>& n
     least = changes;
   }
   return likely;
+}
+
+std::string no_such_name(const std::string& kind, const std::string& word,
+                         const std::vector<std::string>& names) {
+  const std::string likely = likely_name(word, names);
+  return "there is no " + kind + " '" + word + "'; " +
+         (likely.empty() ? "the " + kind + "s are " + CLI::detail::join(names, ", ")
+                         : "did you mean '" + likely + "'?");
 }
 
 }  // namespace numera::tools

@@ -16,4 +16,9 @@ std::string wrong_usage(const CLI::App& program, const CLI::ParseError& error);
 /// from it in one letter or two; "" if there is none.
 std::string likely_name(std::string_view word, const std::vector<std::string>& names);
 
+/// "there is no format 'cvs'; did you mean 'csv'?", or all names if none of them is likely. `kind`
+/// is what is named.
+std::string no_such_name(const std::string& kind, const std::string& word,
+                         const std::vector<std::string>& names);
+
 }  // namespace numera::tools

@@ -5,38 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "tools/short_type.h"
+#include "tools/cells.h"
 #include "tools/text_table.h"
 #include "tools/value_text.h"
 
 namespace numera::tools {
 namespace {
 
-constexpr size_t kGap = 2;  // blanks between columns
-
 /// Blocks hold no values of megabytes.
 constexpr size_t kWidestValue = 100'000;
-
-/// Types alone make a column no wider than this.
-constexpr size_t kWidestType = 20;
-
-enum class Style { kPlain, kBold, kDim };
-
-struct Cell {
-  std::string text;
-  Style style = Style::kPlain;
-};
-
-struct Column {
-  std::vector<Cell> cells;  ///< the name, the type, the values
-  size_t width = 0;
-  bool aligned_right = false;
-};
-
-std::string styled(const Cell& cell, bool colour) {
-  if (!colour || cell.style == Style::kPlain) return cell.text;
-  return (cell.style == Style::kBold ? "\x1b[1m" : "\x1b[2m") + cell.text + "\x1b[0m";
-}
 
 Cell value_cell(const ::arrow::Array& array, std::int64_t row, size_t width) {
   auto text = value_text(array, row, width);
@@ -44,9 +21,9 @@ Cell value_cell(const ::arrow::Array& array, std::int64_t row, size_t width) {
   return {std::move(*text)};
 }
 
-Column column_of(const ::arrow::Field& field, int index, const ::arrow::RecordBatchVector& batches,
-                 size_t widest) {
-  Column column;
+CellColumn column_of(const ::arrow::Field& field, int index,
+                     const ::arrow::RecordBatchVector& batches, size_t widest) {
+  CellColumn column;
   column.aligned_right = is_aligned_right(*field.type());
   column.cells.push_back({fitted(field.name(), widest), Style::kBold});
   column.cells.push_back({});
@@ -56,10 +33,7 @@ Column column_of(const ::arrow::Field& field, int index, const ::arrow::RecordBa
       column.cells.push_back(value_cell(*array, row, widest));
     }
   }
-  for (const Cell& cell : column.cells) column.width = std::max(column.width, width_of(cell.text));
-  const size_t room = std::max(column.width, std::min(kWidestType, widest));
-  column.cells[1] = {fitted(short_type(*field.type()), room), Style::kDim};
-  column.width = std::max(column.width, width_of(column.cells[1].text));
+  add_type(column, *field.type(), widest);
   return column;
 }
 
@@ -84,13 +58,13 @@ void print_left_out(const ::arrow::Schema& schema, size_t shown, size_t width, s
 }
 
 /// The columns that fit into a line, at least one.
-std::vector<Column> columns_that_fit(const ::arrow::Schema& schema,
-                                     const ::arrow::RecordBatchVector& batches, size_t width) {
+std::vector<CellColumn> columns_that_fit(const ::arrow::Schema& schema,
+                                         const ::arrow::RecordBatchVector& batches, size_t width) {
   const size_t widest = std::min(kWidestCell, width);
-  std::vector<Column> columns;
+  std::vector<CellColumn> columns;
   size_t used = 0;
   for (int i = 0; i < schema.num_fields(); ++i) {
-    Column column = column_of(*schema.field(i), i, batches, widest);
+    CellColumn column = column_of(*schema.field(i), i, batches, widest);
     used += column.width + (i == 0 ? 0 : kGap);
     if (i > 0 && used > width) break;
     columns.push_back(std::move(column));
@@ -102,22 +76,9 @@ std::vector<Column> columns_that_fit(const ::arrow::Schema& schema,
 
 void print_table(const ::arrow::Schema& schema, const ::arrow::RecordBatchVector& batches,
                  const Layout& layout, std::ostream& out) {
-  const std::vector<Column> columns = columns_that_fit(schema, batches, layout.width);
+  const std::vector<CellColumn> columns = columns_that_fit(schema, batches, layout.width);
   if (columns.empty()) return;
-  for (size_t row = 0; row < columns.front().cells.size(); ++row) {
-    size_t blanks = 0;  // written before the next text, so that no line ends with blanks
-    for (const Column& column : columns) {
-      const Cell& cell = column.cells[row];
-      const size_t rest = column.width - width_of(cell.text);
-      if (column.aligned_right) blanks += rest;
-      if (!cell.text.empty()) {
-        out << std::string(blanks, ' ') << styled(cell, layout.colour);
-        blanks = 0;
-      }
-      blanks += kGap + (column.aligned_right ? 0 : rest);
-    }
-    out << '\n';
-  }
+  print_columns(columns, layout.colour, out);
   if (columns.size() < static_cast<size_t>(schema.num_fields())) {
     print_left_out(schema, columns.size(), layout.width, out);
   }

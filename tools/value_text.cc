@@ -66,30 +66,6 @@ Piece cut(std::string_view text, size_t width) {
   return {std::move(shown), whole};
 }
 
-/// The bytes of a text or of binary data; none for other types.
-std::optional<std::string_view> bytes_of(const Element& element) {
-  const std::int64_t row = element.row;
-  switch (element.array->type_id()) {
-    case Type::STRING:
-    case Type::BINARY:
-      return as<::arrow::BinaryArray>(element).GetView(row);
-    case Type::LARGE_STRING:
-    case Type::LARGE_BINARY:
-      return as<::arrow::LargeBinaryArray>(element).GetView(row);
-    case Type::STRING_VIEW:
-    case Type::BINARY_VIEW:
-      return as<::arrow::BinaryViewArray>(element).GetView(row);
-    case Type::FIXED_SIZE_BINARY:
-      return as<::arrow::FixedSizeBinaryArray>(element).GetView(row);
-    default:
-      return std::nullopt;
-  }
-}
-
-bool is_text(Type::type type) {
-  return type == Type::STRING || type == Type::LARGE_STRING || type == Type::STRING_VIEW;
-}
-
 Piece hexadecimal(std::string_view bytes, size_t width) {
   std::string text = "0x";
   for (const char byte : bytes) {
@@ -188,8 +164,9 @@ Piece arrows_text(const Element& element, size_t width) {
 Piece whole_text(const Element& element, size_t width) {
   if (auto text = fixed_text(*element.array, element.row)) return {std::move(*text), true};
   const Type::type type = element.array->type_id();
-  if (const auto bytes = bytes_of(element)) {
-    return is_text(type) ? quoted(*bytes, width) : hexadecimal(*bytes, width);
+  if (const auto bytes = bytes_of(*element.array, element.row)) {
+    return ::arrow::is_string_or_string_view(type) ? quoted(*bytes, width)
+                                                   : hexadecimal(*bytes, width);
   }
   switch (type) {
     case Type::LIST:
@@ -222,11 +199,29 @@ Piece nested_text(Element element, size_t width) {
 std::optional<std::string> value_text(const ::arrow::Array& array, std::int64_t row, size_t width) {
   const Element element = resolved({nullptr, &array, row});
   if (element.array->IsNull(element.row)) return std::nullopt;
-  if (is_text(element.array->type_id())) {
-    const std::string_view text = bytes_of(element).value_or("");
+  if (::arrow::is_string_or_string_view(element.array->type_id())) {
+    const std::string_view text = bytes_of(*element.array, element.row).value_or("");
     if (text != "null" && !text.starts_with('"')) return fitted(text, width);
   }
   return whole_text(element, width).text;
+}
+
+std::optional<std::string_view> bytes_of(const ::arrow::Array& array, std::int64_t row) {
+  switch (array.type_id()) {
+    case Type::STRING:
+    case Type::BINARY:
+      return static_cast<const ::arrow::BinaryArray&>(array).GetView(row);
+    case Type::LARGE_STRING:
+    case Type::LARGE_BINARY:
+      return static_cast<const ::arrow::LargeBinaryArray&>(array).GetView(row);
+    case Type::STRING_VIEW:
+    case Type::BINARY_VIEW:
+      return static_cast<const ::arrow::BinaryViewArray&>(array).GetView(row);
+    case Type::FIXED_SIZE_BINARY:
+      return static_cast<const ::arrow::FixedSizeBinaryArray&>(array).GetView(row);
+    default:
+      return std::nullopt;
+  }
 }
 
 bool is_aligned_right(const ::arrow::DataType& type) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace numera::tools {
 
@@ -22,6 +23,10 @@ namespace numera::tools {
 /// Texts, bytes and nested values that are wider than `width` are cut, which "…" shows; numbers and
 /// times never.
 std::optional<std::string> value_text(const ::arrow::Array& array, std::int64_t row, size_t width);
+
+/// The bytes of an element that is a text or binary data, or none for other types. The element is
+/// not null, and the array has passed `check_memory`.
+std::optional<std::string_view> bytes_of(const ::arrow::Array& array, std::int64_t row);
 
 /// Whether values of this type are numbers or times, which are aligned to the right.
 bool is_aligned_right(const ::arrow::DataType& type);

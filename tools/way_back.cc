@@ -38,6 +38,7 @@ void WayBack::add(const std::shared_ptr<::arrow::Array>& input, const Trip& trip
 }
 
 std::string WayBack::text(const ::arrow::DataType& went) const {
+  if (left_out) return "left out";
   if (!failure.empty()) return failure;
   const std::string verdict = checked ? "equal" : "not checked";
   return casts + verdict + (same_type(went, *returned) ? "" : " as " + returned->ToString());

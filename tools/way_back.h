@@ -17,7 +17,8 @@ struct WayBack {
   std::int64_t nulls = 0;
   std::string casts;  ///< "cast price: decimal128(9, 2) to double, "
   std::shared_ptr<::arrow::DataType> returned;
-  std::string failure;  ///< why the column failed; empty if it did not
+  std::string failure;    ///< why the column failed; empty if it did not
+  bool left_out = false;  ///< the failure is one of the type, and columns of such types are skipped
 
   bool checked = true;  ///< what came back was compared with the input
 
@@ -26,8 +27,8 @@ struct WayBack {
   void add(const std::shared_ptr<::arrow::Array>& input, const Trip& trip, std::int64_t rows_before,
            bool check);
 
-  /// "equal", "equal as large_string", "cast to double, equal as double", or the failure. "not
-  /// checked" stands for "equal" if nothing was compared.
+  /// "equal", "equal as large_string", "cast to double, equal as double", "left out" or the
+  /// failure. "not checked" stands for "equal" if nothing was compared.
   std::string text(const ::arrow::DataType& went) const;
 };
 

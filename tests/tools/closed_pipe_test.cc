@@ -23,7 +23,7 @@ class ClosedPipe : public ::testing::Test {
 
 TEST_F(ClosedPipe, EndsEveryCommandBySignalAndWithoutAMessage) {
   const Outcome expected{128 + SIGPIPE, "", ""};
-  for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     SCOPED_TRACE(command);
     EXPECT_EQ(run_program({command, file_}, {.closed_pipe = true}), expected);
     EXPECT_EQ(run_program({command, file_}, {.ignored = {SIGPIPE}, .closed_pipe = true}), expected);

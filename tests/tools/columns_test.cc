@@ -47,7 +47,7 @@ TEST_P(Columns, AreAskedForInTheOrderOfBothOptions) {
 
 TEST_P(Columns, ThatAreNotThereAreNamed) {
   const Outcome expected{1, "", "numera-arrow: " + file_ + ": there is no column 'nowhere'\n"};
-  for (const char* command : {"head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"head", "tail", "show", "summary", "tree", "convert"}) {
     EXPECT_EQ(run_program({command, file_, "--columns", "a,nowhere"}), expected);
   }
 }

@@ -56,14 +56,15 @@ std::string renewed(const std::string& document) {
   return renewed;
 }
 
-/// A copy of the examples, with one more file whose types have no host form.
+/// A copy of the examples, with one more file of which two columns have no host form.
 class CopyOfTheExamples {
  public:
   CopyOfTheExamples() : before_(fs::current_path()) {
     fs::copy(NUMERA_EXAMPLE_DATA, folder_.path("data"));
     write_ipc(folder_.path("data/prices.arrow"),
               *table_of({{"price", ::arrow::decimal128(9, 2), R"(["1.25", null])"},
-                         {"of", ::arrow::utf8_view(), R"(["tea", "milk"])"}}));
+                         {"of", ::arrow::utf8_view(), R"(["tea", "milk"])"},
+                         {"sold", ::arrow::int64(), "[3, 4]"}}));
     fs::current_path(folder_.path("data"));
   }
   ~CopyOfTheExamples() { fs::current_path(before_); }

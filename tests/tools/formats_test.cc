@@ -133,7 +133,7 @@ TEST_F(Formats, AnythingElseIsNoKnownFormat) {
                            "numera-arrow: " + file_ +
                                ": it is no table in a known format (Parquet, Arrow IPC, ORC, "
                                "CSV, JSON lines)\n"};
-    for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+    for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
       EXPECT_EQ(run_program({command, file_}), expected);
     }
   }

@@ -82,6 +82,7 @@ TEST_F(FullDisk, CutsAPrintedResultWhichIsAFailure) {
   write_text(output, "older");
   const std::vector<std::string> commands[] = {{"types", file_},
                                                {"show", file_, "--rows", "3000"},
+                                               {"summary", file_},
                                                {"tree", file_, "--rows", "3000"},
                                                {"convert", file_, "--output", output},
                                                {"convert", file_, "--output", output, "--show"}};

@@ -69,5 +69,17 @@ TEST(Memory, StaysBelowTheBoundForAFileTenTimesAsLarge) {
   EXPECT_LT(tail.peak_bytes(), kBound);
 }
 
+TEST(Memory, OfASummaryStaysBelowTheBound) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer needs memory of its own";
+  const TemporaryFolder folder;
+  const std::string file = folder.path("large.arrow");
+  write_large(file, 2 * kBound);
+  ::arrow::default_memory_pool()->ReleaseUnused();
+  ::malloc_trim(0);
+  RunningProgram summary({"summary", file});
+  EXPECT_EQ(summary.wait().exit_status, 0);
+  EXPECT_LT(summary.peak_bytes(), kBound);
+}
+
 }  // namespace
 }  // namespace numera::testing

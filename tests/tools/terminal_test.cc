@@ -22,7 +22,7 @@ class Terminal : public ::testing::Test {
 constexpr const char* kBold = "\x1b[1m";
 
 TEST_F(Terminal, ShowsProgressAndWipesIt) {
-  for (const char* command : {"types", "convert"}) {
+  for (const char* command : {"types", "summary", "convert"}) {
     SCOPED_TRACE(command);
     const std::string written = run_on_terminal({command, file_});
     EXPECT_THAT(written, HasSubstr("2 of 4 rows (50 %)"));
@@ -47,7 +47,7 @@ TEST_F(Terminal, IsLeftWithoutColourOnRequest) {
 }
 
 TEST_F(Terminal, IsTheOnlyPlaceForColourAndProgress) {
-  for (const char* command : {"types", "convert"}) {
+  for (const char* command : {"types", "summary", "convert"}) {
     SCOPED_TRACE(command);
     const Outcome run = run_program({command, file_});
     EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));

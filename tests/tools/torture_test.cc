@@ -128,6 +128,7 @@ TEST_P(DamagedFile, IsShownOrRefusedByOneLine) {
   for_each_damage([this] {
     expect_rows({"show", file_, "-n", "2"});
     expect_rows({"tail", file_, "-n", "4", "--vertical"});
+    expect_rows({"summary", file_});
   });
 }
 

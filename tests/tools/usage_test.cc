@@ -20,7 +20,7 @@ TEST(Usage, HelpNamesTheCommands) {
   const Outcome run = run_program({"--help"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, HasSubstr("numera-arrow [OPTIONS] SUBCOMMAND"));
-  for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + command + " "));
   }
   EXPECT_THAT(run.errors, IsEmpty());
@@ -42,7 +42,7 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
   const std::string show_rows = show + " --rows 5";
   const std::string convert = " Example: numera-arrow convert rows.parquet --output back.parquet";
   const std::string types = " Example: numera-arrow types rows.parquet";
-  const std::string commands = "types, head, tail, show, tree, convert.";
+  const std::string commands = "types, head, tail, show, summary, tree, convert.";
   const std::string from = ", expected a number from ";
   const std::string most = " to 9223372036854775807.";
   struct Case {
@@ -80,6 +80,17 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
        in_convert + "--batch-rows: found 0" + from + "1" + most + convert},
       {{"convert", "one", "-o"}, in_convert + "--output: found no value, expected one." + convert},
       {{"convert", "--output", "", "one"}, in_convert + "--output: the name is empty." + convert},
+      {{"convert", "--to", "parqet", "one"},
+       in_convert + "--to: there is no format 'parqet'; did you mean 'parquet'?" + convert},
+      {{"convert", "--to", "excel", "one"},
+       in_convert +
+           "--to: there is no format 'excel'; the formats are parquet, arrow, feather, ipc, "
+           "arrows, csv, tsv, json, jsonl, ndjson." +
+           convert},
+      {{"convert", "--to", "csv", "--compression", "gzp:9", "one"},
+       in_convert + "--compression: there is no compression 'gzp'; did you mean 'gzip'?" + convert},
+      {{"convert", "--compression", "gzip", "one"},
+       in_convert + "--compression: there is no output; add --to or --output." + convert},
       {{"convert", "--threads", "many", "one"},
        in_convert + "--threads: found many" + from + "0" + most + convert},
   };
@@ -114,7 +125,7 @@ TEST(Usage, AResultThatCannotBeWrittenIsAFailure) {
   const std::string file = folder.path("small.parquet");
   write_parquet(file, *table_of({{"n", ::arrow::int32(), "[1, 2]"}}));
   const Outcome expected{1, "", "numera-arrow: " + file + ": the result cannot be written\n"};
-  for (const char* command : {"types", "head", "tail", "show", "tree", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     SCOPED_TRACE(command);
     EXPECT_EQ(run_program({command, file}, {.out = "/dev/full"}), expected);
   }
