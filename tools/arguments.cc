@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "numera/version.h"
-#include "tools/output_format.h"
+#include "tools/file_options.h"
 #include "tools/usage.h"
 
 namespace numera::tools {
@@ -48,9 +48,13 @@ CLI::App* add_command(CLI::App& program, Arguments& arguments, const std::string
   CLI::App* command = program.add_subcommand(name, help);
   command->footer("Example: numera-arrow " + name + " rows.parquet" + example);
   command
-      ->add_option("FILE", arguments.convert.file,
-                   "A file of Parquet, Arrow IPC, CSV, JSON lines or another format that is read")
-      ->required();
+      ->add_option(
+          "FILE", arguments.convert.paths,
+          "Files of Parquet, Arrow IPC, CSV, JSON lines or other formats, folders, patterns, "
+          "URIs, or - for standard input. Several are read as one table")
+      ->required()
+      ->type_name("...");
+  add_csv(command, arguments.convert.source);
   return command;
 }
 
@@ -107,33 +111,6 @@ void add_tree(CLI::App& program, Arguments& arguments) {
   add_columns(tree);
   add_number(tree, "-n,--rows", arguments.tree.rows, 0, "Number of rows to print (default: 10)");
   tree->add_flag("--cast", arguments.tree.cast, "Cast types that have no host form");
-}
-
-/// The options that say how the output is written.
-void add_encoding(CLI::App* convert, ConvertOptions& options) {
-  CLI::Option* to = convert->add_option_function<std::string>(
-      "--to", [&options](const std::string& name) { select_format(name, options.encoding); },
-      "Write in this format, to standard output unless --output names a file: " +
-          CLI::detail::join(names_of_formats(), ", "));
-  to->type_name("FORMAT")->check([](const std::string& name) {
-    const auto names = names_of_formats();
-    return std::ranges::count(names, name) > 0 ? "" : no_such_name("format", name, names);
-  });
-  CLI::Option* compression =
-      convert->add_option("--compression", options.encoding.compression,
-                          "Compress the output, with a level if one is given: " +
-                              CLI::detail::join(names_of_compressions(), ", ") + "; zstd:9");
-  compression->type_name("NAME[:LEVEL]")->check([](const std::string& text) {
-    const auto names = names_of_compressions();
-    const std::string name = text.substr(0, text.find(':'));
-    return std::ranges::count(names, name) > 0 ? "" : no_such_name("compression", name, names);
-  });
-  convert->parse_complete_callback([to, compression, &options] {
-    if (!to->empty() && options.output.empty()) options.output = "-";
-    if (!compression->empty() && options.output.empty()) {
-      throw CLI::ValidationError("--compression", "there is no output; add --to or --output");
-    }
-  });
 }
 
 void add_convert(CLI::App& program, Arguments& arguments) {

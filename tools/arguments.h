@@ -10,7 +10,7 @@ namespace numera::tools {
 
 enum class Command { kTypes, kHead, kTail, kShow, kSummary, kTree, kConvert };
 
-/// What the program is asked to do. Every command uses `convert.file` and `convert.source`.
+/// What the program is asked to do. Every command uses `convert.paths` and `convert.source`.
 struct Arguments {
   Command command = Command::kShow;
   ConvertOptions convert;

@@ -29,7 +29,7 @@ class Conversion {
   explicit Conversion(const ConvertOptions& options) : options_(options) {}
 
   ::arrow::Status run() {
-    ARROW_ASSIGN_OR_RAISE(source_, files::open_source(options_.file, options_.source));
+    ARROW_ASSIGN_OR_RAISE(source_, files::open_source(options_.paths, options_.source));
     columns_.resize(static_cast<size_t>(source_->schema()->num_fields()));
     if (options_.skip_unsupported) ARROW_RETURN_NOT_OK(leave_out());
     if (!options_.output.empty()) ARROW_RETURN_NOT_OK(open_output());
@@ -96,7 +96,7 @@ class Conversion {
     if (options_.output == "-" && encoding.format && would_garble_terminal(encoding)) {
       return ::arrow::Status::Invalid("standard output is a terminal, which shows text alone");
     }
-    encoding.inputs = {options_.file};
+    encoding.inputs = options_.paths;
     return files::open_sink(options_.output, encoding).Value(&sink_);
   }
 
@@ -212,7 +212,7 @@ class Conversion {
     out << '\n';
     files::ReadOptions source = options.source;
     if (options.skip_unsupported) source.columns = conversion.kept();
-    ARROW_RETURN_NOT_OK(print_tree(options.file, source, {.cast = options.cast}, out));
+    ARROW_RETURN_NOT_OK(print_tree(options.paths, source, {.cast = options.cast}, out));
   }
   if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();

@@ -12,7 +12,7 @@
 namespace numera::tools {
 
 struct ConvertOptions {
-  std::string file;
+  std::vector<std::string> paths;  ///< of files, folders, patterns and URIs
   files::ReadOptions source;
   bool cast = false;    ///< cast types that have no host form
   size_t threads = 1;   ///< threads that convert columns; 0: one per processor

@@ -21,9 +21,9 @@ std::string encoded_type(const std::shared_ptr<::arrow::DataType>& type) {
 
 }  // namespace
 
-::arrow::Status print_types(const std::string& file, const files::ReadOptions& options,
-                            std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
+::arrow::Status print_types(const std::vector<std::string>& paths,
+                            const files::ReadOptions& options, std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
   std::vector<std::int64_t> nulls(static_cast<size_t>(source->schema()->num_fields()), 0);
   std::int64_t rows = 0;
   Progress progress(source->rows());

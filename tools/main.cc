@@ -1,3 +1,4 @@
+#include <arrow/filesystem/filesystem.h>
 #include <arrow/util/io_util.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <system_error>
 #include <variant>
+#include <vector>
 
 #include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
@@ -32,21 +34,27 @@ arrow::Status run(const Arguments& arguments) {
   const ConvertOptions& options = arguments.convert;
   switch (arguments.command) {
     case Command::kTypes:
-      return print_types(options.file, options.source, std::cout);
+      return print_types(options.paths, options.source, std::cout);
     case Command::kSummary:
-      return print_summary(options.file, options.source, std::cout);
+      return print_summary(options.paths, options.source, std::cout);
     case Command::kTree:
-      return print_tree(options.file, options.source, arguments.tree, std::cout);
+      return print_tree(options.paths, options.source, arguments.tree, std::cout);
     case Command::kConvert:
       return convert(options, options.output == "-" ? std::cerr : std::cout);
     default:
-      return print_rows(options.file, options.source, arguments.rows, std::cout);
+      return print_rows(options.paths, options.source, arguments.rows, std::cout);
   }
 }
 
-int report(const std::string& file, const std::string& reason) {
+/// What a message begins with. Of several files, the reason names the one that is meant.
+std::string subject_of(const std::vector<std::string>& paths) {
+  if (paths.size() != 1) return "numera-arrow: ";
+  return "numera-arrow: " + (paths[0] == "-" ? "standard input" : paths[0]) + ": ";
+}
+
+int report(const std::string& subject, const std::string& reason) {
   std::cout.flush();
-  std::cerr << one_line("numera-arrow: " + file + ": ") + shortened(one_line(reason)) << '\n';
+  std::cerr << one_line(subject) + shortened(one_line(reason)) << '\n';
   return kFailure;
 }
 
@@ -78,7 +86,7 @@ void end_if_nobody_reads() {
 }
 
 int run_and_report(const Arguments& arguments) {
-  const std::string& file = arguments.convert.file;
+  const std::string subject = subject_of(arguments.convert.paths);
   try {
     arrow::Status status = run(arguments);
     if (status.ok() && !std::cout.flush()) {
@@ -86,14 +94,14 @@ int run_and_report(const Arguments& arguments) {
     }
     if (status.ok()) return kSuccess;
     if (!std::cout || is_about_standard_output(status)) end_if_nobody_reads();
-    return report(file, reason_of(status));
+    return report(subject, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
-    report(file, "interrupted");
+    report(subject, "interrupted");
     return kSignal + end_signal;
   } catch (const std::bad_alloc&) {
-    return report(file, "there is not enough memory");
+    return report(subject, "there is not enough memory");
   } catch (const std::exception& error) {
-    return report(file, error.what());
+    return report(subject, error.what());
   }
 }
 
@@ -133,5 +141,7 @@ int main(int argc, char** argv) {
   if (const int* status = std::get_if<int>(&read)) return *status;
   const Arguments& arguments = std::get<Arguments>(read);
   if (arguments.command == Command::kConvert) heed_signals();
-  return run_and_report(arguments);
+  const int status = run_and_report(arguments);
+  arrow::fs::EnsureFinalized();
+  return status;
 }

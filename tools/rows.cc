@@ -69,13 +69,13 @@ void print_count(const TableRows& rows, std::ostream& out) {
 
 }  // namespace
 
-::arrow::Status print_rows(const std::string& file, const files::ReadOptions& options,
+::arrow::Status print_rows(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const RowsOptions& wanted, std::ostream& out) {
   files::ReadOptions few = options;
   if (wanted.part == Part::kFirst) {  // no more than that is decoded
     few.batch_rows = std::clamp<std::int64_t>(wanted.rows, 1, options.batch_rows);
   }
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, few));
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, few));
   ARROW_ASSIGN_OR_RAISE(const TableRows rows, wanted.part == Part::kFirst
                                                   ? first_rows(*source, wanted.rows)
                                                   : last_rows(*source, wanted.rows));

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "numera/files/read.h"
 
@@ -21,7 +22,7 @@ struct RowsOptions {
 
 /// Prints the first or the last rows of a file as people read them, fitted to the terminal. Memory
 /// holds the batches that the rows lie in.
-::arrow::Status print_rows(const std::string& file, const files::ReadOptions& options,
+::arrow::Status print_rows(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const RowsOptions& rows, std::ostream& out);
 
 }  // namespace numera::tools

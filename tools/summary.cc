@@ -139,9 +139,9 @@ void print_tables(std::vector<CellColumn> columns, size_t width, bool colour, st
 
 }  // namespace
 
-::arrow::Status print_summary(const std::string& file, const files::ReadOptions& options,
-                              std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
+::arrow::Status print_summary(const std::vector<std::string>& paths,
+                              const files::ReadOptions& options, std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
   const ::arrow::FieldVector& fields = source->schema()->fields();
   std::vector<ColumnSummary> summaries;
   summaries.reserve(fields.size());

@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "numera/files/read.h"
 
@@ -12,7 +13,7 @@ namespace numera::tools {
 /// Prints what the values of each column are like: nulls, distinct values, the smallest and the
 /// largest, mean, quantiles and a histogram. The lines of the table are the figures. Columns that
 /// do not fit the width follow in further tables. Reads the whole file, batch by batch.
-::arrow::Status print_summary(const std::string& file, const files::ReadOptions& options,
-                              std::ostream& out);
+::arrow::Status print_summary(const std::vector<std::string>& paths,
+                              const files::ReadOptions& options, std::ostream& out);
 
 }  // namespace numera::tools

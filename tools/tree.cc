@@ -18,9 +18,9 @@ constexpr size_t kWidestLine = 100'000;
 
 }  // namespace
 
-::arrow::Status print_tree(const std::string& file, const files::ReadOptions& options,
+::arrow::Status print_tree(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const TreeOptions& tree, std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(file, options));
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
   ::arrow::RecordBatchVector batches;
   for (std::int64_t wanted = tree.rows; wanted > 0;) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source->Next());

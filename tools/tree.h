@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "numera/files/read.h"
 
@@ -16,7 +17,7 @@ struct TreeOptions {
 };
 
 /// Prints the first rows of a file as an encoded host table.
-::arrow::Status print_tree(const std::string& file, const files::ReadOptions& options,
+::arrow::Status print_tree(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const TreeOptions& tree, std::ostream& out);
 
 }  // namespace numera::tools

@@ -42,13 +42,26 @@ bool have_equal_schemas(const std::vector<Member>& members) {
   return ::arrow::Status::OK();
 }
 
-/// The columns of all files, and behind them those of the keys.
+/// The columns that are asked for, in the order of the file.
+SchemaPtr wanted_of(const ::arrow::Schema& schema, const std::vector<std::string>& columns) {
+  ::arrow::FieldVector fields;
+  for (const auto& field : schema.fields()) {
+    const bool is_wanted =
+        columns.empty() || std::ranges::find(columns, field->name()) != columns.end();
+    if (is_wanted) fields.push_back(field);
+  }
+  return ::arrow::schema(std::move(fields), schema.metadata());
+}
+
+/// The columns of all files that are asked for, and behind them those of the keys.
 ::arrow::Result<SchemaPtr> join_schemas(const std::vector<Member>& members,
+                                        const std::vector<std::string>& columns,
                                         const ::arrow::FieldVector& keys) {
-  SchemaPtr joined = members.front().schema;
+  SchemaPtr joined = wanted_of(*members.front().schema, columns);
   for (const Member& member : members) {
-    ::arrow::Status status = check_names(*member.schema);
-    if (status.ok()) status = merge_schemas(joined, *member.schema).Value(&joined);
+    const SchemaPtr wanted = wanted_of(*member.schema, columns);
+    ::arrow::Status status = check_names(*wanted);
+    if (status.ok()) status = merge_schemas(joined, *wanted).Value(&joined);
     if (!status.ok()) return in_file(member.location, status);
   }
   for (const auto& key : keys) {
@@ -177,7 +190,7 @@ class JoinedSource : public Source {
   SchemaPtr joined = members.front().schema;
   if (!have_equal_schemas(members)) {
     ARROW_ASSIGN_OR_RAISE(const auto keys, fields_of_keys(locations));
-    ARROW_ASSIGN_OR_RAISE(joined, join_schemas(members, keys));
+    ARROW_ASSIGN_OR_RAISE(joined, join_schemas(members, opening.options.columns, keys));
   }
   ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(*joined, opening.options.columns));
   ::arrow::FieldVector fields;

@@ -170,6 +170,13 @@ TEST_F(JoinedFiles, AreRefusedWhereTypesDiffer) {
       "Invalid: /2.csv: column 'a': found type string, and int64 in the files before it");
 }
 
+TEST_F(JoinedFiles, MayDifferInColumnsThatAreNotAskedFor) {
+  write("1.csv", "a,b,c,c\n1,x,1,1\n");
+  write("2.csv", "a,b,c\nx,y,1\n");
+  expect({"1.csv", "2.csv"}, *table_of({{"b", ::arrow::utf8(), R"(["x", "y"])"}}),
+         {.columns = {"b"}});
+}
+
 TEST_F(JoinedFiles, AreRefusedWhereAWiderTypeLosesAValue) {
   write("1.csv", "a\n0.5\n");
   write("2.csv", "a\n9007199254740993\n");

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <cstring>
 #include <filesystem>
 #include <tuple>
@@ -43,7 +41,9 @@ TEST_F(BadFiles, AMissingFileIsNamed) {
   expect_refusal(folder_.path("missing.parquet"), "No such file or directory");
 }
 
-TEST_F(BadFiles, ADirectoryIsNoFile) { expect_refusal(folder_.path(""), "it is a directory"); }
+TEST_F(BadFiles, AFolderMayBeEmpty) {
+  expect_refusal(folder_.path(""), "it is a folder without files");
+}
 
 TEST_F(BadFiles, AnEmptyFileIsCalledEmpty) {
   const std::string file = folder_.path("empty.parquet");
@@ -51,7 +51,9 @@ TEST_F(BadFiles, AnEmptyFileIsCalledEmpty) {
   expect_refusal(file, "it is empty");
 }
 
-TEST_F(BadFiles, ADeviceIsNoFile) { expect_refusal("/dev/zero", "it is neither a regular file nor a pipe"); }
+TEST_F(BadFiles, ADeviceIsNoFile) {
+  expect_refusal("/dev/zero", "it is neither a regular file nor a pipe");
+}
 
 TEST_F(BadFiles, AFileThatMayNotBeReadIsNamed) {
   const std::string file = parquet_file();

@@ -85,7 +85,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
   process_ = ::fork();
   throw_where_failed(process_ < 0, "fork");
   if (process_ > 0) return;
-  open_as(STDIN_FILENO, "/dev/null", O_RDONLY);
+  open_as(STDIN_FILENO, options.in.empty() ? "/dev/null" : options.in, O_RDONLY);
   open_as(STDOUT_FILENO, out_, kWrite);
   open_as(STDERR_FILENO, folder_.path("errors"), kWrite);
   apply(options);

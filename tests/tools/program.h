@@ -27,6 +27,7 @@ struct Outcome {
 void PrintTo(const Outcome& run, std::ostream* stream);
 
 struct RunOptions {
+  std::string in = {};   ///< a file for standard input
   std::string out = {};  ///< a file for standard output; `Outcome::out` is then empty
   std::optional<std::uint64_t> file_size = {};    ///< maximum size of a file that it writes
   std::optional<std::uint64_t> cpu_seconds = {};  ///< CPU time after which a signal ends it

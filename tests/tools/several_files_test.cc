@@ -1,0 +1,144 @@
+// Several files, folders, patterns, standard input and partitions, and options of CSV.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+#include "tests/tools/program.h"
+
+namespace numera::testing {
+namespace {
+
+class SeveralFiles : public ::testing::Test {
+ protected:
+  std::string write(const std::string& name, const std::string& text) {
+    const std::string path = folder_.path(name);
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    write_text(path, text);
+    return path;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(SeveralFiles, AreShownAsOneTable) {
+  const std::string one = write("rows/1.csv", "n\n1\n");
+  const std::string other = write("rows/2.csv", "n\n2\n");
+  const std::string expected = "    n\nint64\n    1\n    2\n\n2 rows\n";
+  EXPECT_EQ(run_program({"show", one, other}), (Outcome{0, expected, ""}));
+  EXPECT_EQ(run_program({"show", folder_.path("rows")}), (Outcome{0, expected, ""}));
+  EXPECT_EQ(run_program({"show", folder_.path("rows/*.csv")}), (Outcome{0, expected, ""}));
+}
+
+TEST_F(SeveralFiles, AreNamedInMessages) {
+  const std::string one = write("rows/1.csv", "n\n1\n");
+  const std::string other = write("rows/2.csv", "n\nx\n");
+  const std::string reason =
+      other + ": column 'n': found type string, and int64 in the files before it\n";
+  EXPECT_EQ(run_program({"show", one, other}), (Outcome{1, "", "numera-arrow: " + reason}));
+  const std::string folder = folder_.path("rows");
+  EXPECT_EQ(run_program({"show", folder}),
+            (Outcome{1, "", "numera-arrow: " + folder + ": " + reason}));
+}
+
+TEST_F(SeveralFiles, AreConvertedAsOneTable) {
+  const std::string one = write("1.csv", "n\n1\n");
+  const std::string output = folder_.path("back.arrow");
+  EXPECT_EQ(run_program({"convert", one, one, "-o", output}).errors, "");
+  EXPECT_TRUE(read_ipc(output)->Equals(*table_of({{"n", ::arrow::int64(), "[1, 1]"}})));
+}
+
+TEST_F(SeveralFiles, OfAFolderAreNotReplacedByTheOutput) {
+  const std::string one = write("rows/1.csv", "n\n1\n");
+  const std::string folder = folder_.path("rows");
+  EXPECT_EQ(
+      run_program({"convert", folder, "-o", one}),
+      (Outcome{1, "",
+               "numera-arrow: " + folder + ": cannot write " + one + ": it is the input file\n"}));
+  EXPECT_EQ(read_text(one), "n\n1\n");
+}
+
+TEST_F(SeveralFiles, MayComeFromStandardInput) {
+  const std::string one = write("1.csv", "n\n1\n");
+  EXPECT_EQ(run_program({"show", "-"}, {.in = one}),
+            (Outcome{0, "    n\nint64\n    1\n\n1 row\n", ""}));
+  EXPECT_EQ(run_program({"show", "-"}),
+            (Outcome{1, "", "numera-arrow: standard input: it is empty\n"}));
+}
+
+TEST_F(SeveralFiles, MayComeThroughANamedPipe) {
+  const std::string pipe = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  RunningProgram program({"show", pipe});
+  write_text(pipe, "n\n1\n");
+  EXPECT_EQ(program.wait(), (Outcome{0, "    n\nint64\n    1\n\n1 row\n", ""}));
+}
+
+TEST_F(SeveralFiles, AreWrittenByTheValuesOfColumns) {
+  const std::string one = write("1.csv", "k,n\na,1\nb,2\na,3\n");
+  const std::string output = folder_.path("rows");
+  EXPECT_EQ(run_program({"convert", one, "-o", output, "--partition-by", "k"}).errors, "");
+  EXPECT_EQ(names_in(output), (std::vector<std::string>{"k=a", "k=b"}));
+  EXPECT_EQ(printed("head", output),
+            "    n  k\nint64  dictionary<string>\n    1  a\n    3  a\n"
+            "    2  b\n");
+}
+
+TEST_F(SeveralFiles, OfPartitionsAreGoneAfterAFailure) {
+  const std::string one = write("1.csv", "k,n\na,1\n");
+  const std::string output = folder_.path("rows");
+  EXPECT_EQ(run_program({"convert", one, "-o", output, "--partition-by", "x"}).errors,
+            "numera-arrow: " + one + ": cannot write " + output + ": there is no column 'x'\n");
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{"1.csv"});
+}
+
+TEST_F(SeveralFiles, OfPartitionsAreGoneAfterAnInterrupt) {
+  const std::string pipe = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const std::string output = folder_.path("rows");
+  RunningProgram program({"convert", pipe, "-o", output, "--partition-by", "k"});
+  std::string rows = "k,n\n";
+  for (int i = 0; i < 300'000; ++i) rows += "a,1\nb,2\n";
+  std::FILE* writer = std::fopen(pipe.c_str(), "w");
+  ASSERT_NE(writer, nullptr);
+  ASSERT_EQ(std::fwrite(rows.data(), 1, rows.size(), writer), rows.size());
+  std::fflush(writer);
+  program.send(SIGINT);
+  std::fclose(writer);  // the program sees the signal when the pipe ends
+  EXPECT_EQ(program.wait(), (Outcome{130, "", "numera-arrow: " + pipe + ": interrupted\n"}));
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{"pipe"});
+}
+
+TEST_F(SeveralFiles, OfCsvAreReadAsTheOptionsSay) {
+  struct Case {
+    const char* text;
+    std::vector<std::string> options;
+    const char* printed;
+  };
+  const Case cases[] = {
+      {"a,b;c\n1,2;3\n", {"--csv-delimiter", ";"}, "a,b         c\nstring  int64\n1,2         3\n"},
+      {"a\tb,c\n1\t2,3\n", {"--csv-delimiter", "tab"}, "    a  b,c\nint64  string\n    1  2,3\n"},
+      {"1\n2\n", {"--csv-no-heading"}, "   f0\nint64\n    1\n    2\n"},
+      {"a\n-9\n2\n-\n",
+       {"--csv-null", "-9", "--csv-null=-"},
+       "    a\nint64\n null\n    2\n null\n"},
+      {"a\nna\xEFve\n", {"--csv-encoding", "latin1"}, "a\nstring\nnaïve\n"},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.text);
+    EXPECT_EQ(printed("head", write("1.csv", one.text), one.options), one.printed);
+  }
+}
+
+TEST_F(SeveralFiles, OfCsvHaveTheTypesOfAllRowsIfAsked) {
+  std::string text = "a\n";
+  while (text.size() < (std::size_t{1} << 20)) text += "1\n";
+  const std::string file = write("1.csv", text + "x\n");
+  EXPECT_EQ(printed("head", file, {"-n", "1", "--csv-types-of-all-rows"}), "a\nstring\n1\n");
+}
+
+}  // namespace
+}  // namespace numera::testing
