@@ -128,7 +128,9 @@ class NumberSummary : public ValueSummary {
     const long double mean = first_ + sum_ / static_cast<long double>(count_);
     if constexpr (std::is_same_v<Value, std::int64_t>) {
       if (is_time(*type_)) {
-        figures[Figure::kMean] = text(static_cast<Value>(std::floor(mean + 0.5L)));
+        const bool is_most = mean >= number(most_);  // which rounding would leave
+        figures[Figure::kMean] =
+            text(is_most ? most_ : static_cast<Value>(std::floor(mean + 0.5L)));
         return;
       }
     }

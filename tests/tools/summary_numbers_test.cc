@@ -135,6 +135,17 @@ TEST_F(SummaryOfNumbers, OfTimesInNanosecondsHasAnExactMean) {
             "mean       2023-11-14 22:13:20.123456789");
 }
 
+TEST_F(SummaryOfNumbers, OfTimesHasAMeanWithinTheirRange) {
+  EXPECT_EQ(line_that_starts(of(::arrow::duration(::arrow::TimeUnit::NANO),
+                                "[9223372036854775807, 9223372036854775807]"),
+                             "mean"),
+            "mean       9223372036854775807 ns");
+  EXPECT_EQ(line_that_starts(of(::arrow::duration(::arrow::TimeUnit::NANO),
+                                "[-9223372036854775808, -9223372036854775808]"),
+                             "mean"),
+            "mean       -9223372036854775808 ns");
+}
+
 TEST_F(SummaryOfNumbers, OfDecimalsHasAllTheirDigits) {
   for (const auto& type : {::arrow::decimal128(38, 2), ::arrow::decimal256(60, 2)}) {
     const std::string printed = of(type, R"(["-99999999999999999999999999.99", "1.25", null])");
