@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "numera/files/counted_file.h"
 #include "numera/files/last_error.h"
 #include "numera/files/memory_limit.h"
 #include "numera/files/recognise.h"
@@ -45,9 +46,11 @@ struct Version {
 class LocalSource : public Source {
  public:
   LocalSource(LimitedPool::Handle pool, std::shared_ptr<::arrow::io::ReadableFile> file,
-              const Version& opened, Stream stream, std::int64_t batch_rows)
+              std::shared_ptr<CountedFile> counted, const Version& opened, Stream stream,
+              std::int64_t batch_rows)
       : pool_(std::move(pool)),
         file_(std::move(file)),
+        counted_(std::move(counted)),
         opened_(opened),
         stream_(std::move(stream)),
         batch_rows_(batch_rows) {}
@@ -55,6 +58,13 @@ class LocalSource : public Source {
   std::shared_ptr<::arrow::Schema> schema() const override { return stream_.schema; }
   std::optional<std::int64_t> rows() const override { return stream_.rows; }
   std::int64_t chunks() const override { return *stream_.chunks; }
+  StatedCounts stated() const override {
+    return stream_.stated ? stream_.stated() : Source::stated();
+  }
+  std::optional<std::int64_t> bytes() const override { return opened_.size; }
+  std::int64_t bytes_read() const override {
+    return std::min(counted_->bytes_read(), opened_.size);
+  }
 
   ::arrow::Status ReadNext(std::shared_ptr<::arrow::RecordBatch>* batch) override {
     *batch = nullptr;
@@ -89,6 +99,7 @@ class LocalSource : public Source {
 
   LimitedPool::Handle pool_;  ///< destroyed last: all else may have memory of it
   std::shared_ptr<::arrow::io::ReadableFile> file_;
+  std::shared_ptr<CountedFile> counted_;  ///< the same file
   Version opened_;
   Stream stream_;
   std::int64_t batch_rows_;
@@ -99,6 +110,16 @@ class LocalSource : public Source {
 }  // namespace
 
 Source::~Source() = default;
+
+StatedCounts Source::stated() const {
+  StatedCounts counts{.rows = rows()};
+  counts.nulls.resize(static_cast<size_t>(schema()->num_fields()));
+  return counts;
+}
+
+std::optional<std::int64_t> Source::bytes() const { return std::nullopt; }
+
+std::int64_t Source::bytes_read() const { return 0; }
 
 ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
                                                      const ReadOptions& options) {
@@ -115,11 +136,12 @@ Source::~Source() = default;
   }
   ARROW_ASSIGN_OR_RAISE(auto file, ::arrow::io::ReadableFile::Open(path, read.pool));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
-  ARROW_ASSIGN_OR_RAISE(const OpenTable open, recognise(file));
+  auto counted = std::make_shared<CountedFile>(file);
+  ARROW_ASSIGN_OR_RAISE(const OpenTable open, recognise(counted));
   ARROW_RETURN_NOT_OK(file->Seek(0));  // some readers start at the current position
   ARROW_ASSIGN_OR_RAISE(Stream stream, open(read));
-  return std::make_shared<LocalSource>(std::move(pool), std::move(file), opened, std::move(stream),
-                                       options.batch_rows);
+  return std::make_shared<LocalSource>(std::move(pool), std::move(file), std::move(counted), opened,
+                                       std::move(stream), options.batch_rows);
 }
 
 }  // namespace numera::files
