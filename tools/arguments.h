@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "tools/convert.h"
+#include "tools/look.h"
 #include "tools/rows.h"
 #include "tools/tree.h"
 
@@ -14,6 +15,7 @@ enum class Command { kTypes, kHead, kTail, kShow, kTree, kConvert };
 struct Arguments {
   Command command = Command::kShow;
   ConvertOptions convert;
+  TypesOptions types;
   RowsOptions rows;
   TreeOptions tree;
 };

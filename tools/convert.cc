@@ -9,6 +9,7 @@
 
 #include "numera/files/write.h"
 #include "numera/numera.h"
+#include "tools/json.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
@@ -47,6 +48,15 @@ class Conversion {
     out << '\n';
     print_leg(out, "to the host:  ", legs_.to_host);
     print_leg(out, "to Arrow:     ", legs_.to_arrow);
+  }
+
+  void print_json(std::ostream& out) const {
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      const auto& field = source_->schema()->field(static_cast<int>(i));
+      out << columns_[i].json(*field, rows_, source_->chunks()) << '\n';
+    }
+    out << json_object({{"to_host", json_of(legs_.to_host)}, {"to_arrow", json_of(legs_.to_arrow)}})
+        << '\n';
   }
 
   /// Invalid if a column failed, or if `strict` is set and a column changed its type.
@@ -128,10 +138,18 @@ class Conversion {
     return ::arrow::Status::OK();
   }
 
-  static void print_leg(std::ostream& out, const char* label, const Leg& leg) {
+  static std::string seconds_of(const Leg& leg) {
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.6f", leg.seconds);
-    out << label << grouped(leg.bytes) << " bytes in " << seconds << " s\n";
+    return seconds;
+  }
+
+  static void print_leg(std::ostream& out, const char* label, const Leg& leg) {
+    out << label << grouped(leg.bytes) << " bytes in " << seconds_of(leg) << " s\n";
+  }
+
+  static std::string json_of(const Leg& leg) {
+    return json_object({{"bytes", json_number(leg.bytes)}, {"seconds", seconds_of(leg)}});
   }
 
   const ConvertOptions& options_;
@@ -147,7 +165,7 @@ class Conversion {
 ::arrow::Status convert(const ConvertOptions& options, std::ostream& out) {
   Conversion conversion(options);
   ARROW_RETURN_NOT_OK(conversion.run());
-  conversion.print(out);
+  options.json ? conversion.print_json(out) : conversion.print(out);
   ARROW_RETURN_NOT_OK(conversion.check());
   if (options.show) {
     out << '\n';

@@ -14,7 +14,6 @@
 #include "numera/host/memory.h"
 #include "tools/arguments.h"
 #include "tools/characters.h"
-#include "tools/look.h"
 
 namespace {
 
@@ -29,7 +28,7 @@ arrow::Status run(const Arguments& arguments) {
   const ConvertOptions& options = arguments.convert;
   switch (arguments.command) {
     case Command::kTypes:
-      return print_types(options.file, options.source, std::cout);
+      return print_types(options.file, options.source, arguments.types, std::cout);
     case Command::kTree:
       return print_tree(options.file, options.source, arguments.tree, std::cout);
     case Command::kConvert:

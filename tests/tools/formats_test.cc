@@ -12,7 +12,7 @@ namespace {
 class Formats : public ::testing::Test {
  protected:
   static std::string types_of(const std::string& file) {
-    return table_rows(printed("types", file));
+    return table_rows(printed("types", file, {"--count"}));
   }
 
   TemporaryFolder folder_;

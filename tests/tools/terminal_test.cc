@@ -22,9 +22,10 @@ class Terminal : public ::testing::Test {
 constexpr const char* kBold = "\x1b[1m";
 
 TEST_F(Terminal, ShowsProgressAndWipesIt) {
-  for (const char* command : {"types", "convert"}) {
-    SCOPED_TRACE(command);
-    const std::string written = run_on_terminal({command, file_});
+  const std::vector<std::string> commands[] = {{"types", file_, "--count"}, {"convert", file_}};
+  for (const std::vector<std::string>& arguments : commands) {
+    SCOPED_TRACE(arguments.front());
+    const std::string written = run_on_terminal(arguments);
     EXPECT_THAT(written, HasSubstr("2 of 4 rows (50 %)"));
     EXPECT_THAT(written, HasSubstr("4 of 4 rows (100 %)\r                   \r"));
   }
@@ -32,7 +33,11 @@ TEST_F(Terminal, ShowsProgressAndWipesIt) {
 
 TEST_F(Terminal, ShowsRowsAloneWhereTheFileDoesNotSayHowManyThereAre) {
   write_text(file_, "n\n1\n2\n");
-  EXPECT_THAT(run_on_terminal({"types", file_}), HasSubstr("2 rows\r      \r"));
+  EXPECT_THAT(run_on_terminal({"types", file_, "--count"}), HasSubstr("2 rows\r      \r"));
+}
+
+TEST_F(Terminal, ShowsNoProgressWhereTheFileIsNotReadThrough) {
+  EXPECT_THAT(run_on_terminal({"types", file_}), Not(HasSubstr("rows (")));
 }
 
 TEST_F(Terminal, ShowsTheHeadingInBold) {
@@ -47,9 +52,10 @@ TEST_F(Terminal, IsLeftWithoutColourOnRequest) {
 }
 
 TEST_F(Terminal, IsTheOnlyPlaceForColourAndProgress) {
-  for (const char* command : {"types", "convert"}) {
-    SCOPED_TRACE(command);
-    const Outcome run = run_program({command, file_});
+  const std::vector<std::string> commands[] = {{"types", file_, "--count"}, {"convert", file_}};
+  for (const std::vector<std::string>& arguments : commands) {
+    SCOPED_TRACE(arguments.front());
+    const Outcome run = run_program(arguments);
     EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));
     EXPECT_EQ(run.errors, "");
   }

@@ -80,6 +80,9 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
        in_convert + "--batch-rows: found 0" + from + "1" + most + convert},
       {{"convert", "one", "-o"}, in_convert + "--output: found no value, expected one." + convert},
       {{"convert", "--output", "", "one"}, in_convert + "--output: the name is empty." + convert},
+      {{"show", "one", "--json", "--vertical"},
+       in_show + "--json excludes --vertical." + show_rows},
+      {{"convert", "one", "--show", "--json"}, in_convert + "--json excludes --show." + convert},
       {{"convert", "--threads", "many", "one"},
        in_convert + "--threads: found many" + from + "0" + most + convert},
   };
