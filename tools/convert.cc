@@ -79,7 +79,7 @@ class Conversion {
   ::arrow::Status go_through() {
     const auto policy = options_.threads == 1 ? std::launch::deferred : std::launch::async;
     const auto read = [this] { return source_->Next(); };
-    Progress progress(source_->rows());
+    Progress progress(*source_);
     std::int64_t rows = 0;
     std::future<::arrow::Status> added;
     std::vector<bool> refused(columns_.size(), false);

@@ -26,7 +26,7 @@ std::optional<std::string> encoded_type(const std::shared_ptr<::arrow::DataType>
 ::arrow::Result<files::StatedCounts> count(files::Source& source) {
   std::vector<std::int64_t> nulls(static_cast<size_t>(source.schema()->num_fields()), 0);
   std::int64_t rows = 0;
-  Progress progress(source.rows());
+  Progress progress(source);
   while (true) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source.Next());
     if (batch == nullptr) break;

@@ -56,7 +56,7 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
   std::deque<std::shared_ptr<::arrow::RecordBatch>> last;
   std::int64_t held = 0;
   std::int64_t read = 0;
-  Progress progress(source.rows());
+  Progress progress(source);
   while (true) {
     ARROW_ASSIGN_OR_RAISE(auto batch, source.Next());
     if (batch == nullptr) break;

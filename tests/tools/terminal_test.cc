@@ -8,6 +8,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 class Terminal : public ::testing::Test {
  protected:
@@ -26,14 +27,17 @@ TEST_F(Terminal, ShowsProgressAndWipesIt) {
   for (const std::vector<std::string>& arguments : commands) {
     SCOPED_TRACE(arguments.front());
     const std::string written = run_on_terminal(arguments);
-    EXPECT_THAT(written, HasSubstr("2 of 4 rows (50 %)"));
-    EXPECT_THAT(written, HasSubstr("4 of 4 rows (100 %)\r                   \r"));
+    const size_t shown = written.find("2 of 4 rows (50 %), ");
+    ASSERT_NE(shown, std::string::npos) << written;
+    const std::string line = written.substr(shown, written.find('\r') - shown);
+    EXPECT_THAT(written, HasSubstr(line + "\r" + std::string(line.size(), ' ') + "\r"));
   }
 }
 
-TEST_F(Terminal, ShowsRowsAloneWhereTheFileDoesNotSayHowManyThereAre) {
+TEST_F(Terminal, ShowsTheShareOfTheBytesWhereTheFileDoesNotSayHowManyRowsThereAre) {
   write_text(file_, "n\n1\n2\n");
-  EXPECT_THAT(run_on_terminal({"types", file_, "--count"}), HasSubstr("2 rows\r      \r"));
+  EXPECT_THAT(run_on_terminal({"types", file_, "--count"}),
+              StartsWith("2 rows (100 %), 6 of 6 B\r"));
 }
 
 TEST_F(Terminal, ShowsNoProgressWhereTheFileIsNotReadThrough) {
