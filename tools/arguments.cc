@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "numera/version.h"
+#include "tools/exit_status.h"
+#include "tools/self_description.h"
 #include "tools/usage.h"
 
 namespace numera::tools {
@@ -178,6 +180,7 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   add_rows(program, arguments);
   add_tree(program, arguments);
   add_convert(program, arguments);
+  add_self_descriptions(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& answer) {
@@ -187,7 +190,12 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
     std::cerr << wrong_usage(program, error) << '\n';
     return kUsage;
   }
-  complete(*program.get_subcommands().front(), arguments);
+  const CLI::App& command = *program.get_subcommands().front();
+  if (const auto text = self_description(program, command)) {
+    std::cout << *text;
+    return std::cout.flush() ? 0 : 1;
+  }
+  complete(command, arguments);
   return arguments;
 }
 

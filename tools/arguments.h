@@ -20,11 +20,9 @@ struct Arguments {
   TreeOptions tree;
 };
 
-/// The exit status for wrong usage.
-inline constexpr int kUsage = 2;
-
-/// Reads the command line. Returns an exit status if that is all: after help, which goes to
-/// standard output, and after wrong usage, which standard error tells.
+/// Reads the command line. Returns an exit status if that is all: after help and after what the
+/// program writes about itself, which go to standard output, and after wrong usage, which standard
+/// error tells.
 std::variant<Arguments, int> read_arguments(int argc, char** argv);
 
 }  // namespace numera::tools

@@ -14,12 +14,11 @@
 #include "numera/host/memory.h"
 #include "tools/arguments.h"
 #include "tools/characters.h"
+#include "tools/exit_status.h"
 
 namespace {
 
 using namespace numera::tools;
-
-enum Exit { kSuccess = 0, kFailure = 1, kSignal = 128 };
 
 /// The signal that asked the program to stop.
 volatile std::sig_atomic_t end_signal = 0;
