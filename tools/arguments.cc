@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "numera/version.h"
+#include "tools/exit_status.h"
 #include "tools/file_options.h"
+#include "tools/self_description.h"
 #include "tools/usage.h"
 
 namespace numera::tools {
@@ -54,7 +56,6 @@ CLI::App* add_command(CLI::App& program, Arguments& arguments, const std::string
           "URIs, or - for standard input. Several are read as one table")
       ->required()
       ->type_name("...");
-  add_csv(command, arguments.convert.source);
   return command;
 }
 
@@ -89,6 +90,19 @@ std::vector<std::string> columns_of(const CLI::App& command) {
   return columns;
 }
 
+CLI::Option* add_json(CLI::App* command, bool& json, const std::string& what) {
+  return command->add_flag("--json", json, "Print JSON: " + what);
+}
+
+void add_types(CLI::App& program, Arguments& arguments) {
+  CLI::App* types =
+      add_command(program, arguments, "types",
+                  "List the columns, their Arrow types and their types in the host", "");
+  types->add_flag("--count", arguments.types.count,
+                  "Read the whole file to count rows, chunks and nulls");
+  add_json(types, arguments.types.json, "an object per column and line");
+}
+
 void add_rows(CLI::App& program, Arguments& arguments) {
   const std::pair<const char*, const char*> commands[] = {
       {"head", "Print the first rows"},
@@ -99,8 +113,12 @@ void add_rows(CLI::App& program, Arguments& arguments) {
     add_columns(command);
     add_number(command, "-n,--rows", arguments.rows.rows, 0,
                "Number of rows to print (default: 10)");
-    command->add_flag("--vertical", arguments.rows.vertical,
-                      "Print a block of lines per row, with every column");
+    CLI::Option* json =
+        add_json(command, arguments.rows.json, "an object per row and line, with every column");
+    command
+        ->add_flag("--vertical", arguments.rows.vertical,
+                   "Print a block of lines per row, with every column")
+        ->excludes(json);
   }
 }
 
@@ -132,7 +150,10 @@ void add_convert(CLI::App& program, Arguments& arguments) {
                     "Leave out columns whose type has no host form, and say so");
   add_number(convert, "--batch-rows", options.source.batch_rows, 1,
              "Maximum number of rows per batch (default: 65536)");
-  convert->add_flag("--show", options.show, "Also print the first rows, like the command tree");
+  CLI::Option* json =
+      add_json(convert, options.json, "an object per column and line, then one of both ways");
+  convert->add_flag("--show", options.show, "Also print the first rows, like the command tree")
+      ->excludes(json);
   convert->add_flag_callback(
       "--no-check", [&options] { options.check = false; },
       "Do not compare what comes back with the input");
@@ -164,14 +185,17 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   program.require_subcommand(1);
   program.footer("Example: numera-arrow show rows.parquet");
   Arguments arguments;
-  add_command(program, arguments, "types",
-              "List the columns, their Arrow types and their types in the host", "");
+  add_types(program, arguments);
   add_rows(program, arguments);
   add_columns(add_command(program, arguments, "summary",
                           "Print what the values of each column are like; reads the whole file",
                           ""));
   add_tree(program, arguments);
   add_convert(program, arguments);
+  for (CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    add_csv(command, arguments.convert.source);
+  }
+  add_self_descriptions(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& answer) {
@@ -181,7 +205,12 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
     std::cerr << wrong_usage(program, error) << '\n';
     return kUsage;
   }
-  complete(*program.get_subcommands().front(), arguments);
+  const CLI::App& command = *program.get_subcommands().front();
+  if (const auto text = self_description(program, command)) {
+    std::cout << *text;
+    return std::cout.flush() ? 0 : 1;
+  }
+  complete(command, arguments);
   return arguments;
 }
 

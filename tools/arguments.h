@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "tools/convert.h"
+#include "tools/look.h"
 #include "tools/rows.h"
 #include "tools/tree.h"
 
@@ -14,15 +15,14 @@ enum class Command { kTypes, kHead, kTail, kShow, kSummary, kTree, kConvert };
 struct Arguments {
   Command command = Command::kShow;
   ConvertOptions convert;
+  TypesOptions types;
   RowsOptions rows;
   TreeOptions tree;
 };
 
-/// The exit status for wrong usage.
-inline constexpr int kUsage = 2;
-
-/// Reads the command line. Returns an exit status if that is all: after help, which goes to
-/// standard output, and after wrong usage, which standard error tells.
+/// Reads the command line. Returns an exit status if that is all: after help and after what the
+/// program writes about itself, which go to standard output, and after wrong usage, which standard
+/// error tells.
 std::variant<Arguments, int> read_arguments(int argc, char** argv);
 
 }  // namespace numera::tools

@@ -48,10 +48,8 @@ size_t stated_length(char byte) {
 size_t length_of_shown(std::string_view text) {
   const unsigned first = to_number(text.front());
   if (first < 0x80U) return first < 0x20U || first == 0x7FU ? 0 : 1;
-  const size_t length = stated_length(text.front());
-  const std::string_view character = text.substr(0, length);
-  if (character.size() < length || !::arrow::util::ValidateUTF8(character)) return 0;
-  const bool is_c1 = first == 0xC2U && to_number(character[1]) < 0xA0U;
+  const size_t length = length_of_character(text);
+  const bool is_c1 = length > 0 && first == 0xC2U && to_number(text[1]) < 0xA0U;
   return is_c1 ? 0 : length;
 }
 
@@ -63,6 +61,14 @@ size_t width_of_character(std::string_view character) {
 }
 
 }  // namespace
+
+size_t length_of_character(std::string_view text) {
+  if (to_number(text.front()) < 0x80U) return 1;
+  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
+  const size_t length = stated_length(text.front());
+  const std::string_view character = text.substr(0, length);
+  return character.size() == length && ::arrow::util::ValidateUTF8(character) ? length : 0;
+}
 
 std::string one_line(std::string_view text) { return fitted(text, kUnlimited); }
 
@@ -77,7 +83,6 @@ size_t width_of(std::string_view text) {
 }
 
 std::string fitted(std::string_view text, size_t width) {
-  ::arrow::util::InitializeUTF8();  // before this call every text counts as valid
   std::string line;
   size_t used = 0;
   size_t room_for_mark = 0;  // the bytes of `line` that leave one cell for "…"

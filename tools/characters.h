@@ -10,6 +10,9 @@ namespace numera::tools {
 /// The width that nothing exceeds.
 inline constexpr size_t kUnlimited = std::numeric_limits<size_t>::max();
 
+/// The length in bytes of the first character of a text that is not empty; 0 if it is not UTF-8.
+size_t length_of_character(std::string_view text);
+
 /// The text with "?" for every byte of a control character or of invalid UTF-8. A control character
 /// could break the line or command the terminal.
 std::string one_line(std::string_view text);

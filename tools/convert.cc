@@ -12,6 +12,7 @@
 #include "numera/files/write.h"
 #include "numera/numera.h"
 #include "tools/characters.h"
+#include "tools/json.h"
 #include "tools/output_format.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
@@ -63,6 +64,15 @@ class Conversion {
       if (!columns_[i].left_out) continue;
       out << one_line("left out:     " + name(i) + ": " + columns_[i].failure) << '\n';
     }
+  }
+
+  void print_json(std::ostream& out) const {
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      const auto& field = source_->schema()->field(static_cast<int>(i));
+      out << columns_[i].json(*field, rows_, source_->chunks()) << '\n';
+    }
+    out << json_object({{"to_host", json_of(legs_.to_host)}, {"to_arrow", json_of(legs_.to_arrow)}})
+        << '\n';
   }
 
   /// Invalid if a column failed, or if `strict` is set and a column changed its type.
@@ -125,7 +135,7 @@ class Conversion {
   ::arrow::Status go_through() {
     const auto policy = options_.threads == 1 ? std::launch::deferred : std::launch::async;
     const auto read = [this] { return source_->Next(); };
-    Progress progress(source_->rows());
+    Progress progress(*source_);
     std::int64_t rows = 0;
     std::future<::arrow::Status> added;
     std::vector<bool> refused = failed_columns();
@@ -187,10 +197,18 @@ class Conversion {
     return ::arrow::Status::OK();
   }
 
-  static void print_leg(std::ostream& out, const char* label, const Leg& leg) {
+  static std::string seconds_of(const Leg& leg) {
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.6f", leg.seconds);
-    out << label << grouped(leg.bytes) << " bytes in " << seconds << " s\n";
+    return seconds;
+  }
+
+  static void print_leg(std::ostream& out, const char* label, const Leg& leg) {
+    out << label << grouped(leg.bytes) << " bytes in " << seconds_of(leg) << " s\n";
+  }
+
+  static std::string json_of(const Leg& leg) {
+    return json_object({{"bytes", json_number(leg.bytes)}, {"seconds", seconds_of(leg)}});
   }
 
   const ConvertOptions& options_;
@@ -206,7 +224,7 @@ class Conversion {
 ::arrow::Status convert(const ConvertOptions& options, std::ostream& out) {
   Conversion conversion(options);
   ARROW_RETURN_NOT_OK(conversion.run());
-  conversion.print(out);
+  options.json ? conversion.print_json(out) : conversion.print(out);
   ARROW_RETURN_NOT_OK(conversion.check());
   if (options.show) {
     out << '\n';

@@ -18,6 +18,7 @@ struct ConvertOptions {
   size_t threads = 1;   ///< threads that convert columns; 0: one per processor
   bool check = true;    ///< compare what comes back with the input
   bool strict = false;  ///< a change of type is a failure
+  bool json = false;    ///< a JSON object per column, then one of the ways
   bool show = false;    ///< print the first rows as host values, too
   std::string output;   ///< file for the returned columns; "-": standard output; empty: none
   files::WriteOptions encoding;   ///< how they are written

@@ -18,14 +18,13 @@
 #include "numera/host/memory.h"
 #include "tools/arguments.h"
 #include "tools/characters.h"
+#include "tools/exit_status.h"
 #include "tools/look.h"
 #include "tools/summary.h"
 
 namespace {
 
 using namespace numera::tools;
-
-enum Exit { kSuccess = 0, kFailure = 1, kSignal = 128 };
 
 /// The signal that asked the program to stop.
 volatile std::sig_atomic_t end_signal = 0;
@@ -34,7 +33,7 @@ arrow::Status run(const Arguments& arguments) {
   const ConvertOptions& options = arguments.convert;
   switch (arguments.command) {
     case Command::kTypes:
-      return print_types(options.paths, options.source, std::cout);
+      return print_types(options.paths, options.source, arguments.types, std::cout);
     case Command::kSummary:
       return print_summary(options.paths, options.source, std::cout);
     case Command::kTree:

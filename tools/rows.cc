@@ -4,7 +4,11 @@
 #include <deque>
 #include <optional>
 #include <ostream>
+#include <string>
+#include <vector>
 
+#include "tools/json.h"
+#include "tools/json_value.h"
 #include "tools/memory_check.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
@@ -43,7 +47,7 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
   std::deque<std::shared_ptr<::arrow::RecordBatch>> last;
   std::int64_t held = 0;
   std::int64_t read = 0;
-  Progress progress(source.rows());
+  Progress progress(source);
   while (true) {
     ARROW_ASSIGN_OR_RAISE(auto batch, source.Next());
     if (batch == nullptr) break;
@@ -58,6 +62,21 @@ std::int64_t count_rows(const ::arrow::RecordBatchVector& batches) {
   }
   if (held > wanted) last.front() = last.front()->Slice(held - wanted);
   return TableRows{{last.begin(), last.end()}, read};
+}
+
+void print_json(const ::arrow::RecordBatchVector& batches, std::ostream& out) {
+  for (const auto& batch : batches) {
+    std::vector<std::string> keys;
+    for (const auto& field : batch->schema()->fields()) keys.push_back(json_text(field->name()));
+    for (std::int64_t row = 0; row < batch->num_rows(); ++row) {
+      const char* separator = "{";
+      for (size_t i = 0; i < keys.size(); ++i) {
+        out << separator << keys[i] << ':' << json_value(*batch->column(static_cast<int>(i)), row);
+        separator = ",";
+      }
+      out << (keys.empty() ? "{}\n" : "}\n");
+    }
+  }
 }
 
 void print_count(const TableRows& rows, std::ostream& out) {
@@ -81,6 +100,10 @@ void print_count(const TableRows& rows, std::ostream& out) {
                                                   : last_rows(*source, wanted.rows));
   // Files can hold offsets and codes that lead out of their buffers.
   for (const auto& batch : rows.batches) ARROW_RETURN_NOT_OK(check_memory(*batch));
+  if (wanted.json) {
+    print_json(rows.batches, out);
+    return ::arrow::Status::OK();
+  }
   const Layout layout{.width = output_width().value_or(kUnlimited), .colour = output_has_colour()};
   (wanted.vertical ? print_blocks : print_table)(*source->schema(), rows.batches, layout, out);
   if (wanted.count) print_count(rows, out);

@@ -16,6 +16,7 @@ enum class Part { kFirst, kLast };
 struct RowsOptions {
   Part part = Part::kFirst;
   std::int64_t rows = 10;
+  bool json = false;      ///< a JSON object per row and line
   bool vertical = false;  ///< a block of lines per row instead of a table
   bool count = false;     ///< a last line says how many rows the file has, if that is known
 };

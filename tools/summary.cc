@@ -124,7 +124,7 @@ void print_tables(std::vector<CellColumn> columns, size_t width, bool colour, st
 ::arrow::Result<std::int64_t> add_batches(files::Source& source,
                                           std::vector<ColumnSummary>& columns) {
   std::int64_t rows = 0;
-  Progress progress(source.rows());
+  Progress progress(source);
   while (true) {
     ARROW_ASSIGN_OR_RAISE(const auto batch, source.Next());
     if (batch == nullptr) return rows;

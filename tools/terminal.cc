@@ -9,8 +9,6 @@
 #include <string_view>
 #include <system_error>
 
-#include "tools/text_table.h"
-
 namespace numera::tools {
 
 bool output_has_colour(int stream) {
@@ -31,18 +29,21 @@ std::optional<size_t> output_width() {
   return read && columns > 0 ? std::optional(columns) : std::nullopt;
 }
 
-Progress::Progress(std::optional<std::int64_t> rows)
-    : wanted_(::isatty(STDERR_FILENO) == 1), rows_(rows) {}
+Progress::Progress(const files::Source& source)
+    : source_(source), wanted_(::isatty(STDERR_FILENO) == 1) {
+  work_.all_rows = source.rows();
+  work_.all_bytes = source.bytes();
+}
 
 void Progress::show(std::int64_t rows_done) {
-  if (!wanted_) return;
-  std::string line = grouped(rows_done);
-  if (rows_) line += " of " + grouped(*rows_);
-  line += " rows";
-  if (rows_ && *rows_ > 0) line += " (" + std::to_string(rows_done * 100 / *rows_) + " %)";
+  const auto now = std::chrono::steady_clock::now();
+  if (!wanted_ || !pace_.is_due(now)) return;
+  work_.rows = rows_done;
+  work_.bytes = source_.bytes_read();
+  work_.seconds = std::chrono::duration<double>(now - start_).count();
   clear();
-  std::cerr << line << std::flush;
-  shown_ = std::move(line);
+  shown_ = progress_text(work_);
+  std::cerr << shown_ << std::flush;
 }
 
 void Progress::clear() {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "numera/files/read.h"
+#include "tools/progress.h"
 
 namespace numera::tools {
 
@@ -19,17 +23,22 @@ std::optional<size_t> output_width();
 /// error is a terminal. The destructor wipes the line; call `clear` before other output.
 class Progress {
  public:
-  explicit Progress(std::optional<std::int64_t> rows);
+  /// `source` outlives it. Another thread may read from the source.
+  explicit Progress(const files::Source& source);
   ~Progress() { clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  /// Shows the line anew unless it was just shown.
   void show(std::int64_t rows_done);
   void clear();
 
  private:
+  const files::Source& source_;
   bool wanted_;
-  std::optional<std::int64_t> rows_;
+  Work work_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  Pace pace_;
   std::string shown_;
 };
 

@@ -78,8 +78,10 @@ std::string reason(const CLI::App& program, const CLI::App* command, const std::
                    const CLI::ParseError& error) {
   const CLI::App& asked = command == nullptr ? program : *command;
   if (is_option(word)) return no_such_option(asked, word);
-  if (!word.empty() && command == nullptr)
+  if (!word.empty() && command == nullptr) {
     return no_such_name("command", word, names_of_commands(program));
+  }
+  if (!word.empty()) return "found '" + word + "', expected nothing more";
   if (command == nullptr)
     return "found no command, expected one of " +
            CLI::detail::join(names_of_commands(program), ", ");

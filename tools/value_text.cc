@@ -1,7 +1,6 @@
 #include "tools/value_text.h"
 
 #include <arrow/array.h>
-#include <arrow/extension_type.h>
 #include <arrow/scalar.h>
 #include <arrow/type_traits.h>
 
@@ -10,6 +9,7 @@
 #include <utility>
 
 #include "tools/characters.h"
+#include "tools/element.h"
 #include "tools/fixed_text.h"
 
 namespace numera::tools {
@@ -22,43 +22,6 @@ struct Piece {
   std::string text;
   bool whole;
 };
-
-/// An element of an array.
-struct Element {
-  std::shared_ptr<::arrow::Array> owner;  ///< of `array`, if that is a part of another one
-  const ::arrow::Array* array;
-  std::int64_t row;
-};
-
-template <typename ArrayType>
-const ArrayType& as(const Element& element) {
-  return static_cast<const ArrayType&>(*element.array);
-}
-
-Element element_of(std::shared_ptr<::arrow::Array> owner, std::int64_t row) {
-  const ::arrow::Array* array = owner.get();
-  return {std::move(owner), array, row};
-}
-
-/// The element that a code, a run or an extension type stands for. It may be null itself.
-Element resolved(Element element) {
-  while (element.array->IsValid(element.row)) {
-    const std::int64_t row = element.row;
-    if (element.array->type_id() == Type::DICTIONARY) {
-      const auto& codes = as<::arrow::DictionaryArray>(element);
-      element = element_of(codes.dictionary(), codes.GetValueIndex(row));
-    } else if (element.array->type_id() == Type::RUN_END_ENCODED) {
-      const auto run = element.array->Slice(row, 1);
-      const auto& runs = static_cast<const ::arrow::RunEndEncodedArray&>(*run);
-      element = element_of(runs.values(), runs.FindPhysicalOffset());
-    } else if (element.array->type_id() == Type::EXTENSION) {
-      element = element_of(as<::arrow::ExtensionArray>(element).storage(), row);
-    } else {
-      break;
-    }
-  }
-  return element;
-}
 
 Piece cut(std::string_view text, size_t width) {
   std::string shown = fitted(text, width);

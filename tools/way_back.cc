@@ -1,16 +1,19 @@
 #include "tools/way_back.h"
 
 #include "numera/extras/encode/encode.h"
+#include "numera/numera.h"
 #include "tools/compare.h"
+#include "tools/json.h"
 #include "tools/text_table.h"
 
 namespace numera::tools {
 namespace {
 
-std::string describe(const std::vector<extras::IntakeCast>& casts) {
-  std::string text;
-  for (const extras::IntakeCast& cast : casts) text += "cast " + extras::to_string(cast) + ", ";
-  return text;
+std::vector<std::string> describe(const std::vector<extras::IntakeCast>& casts) {
+  std::vector<std::string> texts;
+  texts.reserve(casts.size());
+  for (const extras::IntakeCast& cast : casts) texts.push_back(extras::to_string(cast));
+  return texts;
 }
 
 std::string compare(const ::arrow::Array& went, const ::arrow::Array& came,
@@ -40,8 +43,30 @@ void WayBack::add(const std::shared_ptr<::arrow::Array>& input, const Trip& trip
 std::string WayBack::text(const ::arrow::DataType& went) const {
   if (left_out) return "left out";
   if (!failure.empty()) return failure;
-  const std::string verdict = checked ? "equal" : "not checked";
-  return casts + verdict + (same_type(went, *returned) ? "" : " as " + returned->ToString());
+  std::string text;
+  for (const std::string& cast : casts) text += "cast " + cast + ", ";
+  text += checked ? "equal" : "not checked";
+  return text + (same_type(went, *returned) ? "" : " as " + returned->ToString());
+}
+
+std::string WayBack::json(const ::arrow::Field& column, std::int64_t rows,
+                          std::int64_t chunks) const {
+  const auto host_class = io::arrow::core::to_numera_datatype(column.type());
+  const char* verdict = !failure.empty() ? "failed" : checked ? "equal" : "not checked";
+  std::string made = "[";
+  for (const std::string& cast : casts) made += (made.size() > 1 ? "," : "") + json_text(cast);
+  return json_object(
+      {{"column", json_text(column.name())},
+       {"arrow_type", json_text(column.type()->ToString())},
+       {"encoded_type", encoded_type == "-" ? "null" : json_text(encoded_type)},
+       {"host_class", json_text_or_null(host_class)},
+       {"rows", json_number(rows)},
+       {"chunks", json_number(chunks)},
+       {"nulls", json_number(nulls)},
+       {"way_back", json_text(verdict)},
+       {"returned_type", returned == nullptr ? "null" : json_text(returned->ToString())},
+       {"casts", made + "]"},
+       {"reason", failure.empty() ? "null" : json_text(failure)}});
 }
 
 bool same_type(const ::arrow::DataType& one, const ::arrow::DataType& other) {

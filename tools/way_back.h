@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/there_and_back.h"
 
@@ -15,7 +16,7 @@ namespace numera::tools {
 struct WayBack {
   std::string encoded_type = "-";
   std::int64_t nulls = 0;
-  std::string casts;  ///< "cast price: decimal128(9, 2) to double, "
+  std::vector<std::string> casts;  ///< "price: decimal128(9, 2) to double"
   std::shared_ptr<::arrow::DataType> returned;
   std::string failure;    ///< why the column failed; empty if it did not
   bool left_out = false;  ///< the failure is one of the type, and columns of such types are skipped
@@ -30,6 +31,8 @@ struct WayBack {
   /// "equal", "equal as large_string", "cast to double, equal as double", "left out" or the
   /// failure. "not checked" stands for "equal" if nothing was compared.
   std::string text(const ::arrow::DataType& went) const;
+  /// The result for a column of these rows and chunks as a JSON object.
+  std::string json(const ::arrow::Field& column, std::int64_t rows, std::int64_t chunks) const;
 };
 
 /// Whether two types are equal except for nullability, metadata and the names of list elements.

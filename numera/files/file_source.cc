@@ -1,5 +1,6 @@
 #include "numera/files/open_file.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "numera/files/input.h"
@@ -21,6 +22,14 @@ class FileSource : public Source {
   std::shared_ptr<::arrow::Schema> schema() const override { return stream_.schema; }
   std::optional<std::int64_t> rows() const override { return stream_.rows; }
   std::int64_t chunks() const override { return *stream_.chunks; }
+  StatedCounts stated() const override {
+    return stream_.stated ? stream_.stated() : Source::stated();
+  }
+  std::optional<std::int64_t> bytes() const override { return input_.size; }
+  std::int64_t bytes_read() const override {
+    const std::int64_t read = input_.file->bytes_read();
+    return std::min(read, input_.size.value_or(read));
+  }
 
   ::arrow::Status ReadNext(std::shared_ptr<::arrow::RecordBatch>* batch) override {
     *batch = nullptr;

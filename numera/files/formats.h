@@ -31,6 +31,8 @@ struct Stream {
   std::optional<std::int64_t> rows;
   /// Row groups, record batches, stripes or blocks read so far.
   std::shared_ptr<std::int64_t> chunks;
+  /// What the file states beside its rows; nothing if there is no function.
+  std::function<StatedCounts()> stated = {};
 };
 
 /// Opens the bytes of a text file from their start, decompressed.

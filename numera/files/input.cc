@@ -38,7 +38,8 @@ struct Version {
   if (descriptor < 0) return last_error();
   ARROW_ASSIGN_OR_RAISE(const LocalFile file, ::arrow::io::ReadableFile::Open(descriptor, pool));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
-  return Input{file, opened.size, [file, opened]() -> ::arrow::Status {
+  return Input{std::make_shared<CountedFile>(file), opened.size,
+               [file, opened]() -> ::arrow::Status {
                  ARROW_ASSIGN_OR_RAISE(const Version now, version_of(*file));
                  return now == opened ? ::arrow::Status::OK() : has_changed();
                }};
@@ -47,7 +48,8 @@ struct Version {
 ::arrow::Result<Input> input_of_pipe(int descriptor, ::arrow::MemoryPool* pool) {
   if (descriptor < 0) return last_error();
   auto pipe = std::make_shared<Pipe>(descriptor, pool);
-  return Input{pipe, std::nullopt, [] { return ::arrow::Status::OK(); }, pipe};
+  return Input{std::make_shared<CountedFile>(pipe), std::nullopt,
+               [] { return ::arrow::Status::OK(); }, pipe};
 }
 
 int copy_of(int descriptor) { return ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); }
@@ -80,9 +82,9 @@ int copy_of(int descriptor) { return ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); }
   if (opened.type() == ::arrow::fs::FileType::NotFound) {
     return ::arrow::Status::IOError("there is no such file");
   }
-  ARROW_ASSIGN_OR_RAISE(const File file, location.system->OpenInputFile(opened));
+  ARROW_ASSIGN_OR_RAISE(const auto file, location.system->OpenInputFile(opened));
   ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  return Input{file, size, [location, opened]() -> ::arrow::Status {
+  return Input{std::make_shared<CountedFile>(file), size, [location, opened]() -> ::arrow::Status {
                  ARROW_ASSIGN_OR_RAISE(const auto now, location.system->GetFileInfo(location.path));
                  return now == opened ? ::arrow::Status::OK() : has_changed();
                }};

@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "numera/files/formats.h"
+#include "numera/files/counted_file.h"
 #include "numera/files/locations.h"
 #include "numera/files/pipe.h"
 
@@ -17,11 +17,11 @@ namespace numera::files {
 
 /// An open file whose format is not known yet.
 struct Input {
-  File file;
+  std::shared_ptr<CountedFile> file;
   std::optional<std::int64_t> size;  ///< none: a pipe
   /// IOError if the file has changed since it was opened.
   std::function<::arrow::Status()> check_unchanged;
-  std::shared_ptr<Pipe> pipe = nullptr;  ///< `file`, if it is one
+  std::shared_ptr<Pipe> pipe = nullptr;  ///< what `file` counts, if it is one
 };
 
 /// IOError for a path that is no readable file.

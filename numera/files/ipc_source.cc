@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "numera/files/formats.h"
+#include "numera/files/ipc_counts.h"
 
 namespace numera::files {
 namespace {
@@ -42,6 +43,19 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
   return read;
 }
 
+/// What the messages state for the columns asked for, which exist. Nothing if they are damaged.
+StatedCounts stated_by_messages(const File& file, std::int64_t start, const ::arrow::Schema& whole,
+                                const std::vector<std::string>& columns) {
+  const auto numbers = find_columns(whole, columns).ValueOr({});
+  const auto found = count_ipc(file, start, whole).ValueOr({});
+  StatedCounts counts{found.rows, found.chunks, {}};
+  counts.nulls.resize(numbers.size());
+  for (size_t i = 0; i < numbers.size() && found.rows; ++i) {
+    counts.nulls[i] = found.nulls[static_cast<size_t>(numbers[i])];
+  }
+  return counts;
+}
+
 }  // namespace
 
 ::arrow::Result<Stream> open_ipc_file(const File& file, const ReadOptions& options) {
@@ -51,8 +65,17 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
     if (i == reader->num_record_batches()) return nullptr;
     return reader->ReadRecordBatch(i++);
   };
-  return select_columns(*reader->schema(), options,
-                        std::move(next));  // Arrow would read all batches to count rows
+  // Arrow would read all batches to count rows.
+  ARROW_ASSIGN_OR_RAISE(auto stream, select_columns(*reader->schema(), options, std::move(next)));
+  stream.stated = [=, columns = options.columns] {
+    constexpr std::int64_t kFirstMessage = 8;  // after the magic
+    const std::int64_t batches = reader->num_record_batches();
+    auto counts = stated_by_messages(file, kFirstMessage, *reader->schema(), columns);
+    if (counts.chunks != batches) counts = {.nulls = decltype(counts.nulls)(counts.nulls.size())};
+    counts.chunks = batches;
+    return counts;
+  };
+  return stream;
 }
 
 ::arrow::Result<bool> is_old_ipc_stream(const File& file) {
@@ -75,7 +98,16 @@ class MarkedMessages : public ::arrow::ipc::MessageReader {
     ARROW_RETURN_NOT_OK(reader->ReadNext(&batch));
     return batch;
   };
-  return select_columns(*reader->schema(), options, std::move(next));
+  ARROW_ASSIGN_OR_RAISE(auto stream, select_columns(*reader->schema(), options, std::move(next)));
+  stream.stated = [=, columns = options.columns] {
+    const auto position = file->Tell();
+    auto counts = stated_by_messages(file, 0, *reader->schema(), columns);
+    // After `ReadAt`, files refuse to read on where they are.
+    const auto status = position.ok() ? file->Seek(*position) : position.status();
+    return status.ok() ? counts
+                       : StatedCounts{.nulls = decltype(counts.nulls)(counts.nulls.size())};
+  };
+  return stream;
 }
 
 }  // namespace numera::files

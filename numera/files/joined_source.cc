@@ -18,6 +18,7 @@ struct Member {
   Location location;
   SchemaPtr schema;
   std::optional<std::int64_t> rows;
+  std::optional<std::int64_t> bytes;
   std::shared_ptr<Source> source;  ///< of a pipe, which cannot be opened again
 };
 
@@ -85,13 +86,25 @@ class JoinedSource : public Source {
 
   SchemaPtr schema() const override { return schema_; }
 
-  std::optional<std::int64_t> rows() const override {
-    std::int64_t rows = 0;
+  std::optional<std::int64_t> rows() const override { return sum_of(&Member::rows); }
+  std::optional<std::int64_t> bytes() const override { return sum_of(&Member::bytes); }
+  std::int64_t bytes_read() const override {
+    return bytes_ + (source_ == nullptr ? 0 : source_->bytes_read());
+  }
+
+  /// Opens the files once more.
+  StatedCounts stated() const override {
+    StatedCounts sum{.rows = 0, .chunks = 0, .nulls = {}};
+    sum.nulls.resize(static_cast<size_t>(schema_->num_fields()), 0);
     for (const Member& member : members_) {
-      if (!member.rows) return std::nullopt;
-      rows += *member.rows;
+      const StatedCounts counts = stated_by(member);
+      add(counts.rows, sum.rows);
+      add(counts.chunks, sum.chunks);
+      for (size_t i = 0; i < sum.nulls.size(); ++i) {
+        add(nulls_in(member, counts, static_cast<int>(i)), sum.nulls[i]);
+      }
     }
-    return rows;
+    return sum;
   }
 
   std::int64_t chunks() const override {
@@ -114,6 +127,39 @@ class JoinedSource : public Source {
   }
 
  private:
+  using Count = std::optional<std::int64_t>;
+
+  static void add(const Count& more, Count& sum) {
+    sum = more && sum ? Count(*sum + *more) : std::nullopt;
+  }
+
+  Count sum_of(Count Member::* count) const {
+    Count sum = 0;
+    for (const Member& member : members_) add(member.*count, sum);
+    return sum;
+  }
+
+  StatedCounts stated_by(const Member& member) const {
+    if (member.source != nullptr) return member.source->stated();
+    Opening opening = opening_;
+    opening.options.columns.clear();
+    const auto file = open_file(member.location, opening);
+    return file.ok() ? file->source->stated() : StatedCounts{};
+  }
+
+  /// A column that the file lacks is null or has the value of a key.
+  Count nulls_in(const Member& member, const StatedCounts& counts, int column) const {
+    const std::string& name = schema_->field(column)->name();
+    const int place = are_equal_ ? column : member.schema->GetFieldIndex(name);
+    if (place >= 0) {
+      const auto index = static_cast<size_t>(place);
+      return index < counts.nulls.size() ? counts.nulls[index] : std::nullopt;
+    }
+    const auto& keys = member.location.keys;
+    const auto key = std::ranges::find(keys, name, &PartitionKey::name);
+    return key == keys.end() || !key->value ? counts.rows : Count(0);
+  }
+
   /// The next batch of a file, or null after its last one.
   BatchResult next() {
     const Member& member = members_[next_];
@@ -122,6 +168,7 @@ class JoinedSource : public Source {
     ARROW_RETURN_NOT_OK(source_->ReadNext(&batch));
     if (batch == nullptr) {
       chunks_ += source_->chunks();
+      bytes_ += source_->bytes_read();
       source_ = nullptr;
       ++next_;
       return nullptr;
@@ -168,6 +215,7 @@ class JoinedSource : public Source {
   std::shared_ptr<Source> source_;
   size_t next_ = 0;
   std::int64_t chunks_ = 0;  ///< of the files before
+  std::int64_t bytes_ = 0;   ///< of the files before
   ::arrow::Status failure_;
 };
 
@@ -176,7 +224,8 @@ class JoinedSource : public Source {
   auto opened = open_file(location, opening);
   if (!opened.ok()) return in_file(location, opened.status());
   const auto& source = opened->source;
-  return Member{location, source->schema(), source->rows(), opened->is_pipe ? source : nullptr};
+  return Member{location, source->schema(), source->rows(), source->bytes(),
+                opened->is_pipe ? source : nullptr};
 }
 
 }  // namespace

@@ -94,10 +94,12 @@ class Stripes {
   }
   const std::int64_t rows = std::min(options.batch_rows, kMostRowsAtOnce);
   ARROW_ASSIGN_OR_RAISE(auto batches, reader->GetRecordBatchReader(rows, names));
+  StatedCounts counts{.rows = reader->NumberOfRows(), .chunks = reader->NumberOfStripes()};
+  counts.nulls.resize(columns.size());
   const auto stripes = std::make_shared<Stripes>(reader, std::move(batches), std::move(places));
   auto next = [stripes] { return without_exceptions([&] { return stripes->next(); }); };
   return Stream{::arrow::schema(std::move(fields), whole->metadata()), std::move(next),
-                reader->NumberOfRows(), stripes->opened()};
+                reader->NumberOfRows(), stripes->opened(), [counts] { return counts; }};
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "numera/files/formats.h"
+#include "numera/files/parquet_nulls.h"
 
 namespace numera::files {
 namespace {
@@ -176,9 +177,18 @@ class RowGroups {
                  columns.back().leaves);
       ARROW_RETURN_NOT_OK(check_is_plain(*footer, columns.back()));
     }
+    auto stated = [reader, footer, numbers] {
+      StatedCounts counts{.rows = footer->num_rows(), .chunks = footer->num_row_groups()};
+      for (const int number : numbers) {
+        const auto& field = reader->manifest().schema_fields[static_cast<size_t>(number)];
+        counts.nulls.push_back(stated_nulls(*footer, field));
+      }
+      return counts;
+    };
     auto groups = std::make_shared<RowGroups>(reader, std::move(columns));
     return Stream{::arrow::schema(std::move(fields), whole->metadata()),
-                  [groups] { return groups->next(); }, footer->num_rows(), groups->opened()};
+                  [groups] { return groups->next(); }, footer->num_rows(), groups->opened(),
+                  std::move(stated)};
   } catch (const parquet::ParquetException& error) {
     return ::arrow::Status::IOError(error.what());
   }

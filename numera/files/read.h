@@ -54,6 +54,16 @@ struct ReadOptions {
   ::arrow::MemoryPool* pool = nullptr;
 };
 
+/// What a file states about its table.
+struct StatedCounts {
+  std::optional<std::int64_t> rows = {};                ///< of the whole table
+  std::optional<std::int64_t> chunks = {};              ///< row groups, record batches or stripes
+  std::vector<std::optional<std::int64_t>> nulls = {};  ///< of each column of the schema
+
+  /// Whether both state the same.
+  bool operator==(const StatedCounts&) const = default;
+};
+
 /// A file that is read batch by batch. Memory holds one batch and what the format needs: some pages
 /// per column of a Parquet file, one record batch of an Arrow IPC file, some blocks of a text file.
 ///
@@ -70,6 +80,15 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
   virtual std::optional<std::int64_t> rows() const = 0;
   /// The number of row groups, record batches, stripes or blocks that were read so far.
   virtual std::int64_t chunks() const = 0;
+  /// What the file states. Reads no values: Parquet states it in its footer and the statistics
+  /// there, Arrow IPC in the metadata of its record batches, ORC in its footer without the nulls.
+  /// CSV and JSON lines state nothing. A count of nulls is stated for columns of Parquet that are
+  /// not nested. What cannot be right, as in a damaged file, is not stated.
+  virtual StatedCounts stated() const;
+  /// The size of the file in bytes, if it is known.
+  virtual std::optional<std::int64_t> bytes() const;
+  /// How many bytes of the file were read so far. Any thread may call this at any time.
+  virtual std::int64_t bytes_read() const;
 };
 
 /// Opens one or several files as one table. Each path is

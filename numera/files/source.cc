@@ -1,3 +1,5 @@
+#include <arrow/type.h>
+
 #include <utility>
 
 #include "numera/files/locations.h"
@@ -8,6 +10,16 @@
 namespace numera::files {
 
 Source::~Source() = default;
+
+StatedCounts Source::stated() const {
+  StatedCounts counts{.rows = rows()};
+  counts.nulls.resize(static_cast<size_t>(schema()->num_fields()));
+  return counts;
+}
+
+std::optional<std::int64_t> Source::bytes() const { return std::nullopt; }
+
+std::int64_t Source::bytes_read() const { return 0; }
 
 ::arrow::Result<std::shared_ptr<Source>> open_source(const std::vector<std::string>& paths,
                                                      const ReadOptions& options) {

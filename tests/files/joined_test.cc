@@ -300,6 +300,33 @@ TEST_F(JoinedFiles, CountRowsIfAllOfThemDoAndChunksOfAll) {
   EXPECT_EQ(source->chunks(), 4);
 }
 
+TEST_F(JoinedFiles, StateTheSumsOfWhatTheyState) {
+  for (const char* folder : {"rows/k=1", "rows/k=__HIVE_DEFAULT_PARTITION__"}) {
+    std::filesystem::create_directories(folder_.path(folder));
+  }
+  write_parquet(folder_.path("rows/k=1/1.parquet"), *table_of({{"n", kInts, "[1, null, 3]"}}), 2);
+  write_parquet(folder_.path("rows/k=__HIVE_DEFAULT_PARTITION__/1.parquet"),
+                *table_of({{"m", kInts, "[1, null]"}}));
+  const auto stated = files::open_source(folder_.path("rows")).ValueOrDie()->stated();
+  EXPECT_EQ(stated.rows, 5);
+  EXPECT_EQ(stated.chunks, 3);
+  EXPECT_EQ(stated.nulls, (std::vector<std::optional<std::int64_t>>{3, 4, 2}));
+}
+
+TEST_F(JoinedFiles, StateNothingThatOneOfThemDoesNotState) {
+  write("1.csv", "n\n1\n");
+  write_parquet(folder_.path("1.parquet"), *table_of({{"n", kInts, "[1]"}}));
+  const auto source = files::open_source(paths({"1.csv", "1.parquet"})).ValueOrDie();
+  const auto stated = source->stated();
+  EXPECT_EQ(stated.rows, std::nullopt);
+  EXPECT_EQ(stated.chunks, std::nullopt);
+  EXPECT_EQ(stated.nulls, (std::vector<std::optional<std::int64_t>>{std::nullopt}));
+  EXPECT_EQ(source->bytes(), std::filesystem::file_size(folder_.path("1.csv")) +
+                                 std::filesystem::file_size(folder_.path("1.parquet")));
+  ASSERT_TRUE(source->ToTable().ok());
+  EXPECT_EQ(source->bytes_read(), source->bytes());
+}
+
 TEST_F(JoinedFiles, GiveNothingOnceTheyAreClosed) {
   write("1.csv", "n\n1\n2\n");
   const auto source = files::open_source(paths({"1.csv", "1.csv"}), {.batch_rows = 1}).ValueOrDie();

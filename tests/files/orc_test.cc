@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -165,6 +166,12 @@ TEST_F(OrcFiles, TextMayStartWithTheLettersOfOrc) {
   write_text(file_, "ORC,n\na,1\n");
   expect_table(file_,
                *table_of({{"ORC", ::arrow::utf8(), R"(["a"])"}, {"n", ::arrow::int64(), "[1]"}}));
+}
+
+TEST_F(OrcFiles, StateTheirRowsAndStripesButNoNulls) {
+  ASSERT_EQ(write_orc(file_, *table_of({{"n", ::arrow::int8(), "[1, null]"}})).ToString(), "OK");
+  EXPECT_EQ(files::open_source(file_).ValueOrDie()->stated(),
+            (files::StatedCounts{2, 1, {std::nullopt}}));
 }
 
 }  // namespace

@@ -6,11 +6,30 @@
 #include <arrow/table.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <ostream>
 #include <string>
 
 #include "numera/files/read.h"
 #include "tests/tools/written_files.h"
+
+namespace numera::files {
+
+inline void PrintTo(const StatedCounts& counts, std::ostream* stream) {
+  const auto print = [&](std::optional<std::int64_t> number) {
+    *stream << (number ? std::to_string(*number) : "-") << ' ';
+  };
+  *stream << "rows ";
+  print(counts.rows);
+  *stream << "chunks ";
+  print(counts.chunks);
+  *stream << "nulls ";
+  for (const auto& nulls : counts.nulls) print(nulls);
+}
+
+}  // namespace numera::files
 
 namespace numera::testing {
 

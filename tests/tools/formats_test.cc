@@ -12,7 +12,7 @@ namespace {
 class Formats : public ::testing::Test {
  protected:
   static std::string types_of(const std::string& file) {
-    return table_rows(printed("types", file));
+    return table_rows(printed("types", file, {"--count"}));
   }
 
   TemporaryFolder folder_;
@@ -115,12 +115,19 @@ TEST_F(Formats, ACharacterOfACsvMayBeCutWhereTheProgramStopsLooking) {
   }
 }
 
+TEST_F(Formats, TextThatIsNotUtf8NeedsTheNameOfItsEncoding) {
+  for (const char* text : {"gr\xF6\xDF\x65\n1\n", "a\n\xF0\x9D"}) {
+    write_text(file_, text);
+    EXPECT_EQ(run_program({"show", file_}).errors,
+              "numera-arrow: " + file_ +
+                  ": it is text that is not UTF-8, and its encoding was not named\n");
+  }
+}
+
 TEST_F(Formats, AnythingElseIsNoKnownFormat) {
   const std::pair<const char*, std::string> cases[] = {
       {"NUL in text", std::string("a,b\n1,\0\n", 8)},
-      {"Latin-1", "gr\xF6\xDF\x65\n1\n"},
-      {"UTF-16", std::string("\xFF\xFEn\0\n\0", 6)},
-      {"half a character at the end", "a\n\xF0\x9D"},
+      {"UTF-16 without a mark", std::string("n\0\n\0", 4)},
       {"a length, but no schema", std::string("\x08\0\0\0abcdefgh", 12)},
       {"a length beyond the end", std::string("\x09\0\0\0abcdefgh", 12)},
       {"half a length", std::string("\x09\0", 2)},

@@ -8,6 +8,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 class Terminal : public ::testing::Test {
  protected:
@@ -22,17 +23,26 @@ class Terminal : public ::testing::Test {
 constexpr const char* kBold = "\x1b[1m";
 
 TEST_F(Terminal, ShowsProgressAndWipesIt) {
-  for (const char* command : {"types", "summary", "convert"}) {
-    SCOPED_TRACE(command);
-    const std::string written = run_on_terminal({command, file_});
-    EXPECT_THAT(written, HasSubstr("2 of 4 rows (50 %)"));
-    EXPECT_THAT(written, HasSubstr("4 of 4 rows (100 %)\r                   \r"));
+  const std::vector<std::string> commands[] = {
+      {"types", file_, "--count"}, {"summary", file_}, {"convert", file_}};
+  for (const std::vector<std::string>& arguments : commands) {
+    SCOPED_TRACE(arguments.front());
+    const std::string written = run_on_terminal(arguments);
+    const size_t shown = written.find("2 of 4 rows (50 %), ");
+    ASSERT_NE(shown, std::string::npos) << written;
+    const std::string line = written.substr(shown, written.find('\r') - shown);
+    EXPECT_THAT(written, HasSubstr(line + "\r" + std::string(line.size(), ' ') + "\r"));
   }
 }
 
-TEST_F(Terminal, ShowsRowsAloneWhereTheFileDoesNotSayHowManyThereAre) {
+TEST_F(Terminal, ShowsTheShareOfTheBytesWhereTheFileDoesNotSayHowManyRowsThereAre) {
   write_text(file_, "n\n1\n2\n");
-  EXPECT_THAT(run_on_terminal({"types", file_}), HasSubstr("2 rows\r      \r"));
+  EXPECT_THAT(run_on_terminal({"types", file_, "--count"}),
+              StartsWith("2 rows (100 %), 6 of 6 B\r"));
+}
+
+TEST_F(Terminal, ShowsNoProgressWhereTheFileIsNotReadThrough) {
+  EXPECT_THAT(run_on_terminal({"types", file_}), Not(HasSubstr("rows (")));
 }
 
 TEST_F(Terminal, ShowsTheHeadingInBold) {
@@ -47,9 +57,11 @@ TEST_F(Terminal, IsLeftWithoutColourOnRequest) {
 }
 
 TEST_F(Terminal, IsTheOnlyPlaceForColourAndProgress) {
-  for (const char* command : {"types", "summary", "convert"}) {
-    SCOPED_TRACE(command);
-    const Outcome run = run_program({command, file_});
+  const std::vector<std::string> commands[] = {
+      {"types", file_, "--count"}, {"summary", file_}, {"convert", file_}};
+  for (const std::vector<std::string>& arguments : commands) {
+    SCOPED_TRACE(arguments.front());
+    const Outcome run = run_program(arguments);
     EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));
     EXPECT_EQ(run.errors, "");
   }

@@ -20,7 +20,8 @@ TEST(Usage, HelpNamesTheCommands) {
   const Outcome run = run_program({"--help"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, HasSubstr("numera-arrow [OPTIONS] SUBCOMMAND"));
-  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
+  for (const char* command :
+       {"types", "head", "tail", "show", "summary", "tree", "convert", "completion", "man"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + command + " "));
   }
   EXPECT_THAT(run.errors, IsEmpty());
@@ -42,7 +43,9 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
   const std::string show_rows = show + " --rows 5";
   const std::string convert = " Example: numera-arrow convert rows.parquet --output back.parquet";
   const std::string types = " Example: numera-arrow types rows.parquet";
-  const std::string commands = "types, head, tail, show, summary, tree, convert.";
+  const std::string commands = "types, head, tail, show, summary, tree, convert, completion, man.";
+  const std::string completion = "numera-arrow completion: ";
+  const std::string source = " Example: source <(numera-arrow completion bash)";
   const std::string from = ", expected a number from ";
   const std::string most = " to 9223372036854775807.";
   struct Case {
@@ -96,6 +99,16 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
        in_convert + "--compression: there is no compression 'gzp'; did you mean 'gzip'?" + convert},
       {{"convert", "--compression", "gzip", "one"},
        in_convert + "--compression: there is no output; add --to or --output." + convert},
+      {{"show", "one", "--json", "--vertical"},
+       in_show + "--json excludes --vertical." + show_rows},
+      {{"convert", "one", "--show", "--json"}, in_convert + "--json excludes --show." + convert},
+      {{"completion"}, completion + "SHELL is required." + source},
+      {{"completion", "ksh"},
+       completion + "SHELL: found ksh, expected bash, zsh or fish." + source},
+      {{"completion", "bash", "zsh"}, completion + "found 'zsh', expected nothing more." + source},
+      {{"man", "types"},
+       "numera-arrow man: found 'types', expected nothing more. Example: numera-arrow man | man "
+       "-l -"},
       {{"convert", "--threads", "many", "one"},
        in_convert + "--threads: found many" + from + "0" + most + convert},
   };
