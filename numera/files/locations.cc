@@ -37,6 +37,15 @@ std::string_view scheme_of(std::string_view path) {
   return std::ranges::all_of(scheme, is_of_a_scheme) ? scheme : std::string_view();
 }
 
+/// A path as messages show it. The user of a URI and their password stay out of it.
+std::string shown(const std::string& path) {
+  const std::string_view scheme = scheme_of(path);
+  if (scheme.empty()) return path;
+  const size_t start = scheme.size() + 3;
+  const size_t at = path.rfind('@', path.find('/', start));
+  return at == std::string::npos || at < start ? path : path.substr(0, start) + path.substr(at + 1);
+}
+
 /// In newer versions of Arrow, S3 is a library of its own, which Arrow loads if it is asked to.
 void load_s3() {
   static std::once_flag once;
@@ -176,7 +185,7 @@ Location location_of(const Place& root, const std::string& path, std::vector<Par
     ARROW_RETURN_NOT_OK(add_matches(place, files));
     if (files.size() == before) return ::arrow::Status::IOError("no file matches it");
   } else {
-    files.push_back({path, place.path, place.system});
+    files.push_back({shown(path), place.path, place.system});
   }
   return ::arrow::Status::OK();
 }
@@ -188,7 +197,7 @@ Location location_of(const Place& root, const std::string& path, std::vector<Par
   for (const std::string& path : paths) {
     const ::arrow::Status status = add_path(path, files);
     if (status.ok()) continue;
-    return paths.size() == 1 ? status : status.WithMessage(path, ": ", status.message());
+    return paths.size() == 1 ? status : status.WithMessage(shown(path), ": ", status.message());
   }
   if (files.empty()) return ::arrow::Status::Invalid("no file is named");
   return files;

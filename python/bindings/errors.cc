@@ -2,11 +2,14 @@
 
 #include <arrow/util/io_util.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <exception>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "numera/core/util/table_error.h"
 #include "numera/host/memory.h"
@@ -97,6 +100,17 @@ void translate(const std::exception_ptr& thrown, void*) {
   }
 }
 
+/// The path of which a message of `numera::files` says the reason of the system and no more.
+const std::string* only_path_in(std::string_view message, std::string_view reason,
+                                const std::vector<std::string>& paths) {
+  if (message == reason && paths.size() == 1) return paths.data();
+  const auto found = std::ranges::find_if(paths, [&](const std::string& path) {
+    const std::string named = path + ": " + std::string(reason);
+    return message == named || message == "cannot write " + named;
+  });
+  return found == paths.end() ? nullptr : &*found;
+}
+
 }  // namespace
 
 void raise_status(const ::arrow::Status& status, const std::string& note) {
@@ -120,12 +134,18 @@ nb::str path_text(std::string_view path) {
       PyUnicode_DecodeFSDefaultAndSize(path.data(), static_cast<Py_ssize_t>(path.size())));
 }
 
-void raise_file_status(const ::arrow::Status& status, const std::string& path) {
+void raise_file_status(const ::arrow::Status& status, const std::vector<std::string>& paths,
+                       const std::string& prefix) {
   const int number = ::arrow::internal::ErrnoFromStatus(status);
-  if (!status.IsIOError() || number == 0) raise_status(status);
-  const nb::str name = path_text(path);
-  errno = number;
-  PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, name.ptr());
+  const std::string message = prefix + status.message();
+  if (!status.IsIOError() || number == 0) raise_status(status.WithMessage(message));
+  if (number == EINTR && PyErr_CheckSignals() != 0) throw nb::python_error();
+  const nb::object type = nb::borrow(PyExc_OSError);
+  const std::string reason = std::generic_category().message(number);
+  const std::string* path = only_path_in(status.message(), reason, paths);
+  const nb::object error = path == nullptr ? type(number, text_of(message))
+                                           : type(number, text_of(reason), path_text(*path));
+  PyErr_SetObject(error.type().ptr(), error.ptr());
   throw nb::python_error();
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace numera::python {
 
@@ -30,9 +31,12 @@ T value_or_raise(::arrow::Result<T> result, const std::string& note = {}) {
   return std::move(result).MoveValueUnsafe();
 }
 
-/// Raises the exception for a file that cannot be read or written. If the system gave the reason,
-/// this is an OSError with the error number and the path, else what `raise_status` raises.
-[[noreturn]] void raise_file_status(const ::arrow::Status& status, const std::string& path);
+/// Raises the exception for files that cannot be read or written. If the system gave the reason,
+/// this is an OSError with the error number, and with the path if the message names no more than
+/// one of `paths`; else what `raise_status` raises. Other messages begin with `prefix`.
+[[noreturn]] void raise_file_status(const ::arrow::Status& status,
+                                    const std::vector<std::string>& paths,
+                                    const std::string& prefix);
 
 /// Python text of UTF-8. Other bytes are replaced.
 nb::str text_of(std::string_view text);

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "python/bindings/bindings.h"
 #include "python/bindings/errors.h"
@@ -24,10 +25,10 @@ std::string path_of(nb::handle path);
 class Calls {
  public:
   /// Messages begin with `prefix`.
-  explicit Calls(std::string path, std::string prefix = "")
-      : path_(std::move(path)), prefix_(std::move(prefix)) {}
+  explicit Calls(std::vector<std::string> paths, std::string prefix = "")
+      : paths_(std::move(paths)), prefix_(std::move(prefix)) {}
 
-  const std::string& path() const { return path_; }
+  const std::vector<std::string>& paths() const { return paths_; }
 
   /// The value of a result of `call`.
   template <class Call>
@@ -40,13 +41,12 @@ class Calls {
       const Unlocked unlocked;
       return call();
     }();
-    const ::arrow::Status& status = result.status();
-    if (!status.ok()) raise_file_status(status.WithMessage(prefix_, status.message()), path_);
+    if (!result.ok()) raise_file_status(result.status(), paths_, prefix_);
     return *std::move(result);
   }
 
  private:
-  std::string path_;
+  std::vector<std::string> paths_;
   std::string prefix_;
   std::mutex mutex_;
 };

@@ -5,11 +5,13 @@
 #include <arrow/table.h>
 #include <arrow/type.h>
 #include <arrow/type_traits.h>
+#include <nanobind/stl/vector.h>
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "numera/files/write.h"
 #include "python/bindings/bindings.h"
@@ -38,10 +40,14 @@ BatchResult batch_of(const ::arrow::Table& rows) {
 /// A file that appears when it is finished.
 class FileSink {
  public:
-  FileSink(nb::handle path, const std::optional<std::string>& compression) : calls_(path_of(path)) {
+  FileSink(nb::handle path, const std::optional<std::string>& compression,
+           std::vector<std::string> partition_by, std::optional<char> csv_delimiter)
+      : calls_({path_of(path)}) {
     files::WriteOptions options;
     options.compression = compression.value_or("");
-    sink_ = calls_.value([&] { return files::open_sink(calls_.path(), options); });
+    options.partition_by = std::move(partition_by);
+    options.csv_delimiter = csv_delimiter;
+    sink_ = calls_.value([&] { return files::open_sink(calls_.paths().front(), options); });
   }
 
   /// Writes a pyarrow.Table as one batch.
@@ -83,8 +89,10 @@ class FileSink {
 
 void bind_file_sink(nb::module_& module) {
   nb::class_<FileSink>(module, "FileSink", "A file that is written; `numera.write` has it.")
-      .def(nb::init<nb::handle, const std::optional<std::string>&>(), nb::arg("path"),
-           nb::arg("compression").none())
+      .def(nb::init<nb::handle, const std::optional<std::string>&, std::vector<std::string>,
+                    std::optional<char>>(),
+           nb::arg("path"), nb::arg("compression").none(), nb::arg("partition_by"),
+           nb::arg("csv_delimiter").none())
       .def("write", &FileSink::write, nb::arg("table"),
            nb::sig("def write(self, table: pyarrow.Table) -> None"), "Writes rows.")
       .def("finish", &FileSink::finish, "Puts the file in place.")

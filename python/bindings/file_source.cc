@@ -29,8 +29,11 @@ namespace {
 
 using TablePtr = std::shared_ptr<::arrow::Table>;
 
-/// The path as messages show it.
-std::string quoted(const std::string& path) { return nb::repr(path_text(path)).c_str(); }
+std::vector<std::string> paths_of(nb::list paths) {
+  std::vector<std::string> all;
+  for (const nb::handle path : paths) all.push_back(path_of(path));
+  return all;
+}
 
 /// Nested columns in one chunk each. Of these alone the host has one element per chunk. The table
 /// must be fully valid: Arrow would follow wrong offsets.
@@ -59,17 +62,25 @@ std::string quoted(const std::string& path) { return nb::repr(path_text(path)).c
   return io::arrow::core::to_numera(std::move(taken.value));
 }
 
-/// A file that is read into host tables: rows are collected, then taken.
+/// Files that are read into host tables: rows are collected, then taken.
 class FileSource {
  public:
-  FileSource(nb::handle path, const std::optional<std::vector<std::string>>& columns,
-             std::int64_t batch_rows, std::optional<std::int64_t> memory_limit)
-      : calls_(path_of(path), quoted(path_of(path)) + ": ") {
+  FileSource(nb::list paths, std::string prefix,
+             const std::optional<std::vector<std::string>>& columns, std::int64_t batch_rows,
+             std::optional<std::int64_t> memory_limit, std::optional<char> csv_delimiter,
+             bool csv_heading, std::vector<std::string> csv_nulls,
+             const std::optional<std::string>& csv_encoding, bool csv_types_of_all_rows)
+      : calls_(paths_of(std::move(paths)), std::move(prefix)) {
     files::ReadOptions options;
     options.columns = columns.value_or(std::vector<std::string>{});
     options.batch_rows = batch_rows;
     options.memory_limit = memory_limit;
-    source_ = calls_.value([&] { return files::open_source(calls_.path(), options); });
+    options.csv_delimiter = csv_delimiter;
+    options.csv_heading = csv_heading;
+    options.csv_nulls = std::move(csv_nulls);
+    options.csv_encoding = csv_encoding.value_or("");
+    options.csv_types_of_all_rows = csv_types_of_all_rows;
+    source_ = calls_.value([&] { return files::open_source(calls_.paths(), options); });
     rows_ = source_->rows();
     schema_ = source_->schema();
     // For the library, no names are all columns.
@@ -137,19 +148,21 @@ class FileSource {
 }  // namespace
 
 void bind_file_source(nb::module_& module) {
-  nb::class_<FileSource>(module, "FileSource", "A file that is read; `numera.scan` has it.")
-      .def(nb::init<nb::handle, const std::optional<std::vector<std::string>>&, std::int64_t,
-                    std::optional<std::int64_t>>(),
-           nb::arg("path"), nb::arg("columns").none(), nb::arg("batch_rows"),
-           nb::arg("memory_limit").none())
+  nb::class_<FileSource>(module, "FileSource", "Files that are read; `numera.scan` has them.")
+      .def(nb::init<nb::list, std::string, const std::optional<std::vector<std::string>>&,
+                    std::int64_t, std::optional<std::int64_t>, std::optional<char>, bool,
+                    std::vector<std::string>, const std::optional<std::string>&, bool>(),
+           nb::arg("paths"), nb::arg("prefix"), nb::arg("columns").none(), nb::arg("batch_rows"),
+           nb::arg("memory_limit").none(), nb::arg("csv_delimiter").none(), nb::arg("csv_heading"),
+           nb::arg("csv_nulls"), nb::arg("csv_encoding").none(), nb::arg("csv_types_of_all_rows"))
       .def_prop_ro("names", &FileSource::names, nb::sig("def names(self) -> list[str]"),
                    "The names of the columns.")
-      .def_prop_ro("rows", &FileSource::rows, "The number of rows, if the file states it.")
+      .def_prop_ro("rows", &FileSource::rows, "The number of rows, if the files state it.")
       .def("collect", &FileSource::collect, nb::arg("most"),
            "Reads at most so many rows more. Returns their number, which is 0 at the end.")
       .def("take", &FileSource::take, nb::arg("cast"), nb::arg("one_chunk"),
            "The encoded table of the rows that were collected since the last call.")
-      .def("close", &FileSource::close, "Closes the file and gives up what was collected.");
+      .def("close", &FileSource::close, "Closes the files and gives up what was collected.");
 }
 
 }  // namespace numera::python

@@ -83,15 +83,6 @@ def test_a_row_of_a_csv_has_64_mebibytes_at_most(tmp_path, call):
 
 
 @CALLS
-def test_the_first_megabyte_of_a_csv_decides_the_types(tmp_path, call):
-    path = tmp_path / "late.csv"
-    path.write_text("n\n" + "1\n" * 1_000_000 + "late\n")
-    with pytest.raises(pa.ArrowInvalid, match="^'.*/late.csv': .*conversion error to int64: invalid "
-                                              "value 'late'"):
-        call(path)
-
-
-@CALLS
 @pytest.mark.parametrize("text, reason", [
     ("n,n\n1,2,3\n", "CSV parse error: Row #2: Expected 2 columns, got 3: 1,2,3"),
     ('n,m\n1,"open\n', "a quotation mark after row 1 is not closed"),

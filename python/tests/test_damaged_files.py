@@ -118,14 +118,14 @@ def test_a_stream_without_the_marker_of_its_end_is_refused(tmp_path, call):
 @CALLS
 def test_a_file_that_changes_while_it_is_read_is_refused(tmp_path, monkeypatch, call):
     path = written(tmp_path, ".csv")
-    opened = numera.io._open
+    opened = numera.io.open_source
 
     def open_and_change(*arguments, **options):
         source = opened(*arguments, **options)
         path.write_text("n\n1\n")
         return source
 
-    monkeypatch.setattr(numera.io, "_open", open_and_change)
+    monkeypatch.setattr(numera.io, "open_source", open_and_change)
     with pytest.raises(OSError) as caught:
         call(path)
     assert str(caught.value) == f"{str(path)!r}: it changed while it was read"
