@@ -1,10 +1,10 @@
 """Files read as tables of a given number of rows."""
 
 import gc
-import time
 import os
 import signal
 import threading
+import time
 
 import numera
 import pyarrow as pa
@@ -93,8 +93,8 @@ def test_a_scan_that_is_closed_in_the_middle_leaves_nothing(tmp_path):
     tables.close()
     assert list(tables) == []
     # A thread of Arrow may hold its part of the reader for a moment longer.
-    assert wait_for(lambda: open_files() == files)
-    assert (host.live_arrays(), pa.total_allocated_bytes()) == (arrays, memory)
+    assert wait_for(lambda: (open_files(), pa.total_allocated_bytes()) == (files, memory))
+    assert host.live_arrays() == arrays
 
 
 def wait_for(condition, seconds=10):
