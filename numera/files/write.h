@@ -29,7 +29,8 @@ enum class Format : std::uint8_t {
 
 /// How a file is written.
 struct WriteOptions {
-  /// Paths of files that are read meanwhile. A sink that would replace one of them is refused.
+  /// Paths that are read meanwhile, as `open_source` takes them. A sink that would replace one of
+  /// their files is refused.
   std::vector<std::string> inputs = {};
   /// None: the end of the path decides.
   std::optional<Format> format = {};
