@@ -46,8 +46,9 @@ struct ReadOptions {
   /// Whether all rows of a CSV file decide the types of its columns. It is read twice then.
   bool csv_types_of_all_rows = false;
   /// The most memory, in bytes, that reading and the batches that are still in use take at any
-  /// time. None: 2 GiB, or four times the size of the largest file if that is more. A file that asks
-  /// for more, because a batch is that large or because the file is damaged, fails with OutOfMemory.
+  /// time. None: 2 GiB, or four times the size of the largest file if that is more. A file that
+  /// asks for more, because a batch is that large or because the file is damaged, fails with
+  /// OutOfMemory.
   std::optional<std::int64_t> memory_limit = {};
   /// Where memory comes from. It must outlive the source and all batches. Null: Arrow's default
   /// pool, with `memory_limit`. A pool that is given has no limit beside its own.
