@@ -1,6 +1,7 @@
 #include <arrow/type.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -71,6 +72,11 @@ BufferResult make_offsets(Work& work, bool large, std::int64_t length, SizeOf si
   }
 }
 
+BufferResult make_offsets(Work& work, bool large, const std::vector<Range>& ranges) {
+  return make_offsets(work, large, std::ssize(ranges),
+                      [&](std::int64_t i) { return ranges[static_cast<size_t>(i)].size; });
+}
+
 /// A list array with the validity and the field of `slots`. The field gets the type of `elements`.
 Data make_list(Work& work, bool large, const ::arrow::ArrayData& slots,
                std::shared_ptr<::arrow::Buffer> offsets, Data elements) {
@@ -97,9 +103,7 @@ DataResult cast_list_view(Work& work, const std::string& path, const ::arrow::Ar
   ARROW_ASSIGN_OR_RAISE(const Data slots, without_offset(work, array));
   const std::vector<Range> ranges = ranges_of<Offset>(array, *slots);
   const Range used = span_of(ranges);
-  ARROW_ASSIGN_OR_RAISE(auto offsets, make_offsets(work, kLarge, array.length, [&](std::int64_t i) {
-                          return ranges[static_cast<size_t>(i)].size;
-                        }));
+  ARROW_ASSIGN_OR_RAISE(auto offsets, make_offsets(work, kLarge, ranges));
   const Data cut = array.child_data[0]->Slice(used.begin, used.size);
   ARROW_ASSIGN_OR_RAISE(Data elements, take_in_data(work, path + "[]", *cut));
   if (!follow_one_another(ranges, used.begin)) {
