@@ -64,8 +64,8 @@ std::string number_or_dash(const std::optional<std::int64_t>& number) {
   return number ? grouped(*number) : "-";
 }
 
-void print_table(const std::vector<ColumnTypes>& columns, const files::StatedCounts& counts,
-                 std::ostream& out) {
+void print_list(const std::vector<ColumnTypes>& columns, const files::StatedCounts& counts,
+                std::ostream& out) {
   TextTable table(
       {"column", "Arrow type", "encoded type", "host class", "rows", "chunks", "nulls"});
   for (const ColumnTypes& column : columns) {
@@ -76,8 +76,8 @@ void print_table(const std::vector<ColumnTypes>& columns, const files::StatedCou
   table.print(out, output_has_colour());
 }
 
-void print_json(const std::vector<ColumnTypes>& columns, const files::StatedCounts& counts,
-                std::ostream& out) {
+void print_list_as_json(const std::vector<ColumnTypes>& columns, const files::StatedCounts& counts,
+                        std::ostream& out) {
   for (const ColumnTypes& column : columns) {
     out << json_object({{"column", json_text(column.name)},
                         {"arrow_type", json_text(column.arrow_type)},
@@ -102,7 +102,7 @@ void print_json(const std::vector<ColumnTypes>& columns, const files::StatedCoun
   } else {
     counts = source->stated();
   }
-  (types.json ? print_json : print_table)(types_of(*source->schema(), counts), counts, out);
+  (types.json ? print_list_as_json : print_list)(types_of(*source->schema(), counts), counts, out);
   return ::arrow::Status::OK();
 }
 

@@ -25,6 +25,7 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv(3) states this value
   bool is_known() const { return state_ != reinterpret_cast<iconv_t>(-1); }
 
   /// The characters that end in this piece. An empty piece is the end of the text.
