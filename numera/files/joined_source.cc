@@ -1,6 +1,7 @@
 #include <arrow/type.h>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -68,8 +69,11 @@ class JoinedSource : public Source {
  private:
   using Count = std::optional<std::int64_t>;
 
+  /// A damaged file may state more than the sum can hold.
   static void add(const Count& more, Count& sum) {
-    sum = more && sum ? Count(*sum + *more) : std::nullopt;
+    const bool fits =
+        more && sum && *more >= 0 && *more <= std::numeric_limits<std::int64_t>::max() - *sum;
+    sum = fits ? Count(*sum + *more) : std::nullopt;
   }
 
   Count sum_of(Count Member::* count) const {
