@@ -98,10 +98,9 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 /// - "-": standard input. Pipes of CSV and of Arrow IPC streams are read as the bytes come. What
 ///   cannot be read forwards is copied to a temporary file first, which has no name and never
 ///   stays: in the folder of the environment variable TMPDIR, else in "/tmp";
-/// - a folder: all files below it, in the order of their paths, but for names that begin with "."
-/// or
-///   "_". Folders named "key=value" add a column per key, behind the columns of the files: int32 or
-///   int64 if each value is such a number, else a dictionary of texts;
+/// - a folder: all files below it, in the order of their paths. Names that begin with "." or "_" are
+///   left out. Folders named "key=value" add a column per key, behind the columns of the files:
+///   int32 or int64 if each value is such a number, else a dictionary of texts;
 /// - a pattern with "*" or "?", which match within a name: the files, and the files below the
 ///   folders, that match, in the order of their paths;
 /// - a URI of one of these, with a scheme that Arrow's file systems know, such as "file://",
@@ -137,11 +136,11 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 /// and it names one. If the system gave the reason, the status has Arrow's detail with its number.
 /// Takes time for the footer or the first block of each file alone, but reads JSON lines to their
 /// end.
-/// @{
-NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
-                                                                   const ReadOptions& options = {});
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(
     const std::vector<std::string>& paths, const ReadOptions& options = {});
-/// @}
+
+/// The same for one path.
+NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
+                                                                   const ReadOptions& options = {});
 
 }  // namespace numera::files
