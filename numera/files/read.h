@@ -98,8 +98,8 @@ class NUMERA_EXPORT Source : public ::arrow::RecordBatchReader {
 /// - "-": standard input. Pipes of CSV and of Arrow IPC streams are read as the bytes come. What
 ///   cannot be read forwards is copied to a temporary file first, which has no name and never
 ///   stays: in the folder of the environment variable TMPDIR, else in "/tmp";
-/// - a folder: all files below it, in the order of their paths. Names that begin with "." or "_" are
-///   left out. Folders named "key=value" add a column per key, behind the columns of the files:
+/// - a folder: all files below it, in the order of their paths. Names that begin with "." or "_"
+///   are left out. Folders named "key=value" add a column per key, behind the columns of the files:
 ///   int32 or int64 if each value is such a number, else a dictionary of texts;
 /// - a pattern with "*" or "?", which match within a name: the files, and the files below the
 ///   folders, that match, in the order of their paths;
