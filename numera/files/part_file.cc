@@ -26,9 +26,7 @@ constexpr std::string_view kSuffix = ".part";
 mode_t mode_for(const std::string& path) {
   struct stat target = {};
   if (::stat(path.c_str(), &target) == 0) return target.st_mode & 0777U;
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666U & ~mask;
+  return allowed_mode(0666);
 }
 
 /// A name beside the target: the target's name, six random characters and ".part". If that is
@@ -104,6 +102,12 @@ PartFile::~PartFile() {
   if (std::rename(part_.c_str(), target_.c_str()) != 0) return last_error();
   part_.clear();
   return ::arrow::Status::OK();
+}
+
+mode_t allowed_mode(mode_t mode) {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return mode & ~mask;
 }
 
 ::arrow::Status check_is_no_input(int descriptor, const std::vector<std::string>& inputs) {

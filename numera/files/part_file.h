@@ -1,6 +1,7 @@
 #pragma once
 
 #include <arrow/status.h>
+#include <sys/types.h>
 
 #include <string>
 #include <vector>
@@ -29,6 +30,9 @@ class PartFile {
   std::string part_;    ///< the unfinished file; empty if there is none
   int descriptor_ = -1;
 };
+
+/// The permissions without those that this process gives to nobody.
+mode_t allowed_mode(mode_t mode);
 
 /// Invalid if the open file is one of `inputs`.
 ::arrow::Status check_is_no_input(int descriptor, const std::vector<std::string>& inputs);

@@ -23,6 +23,7 @@
 #include "numera/files/formats.h"
 #include "numera/files/last_error.h"
 #include "numera/files/locations.h"
+#include "numera/files/part_file.h"
 
 namespace numera::files {
 namespace {
@@ -46,18 +47,17 @@ class PartFolder {
   ::arrow::Status open(std::string target) {
     while (target.size() > 1 && target.ends_with('/')) target.pop_back();
     std::error_code error;
-    if (std::filesystem::exists(target, error) && !std::filesystem::is_empty(target, error)) {
+    const auto found = std::filesystem::status(target, error);
+    const bool is_new = found.type() == std::filesystem::file_type::not_found;
+    if (!is_new && error) return ::arrow::Status::IOError(error.message());
+    if (!is_new && (!is_directory(found) || !std::filesystem::is_empty(target, error))) {
       return ::arrow::Status::IOError("it exists and is no empty folder");
     }
-    if (error) return ::arrow::Status::IOError(error.message());
     std::string name = target + ".part-XXXXXX";
     if (::mkdtemp(name.data()) == nullptr) return last_error();
     part_ = name;
     target_ = std::move(target);
-    constexpr mode_t kAllowed = 0777;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return ::chmod(name.c_str(), kAllowed & ~mask) == 0 ? ::arrow::Status::OK() : last_error();
+    return ::chmod(name.c_str(), allowed_mode(0777)) == 0 ? ::arrow::Status::OK() : last_error();
   }
 
   const std::string& path() const { return part_; }

@@ -154,6 +154,13 @@ TEST_F(Partitions, ReplaceAnEmptyFolderOnly) {
   EXPECT_EQ(folder_.names(), std::vector<std::string>{"rows"});
 }
 
+TEST_F(Partitions, ReplaceNoFile) {
+  write_text(target_, "");
+  EXPECT_EQ(write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}}).ToString(),
+            "IOError: cannot write " + target_ + ": it exists and is no empty folder");
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{"rows"});
+}
+
 TEST_F(Partitions, AreRefusedWithAReasonAndLeaveNothing) {
   struct Case {
     std::vector<NamedColumn> columns;
