@@ -92,6 +92,7 @@ int run_and_report(const Arguments& arguments) {
       status = arrow::Status::IOError("the result cannot be written");
     }
     if (status.ok()) return kSuccess;
+    if (status.IsCancelled()) throw numera::host::memory::InterruptException();
     if (!std::cout || is_about_standard_output(status)) end_if_nobody_reads();
     return report(subject, reason_of(status));
   } catch (const numera::host::memory::InterruptException&) {
@@ -138,8 +139,11 @@ int main(int argc, char** argv) {
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
   const auto read = read_arguments(argc, argv);
   if (const int* status = std::get_if<int>(&read)) return *status;
-  const Arguments& arguments = std::get<Arguments>(read);
+  Arguments arguments = std::get<Arguments>(read);
   if (arguments.command == Command::kConvert) heed_signals();
+  arguments.convert.source.while_waiting = [] {
+    return end_signal == 0 ? arrow::Status::OK() : arrow::Status::Cancelled("interrupted");
+  };
   const int status = run_and_report(arguments);
   arrow::fs::EnsureFinalized();
   return status;

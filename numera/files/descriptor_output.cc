@@ -50,6 +50,14 @@ ssize_t write_some(int descriptor, const void* data, size_t bytes, bool may_rais
   return ::write(descriptor, data, bytes);
 }
 
+/// Waits if the descriptor does not block by itself.
+bool can_be_tried_again(int descriptor) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN) return false;
+  pollfd ready = {descriptor, POLLOUT, 0};
+  return ::poll(&ready, 1, -1) >= 0 || errno == EINTR;
+}
+
 }  // namespace
 
 DescriptorOutput::DescriptorOutput(int descriptor) : descriptor_(descriptor) {
@@ -70,7 +78,7 @@ DescriptorOutput::DescriptorOutput(int descriptor) : descriptor_(descriptor) {
     const ssize_t size =
         write_some(descriptor_, next, static_cast<size_t>(bytes), may_raise_signal_);
     if (size < 0) {
-      if (!can_be_tried_again(descriptor_, POLLOUT)) return last_error();
+      if (!can_be_tried_again(descriptor_)) return last_error();
       continue;
     }
     next += size;

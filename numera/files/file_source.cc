@@ -75,15 +75,14 @@ class FileSource : public Source {
   ARROW_ASSIGN_OR_RAISE(Recognised format, recognise(input.file, input.size, encoding));
   const bool reads_twice = options.csv_types_of_all_rows;
   if (input.pipe == nullptr || (format.reads_forwards && !reads_twice)) return format;
-  ARROW_ASSIGN_OR_RAISE(input, copy_to_file(*input.pipe, options.pool));
+  ARROW_ASSIGN_OR_RAISE(input, copy_to_file(*input.pipe, options));
   return recognise(input.file, input.size, encoding);
 }
 
 }  // namespace
 
 ::arrow::Result<OpenedFile> open_file(const Location& location, const Opening& opening) {
-  ::arrow::MemoryPool* pool = opening.options.pool;
-  ARROW_ASSIGN_OR_RAISE(Input input, open_input(location, pool));
+  ARROW_ASSIGN_OR_RAISE(Input input, open_input(location, opening.options));
   const bool is_pipe = input.pipe != nullptr;
   ARROW_ASSIGN_OR_RAISE(const Recognised format, recognise_input(input, opening.options));
   if (opening.limit != nullptr && input.size) opening.limit->allow(4 * *input.size);

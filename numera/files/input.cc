@@ -34,9 +34,10 @@ struct Version {
 ::arrow::Status has_changed() { return ::arrow::Status::IOError("it changed while it was read"); }
 
 /// Takes the descriptor of a regular file.
-::arrow::Result<Input> input_of_file(int descriptor, ::arrow::MemoryPool* pool) {
+::arrow::Result<Input> input_of_file(int descriptor, const ReadOptions& options) {
   if (descriptor < 0) return last_error();
-  ARROW_ASSIGN_OR_RAISE(const LocalFile file, ::arrow::io::ReadableFile::Open(descriptor, pool));
+  ARROW_ASSIGN_OR_RAISE(const LocalFile file,
+                        ::arrow::io::ReadableFile::Open(descriptor, options.pool));
   ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
   return Input{std::make_shared<CountedFile>(file), opened.size,
                [file, opened]() -> ::arrow::Status {
@@ -45,9 +46,9 @@ struct Version {
                }};
 }
 
-::arrow::Result<Input> input_of_pipe(int descriptor, ::arrow::MemoryPool* pool) {
+::arrow::Result<Input> input_of_pipe(int descriptor, const ReadOptions& options) {
   if (descriptor < 0) return last_error();
-  auto pipe = std::make_shared<Pipe>(descriptor, pool);
+  auto pipe = std::make_shared<Pipe>(descriptor, options.pool, options.while_waiting);
   return Input{std::make_shared<CountedFile>(pipe), std::nullopt,
                [] { return ::arrow::Status::OK(); }, pipe};
 }
@@ -55,26 +56,27 @@ struct Version {
 int copy_of(int descriptor) { return ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); }
 
 /// A file of which another program has read the start goes on behind that, like a pipe.
-::arrow::Result<Input> open_standard_input(::arrow::MemoryPool* pool) {
+::arrow::Result<Input> open_standard_input(const ReadOptions& options) {
   struct stat found = {};
   if (::fstat(STDIN_FILENO, &found) != 0) return last_error();
   const bool is_at_start = ::lseek(STDIN_FILENO, 0, SEEK_CUR) == 0;
   const int descriptor = copy_of(STDIN_FILENO);
-  return S_ISREG(found.st_mode) && is_at_start ? input_of_file(descriptor, pool)
-                                               : input_of_pipe(descriptor, pool);
+  return S_ISREG(found.st_mode) && is_at_start ? input_of_file(descriptor, options)
+                                               : input_of_pipe(descriptor, options);
 }
 
 /// Checks before the file is opened, because devices may do anything when they are opened.
-::arrow::Result<Input> open_local(const std::string& path, ::arrow::MemoryPool* pool) {
+::arrow::Result<Input> open_local(const std::string& path, const ReadOptions& options) {
   struct stat found = {};
   if (::stat(path.c_str(), &found) != 0) return last_error();
   if (S_ISFIFO(found.st_mode)) {
-    return input_of_pipe(::open(path.c_str(), O_RDONLY | O_CLOEXEC), pool);
+    // Otherwise it would wait for a writer here.
+    return input_of_pipe(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK), options);
   }
   if (!S_ISREG(found.st_mode)) {
     return ::arrow::Status::IOError("it is neither a regular file nor a pipe");
   }
-  return input_of_file(::open(path.c_str(), O_RDONLY | O_CLOEXEC), pool);
+  return input_of_file(::open(path.c_str(), O_RDONLY | O_CLOEXEC), options);
 }
 
 ::arrow::Result<Input> open_remote(const Location& location) {
@@ -112,16 +114,17 @@ std::string folder_of_copies() {
 
 }  // namespace
 
-::arrow::Result<Input> open_input(const Location& location, ::arrow::MemoryPool* pool) {
+::arrow::Result<Input> open_input(const Location& location, const ReadOptions& options) {
   if (location.system != nullptr) return open_remote(location);
-  if (location.path == kStandardStream) return open_standard_input(pool);
-  return open_local(location.path, pool);
+  if (location.path == kStandardStream) return open_standard_input(options);
+  return open_local(location.path, options);
 }
 
-::arrow::Result<Input> copy_to_file(Pipe& pipe, ::arrow::MemoryPool* pool) {
+::arrow::Result<Input> copy_to_file(Pipe& pipe, const ReadOptions& options) {
   constexpr std::int64_t kCopiedAtOnce = std::int64_t{1} << 20;
   ARROW_ASSIGN_OR_RAISE(const int descriptor, open_nameless_file());
-  ARROW_ASSIGN_OR_RAISE(const LocalFile owner, ::arrow::io::ReadableFile::Open(descriptor, pool));
+  ARROW_ASSIGN_OR_RAISE(const LocalFile owner,
+                        ::arrow::io::ReadableFile::Open(descriptor, options.pool));
   DescriptorOutput copy(descriptor);
   pipe.forget();
   while (true) {
@@ -130,7 +133,7 @@ std::string folder_of_copies() {
     const ::arrow::Status status = copy.Write(bytes->data(), bytes->size());
     if (!status.ok()) return not_copied(status);
   }
-  return input_of_file(copy_of(descriptor), pool);  // a file takes its size when it is opened
+  return input_of_file(copy_of(descriptor), options);  // a file takes its size when it is opened
 }
 
 }  // namespace numera::files

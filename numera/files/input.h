@@ -1,6 +1,5 @@
 #pragma once
 
-#include <arrow/memory_pool.h>
 #include <arrow/result.h>
 #include <arrow/status.h>
 
@@ -12,6 +11,7 @@
 #include "numera/files/counted_file.h"
 #include "numera/files/locations.h"
 #include "numera/files/pipe.h"
+#include "numera/files/read.h"
 
 namespace numera::files {
 
@@ -25,10 +25,10 @@ struct Input {
 };
 
 /// IOError for a path that is no readable file.
-::arrow::Result<Input> open_input(const Location& location, ::arrow::MemoryPool* pool);
+::arrow::Result<Input> open_input(const Location& location, const ReadOptions& options);
 
 /// The bytes of a pipe from its start, in a file that has no name and is gone when it is closed.
 /// It lies in the folder that the environment variable TMPDIR names, else in /tmp.
-::arrow::Result<Input> copy_to_file(Pipe& pipe, ::arrow::MemoryPool* pool);
+::arrow::Result<Input> copy_to_file(Pipe& pipe, const ReadOptions& options);
 
 }  // namespace numera::files

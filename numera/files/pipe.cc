@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <utility>
@@ -16,19 +17,26 @@ namespace {
 /// As much as a pipe usually holds.
 constexpr std::int64_t kPieceBytes = std::int64_t{1} << 16;
 
-/// Waits for bytes. Returns 0 at the end of the pipe.
-::arrow::Result<std::int64_t> read_some(int descriptor, std::uint8_t* out, std::int64_t size) {
-  while (true) {
-    const ssize_t read = ::read(descriptor, out, static_cast<size_t>(size));
-    if (read >= 0) return read;
-    if (!can_be_tried_again(descriptor, POLLIN)) return last_error();
-  }
-}
+/// The time between two calls while a pipe gives nothing.
+constexpr int kMillisecondsToWait = 100;
 
 }  // namespace
 
 Pipe::~Pipe() {
   if (!closed()) ::close(descriptor_);
+}
+
+/// Waits for bytes. Returns 0 at the end of the pipe.
+::arrow::Result<std::int64_t> Pipe::read_some(std::uint8_t* out, std::int64_t size) {
+  while (true) {
+    pollfd ready = {descriptor_, POLLIN, 0};
+    if (::poll(&ready, 1, kMillisecondsToWait) > 0) {
+      const ssize_t read = ::read(descriptor_, out, static_cast<size_t>(size));
+      if (read >= 0) return read;
+      if (errno != EINTR && errno != EAGAIN) return last_error();
+    }
+    if (while_waiting_) ARROW_RETURN_NOT_OK(while_waiting_());
+  }
 }
 
 /// Reads until `end`, or until the pipe ends.
@@ -37,8 +45,7 @@ Pipe::~Pipe() {
     if (closed()) return ::arrow::Status::Invalid("it was closed");
     ARROW_ASSIGN_OR_RAISE(std::shared_ptr<::arrow::ResizableBuffer> piece,
                           ::arrow::AllocateResizableBuffer(kPieceBytes, pool_));
-    ARROW_ASSIGN_OR_RAISE(const std::int64_t read,
-                          read_some(descriptor_, piece->mutable_data(), kPieceBytes));
+    ARROW_ASSIGN_OR_RAISE(const std::int64_t read, read_some(piece->mutable_data(), kPieceBytes));
     ARROW_RETURN_NOT_OK(piece->Resize(read));
     is_at_end_ = read == 0;
     end_ += read;

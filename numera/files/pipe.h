@@ -8,7 +8,9 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace numera::files {
 
@@ -18,8 +20,11 @@ namespace numera::files {
 /// read is kept and can be read again until `forget` is called. There is no size.
 class Pipe final : public ::arrow::io::RandomAccessFile {
  public:
-  /// Closes the descriptor in the end. `pool` outlives the pipe and what is read from it.
-  Pipe(int descriptor, ::arrow::MemoryPool* pool) : descriptor_(descriptor), pool_(pool) {}
+  /// Closes the descriptor in the end. While it waits for bytes, it calls
+  /// `while_waiting`, if there is one, and ends with an error of that. `pool` outlives
+  /// the pipe and what is read from it.
+  Pipe(int descriptor, ::arrow::MemoryPool* pool, std::function<::arrow::Status()> while_waiting)
+      : descriptor_(descriptor), pool_(pool), while_waiting_(std::move(while_waiting)) {}
   ~Pipe() override;
 
   /// From now on, drops the bytes that were read.
@@ -40,9 +45,11 @@ class Pipe final : public ::arrow::io::RandomAccessFile {
 
  private:
   ::arrow::Status fill(std::int64_t end);
+  ::arrow::Result<std::int64_t> read_some(std::uint8_t* out, std::int64_t size);
 
   int descriptor_;
   ::arrow::MemoryPool* pool_;
+  std::function<::arrow::Status()> while_waiting_;
   std::deque<std::shared_ptr<::arrow::Buffer>> pieces_;
   std::int64_t start_ = 0;  ///< of the pieces
   std::int64_t end_ = 0;    ///< of the pieces

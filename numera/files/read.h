@@ -13,8 +13,10 @@
 #include <arrow/memory_pool.h>
 #include <arrow/record_batch.h>
 #include <arrow/result.h>
+#include <arrow/status.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,6 +55,9 @@ struct ReadOptions {
   /// Where memory comes from. It must outlive the source and all batches. Null: Arrow's default
   /// pool, with `memory_limit`. A pool that is given has no limit beside its own.
   ::arrow::MemoryPool* pool = nullptr;
+  /// Called some ten times per second by the thread that waits for a pipe. An error ends the wait
+  /// and the reading. None: it waits until there are bytes or the pipe ends.
+  std::function<::arrow::Status()> while_waiting = {};
 };
 
 /// What a file states about its table.

@@ -4,7 +4,9 @@
 /// Calls `numera::files` for Python objects.
 
 #include <arrow/result.h>
+#include <arrow/status.h>
 
+#include <exception>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -30,6 +32,10 @@ class Calls {
 
   const std::vector<std::string>& paths() const { return paths_; }
 
+  /// To be called by `call` while it waits. Cancelled if Python was interrupted; the exception of
+  /// Python is raised when `call` returns.
+  ::arrow::Status while_waiting();
+
   /// The value of a result of `call`.
   template <class Call>
   auto value(const Call& call) {
@@ -41,6 +47,7 @@ class Calls {
       const Unlocked unlocked;
       return call();
     }();
+    if (interrupt_ != nullptr) std::rethrow_exception(std::exchange(interrupt_, nullptr));
     if (!result.ok()) raise_file_status(result.status(), paths_, prefix_);
     return *std::move(result);
   }
@@ -49,6 +56,7 @@ class Calls {
   std::vector<std::string> paths_;
   std::string prefix_;
   std::mutex mutex_;
+  std::exception_ptr interrupt_;
 };
 
 }  // namespace numera::python

@@ -80,6 +80,7 @@ class FileSource {
     options.csv_nulls = std::move(csv_nulls);
     options.csv_encoding = csv_encoding.value_or("");
     options.csv_types_of_all_rows = csv_types_of_all_rows;
+    options.while_waiting = [this] { return calls_.while_waiting(); };
     source_ = calls_.value([&] { return files::open_source(calls_.paths(), options); });
     rows_ = source_->rows();
     schema_ = source_->schema();

@@ -108,12 +108,27 @@ def test_standard_input_that_is_no_table_is_refused():
         "Arrow IPC, ORC, CSV, JSON lines)")
 
 
-def test_ctrl_c_ends_the_wait_for_the_writer_of_a_pipe(pipe):
+def interrupted(call):
+    """What a process prints whose call is interrupted while it waits for standard input."""
     code = ("import numera, os, signal, threading\n"
             "try:\n"
             "    threading.Timer(0.5, os.kill, [os.getpid(), signal.SIGINT]).start()\n"
-            f"    numera.read({str(pipe)!r}, ['n'])\n"
+            f"    {call}\n"
             "except KeyboardInterrupt:\n"
             "    print('interrupted')\n")
-    result = subprocess.run([sys.executable, "-c", code], capture_output=True, timeout=60)
-    assert result.stdout == b"interrupted\n"
+    nothing, writer = os.pipe()
+    try:
+        result = subprocess.run([sys.executable, "-c", code], stdin=nothing, capture_output=True,
+                                timeout=60)
+    finally:
+        os.close(nothing)
+        os.close(writer)
+    return result.stdout
+
+
+def test_ctrl_c_ends_the_wait_for_the_writer_of_a_pipe(pipe):
+    assert interrupted(f"numera.read({str(pipe)!r}, ['n'])") == b"interrupted\n"
+
+
+def test_ctrl_c_ends_the_wait_for_a_pipe_that_gives_nothing():
+    assert interrupted("numera.read('-')") == b"interrupted\n"

@@ -1,11 +1,9 @@
 // What the names of folders add to joined files, and what these state.
 
 #include <arrow/array/array_dict.h>
-#include <arrow/array/array_primitive.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <limits>
 
 #include "tests/files/joined_files.h"
 #include "tests/support/arrow_values.h"
@@ -83,17 +81,6 @@ TEST_F(JoinedFiles, StateTheSumsOfWhatTheyState) {
   EXPECT_EQ(stated.rows, 5);
   EXPECT_EQ(stated.chunks, 3);
   EXPECT_EQ(stated.nulls, (std::vector<std::optional<std::int64_t>>{3, 4, 2}));
-}
-
-TEST_F(JoinedFiles, StateNoSumThatIsTooLarge) {
-  const std::string file = folder_.path("1.arrow");
-  const auto nulls = std::make_shared<::arrow::NullArray>(std::numeric_limits<std::int64_t>::max());
-  write_ipc(file, *::arrow::Table::Make(::arrow::schema({::arrow::field("n", ::arrow::null())}),
-                                        ::arrow::ArrayVector{nulls}));
-  EXPECT_EQ(files::open_source(file).ValueOrDie()->stated().rows, nulls->length());
-  const auto stated = files::open_source(paths({"1.arrow", "1.arrow"})).ValueOrDie()->stated();
-  EXPECT_EQ(stated.rows, std::nullopt);
-  EXPECT_EQ(stated.nulls, (std::vector<std::optional<std::int64_t>>{std::nullopt}));
 }
 
 TEST_F(JoinedFiles, StateNothingThatOneOfThemDoesNotState) {

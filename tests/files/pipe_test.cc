@@ -123,6 +123,21 @@ TEST_F(Pipes, GiveTheirFirstRowsBeforeTheyEnd) {
   }
 }
 
+TEST_F(Pipes, AreWaitedForUntilTheCallerHasAnError) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  int calls = 0;
+  const auto stop_third_time = [&calls] {
+    return ++calls < 3 ? ::arrow::Status::OK() : ::arrow::Status::Cancelled("enough");
+  };
+  const auto source =
+      files::open_source("/dev/fd/" + std::to_string(ends[0]), {.while_waiting = stop_third_time});
+  EXPECT_EQ(source.status().ToString(), "Cancelled: enough");
+  EXPECT_EQ(calls, 3);
+  ::close(ends[0]);
+  ::close(ends[1]);
+}
+
 TEST_F(Pipes, HoldNoMoreThanTheirFormatNeeds) {
   const std::string line = std::string(999, 'x') + "\n";
   std::string text = "t\n";

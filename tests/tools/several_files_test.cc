@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <thread>
 
@@ -98,18 +100,27 @@ TEST_F(SeveralFiles, OfPartitionsAreGoneAfterAFailure) {
 TEST_F(SeveralFiles, OfPartitionsAreGoneAfterAnInterrupt) {
   const std::string pipe = folder_.path("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  const std::string output = folder_.path("rows");
-  RunningProgram program({"convert", pipe, "-o", output, "--partition-by", "k"});
+  RunningProgram program({"convert", pipe, "-o", folder_.path("rows"), "--partition-by", "k"});
   std::string rows = "k,n\n";
   for (int i = 0; i < 300'000; ++i) rows += "a,1\nb,2\n";
   std::FILE* writer = std::fopen(pipe.c_str(), "w");
   ASSERT_NE(writer, nullptr);
   ASSERT_EQ(std::fwrite(rows.data(), 1, rows.size(), writer), rows.size());
-  std::fflush(writer);
+  std::fflush(writer);  // all but what a pipe holds was read: the folder is begun
+  ASSERT_EQ(folder_.names().size(), 2U);
   program.send(SIGINT);
-  std::fclose(writer);  // the program sees the signal when the pipe ends
   EXPECT_EQ(program.wait(), (Outcome{130, "", "numera-arrow: " + pipe + ": interrupted\n"}));
+  std::fclose(writer);
   EXPECT_EQ(folder_.names(), std::vector<std::string>{"pipe"});
+}
+
+TEST_F(SeveralFiles, AreInterruptedWhileAPipeHasNoWriter) {
+  const std::string pipe = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  RunningProgram program({"convert", pipe});
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  program.send(SIGINT);
+  EXPECT_EQ(program.wait(), (Outcome{130, "", "numera-arrow: " + pipe + ": interrupted\n"}));
 }
 
 TEST_F(SeveralFiles, OfCsvAreReadAsTheOptionsSay) {
