@@ -13,7 +13,6 @@
 #include "numera/numera.h"
 #include "tools/characters.h"
 #include "tools/json.h"
-#include "tools/output_format.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/there_and_back.h"
@@ -24,6 +23,14 @@ namespace numera::tools {
 namespace {
 
 namespace core = numera::io::arrow::core;
+
+/// Whether standard output is a terminal and what is written is not plain text.
+bool would_garble_terminal(const files::WriteOptions& options) {
+  using files::Format;
+  const bool is_text = options.format == Format::kCsv || options.format == Format::kJsonLines;
+  const bool is_packed = !options.compression.empty() && options.compression != "none";
+  return (!is_text || is_packed) && ::isatty(STDOUT_FILENO) == 1;
+}
 
 class Conversion {
  public:

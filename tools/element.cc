@@ -52,8 +52,4 @@ std::optional<std::string_view> bytes_of(const Element& element) {
   }
 }
 
-bool is_text(Type::type type) {
-  return type == Type::STRING || type == Type::LARGE_STRING || type == Type::STRING_VIEW;
-}
-
 }  // namespace numera::tools

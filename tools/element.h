@@ -29,6 +29,4 @@ Element resolved(Element element);
 /// The bytes of a text or of binary data; none for other types.
 std::optional<std::string_view> bytes_of(const Element& element);
 
-bool is_text(::arrow::Type::type type);
-
 }  // namespace numera::tools

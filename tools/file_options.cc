@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "tools/output_format.h"
 #include "tools/usage.h"
 
 namespace numera::tools {
@@ -15,6 +15,11 @@ namespace {
 std::optional<char> to_delimiter(const std::string& text) {
   if (text == "tab" || text == "\\t") return '\t';
   return text.size() == 1 ? std::optional(text.front()) : std::nullopt;
+}
+
+std::string check_name(const std::string& kind, const std::string& name,
+                       const std::vector<std::string>& names) {
+  return std::ranges::count(names, name) > 0 ? "" : no_such_name(kind, name, names);
 }
 
 }  // namespace
@@ -48,21 +53,20 @@ void add_csv(CLI::App* command, files::ReadOptions& options) {
 
 void add_encoding(CLI::App* convert, ConvertOptions& options) {
   CLI::Option* to = convert->add_option_function<std::string>(
-      "--to", [&options](const std::string& name) { select_format(name, options.encoding); },
+      "--to",
+      [&options](const std::string& name) {
+        static_cast<void>(files::select_format(name, options.encoding));  // it was checked
+      },
       "Write in this format, to standard output unless --output names a file: " +
-          CLI::detail::join(names_of_formats(), ", "));
-  to->type_name("FORMAT")->check([](const std::string& name) {
-    const auto names = names_of_formats();
-    return std::ranges::count(names, name) > 0 ? "" : no_such_name("format", name, names);
-  });
+          CLI::detail::join(files::format_names(), ", "));
+  to->type_name("FORMAT")->check(
+      [](const std::string& name) { return check_name("format", name, files::format_names()); });
   CLI::Option* compression =
       convert->add_option("--compression", options.encoding.compression,
                           "Compress the output, with a level if one is given: " +
-                              CLI::detail::join(names_of_compressions(), ", ") + "; zstd:9");
+                              CLI::detail::join(files::compression_names(), ", ") + "; zstd:9");
   compression->type_name("NAME[:LEVEL]")->check([](const std::string& text) {
-    const auto names = names_of_compressions();
-    const std::string name = text.substr(0, text.find(':'));
-    return std::ranges::count(names, name) > 0 ? "" : no_such_name("compression", name, names);
+    return check_name("compression", text.substr(0, text.find(':')), files::compression_names());
   });
   convert
       ->add_option("--partition-by", options.encoding.partition_by,

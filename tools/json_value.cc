@@ -65,7 +65,8 @@ std::string plain_json(const Element& element) {
   if (array.type_id() == Type::DURATION) {
     return std::to_string(as<::arrow::DurationArray>(element).Value(element.row));
   }
-  if (is_text(array.type_id())) return json_text(bytes_of(element).value_or(""));
+  if (::arrow::is_string_or_string_view(array.type_id()))
+    return json_text(bytes_of(element).value_or(""));
   std::string text = value_text(array, element.row, kUnlimited).value_or("");
   if (array.type_id() == Type::BOOL) return text;
   const bool is_number =

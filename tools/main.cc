@@ -48,7 +48,8 @@ arrow::Status run(const Arguments& arguments) {
 /// What a message begins with. Of several files, the reason names the one that is meant.
 std::string subject_of(const std::vector<std::string>& paths) {
   if (paths.size() != 1) return "numera-arrow: ";
-  return "numera-arrow: " + (paths[0] == "-" ? "standard input" : paths[0]) + ": ";
+  return "numera-arrow: " +
+         (paths[0] == "-" ? "standard input" : numera::files::path_without_user(paths[0])) + ": ";
 }
 
 int report(const std::string& subject, const std::string& reason) {

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace numera::files {
 namespace {
@@ -161,6 +162,28 @@ std::string_view default_compression(std::string_view path, Format format) {
     ARROW_RETURN_NOT_OK(check_delimiter(encoding.delimiter));
   }
   return encoding;
+}
+
+std::vector<std::string> format_names() {
+  std::vector<std::string> names;
+  for (const Ending& ending : kEndings) names.emplace_back(ending.text.substr(1));
+  return names;
+}
+
+std::vector<std::string> compression_names() {
+  std::vector<std::string> names;
+  for (const NamedCodec& named : kCodecs) names.emplace_back(named.name);
+  return names;
+}
+
+::arrow::Status select_format(const std::string& name, WriteOptions& options) {
+  const auto* ending = std::ranges::find(kEndings, "." + name, &Ending::text);
+  if (ending == std::end(kEndings)) {
+    return ::arrow::Status::Invalid("there is no format '", name, "'");
+  }
+  options.format = ending->format;
+  if (ending->format == Format::kCsv) options.csv_delimiter = ending->delimiter;
+  return ::arrow::Status::OK();
 }
 
 std::string ending_of(const Encoding& encoding) {

@@ -18,11 +18,11 @@ using SchemaPtr = std::shared_ptr<::arrow::Schema>;
 /// Reads the files one after another.
 class JoinedSource : public Source {
  public:
-  JoinedSource(Opening opening, std::vector<Member> members, SchemaPtr schema)
+  JoinedSource(Opening opening, std::vector<Member> members, SchemaPtr schema, bool are_equal)
       : opening_(std::move(opening)),
         members_(std::move(members)),
         schema_(std::move(schema)),
-        are_equal_(opening_.options.columns.empty() && have_equal_schemas(members_)) {}
+        are_equal_(are_equal && opening_.options.columns.empty()) {}
 
   SchemaPtr schema() const override { return schema_; }
 
@@ -180,7 +180,8 @@ class JoinedSource : public Source {
     ARROW_ASSIGN_OR_RAISE(members.emplace_back(), open_member(location, opening));
   }
   SchemaPtr joined = members.front().schema;
-  if (!have_equal_schemas(members)) {
+  const bool are_equal = have_equal_schemas(members);
+  if (!are_equal) {
     ARROW_ASSIGN_OR_RAISE(const auto keys, fields_of_keys(locations));
     ARROW_ASSIGN_OR_RAISE(joined, join_schemas(members, opening.options.columns, keys));
   }
@@ -188,7 +189,7 @@ class JoinedSource : public Source {
   ::arrow::FieldVector fields;
   for (const int column : columns) fields.push_back(joined->field(column));
   auto schema = ::arrow::schema(std::move(fields), joined->metadata());
-  return std::make_shared<JoinedSource>(opening, std::move(members), std::move(schema));
+  return std::make_shared<JoinedSource>(opening, std::move(members), std::move(schema), are_equal);
 }
 
 }  // namespace numera::files

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <utility>
 
+#include "numera/files/read.h"
+
 namespace numera::files {
 namespace {
 
@@ -35,15 +37,6 @@ std::string_view scheme_of(std::string_view path) {
   };
   const std::string_view scheme = path.substr(0, end);
   return std::ranges::all_of(scheme, is_of_a_scheme) ? scheme : std::string_view();
-}
-
-/// A path as messages show it. The user of a URI and their password stay out of it.
-std::string shown(const std::string& path) {
-  const std::string_view scheme = scheme_of(path);
-  if (scheme.empty()) return path;
-  const size_t start = scheme.size() + 3;
-  const size_t at = path.rfind('@', path.find('/', start));
-  return at == std::string::npos || at < start ? path : path.substr(0, start) + path.substr(at + 1);
 }
 
 /// In newer versions of Arrow, S3 is a library of its own, which Arrow loads if it is asked to.
@@ -185,19 +178,28 @@ Location location_of(const Place& root, const std::string& path, std::vector<Par
     ARROW_RETURN_NOT_OK(add_matches(place, files));
     if (files.size() == before) return ::arrow::Status::IOError("no file matches it");
   } else {
-    files.push_back({shown(path), place.path, place.system});
+    files.push_back({path_without_user(path), place.path, place.system});
   }
   return ::arrow::Status::OK();
 }
 
 }  // namespace
 
+std::string path_without_user(const std::string& path) {
+  const std::string_view scheme = scheme_of(path);
+  if (scheme.empty()) return path;
+  const size_t start = scheme.size() + 3;
+  const size_t at = path.rfind('@', path.find('/', start));
+  return at == std::string::npos || at < start ? path : path.substr(0, start) + path.substr(at + 1);
+}
+
 ::arrow::Result<std::vector<Location>> find_files(const std::vector<std::string>& paths) {
   std::vector<Location> files;
   for (const std::string& path : paths) {
     const ::arrow::Status status = add_path(path, files);
     if (status.ok()) continue;
-    return paths.size() == 1 ? status : status.WithMessage(shown(path), ": ", status.message());
+    return paths.size() == 1 ? status
+                             : status.WithMessage(path_without_user(path), ": ", status.message());
   }
   if (files.empty()) return ::arrow::Status::Invalid("no file is named");
   return files;

@@ -148,4 +148,7 @@ NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<Source>> open_source(const std::string& path,
                                                                    const ReadOptions& options = {});
 
+/// The path without the user of a URI and their password, as messages show it.
+NUMERA_EXPORT std::string path_without_user(const std::string& path);
+
 }  // namespace numera::files

@@ -50,6 +50,16 @@ struct WriteOptions {
   std::vector<std::string> partition_by = {};
 };
 
+/// The names of formats: the ends of paths without the dot, such as "parquet", "csv" and "tsv".
+NUMERA_EXPORT std::vector<std::string> format_names();
+
+/// The names of compressions. Not every format has each of them.
+NUMERA_EXPORT std::vector<std::string> compression_names();
+
+/// Selects the format of a name, and the delimiter of CSV, whatever the end of the path says.
+/// Invalid for a name that is not one of `format_names`.
+NUMERA_EXPORT ::arrow::Status select_format(const std::string& name, WriteOptions& options);
+
 /// A file that appears only when it is complete. It is written beside its target and renamed at the
 /// end. Until then, and after any failure, an existing target stays unchanged. If the target is a
 /// link, the link stays and the file that it leads to is replaced. The destructor of a sink that

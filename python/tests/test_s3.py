@@ -78,3 +78,21 @@ def test_a_process_that_has_read_ends_well(uri, before, after):
     command = [sys.executable, "-c", code, uri("rows.parquet")]
     result = subprocess.run(command, capture_output=True)
     assert (result.returncode, result.stdout, result.stderr) == (0, b"", b"")
+
+
+def run_program(*arguments):
+    return subprocess.run([sys.executable, "-m", "numera", *arguments], capture_output=True,
+                          text=True)
+
+
+def test_the_program_reads_and_ends_well(uri):
+    result = run_program("head", uri("rows.parquet"))
+    assert (result.returncode, result.stderr) == (0, "")
+    assert result.stdout == "    n\nint64\n    1\n null\n"
+
+
+def test_the_program_names_a_missing_file_without_the_password_and_ends_well(uri):
+    result = run_program("head", uri("missing.csv"))
+    shown = uri("missing.csv").replace("access:secret@", "")
+    assert (result.returncode, result.stdout) == (1, "")
+    assert result.stderr == f"numera-arrow: {shown}: there is no such file\n"

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -13,12 +12,8 @@ namespace numera::testing {
 /// Files in folders that are read as one table.
 class JoinedFiles : public ::testing::Test {
  protected:
-  /// Writes a file and the folders above it.
   std::string write(const std::string& name, const std::string& text) {
-    const std::string path = folder_.path(name);
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    write_text(path, text);
-    return path;
+    return folder_.write(name, text);
   }
 
   void write(const std::string& name, const ::arrow::Table& table) {

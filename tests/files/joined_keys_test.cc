@@ -44,6 +44,11 @@ TEST_F(JoinedFiles, HaveKeysOfTheNarrowestTypeThatAllValuesFit) {
   EXPECT_EQ(*schema->GetFieldByName("x")->type(), *kTexts);
 }
 
+TEST_F(JoinedFiles, HaveKeysThatBeginWithALineAndNoneWithoutAName) {
+  write("rows/_k=1/=2/1.csv", "n\n1\n");
+  expect({"rows"}, *table_of({{"n", kInts, "[1]"}, {"_k", ::arrow::int32(), "[1]"}}));
+}
+
 TEST_F(JoinedFiles, HaveKeysInTheFoldersThatAPatternMatches) {
   write("rows/year=2023/1.csv", "n\n1\n");
   write("rows/year=2024/1.csv", "n\n2\n");

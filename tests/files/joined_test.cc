@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "tests/files/joined_files.h"
+#include "tests/support/arrow_values.h"
 
 namespace numera::testing {
 namespace {
@@ -86,6 +87,20 @@ TEST_F(JoinedFiles, GetNullsWhereTheyLackAColumn) {
   expect({"1.csv", "2.csv"}, *table_of({{"a", kInts, "[1, 2]"},
                                         {"b", ::arrow::utf8(), R"(["x", null])"},
                                         {"c", ::arrow::float64(), "[null, 2.5]"}}));
+}
+
+TEST_F(JoinedFiles, MayHaveNullsInAColumnThatAllowsNoneInItsFile) {
+  const auto strict = ::arrow::schema({::arrow::field("a", kInts, false)});
+  for (const char* name : {"1.arrow", "3.arrow"}) {
+    write(name, *::arrow::Table::Make(strict, {ArrowArray(kInts, "[1]")}));
+  }
+  write("2.csv", "b\n2\n");
+  const auto expected = [](const char* a, const char* b) {
+    return table_of({{"a", kInts, a}, {"b", kInts, b}});
+  };
+  expect({"1.arrow", "2.csv"}, *expected("[1, null]", "[null, 2]"));
+  expect({"2.csv", "3.arrow"},
+         *expected("[null, 1]", "[2, null]")->SelectColumns({1, 0}).ValueOrDie());
 }
 
 TEST_F(JoinedFiles, TakeTheWiderTypeOfAColumn) {

@@ -154,6 +154,17 @@ TEST_F(Partitions, ReplaceAnEmptyFolderOnly) {
   EXPECT_EQ(folder_.names(), std::vector<std::string>{"rows"});
 }
 
+TEST_F(Partitions, HaveThePermissionsOfNewFoldersAndFiles) {
+  ASSERT_TRUE(write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}}).ok());
+  std::filesystem::create_directory(folder_.path("new"));
+  const auto of = [](const std::string& path) {
+    return std::filesystem::status(path).permissions();
+  };
+  EXPECT_EQ(of(target_), of(folder_.path("new")));
+  EXPECT_EQ(of(target_ + "/k=1"), of(folder_.path("new")));
+  EXPECT_EQ(of(target_ + "/k=1/part-0.parquet"), of(folder_.write("file", "")));
+}
+
 TEST_F(Partitions, ReplaceNoFile) {
   write_text(target_, "");
   EXPECT_EQ(write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}}).ToString(),

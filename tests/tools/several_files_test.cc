@@ -6,7 +6,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <thread>
 
 #include "tests/tools/program.h"
@@ -16,19 +15,12 @@ namespace {
 
 class SeveralFiles : public ::testing::Test {
  protected:
-  std::string write(const std::string& name, const std::string& text) {
-    const std::string path = folder_.path(name);
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    write_text(path, text);
-    return path;
-  }
-
   TemporaryFolder folder_;
 };
 
 TEST_F(SeveralFiles, AreShownAsOneTable) {
-  const std::string one = write("rows/1.csv", "n\n1\n");
-  const std::string other = write("rows/2.csv", "n\n2\n");
+  const std::string one = folder_.write("rows/1.csv", "n\n1\n");
+  const std::string other = folder_.write("rows/2.csv", "n\n2\n");
   const std::string expected = "    n\nint64\n    1\n    2\n\n2 rows\n";
   EXPECT_EQ(run_program({"show", one, other}), (Outcome{0, expected, ""}));
   EXPECT_EQ(run_program({"show", folder_.path("rows")}), (Outcome{0, expected, ""}));
@@ -36,8 +28,8 @@ TEST_F(SeveralFiles, AreShownAsOneTable) {
 }
 
 TEST_F(SeveralFiles, AreNamedInMessages) {
-  const std::string one = write("rows/1.csv", "n\n1\n");
-  const std::string other = write("rows/2.csv", "n\nx\n");
+  const std::string one = folder_.write("rows/1.csv", "n\n1\n");
+  const std::string other = folder_.write("rows/2.csv", "n\nx\n");
   const std::string reason =
       other + ": column 'n': found type string, and int64 in the files before it\n";
   EXPECT_EQ(run_program({"show", one, other}), (Outcome{1, "", "numera-arrow: " + reason}));
@@ -47,14 +39,14 @@ TEST_F(SeveralFiles, AreNamedInMessages) {
 }
 
 TEST_F(SeveralFiles, AreConvertedAsOneTable) {
-  const std::string one = write("1.csv", "n\n1\n");
+  const std::string one = folder_.write("1.csv", "n\n1\n");
   const std::string output = folder_.path("back.arrow");
   EXPECT_EQ(run_program({"convert", one, one, "-o", output}).errors, "");
   EXPECT_TRUE(read_ipc(output)->Equals(*table_of({{"n", ::arrow::int64(), "[1, 1]"}})));
 }
 
 TEST_F(SeveralFiles, OfAFolderAreNotReplacedByTheOutput) {
-  const std::string one = write("rows/1.csv", "n\n1\n");
+  const std::string one = folder_.write("rows/1.csv", "n\n1\n");
   const std::string folder = folder_.path("rows");
   EXPECT_EQ(
       run_program({"convert", folder, "-o", one}),
@@ -64,7 +56,7 @@ TEST_F(SeveralFiles, OfAFolderAreNotReplacedByTheOutput) {
 }
 
 TEST_F(SeveralFiles, MayComeFromStandardInput) {
-  const std::string one = write("1.csv", "n\n1\n");
+  const std::string one = folder_.write("1.csv", "n\n1\n");
   EXPECT_EQ(run_program({"show", "-"}, {.in = one}),
             (Outcome{0, "    n\nint64\n    1\n\n1 row\n", ""}));
   EXPECT_EQ(run_program({"show", "-"}),
@@ -80,7 +72,7 @@ TEST_F(SeveralFiles, MayComeThroughANamedPipe) {
 }
 
 TEST_F(SeveralFiles, AreWrittenByTheValuesOfColumns) {
-  const std::string one = write("1.csv", "k,n\na,1\nb,2\na,3\n");
+  const std::string one = folder_.write("1.csv", "k,n\na,1\nb,2\na,3\n");
   const std::string output = folder_.path("rows");
   EXPECT_EQ(run_program({"convert", one, "-o", output, "--partition-by", "k"}).errors, "");
   EXPECT_EQ(names_in(output), (std::vector<std::string>{"k=a", "k=b"}));
@@ -90,7 +82,7 @@ TEST_F(SeveralFiles, AreWrittenByTheValuesOfColumns) {
 }
 
 TEST_F(SeveralFiles, OfPartitionsAreGoneAfterAFailure) {
-  const std::string one = write("1.csv", "k,n\na,1\n");
+  const std::string one = folder_.write("1.csv", "k,n\na,1\n");
   const std::string output = folder_.path("rows");
   EXPECT_EQ(run_program({"convert", one, "-o", output, "--partition-by", "x"}).errors,
             "numera-arrow: " + one + ": cannot write " + output + ": there is no column 'x'\n");
@@ -140,14 +132,14 @@ TEST_F(SeveralFiles, OfCsvAreReadAsTheOptionsSay) {
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.text);
-    EXPECT_EQ(printed("head", write("1.csv", one.text), one.options), one.printed);
+    EXPECT_EQ(printed("head", folder_.write("1.csv", one.text), one.options), one.printed);
   }
 }
 
 TEST_F(SeveralFiles, OfCsvHaveTheTypesOfAllRowsIfAsked) {
   std::string text = "a\n";
   while (text.size() < (std::size_t{1} << 20)) text += "1\n";
-  const std::string file = write("1.csv", text + "x\n");
+  const std::string file = folder_.write("1.csv", text + "x\n");
   EXPECT_EQ(printed("head", file, {"-n", "1", "--csv-types-of-all-rows"}), "a\nstring\n1\n");
 }
 

@@ -61,6 +61,12 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(folder_, ignored);
 }
 
+std::string TemporaryFolder::write(const std::string& name, const std::string& text) const {
+  std::filesystem::create_directories((folder_ / name).parent_path());
+  write_text(path(name), text);
+  return path(name);
+}
+
 std::shared_ptr<::arrow::Table> table_of(const std::vector<NamedColumn>& columns) {
   ::arrow::FieldVector fields;
   ::arrow::ArrayVector values;

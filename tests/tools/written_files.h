@@ -27,6 +27,8 @@ class TemporaryFolder {
 
   std::string path(const std::string& name) const { return folder_ / name; }
   std::vector<std::string> names() const { return names_in(folder_); }
+  /// Writes a text file and makes the folders above it. Returns its path.
+  std::string write(const std::string& name, const std::string& text) const;
 
  private:
   std::filesystem::path folder_;
