@@ -20,17 +20,17 @@ using ::arrow::Type;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
 /// A type of every id and the texts of its envelope; null if the type is refused.
-struct Row {
+struct TypeRow {
   TypePtr type;
   const char* kind;
   const char* encoded_name;
 };
 
-std::map<Type::type, Row> rows_by_id() {
+std::map<Type::type, TypeRow> rows_by_id() {
   using namespace ::arrow;  // NOLINT(google-build-using-namespace)
   const TypePtr item = int32();
   const FieldVector fields = {field("a", item)};
-  const Row rows[] = {
+  const TypeRow rows[] = {
       {null(), "array", "null"},
       {boolean(), "array", "logical"},
       {uint8(), "array", "uint8"},
@@ -77,8 +77,8 @@ std::map<Type::type, Row> rows_by_id() {
       {list_view(item), nullptr, nullptr},
       {large_list_view(item), nullptr, nullptr},
   };
-  std::map<Type::type, Row> by_id;
-  for (const Row& row : rows) by_id.emplace(row.type->id(), row);
+  std::map<Type::type, TypeRow> by_id;
+  for (const TypeRow& row : rows) by_id.emplace(row.type->id(), row);
   return by_id;
 }
 
@@ -97,7 +97,7 @@ TEST_P(EveryArrowType, HasARow) {
 }
 
 TEST_P(EveryArrowType, IsConvertedOrRefusedByName) {
-  const Row row = rows_by_id().at(id());
+  const TypeRow row = rows_by_id().at(id());
   SCOPED_TRACE(row.type->ToString());
   for (const std::int64_t length : {0, 3}) {
     SCOPED_TRACE(length);
@@ -117,7 +117,7 @@ TEST_P(EveryArrowType, IsConvertedOrRefusedByName) {
 }
 
 TEST_P(EveryArrowType, IsTreatedAlikeInAColumnWithoutChunks) {
-  const Row row = rows_by_id().at(id());
+  const TypeRow row = rows_by_id().at(id());
   SCOPED_TRACE(row.type->ToString());
   const auto envelope = to_numera(ArrowChunks(row.type, {}));
   EXPECT_EQ(envelope.ok(), row.kind != nullptr);
@@ -125,7 +125,7 @@ TEST_P(EveryArrowType, IsTreatedAlikeInAColumnWithoutChunks) {
 }
 
 TEST_P(EveryArrowType, HasValidityOfTheFormOfItsKind) {
-  const Row row = rows_by_id().at(id());
+  const TypeRow row = rows_by_id().at(id());
   if (row.kind == nullptr) return;
   SCOPED_TRACE(row.type->ToString());
   const auto chunk = ::arrow::MakeArrayOfNull(row.type, 3).ValueOrDie();
@@ -161,7 +161,7 @@ void lengthen(::arrow::ArrayData& data) { data.length = 1000; }
 void move_on(::arrow::ArrayData& data) { data.offset = 1000; }
 
 TEST_P(EveryArrowType, IsNeverReadPastItsMemory) {
-  const Row row = rows_by_id().at(id());
+  const TypeRow row = rows_by_id().at(id());
   if (row.kind == nullptr) return;
   SCOPED_TRACE(row.type->ToString());
   const auto whole = ::arrow::MakeArrayOfNull(row.type, 3).ValueOrDie();

@@ -210,7 +210,7 @@ TEST(ToArrowTable, RefusesAValidThatArrowWouldReadPast) {
 }
 
 /// Each column holds its own index.
-hxArrayPtr many_columns(size_t count) {
+hxArrayPtr many_host_columns(size_t count) {
   std::vector<hxArrayPtr> columns;
   for (size_t i = 0; i < count; ++i) columns.push_back(Numbers<double>({static_cast<double>(i)}));
   return StructColumn(kColumnFields, columns);
@@ -224,7 +224,7 @@ hxArrayPtr many_names(size_t count) {
 
 TEST(ToArrowTable, ConvertsTenThousandColumns) {
   constexpr size_t kCount = 10'000;
-  const hxArrayPtr encoded = TableEnvelope(many_names(kCount), many_columns(kCount));
+  const hxArrayPtr encoded = TableEnvelope(many_names(kCount), many_host_columns(kCount));
   Reset();
   const auto table = to_arrow_table(encoded.get()).ValueOrDie();
   EXPECT_EQ(Calls("hxThrowIfInterruptPending"), kCount);
@@ -245,7 +245,7 @@ class ToArrowTableInterrupts : public ::testing::Test {
 
 TEST_F(ToArrowTableInterrupts, AreCheckedOnceBeforeEachColumn) {
   for (const size_t count : {size_t{0}, size_t{1}, size_t{3}}) {
-    const hxArrayPtr encoded = TableEnvelope(many_names(count), many_columns(count));
+    const hxArrayPtr encoded = TableEnvelope(many_names(count), many_host_columns(count));
     Reset();
     ASSERT_TRUE(to_arrow_table(encoded.get()).ok());
     EXPECT_EQ(Calls("hxThrowIfInterruptPending"), count);
@@ -253,7 +253,7 @@ TEST_F(ToArrowTableInterrupts, AreCheckedOnceBeforeEachColumn) {
 }
 
 TEST_F(ToArrowTableInterrupts, StopTheConversionBeforeTheNextColumn) {
-  const hxArrayPtr encoded = TableEnvelope(many_names(3), many_columns(3));
+  const hxArrayPtr encoded = TableEnvelope(many_names(3), many_host_columns(3));
   std::vector<size_t> names_read;
   host::memory::SetInterruptCheck([&names_read] {
     names_read.push_back(Calls("hxGetCellChecked"));

@@ -7,6 +7,7 @@
 
 #include "numera/host/memory.h"
 #include "numera/host/text_codec.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -18,8 +19,6 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Array;
 using ::arrow::Status;
-
-Status converted(const hxArrayPtr& encoded) { return to_arrow<Array>(encoded.get()).status(); }
 
 TEST(ToArrow, ConvertsAColumnOverTheHostsMemory) {
   const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
@@ -112,7 +111,7 @@ TEST(ToArrow, ReportsTheFirstFailingFieldInTheOrderOfTheChecks) {
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.message);
-    EXPECT_EQ(converted(one.encoded), Status::TypeError(one.message));
+    EXPECT_EQ(StatusOfReading(one.encoded), Status::TypeError(one.message));
   }
 }
 
@@ -154,7 +153,7 @@ TEST(ToArrow, ThrowsForAnElementThatIsNotThere) {
 TEST(ToArrow, RefusesWhatIsNoStruct) {
   const hxArrayPtr others[] = {Scalar(1.0), Char("array"), Cell({}), nullptr};
   for (const hxArrayPtr& other : others) {
-    EXPECT_EQ(converted(other), Status::TypeError("Struct array required for input"));
+    EXPECT_EQ(StatusOfReading(other), Status::TypeError("Struct array required for input"));
   }
 }
 
@@ -162,7 +161,7 @@ TEST(ToArrow, RefusesOtherKindsAndQuotesThem) {
   for (const char* kind : {"Array", "map", "table", "buffer", "array ", "LIST_ARRAY", ""}) {
     SCOPED_TRACE(kind);
     const hxArrayPtr encoded = KindEnvelope(kind, "double", Scalar(1.0));
-    EXPECT_EQ(converted(encoded),
+    EXPECT_EQ(StatusOfReading(encoded),
               Status::TypeError("Expected 'array' input type, received '", kind, "' instead."));
   }
 }
@@ -171,7 +170,7 @@ TEST(ToArrow, LetsTheCodecRefuseAKindThatIsNoText) {
   const char16_t unpaired[] = {0xDC00};
   const hxArrayPtr encoded = EnvelopeOf(Char(std::u16string_view(unpaired, 1)), Char("double"),
                                         BufferEnvelope({}), Scalar(1.0));
-  EXPECT_THROW(static_cast<void>(converted(encoded)), hxCodecError);
+  EXPECT_THROW(static_cast<void>(StatusOfReading(encoded)), hxCodecError);
 }
 
 TEST(ToArrow, RefusesDataWithoutAConverter) {
@@ -191,7 +190,7 @@ TEST(ToArrow, RefusesDataWithoutAConverter) {
   };
   const Status expected = Status::Invalid("Invalid type for NUMERA to Arrow conversion.");
   for (const hxArrayPtr& encoded : cases) {
-    EXPECT_EQ(converted(encoded), expected);
+    EXPECT_EQ(StatusOfReading(encoded), expected);
   }
 }
 
@@ -204,13 +203,13 @@ TEST(ToArrow, TakesAnObjectAsStructData) {
 }
 
 TEST(ToArrow, NamesDataThatIsComplexOrSparse) {
-  EXPECT_EQ(converted(Envelope("double", Complex<double>({1, 1}, {{1, 2}}))),
+  EXPECT_EQ(StatusOfReading(Envelope("double", Complex<double>({1, 1}, {{1, 2}}))),
             Status::TypeError("Field 'Data': found a complex 1-by-1 double array, expected a real "
                               "array that is not sparse."));
-  EXPECT_EQ(
-      converted(Envelope("double", host::memory::CreateSparseArray(Dims{2, 2}, hxClassID::Double))),
-      Status::TypeError("Field 'Data': found a sparse 2-by-2 double array, expected a real "
-                        "array that is not sparse."));
+  EXPECT_EQ(StatusOfReading(
+                Envelope("double", host::memory::CreateSparseArray(Dims{2, 2}, hxClassID::Double))),
+            Status::TypeError("Field 'Data': found a sparse 2-by-2 double array, expected a real "
+                              "array that is not sparse."));
 }
 
 TEST(ToArrow, PassesOnWhatIsWrongWithValid) {
@@ -222,7 +221,7 @@ TEST(ToArrow, PassesOnWhatIsWrongWithValid) {
   const hxArrayPtr of_another_kind =
       EnvelopeOf(Char("array"), Char("double"), BufferOf(Char("array"), Column<std::uint8_t>({})),
                  Char("text"));
-  EXPECT_EQ(converted(of_another_kind),
+  EXPECT_EQ(StatusOfReading(of_another_kind),
             Status::TypeError("Expected 'buffer' input type, received 'array' instead."));
 }
 

@@ -53,11 +53,11 @@ struct Reached {
 // The least of a column to the host are its eight arrays: the envelope, its four values and the
 // three of "Valid". A call creates each, and a call stores each but the envelope. The other floors
 // leave room for changes: a third to a half of the measured least, about four fifths of the totals.
-constexpr Reached kToTheHost = {.total = {2000, 4500}, .least = {8, 15}};
-constexpr Reached kToArrow = {.total = {0, 1500}, .least = {0, 5}};
-constexpr Reached kToArrowWithOwnership = {.total = {0, 1600}, .least = {1, 5}};
-constexpr Reached kThroughEncode = {.total = {5000, 12000}, .least = {5, 8}};
-constexpr Reached kThroughTheIntake = kToTheHost;
+constexpr Reached kColumnsToTheHost = {.total = {2000, 4500}, .least = {8, 15}};
+constexpr Reached kColumnsToArrow = {.total = {0, 1500}, .least = {0, 5}};
+constexpr Reached kColumnsToArrowWithOwnership = {.total = {0, 1600}, .least = {1, 5}};
+constexpr Reached kColumnsThroughEncode = {.total = {5000, 12000}, .least = {5, 8}};
+constexpr Reached kColumnsThroughTheIntake = kColumnsToTheHost;
 
 void expect_at_least(const Reached& reached, const Reached& floor) {
   ExpectAtLeast(reached.least, floor.least);
@@ -122,7 +122,7 @@ TEST(ColumnFaults, ToTheHost) {
   const Reached reached = for_every_column([](const Chunks& column) {
     return fail_everywhere([&column] { return to_numera(column); }, input_of(column));
   });
-  expect_at_least(reached, kToTheHost);
+  expect_at_least(reached, kColumnsToTheHost);
 }
 
 TEST(ColumnFaults, ToArrow) {
@@ -130,7 +130,7 @@ TEST(ColumnFaults, ToArrow) {
     return fail_everywhere([value] { return to_arrow<Array>(value); },
                            [value] { return text_of(value); });
   });
-  expect_at_least(reached, kToArrow);
+  expect_at_least(reached, kColumnsToArrow);
 }
 
 TEST(ColumnFaults, ToArrowWithOwnership) {
@@ -138,7 +138,7 @@ TEST(ColumnFaults, ToArrowWithOwnership) {
     return fail_everywhere([value] { return extras::own_to_arrow<Array>(hxSharedCopy(value)); },
                            [value] { return text_of(value); });
   });
-  expect_at_least(reached, kToArrowWithOwnership);
+  expect_at_least(reached, kColumnsToArrowWithOwnership);
 }
 
 TEST(ColumnFaults, ThroughEncode) {
@@ -147,7 +147,7 @@ TEST(ColumnFaults, ThroughEncode) {
     return fail_everywhere([&written] { return extras::make_readable(written.get()); },
                            [&written] { return text_of(written.get()); });
   });
-  expect_at_least(reached, kThroughEncode);
+  expect_at_least(reached, kColumnsThroughEncode);
 }
 
 TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
@@ -159,7 +159,7 @@ TEST(ColumnFaults, ThroughTheIntakeToTheHost) {
     };
     return fail_everywhere(convert, input_of(column));
   });
-  expect_at_least(reached, kThroughTheIntake);
+  expect_at_least(reached, kColumnsThroughTheIntake);
 }
 
 }  // namespace

@@ -12,13 +12,13 @@ namespace {
 constexpr size_t kNever = std::numeric_limits<size_t>::max();
 
 thread_local size_t until_failure = kNever;
-thread_local bool failed = false;
+thread_local bool has_failed = false;
 std::atomic<size_t> live_blocks = 0;
 
 bool fails_now() noexcept {
   if (until_failure == kNever || until_failure-- != 0) return false;
   until_failure = kNever;
-  failed = true;
+  has_failed = true;
   return true;
 }
 
@@ -49,13 +49,13 @@ void release(void* block) noexcept {
 }  // namespace
 
 void FailHeapAfter(size_t count) noexcept {
-  failed = false;
+  has_failed = false;
   until_failure = count;
 }
 
 bool EndHeapFailure() noexcept {
   until_failure = kNever;
-  return failed;
+  return has_failed;
 }
 
 size_t LiveBlocks() noexcept { return live_blocks; }

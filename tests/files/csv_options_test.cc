@@ -8,9 +8,6 @@
 namespace numera::testing {
 namespace {
 
-const auto kInts = ::arrow::int64();
-const auto kTexts = ::arrow::utf8();
-
 class CsvOptions : public ::testing::Test {
  protected:
   void expect(const std::string& text, const std::vector<NamedColumn>& columns,

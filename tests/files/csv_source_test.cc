@@ -9,9 +9,6 @@
 namespace numera::testing {
 namespace {
 
-const auto kInts = ::arrow::int64();
-const auto kTexts = ::arrow::utf8();
-
 class CsvSource : public ::testing::Test {
  protected:
   void expect(const std::string& text, const std::shared_ptr<::arrow::Table>& expected,

@@ -11,21 +11,20 @@
 namespace numera::testing {
 namespace {
 
-const auto kInts = ::arrow::int64();
-const auto kTexts = ::arrow::dictionary(::arrow::int32(), ::arrow::utf8());
+const auto kTextKeys = ::arrow::dictionary(::arrow::int32(), ::arrow::utf8());
 
 TEST_F(JoinedFiles, HaveAColumnPerKeyInTheNamesOfFolders) {
   write("rows/year=2023/city=Oslo/1.csv", "n\n1\n");
   write("rows/year=2024/city=New%20York/1.csv", "n\n2\n3\n");
   write("rows/year=2024/city=__HIVE_DEFAULT_PARTITION__/1.csv", "n\n4\n");
   const auto column = [](const char* codes, const char* texts) {
-    return ::arrow::DictionaryArray::FromArrays(kTexts, ArrowArray(::arrow::int32(), codes),
+    return ::arrow::DictionaryArray::FromArrays(kTextKeys, ArrowArray(::arrow::int32(), codes),
                                                 ArrowArray(::arrow::utf8(), texts))
         .ValueOrDie();
   };
   const auto schema =
       ::arrow::schema({::arrow::field("n", kInts), ::arrow::field("year", ::arrow::int32()),
-                       ::arrow::field("city", kTexts)});
+                       ::arrow::field("city", kTextKeys)});
   expect({"rows"},
          *::arrow::Table::Make(
              schema, {std::make_shared<::arrow::ChunkedArray>(ArrowArray(kInts, "[1, 2, 3, 4]")),
@@ -41,7 +40,7 @@ TEST_F(JoinedFiles, HaveKeysOfTheNarrowestTypeThatAllValuesFit) {
   write("a/k=3000000000/x=y/1.csv", "n\n2\n");
   const auto schema = files::open_source(folder_.path("a")).ValueOrDie()->schema();
   EXPECT_EQ(schema->GetFieldByName("k")->type()->ToString(), "int64");
-  EXPECT_EQ(*schema->GetFieldByName("x")->type(), *kTexts);
+  EXPECT_EQ(*schema->GetFieldByName("x")->type(), *kTextKeys);
 }
 
 TEST_F(JoinedFiles, HaveKeysThatBeginWithALineAndNoneWithoutAName) {

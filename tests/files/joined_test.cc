@@ -10,8 +10,6 @@
 namespace numera::testing {
 namespace {
 
-const auto kInts = ::arrow::int64();
-
 TEST_F(JoinedFiles, AreReadInTheOrderInWhichTheyAreNamed) {
   write("a.csv", "n\n1\n2\n");
   write("b.csv", "n\n3\n");

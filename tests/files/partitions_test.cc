@@ -41,8 +41,6 @@ class Partitions : public ::testing::Test {
   std::string target_ = folder_.path("rows");
 };
 
-const auto kInts = ::arrow::int64();
-
 TEST_F(Partitions, HaveAFolderPerValueWithoutTheColumn) {
   ASSERT_TRUE(write({{"year", kInts, "[2024, 2023, 2024]"}, {"n", kInts, "[1, 2, 3]"}},
                     {.partition_by = {"year"}})

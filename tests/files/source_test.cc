@@ -68,12 +68,6 @@ TEST_F(SourceOfAFile, LeavesBatchesValidWhenItIsGone) {
 }
 
 /// 100,000 different numbers, 800,000 bytes in one batch or page.
-std::shared_ptr<::arrow::Table> many_numbers() {
-  std::string json = "[0";
-  for (int i = 1; i < 100'000; ++i) json += "," + std::to_string(i);
-  return table_of({{"n", ::arrow::int64(), json + "]"}});
-}
-
 void expect_too_large(const ::arrow::Status& status) {
   EXPECT_TRUE(status.IsOutOfMemory()) << status.ToString();
   EXPECT_TRUE(status.message().ends_with(", and the memory limit is 700000 bytes"))

@@ -23,7 +23,7 @@ using files::Format;
 constexpr Format kFormats[] = {Format::kParquet, Format::kIpcFile, Format::kIpcStream, Format::kCsv,
                                Format::kJsonLines};
 
-std::shared_ptr<::arrow::RecordBatch> rows() {
+std::shared_ptr<::arrow::RecordBatch> three_rows() {
   return batch_of({{"n", ::arrow::int64(), "[1, null, 3]"}});
 }
 
@@ -36,11 +36,11 @@ TEST(StandardOutput, GetsTheBytesOfTheFile) {
   const TemporaryFolder folder;
   for (const Format format : kFormats) {
     SCOPED_TRACE(static_cast<int>(format));
-    EXPECT_EQ(write_batches(folder.path("file"), {rows(), rows()}, {.format = format}),
+    EXPECT_EQ(write_batches(folder.path("file"), {three_rows(), three_rows()}, {.format = format}),
               Status::OK());
     Status status;
     const std::string found = standard_output_of(
-        [&] { status = write_batches("-", {rows(), rows()}, {.format = format}); });
+        [&] { status = write_batches("-", {three_rows(), three_rows()}, {.format = format}); });
     EXPECT_EQ(status, Status::OK());
     EXPECT_TRUE(found == read_text(folder.path("file")));
   }
@@ -48,11 +48,11 @@ TEST(StandardOutput, GetsTheBytesOfTheFile) {
 
 TEST(StandardOutput, StaysOpenAndKeepsItsOrder) {
   const std::string stream = standard_output_of([] {
-    EXPECT_EQ(write_batches("-", {rows()}, {.format = Format::kIpcStream}), Status::OK());
+    EXPECT_EQ(write_batches("-", {three_rows()}, {.format = Format::kIpcStream}), Status::OK());
   });
   const std::string found = standard_output_of([] {
     std::printf("before");
-    EXPECT_EQ(write_batches("-", {rows()}, {.format = Format::kIpcStream}), Status::OK());
+    EXPECT_EQ(write_batches("-", {three_rows()}, {.format = Format::kIpcStream}), Status::OK());
     std::printf("after");
   });
   EXPECT_EQ(found, "before" + stream + "after");
@@ -69,10 +69,11 @@ Status on_device(const char* path, const std::function<Status()>& run) {
 
 TEST(StandardOutput, SaysThatTheDiskIsFull) {
   for (const Format format : kFormats) {
-    EXPECT_EQ(on_device("/dev/full",
-                        [format] { return write_batches("-", {rows()}, {.format = format}); }),
-              ::arrow::internal::IOErrorFromErrno(
-                  ENOSPC, "cannot write standard output: No space left on device"));
+    EXPECT_EQ(
+        on_device("/dev/full",
+                  [format] { return write_batches("-", {three_rows()}, {.format = format}); }),
+        ::arrow::internal::IOErrorFromErrno(
+            ENOSPC, "cannot write standard output: No space left on device"));
   }
 }
 
@@ -84,7 +85,7 @@ TEST(StandardOutput, SaysThatThePipeIsClosed) {
     ::close(ends[0]);
     Status status;
     with_standard_output(ends[1],
-                         [&] { status = write_batches("-", {rows()}, {.format = format}); });
+                         [&] { status = write_batches("-", {three_rows()}, {.format = format}); });
     ::close(ends[1]);
     EXPECT_EQ(status, ::arrow::internal::IOErrorFromErrno(
                           EPIPE, "cannot write standard output: Broken pipe"));

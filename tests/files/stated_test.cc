@@ -55,12 +55,6 @@ std::shared_ptr<::arrow::Table> two_chunks(const std::shared_ptr<::arrow::Table>
 }
 
 /// 100,000 different numbers, 800,000 bytes.
-std::shared_ptr<::arrow::Table> many_numbers() {
-  std::string json = "[0";
-  for (int i = 1; i < 100'000; ++i) json += "," + std::to_string(i);
-  return table_of({{"n", ::arrow::int64(), json + "]"}});
-}
-
 TEST_F(Stated, ByAParquetFileAreNullsOfColumnsThatAreNotNested) {
   write_parquet(file_, *nested_table(), 2);
   EXPECT_EQ(stated(), (StatedCounts{3, 2, {std::nullopt, 2, 3, std::nullopt, 1}}));

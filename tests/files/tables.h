@@ -33,6 +33,16 @@ inline void PrintTo(const StatedCounts& counts, std::ostream* stream) {
 
 namespace numera::testing {
 
+inline const auto kInts = ::arrow::int64();
+inline const auto kTexts = ::arrow::utf8();
+
+/// A table of the numbers below 100,000.
+inline std::shared_ptr<::arrow::Table> many_numbers() {
+  std::string json = "[0";
+  for (int i = 1; i < 100'000; ++i) json += "," + std::to_string(i);
+  return table_of({{"n", kInts, json + "]"}});
+}
+
 /// The whole table in a file.
 inline ::arrow::Result<std::shared_ptr<::arrow::Table>> read_table(
     const std::string& path, const files::ReadOptions& options = {}) {

@@ -34,7 +34,7 @@ hxArrayPtr bytes(Bytes needed, Part part, const HostMaking& making) {
   if (is_short && !needed.empty()) {
     needed.resize(making.seed % 2 == 0 ? needed.size() / 2 : needed.size() - 1);
   }
-  return Column<std::uint8_t>(needed);
+  return numera::testing::Column<std::uint8_t>(needed);
 }
 
 hxArrayPtr validity(size_t length, const HostMaking& making) {

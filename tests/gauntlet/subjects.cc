@@ -9,7 +9,7 @@ using ::arrow::field;
 using ::arrow::TimeUnit;
 using TypePtr = std::shared_ptr<::arrow::DataType>;
 
-constexpr std::pair<Dictionaries, const char*> kDictionaries[] = {
+constexpr std::pair<Dictionaries, const char*> kKindsOfDictionaries[] = {
     {Dictionaries::kEqual, "equal"},           {Dictionaries::kDiffering, "differing"},
     {Dictionaries::kUnused, "unused entries"}, {Dictionaries::kOutOfRange, "codes out of range"},
     {Dictionaries::kNoEntries, "no entries"},  {Dictionaries::kSliced, "sliced"}};
@@ -84,7 +84,7 @@ std::vector<Subject> plain_subjects() {
     subjects.push_back(dictionary_subject(::arrow::dictionary(index, ::arrow::utf8(), true),
                                           Dictionaries::kEqual, "equal"));
   }
-  for (const auto& [dictionaries, kind] : kDictionaries) {
+  for (const auto& [dictionaries, kind] : kKindsOfDictionaries) {
     subjects.push_back(dictionary_subject(
         ::arrow::dictionary(::arrow::int16(), ::arrow::utf8(), true), dictionaries, kind));
     subjects.push_back(dictionary_subject(

@@ -23,7 +23,7 @@ namespace {
 using ::arrow::ArrayData;
 using io::arrow::core::to_arrow;
 
-constexpr size_t kLengths[] = {0, 1, 7, 8, 9, 63, 64, 65, 1000};
+constexpr size_t kHostLengths[] = {0, 1, 7, 8, 9, 63, 64, 65, 1000};
 constexpr Memory kHostMemories[] = {Memory::kExact, Memory::kLonger, Memory::kShortBitmap,
                                     Memory::kShortBytes};
 constexpr Shape kShapes[] = {Shape::kColumn, Shape::kRow, Shape::kPages};
@@ -98,7 +98,7 @@ void run(const HostCase& one) {
 std::vector<HostCase> all_cases(const std::vector<HostType>& types) {
   std::vector<HostCase> cases;
   for (const HostType& type : types) {
-    for (const size_t length : kLengths) {
+    for (const size_t length : kHostLengths) {
       for (const Nulls nulls : kNulls) {
         for (const Shape shape : kShapes) {
           for (const Memory memory : kHostMemories) {

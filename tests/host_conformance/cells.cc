@@ -8,8 +8,6 @@ namespace {
 
 struct Cells : Claim {};
 
-hxArrayPtr two_points() { return hxCreateStructArray(Dims{2, 1}, Names{"x", "y"}); }
-
 using Store = void (*)(hxArray*, size_t, hxArrayPtr);
 const Store kStores[] = {hxSetCell, hxReplaceCell};
 

@@ -51,6 +51,9 @@ inline hxArrayPtr number(double value) {
   return array;
 }
 
+/// Two elements with the fields "x" and "y", all empty.
+inline hxArrayPtr two_points() { return hxCreateStructArray(Dims{2, 1}, Names{"x", "y"}); }
+
 inline const void* read(const hxArrayPtr& array) {
   return hxGetData(static_cast<const hxArray*>(array.get()));
 }

@@ -8,8 +8,6 @@
 namespace numera::host_conformance {
 namespace {
 
-hxArrayPtr two_points() { return hxCreateStructArray(Dims{2, 1}, Names{"x", "y"}); }
-
 struct Fields : Claim {};
 
 struct Container {

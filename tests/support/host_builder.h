@@ -15,6 +15,7 @@
 #include <complex>
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -30,6 +31,8 @@
 #include "numera/host/text_codec.h"
 
 namespace numera::testing {
+
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 using Dims = std::vector<size_t>;
 

@@ -11,7 +11,7 @@
 namespace numera::testing {
 namespace {
 
-struct Case {
+struct CastOptions {
   std::string type;  ///< as printed
   std::shared_ptr<::arrow::Array> values;
   std::string encoded_type;
@@ -39,7 +39,7 @@ std::shared_ptr<::arrow::Array> identifiers() {
       ArrowArray(::arrow::fixed_size_binary(16), R"(["0123456789abcdef", null])"));
 }
 
-std::vector<Case> cases() {
+std::vector<CastOptions> cast_options() {
   using namespace ::arrow;  // NOLINT: names of types
   return {
       {"decimal128(9, 2)", ArrowArray(decimal128(9, 2), R"(["1.25", null])"), "double", "-",
@@ -82,7 +82,7 @@ class Casts : public ::testing::Test {
 };
 
 TEST_F(Casts, AreNamedWithWhatTheColumnReturnsAs) {
-  for (const Case& test : cases()) {
+  for (const CastOptions& test : cast_options()) {
     SCOPED_TRACE(test.type);
     write(test.values);
     const std::string nulls = std::to_string(test.values->null_count());
@@ -94,7 +94,7 @@ TEST_F(Casts, AreNamedWithWhatTheColumnReturnsAs) {
 }
 
 TEST_F(Casts, AreRefusedWhereTheyAreNotAskedFor) {
-  for (const Case& test : cases()) {
+  for (const CastOptions& test : cast_options()) {
     SCOPED_TRACE(test.type);
     write(test.values);
     const Outcome run = run_program({"convert", file_});

@@ -13,7 +13,7 @@ namespace {
 using tools::first_differing_row;
 using Row = std::optional<std::int64_t>;
 
-struct Case {
+struct HiddenValue {
   std::shared_ptr<::arrow::DataType> from;
   std::shared_ptr<::arrow::DataType> to;
   std::string went;
@@ -30,7 +30,7 @@ std::shared_ptr<::arrow::Array> hiding(const std::shared_ptr<::arrow::DataType>&
   return ::arrow::MakeArray(data);
 }
 
-std::vector<Case> cases() {
+std::vector<HiddenValue> hidden_values() {
   using namespace ::arrow;  // NOLINT: names of types
   const auto f = [](const auto& type) { return struct_({field("f", type)}); };
   const auto entry = struct_({field("key", int8()), field("value", int8())});
@@ -67,7 +67,7 @@ std::vector<Case> cases() {
 }
 
 TEST(CompareNulls, LeavesValuesBehindNullsAside) {
-  for (const Case& test : cases()) {
+  for (const HiddenValue& test : hidden_values()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     const auto went = hiding(test.from, test.went);
     EXPECT_EQ(first_differing_row(*went, *hiding(test.to, test.same)), std::nullopt);
@@ -82,7 +82,7 @@ std::shared_ptr<::arrow::Array> reversed(const std::shared_ptr<::arrow::Array>& 
 }
 
 TEST(CompareNulls, FindsRowsBeforeHiddenValues) {
-  for (const Case& test : cases()) {
+  for (const HiddenValue& test : hidden_values()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     const auto went = reversed(hiding(test.from, test.went));
     EXPECT_EQ(first_differing_row(*went, *reversed(hiding(test.to, test.same))), std::nullopt);
@@ -91,7 +91,7 @@ TEST(CompareNulls, FindsRowsBeforeHiddenValues) {
 }
 
 TEST(CompareNulls, FindsNullsOfOneSideOnly) {
-  for (const Case& test : cases()) {
+  for (const HiddenValue& test : hidden_values()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.went);
     EXPECT_EQ(first_differing_row(*hiding(test.from, test.went), *ArrowArray(test.to, test.same)),
               Row(1));

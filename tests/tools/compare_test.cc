@@ -16,7 +16,7 @@ namespace {
 using tools::first_differing_row;
 using Row = std::optional<std::int64_t>;
 
-struct Case {
+struct Difference {
   std::shared_ptr<::arrow::DataType> from;
   std::shared_ptr<::arrow::DataType> to;
   std::string went;
@@ -24,7 +24,7 @@ struct Case {
   std::string other;  ///< first differs in row 1
 };
 
-std::vector<Case> cases() {
+std::vector<Difference> differences() {
   using namespace ::arrow;  // NOLINT: names of types
   const auto text = [](const auto& type) { return struct_({field("t", type)}); };
   const auto entry = struct_({field("key", large_utf8()), field("value", int8())});
@@ -76,7 +76,7 @@ std::vector<Case> cases() {
 }
 
 TEST(Compare, FindsNoRowWhereAllIsEqual) {
-  for (const Case& test : cases()) {
+  for (const Difference& test : differences()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.same);
     EXPECT_EQ(
         first_differing_row(*ArrowArray(test.from, test.went), *ArrowArray(test.to, test.same)),
@@ -85,7 +85,7 @@ TEST(Compare, FindsNoRowWhereAllIsEqual) {
 }
 
 TEST(Compare, FindsTheFirstRowThatDiffers) {
-  for (const Case& test : cases()) {
+  for (const Difference& test : differences()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     EXPECT_EQ(
         first_differing_row(*ArrowArray(test.from, test.went), *ArrowArray(test.to, test.other)),
@@ -102,7 +102,7 @@ std::shared_ptr<::arrow::Array> sliced(const std::shared_ptr<::arrow::Array>& ar
 }
 
 TEST(Compare, FindsTheSameInSlices) {
-  for (const Case& test : cases()) {
+  for (const Difference& test : differences()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     const auto went = ArrowArray(test.from, test.went);
     const auto same = ArrowArray(test.to, test.same);
@@ -116,7 +116,7 @@ TEST(Compare, FindsTheSameInSlices) {
 
 TEST(Compare, FindsTheRowAmongMany) {
   constexpr std::int64_t kTimes = 99;
-  for (const Case& test : cases()) {
+  for (const Difference& test : differences()) {
     const auto went = ArrowArray(test.from, test.went);
     const auto same = ArrowArray(test.to, test.same);
     const auto many = ::arrow::Concatenate(::arrow::ArrayVector(kTimes, went)).ValueOrDie();
@@ -142,7 +142,7 @@ std::shared_ptr<::arrow::Array> unaligned(const std::shared_ptr<::arrow::Array>&
 }
 
 TEST(Compare, ReadsUnalignedBuffers) {
-  for (const Case& test : cases()) {
+  for (const Difference& test : differences()) {
     SCOPED_TRACE(test.from->ToString() + " " + test.other);
     const auto went = unaligned(ArrowArray(test.from, test.went));
     EXPECT_EQ(first_differing_row(*went, *unaligned(ArrowArray(test.to, test.same))), std::nullopt);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
@@ -23,20 +22,6 @@ std::string without_times(const std::string& text) {
   return std::regex_replace(text, kSeconds, "in TIME s");
 }
 
-/// The output of a shell command on both streams.
-std::string printed_by(const std::string& command) {
-  std::FILE* pipe = ::popen(("(" + command + ") 2>&1").c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
-  std::string printed;
-  char buffer[4096];
-  for (size_t size = 1; size > 0;) {
-    size = std::fread(buffer, 1, sizeof buffer, pipe);
-    printed.append(buffer, size);
-  }
-  ::pclose(pipe);
-  return printed;
-}
-
 /// The document with the current output of its commands.
 std::string renewed(const std::string& document) {
   std::istringstream lines(document);
@@ -50,7 +35,7 @@ std::string renewed(const std::string& document) {
     const bool command = in_session && line.starts_with("$ ");
     if (command || !in_output) renewed += line + "\n";
     if (!command) continue;
-    renewed += printed_by(line.substr(2));
+    renewed += printed_by_shell(line.substr(2));
     in_output = true;
   }
   return renewed;

@@ -79,7 +79,7 @@ TEST_F(JsonOutput, KeepsColumnsOfOneName) {
 }
 
 /// Replaces seconds, which vary from run to run.
-std::string without_times(const std::string& json) {
+std::string without_seconds(const std::string& json) {
   static const std::regex kSeconds(R"("seconds":[0-9]+[.][0-9]{6})");
   return std::regex_replace(json, kSeconds, R"("seconds":TIME)");
 }
@@ -87,7 +87,7 @@ std::string without_times(const std::string& json) {
 TEST_F(JsonOutput, OfConvertIsAnObjectPerColumnAndOneOfTheWays) {
   write_parquet(file_, *table_of({{"n", ::arrow::int64(), "[1, 2, 3]"},
                                   {"d", ::arrow::date32(), "[1, null, 3]"}}));
-  EXPECT_EQ(without_times(converted(file_, {"--json"})),
+  EXPECT_EQ(without_seconds(converted(file_, {"--json"})),
             R"({"column":"n","arrow_type":"int64","encoded_type":"int64","host_class":"int64",)"
             R"("rows":3,"chunks":1,"nulls":0,"way_back":"equal","returned_type":"int64",)"
             R"("casts":[],"reason":null})"
@@ -102,7 +102,7 @@ TEST_F(JsonOutput, OfConvertIsAnObjectPerColumnAndOneOfTheWays) {
 
 TEST_F(JsonOutput, OfConvertListsCasts) {
   write_parquet(file_, *table_of({{"d", ::arrow::decimal128(5, 2), R"(["1.50"])"}}));
-  EXPECT_EQ(without_times(converted(file_, {"--json", "--cast", "--no-check"})),
+  EXPECT_EQ(without_seconds(converted(file_, {"--json", "--cast", "--no-check"})),
             R"x({"column":"d","arrow_type":"decimal128(5, 2)","encoded_type":"double",)x"
             R"("host_class":null,"rows":1,"chunks":1,"nulls":0,"way_back":"not checked",)"
             R"("returned_type":"double","casts":["decimal128(5, 2) to double"],"reason":null})"
@@ -114,7 +114,7 @@ TEST_F(JsonOutput, OfConvertListsCasts) {
 TEST_F(JsonOutput, OfConvertSaysWhyAColumnFailed) {
   write_parquet(file_, *table_of({{"d", ::arrow::decimal128(5, 2), R"(["1.50"])"}}));
   Outcome run = run_program({"convert", file_, "--json"});
-  run.out = without_times(run.out);
+  run.out = without_seconds(run.out);
   const Outcome expected{
       1,
       R"x({"column":"d","arrow_type":"decimal128(5, 2)","encoded_type":null,"host_class":null,)x"

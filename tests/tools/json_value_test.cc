@@ -28,14 +28,14 @@ std::string json_of(const ::arrow::Array& array) {
   return json;
 }
 
-struct Case {
+struct ElementJson {
   std::shared_ptr<::arrow::DataType> type;
   std::string values;
   std::string json;
 };
 
-void expect_json(const std::vector<Case>& cases) {
-  for (const Case& one : cases) {
+void expect_json(const std::vector<ElementJson>& cases) {
+  for (const ElementJson& one : cases) {
     EXPECT_EQ(json_of(*ArrowArray(one.type, one.values)), one.json) << one.type->ToString();
   }
 }

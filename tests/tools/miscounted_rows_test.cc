@@ -14,7 +14,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr std::uint32_t kRows = 1000;
+constexpr std::uint32_t kRowsHeld = 1000;
 
 /// A count in the encoding of Parquet: zigzag, seven bits per byte.
 std::string counted(std::uint32_t count) {
@@ -29,10 +29,10 @@ size_t footer_of(const std::string& content) {
   return content.size() - 8 - length;
 }
 
-/// The positions from `begin` to `end` at which `kRows` follows the byte `type`.
+/// The positions from `begin` to `end` at which `kRowsHeld` follows the byte `type`.
 std::vector<size_t> places_of_rows(const std::string& content, char type, size_t begin,
                                    size_t end) {
-  const std::string found = type + counted(kRows);
+  const std::string found = type + counted(kRowsHeld);
   std::vector<size_t> places;
   for (size_t at = content.find(found, begin); at < end; at = content.find(found, at + 1)) {
     places.push_back(at + 1);
@@ -42,7 +42,8 @@ std::vector<size_t> places_of_rows(const std::string& content, char type, size_t
 
 void write_count(const std::string& path, std::string content, size_t place, std::uint32_t count) {
   const std::string bytes = counted(count);
-  if (bytes.size() != counted(kRows).size()) throw std::logic_error("a count of another length");
+  if (bytes.size() != counted(kRowsHeld).size())
+    throw std::logic_error("a count of another length");
   write_text(path, content.replace(place, bytes.size(), bytes));
 }
 
@@ -73,14 +74,14 @@ std::string repeated(const std::string& json, std::uint32_t rows) {
 /// Three columns. Every row group has four pages.
 class MiscountedRows : public ::testing::Test {
  protected:
-  void write(std::uint32_t rows = kRows) {
+  void write(std::uint32_t rows = kRowsHeld) {
     const auto xy = ::arrow::struct_(
         {::arrow::field("x", ::arrow::int8()), ::arrow::field("y", ::arrow::utf8())});
     write_parquet(file_,
                   *table_of({{"n", ::arrow::int64(), repeated("7", rows)},
                              {"l", ::arrow::list(::arrow::int16()), repeated("[7]", rows)},
                              {"s", xy, repeated(R"({"x": 7, "y": "seven"})", rows)}}),
-                  kRows);
+                  kRowsHeld);
   }
 
   void expect_refused(const std::vector<std::string>& arguments, const std::string& reason) {
@@ -126,7 +127,7 @@ TEST_F(MiscountedRows, AColumnThatEndsWithABatchIsNamed) {
 }
 
 TEST_F(MiscountedRows, TheRowGroupIsNamed) {
-  write(2 * kRows);
+  write(2 * kRowsHeld);
   recount_page(file_, 4, 400);
   expect_refused({"convert", file_},
                  "row group 1, column 'n': found 400 rows, expected 1000, as the footer states");

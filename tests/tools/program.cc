@@ -10,7 +10,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <sstream>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -140,6 +142,19 @@ std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned 
   ::close(terminal);
   ::waitpid(process, nullptr, 0);
   return written;
+}
+
+std::string printed_by_shell(const std::string& command) {
+  std::FILE* pipe = ::popen(("(" + command + ") 2>&1").c_str(), "r");
+  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
+  std::string printed;
+  char buffer[4096];
+  for (size_t size = 1; size > 0;) {
+    size = std::fread(buffer, 1, sizeof buffer, pipe);
+    printed.append(buffer, size);
+  }
+  ::pclose(pipe);
+  return printed;
 }
 
 std::string printed(const std::string& command, const std::string& file,

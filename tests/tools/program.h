@@ -66,6 +66,9 @@ Outcome run_program(const std::vector<std::string>& arguments, const RunOptions&
 /// width of 0 is not known to the program.
 std::string run_on_terminal(const std::vector<std::string>& arguments, unsigned short width = 0);
 
+/// What a shell command prints on both streams.
+std::string printed_by_shell(const std::string& command);
+
 /// What a command prints for a file. Expects success and nothing on standard error.
 std::string printed(const std::string& command, const std::string& file,
                     const std::vector<std::string>& options = {});

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -24,18 +23,6 @@ std::string printed_by(const std::vector<std::string>& arguments) {
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.errors, "");
   return std::move(run.out);
-}
-
-/// What a shell command prints on both streams.
-std::string printed_by_shell(const std::string& command) {
-  std::FILE* pipe = ::popen(("(" + command + ") 2>&1").c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
-  std::string text;
-  for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe)) {
-    text += static_cast<char>(byte);
-  }
-  ::pclose(pipe);
-  return text;
 }
 
 bool is_installed(const std::string& program) {

@@ -34,7 +34,7 @@ std::shared_ptr<::arrow::Array> categories(const std::string& codes) {
 }
 
 /// A CSV file of the numbers from 1 to `count`.
-std::string numbers_to(int count) {
+std::string csv_to(int count) {
   std::string text = "n\n";
   for (int i = 1; i <= count; ++i) text += std::to_string(i) + "\n";
   return text;
@@ -71,7 +71,7 @@ TEST_F(Show, PrintsTheLastRows) {
 }
 
 TEST_F(Show, PrintsTenRowsWhereNoneAreAskedFor) {
-  write_text(file_, numbers_to(12));
+  write_text(file_, csv_to(12));
   const std::string heading = "    n\nint64\n";
   EXPECT_EQ(printed("head", file_),
             heading +
@@ -84,17 +84,17 @@ TEST_F(Show, PrintsTenRowsWhereNoneAreAskedFor) {
 }
 
 TEST_F(Show, CountsRowsWhereTheFileStatesThemOrIsReadToItsEnd) {
-  write_text(file_, numbers_to(12));
+  write_text(file_, csv_to(12));
   EXPECT_THAT(printed("show", file_), ::testing::EndsWith("\n   10\n"));
   EXPECT_THAT(printed("show", file_, {"-n", "20"}), ::testing::EndsWith("\n   12\n\n12 rows\n"));
-  write_text(file_, numbers_to(1));
+  write_text(file_, csv_to(1));
   EXPECT_EQ(printed("show", file_), "    n\nint64\n    1\n\n1 row\n");
   write_text(file_, "n\n");
   EXPECT_EQ(printed("show", file_), "n\nnull\n\n0 rows\n");
 }
 
 TEST_F(Show, PrintsTheLastOfManyRows) {
-  write_text(file_, numbers_to(200000));  // more than one block
+  write_text(file_, csv_to(200000));  // more than one block
   EXPECT_EQ(printed("tail", file_, {"-n", "2"}), "     n\n int64\n199999\n200000\n");
 }
 

@@ -26,7 +26,7 @@ class SkipUnsupported : public ::testing::Test {
   std::string output_ = folder_.path("back.arrow");
 };
 
-std::shared_ptr<::arrow::Table> three_columns() {
+std::shared_ptr<::arrow::Table> float_int_and_union() {
   return table_of(
       {{"h", ::arrow::float16(), "[1.5, null]"},
        {"n", ::arrow::int8(), "[1, 2]"},
@@ -34,7 +34,7 @@ std::shared_ptr<::arrow::Table> three_columns() {
 }
 
 TEST_F(SkipUnsupported, LeavesColumnsOutOfTheOutput) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   const Outcome run = convert({"--output", output_});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.errors, "");
@@ -42,7 +42,7 @@ TEST_F(SkipUnsupported, LeavesColumnsOutOfTheOutput) {
 }
 
 TEST_F(SkipUnsupported, NamesTheColumnsWithTheirReasonsAtTheEnd) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   const std::string out = convert().out;
   EXPECT_EQ(table_rows(out),
             "h | halffloat | - | - | 2 | 1 | 1 | left out\n"
@@ -55,7 +55,7 @@ TEST_F(SkipUnsupported, NamesTheColumnsWithTheirReasonsAtTheEnd) {
 }
 
 TEST_F(SkipUnsupported, CastsWhatMayBeCast) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   ASSERT_EQ(convert({"--cast", "--output", output_}).exit_status, 0);
   EXPECT_TRUE(read_ipc(output_)->Equals(
       *table_of({{"h", ::arrow::float64(), "[1.5, null]"}, {"n", ::arrow::int8(), "[1, 2]"}})));
@@ -85,19 +85,19 @@ TEST_F(SkipUnsupported, FailsWhereNoColumnIsLeft) {
 }
 
 TEST_F(SkipUnsupported, ShowsTheColumnsThatAreLeft) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   const Outcome run = convert({"--show"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.out, ::testing::EndsWith("Names: cell 1x1\n    {0}: char 1x1 \"n\"\n"));
 }
 
 TEST_F(SkipUnsupported, PassesWithStrictWhereTheOthersKeepTheirTypes) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   EXPECT_EQ(convert({"--strict"}).exit_status, 0);
 }
 
 TEST_F(SkipUnsupported, LeavesColumnsOutOnSeveralThreads) {
-  write_ipc(file_, *three_columns());
+  write_ipc(file_, *float_int_and_union());
   ASSERT_EQ(convert({"--threads", "2", "--batch-rows", "1", "--to", "csv"}).out, "\"n\"\n1\n2\n");
 }
 

@@ -10,7 +10,7 @@ namespace numera::testing {
 namespace {
 
 /// The integers from 1 to `count` as JSON.
-std::string numbers_to(int count) {
+std::string json_to(int count) {
   std::string json = "[1";
   for (int i = 2; i <= count; ++i) json += "," + std::to_string(i);
   return json + "]";
@@ -62,7 +62,7 @@ TEST_F(Summary, HasTheLinesThatAnyColumnOfTheTableHas) {
 }
 
 TEST_F(Summary, IsTheSameHoweverTheRowsAreDivided) {
-  const auto table = table_of({{"n", ::arrow::int16(), numbers_to(1000)}});
+  const auto table = table_of({{"n", ::arrow::int16(), json_to(1000)}});
   write_parquet(file_, *table, 1000);
   const std::string whole = printed("summary", file_);
   write_parquet(file_, *table, 7);
@@ -102,9 +102,9 @@ TEST_F(Summary, OfAFileWithoutColumnsCountsItsRows) {
 }
 
 TEST_F(Summary, CountsDistinctValuesToTenThousand) {
-  EXPECT_EQ(line_that_starts(of(::arrow::int32(), numbers_to(10000)), "distinct"),
+  EXPECT_EQ(line_that_starts(of(::arrow::int32(), json_to(10000)), "distinct"),
             "distinct         10,000");
-  EXPECT_EQ(line_that_starts(of(::arrow::int32(), numbers_to(10001)), "distinct"),
+  EXPECT_EQ(line_that_starts(of(::arrow::int32(), json_to(10001)), "distinct"),
             "distinct   more than 10,000");
 }
 
@@ -117,7 +117,7 @@ TEST_F(Summary, CountsDistinctValuesToAMillionBytes) {
 }
 
 TEST_F(Summary, HasExactQuantilesOfAHundredThousandValues) {
-  const std::string printed = of(::arrow::int32(), numbers_to(100000));
+  const std::string printed = of(::arrow::int32(), json_to(100000));
   EXPECT_EQ(line_that_starts(printed, "5 %"), "5 %                    5000");
   EXPECT_EQ(line_that_starts(printed, "50 %"), "50 %                  50000");
   EXPECT_EQ(line_that_starts(printed, "95 %"), "95 %                  95000");

@@ -183,13 +183,13 @@ TEST_F(To, IsInterruptedBetweenTwoBatches) {
 
 /// Starts with no free page and adds one page per run until the columns fit.
 TEST_F(To, IsWholeOrFailsOnAFullDisk) {
-  constexpr std::size_t kPages = 64;
-  const SmallDisk disk(kPages);
+  constexpr std::size_t kFewPages = 64;
+  const SmallDisk disk(kFewPages);
   if (!disk.refusal().empty()) GTEST_SKIP() << disk.refusal();
   write_many_rows(2000);
   const std::string output = disk.path("out");
   std::size_t room = 0;
-  for (; room < kPages - 2; ++room) {
+  for (; room < kFewPages - 2; ++room) {
     SCOPED_TRACE(room);
     std::filesystem::remove(output);
     disk.leave_free(room);

@@ -31,14 +31,14 @@ std::string texts_of(const ::arrow::Array& array, size_t width = kUnlimited) {
   return texts;
 }
 
-struct Case {
+struct ElementText {
   std::shared_ptr<::arrow::DataType> type;
   std::string json;
   std::string texts;
 };
 
-void expect_texts(const std::vector<Case>& cases) {
-  for (const Case& one : cases) {
+void expect_texts(const std::vector<ElementText>& cases) {
+  for (const ElementText& one : cases) {
     EXPECT_EQ(texts_of(*ArrowArray(one.type, one.json)), one.texts) << one.type->ToString();
   }
 }

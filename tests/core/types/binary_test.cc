@@ -8,6 +8,7 @@
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
 #include "tests/core/only_read.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -78,7 +79,7 @@ TEST(BinaryToArrow, IsNarrowWithOffsetsOfItsOwnWhereThatIsAsked) {
 TEST(BinaryToArrow, HasNoFixedWidth) {
   const hxArrayPtr encoded = Envelope("fixed_binary_array", TextData("ab", {0, 1, 2}));
 
-  EXPECT_EQ(to_arrow<::arrow::Array>(encoded.get()).status(),
+  EXPECT_EQ(StatusOfReading(encoded),
             Status::Invalid("Invalid type for NUMERA to Arrow conversion."));
 }
 

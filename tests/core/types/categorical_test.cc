@@ -27,7 +27,7 @@ using ::arrow::Status;
 hxArrayPtr TwoCategories() { return TextData("abc", {0, 1, 3}); }
 
 /// Reads data that outlives the result.
-ArrayResult read(const hxArrayPtr& data) {
+ArrayResult read_categories(const hxArrayPtr& data) {
   const hxArrayPtr encoded = Envelope("categorical", hxSharedCopy(data.get()));
   return to_arrow<::arrow::Array>(encoded.get());
 }
@@ -59,7 +59,7 @@ TEST(CategoricalToArrow, TakesTheIndexTypeFromTheValues) {
     const hxArrayPtr data =
         CategoricalData(TwoCategories(), hxSharedCopy(codes.get()), Logical({true}));
 
-    const auto array = ValueOf(read(data));
+    const auto array = ValueOf(read_categories(data));
 
     const auto type = ::arrow::dictionary(index_type, ::arrow::large_utf8(), /*ordered=*/true);
     EXPECT_TRUE(SameArray(*array, *Dictionary(type, "[1, 0]", R"(["a", "bc"])")));
@@ -99,7 +99,7 @@ TEST(CategoricalToArrow, KeepsCategoriesOfNoElements) {
   const hxArrayPtr data =
       CategoricalData(TwoCategories(), Column<std::int8_t>({}), Logical({false}));
 
-  const auto array = ValueOf(read(data));
+  const auto array = ValueOf(read_categories(data));
 
   const auto type = ::arrow::dictionary(::arrow::int8(), ::arrow::large_utf8());
   EXPECT_TRUE(SameArray(*array, *Dictionary(type, "[]", R"(["a", "bc"])")));
@@ -109,7 +109,7 @@ TEST(CategoricalToArrow, DoesNotCompareCodesWithTheCategories) {
   const hxArrayPtr data =
       CategoricalData(TwoCategories(), Column<std::int8_t>({7, -1}), Logical({false}));
 
-  const auto array = ValueOf(read(data));
+  const auto array = ValueOf(read_categories(data));
 
   const auto& indices = *static_cast<const ::arrow::DictionaryArray&>(*array).indices();
   EXPECT_TRUE(SameArray(indices, *ArrowArray(::arrow::int8(), "[7, -1]")));
@@ -119,7 +119,7 @@ TEST(CategoricalToArrow, PassesOnCategoriesOfLengthMinusOne) {
   const hxArrayPtr data =
       CategoricalData(TextData("abc", {}), Column<std::int8_t>({}), Logical({false}));
 
-  const auto array = ValueOf(read(data));
+  const auto array = ValueOf(read_categories(data));
 
   EXPECT_EQ(array->data()->dictionary->length, -1);
 }
@@ -130,7 +130,7 @@ TEST(CategoricalToArrow, TakesAnyNonZeroOrdinalForTrue) {
   const hxArrayPtr data =
       CategoricalData(TwoCategories(), Column<std::int8_t>({0}), std::move(ordinal));
 
-  const auto array = ValueOf(read(data));
+  const auto array = ValueOf(read_categories(data));
 
   EXPECT_TRUE(static_cast<const ::arrow::DictionaryType&>(*array->type()).ordered());
 }
@@ -151,7 +151,7 @@ TEST(CategoricalToArrow, RefusesFieldsThatAreEmptyOrOfAnotherClass) {
       {CategoricalData(Empty(), Char("x"), Empty()),
        "Missing field 'Categories' in input struct array"}};
   for (const auto& [data, message] : cases) {
-    EXPECT_EQ(read(data).status(), Status::TypeError(message));
+    EXPECT_EQ(read_categories(data).status(), Status::TypeError(message));
   }
 }
 
@@ -169,7 +169,7 @@ TEST(CategoricalToArrow, RefusesAnOrdinalOfOtherThanOneElement) {
   for (const auto& [ordinal, message] : cases) {
     const hxArrayPtr data =
         CategoricalData(TwoCategories(), Column<std::int8_t>({0}), hxSharedCopy(ordinal.get()));
-    EXPECT_EQ(read(data).status(), Status::TypeError(message));
+    EXPECT_EQ(read_categories(data).status(), Status::TypeError(message));
   }
 }
 
@@ -177,31 +177,32 @@ TEST(CategoricalToArrow, RefusesASparseOrdinal) {
   const hxArrayPtr data =
       CategoricalData(TwoCategories(), Column<std::int8_t>({0}),
                       host::memory::CreateSparseArray(Dims{1, 1}, hxClassID::Logical));
-  EXPECT_EQ(read(data).status(),
+  EXPECT_EQ(read_categories(data).status(),
             Status::TypeError("Field 'Ordinal': found a sparse 1-by-1 logical array, expected a "
                               "real array that is not sparse."));
 }
 
 TEST(CategoricalToArrow, RefusesValuesThatAreNoNumbers) {
   const hxArrayPtr data = CategoricalData(TwoCategories(), Char("ab"), Logical({false}));
-  EXPECT_EQ(read(data).status(),
+  EXPECT_EQ(read_categories(data).status(),
             Status::Invalid("Invalid type for numeric NUMERA to Arrow conversion."));
 }
 
 TEST(CategoricalToArrow, RefusesValuesThatAreNoIntegers) {
   EXPECT_EQ(
-      read(CategoricalData(TwoCategories(), Column<double>({0, 1}), Logical({false}))).status(),
+      read_categories(CategoricalData(TwoCategories(), Column<double>({0, 1}), Logical({false})))
+          .status(),
       Status::TypeError("Field 'Values': found a 2-by-1 double array, expected an array of "
                         "an integer class."));
   EXPECT_EQ(
-      read(CategoricalData(TwoCategories(), Row<float>({0}), Logical({false}))).status(),
+      read_categories(CategoricalData(TwoCategories(), Row<float>({0}), Logical({false}))).status(),
       Status::TypeError("Field 'Values': found a 1-by-1 single array, expected an array of an "
                         "integer class."));
 }
 
 TEST(CategoricalToArrow, RefusesComplexValues) {
-  EXPECT_EQ(read(CategoricalData(TwoCategories(), Complex<std::int8_t>({1, 1}, {{0, 0}}),
-                                 Logical({false})))
+  EXPECT_EQ(read_categories(CategoricalData(TwoCategories(), Complex<std::int8_t>({1, 1}, {{0, 0}}),
+                                            Logical({false})))
                 .status(),
             Status::TypeError("Field 'Values': found a complex 1-by-1 int8 array, expected a real "
                               "array that is not sparse."));
@@ -210,7 +211,7 @@ TEST(CategoricalToArrow, RefusesComplexValues) {
 TEST(CategoricalToArrow, ReportsWhatTheReaderOfTextsSaysOfTheCategories) {
   const hxArrayPtr data = CategoricalData(ListData(Column<std::uint8_t>({}), Column<double>({0})),
                                           Column<std::int8_t>({0}), Logical({false}));
-  EXPECT_EQ(read(data).status(),
+  EXPECT_EQ(read_categories(data).status(),
             Status::TypeError("Incorrect type 'double' for struct array field 'StartOffsets'"));
   const hxArrayPtr too_long =
       CategoricalData(TextData("", {0, 2147483647}), Column<std::int8_t>({0}), Logical({false}));
@@ -221,7 +222,7 @@ TEST(CategoricalToArrow, ReportsWhatTheReaderOfTextsSaysOfTheCategories) {
 
 TEST(CategoricalToArrow, LeavesAFieldThatTheStructLacksToTheHost) {
   const hxArrayPtr data = Struct({{"Values", Column<std::int8_t>({0})}});
-  EXPECT_THAT([&] { return read(data).ok(); },
+  EXPECT_THAT([&] { return read_categories(data).ok(); },
               ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
 }
 

@@ -9,6 +9,7 @@
 #include "numera/core/to_numera.h"
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -26,9 +27,9 @@ hxArrayPtr TimeOfDay(hxArrayPtr values, std::string_view units) {
   return TimeData(std::move(values), Char(units));
 }
 
-Status StatusOfReading(const hxArrayPtr& time) {
+Status StatusOfReadingTime(const hxArrayPtr& time) {
   const hxArrayPtr encoded = Envelope("duration", hxSharedCopy(time.get()));
-  return to_arrow<::arrow::Array>(encoded.get()).status();
+  return StatusOfReading(encoded);
 }
 
 TEST(TimeUnit, IsMillisecondsUnlessSpeltExactly) {
@@ -127,7 +128,7 @@ TEST(TimeOfDayToArrow, RefusesAUnitThatTheWidthDoesNotTake) {
        "Field 'Units': found 'milliseconds' with 'Values' of class int64, expected 'microseconds' "
        "or 'nanoseconds'."}};
   for (const auto& [time, message] : cases) {
-    EXPECT_EQ(StatusOfReading(time), Status::Invalid(message));
+    EXPECT_EQ(StatusOfReadingTime(time), Status::Invalid(message));
   }
 }
 
@@ -146,14 +147,14 @@ TEST(TimeOfDayToArrow, ReportsWhatIsMissingOrOfAnotherClassInOrder) {
        "Field 'Values': found a complex 1-by-1 int32 array, expected a real array that is not "
        "sparse."}};
   for (const auto& [time, message] : cases) {
-    EXPECT_EQ(StatusOfReading(time), Status::TypeError(message));
+    EXPECT_EQ(StatusOfReadingTime(time), Status::TypeError(message));
   }
 }
 
 TEST(TimeOfDayToArrow, RefusesSparseValues) {
   const hxArrayPtr time =
       TimeOfDay(host::memory::CreateSparseArray(Dims{2, 1}, hxClassID::Int64), "nanoseconds");
-  EXPECT_EQ(StatusOfReading(time),
+  EXPECT_EQ(StatusOfReadingTime(time),
             Status::TypeError("Field 'Values': found a sparse 2-by-1 int64 array, expected a real "
                               "array that is not sparse."));
 }
@@ -162,11 +163,11 @@ TEST(TimeOfDayToArrow, LetsTheHostReportFieldsThatAStructLacks) {
   const hxArrayPtr no_values = Struct({{"Units", Char("seconds")}});
   const hxArrayPtr no_units = Struct({{"Values", Column<std::int32_t>({1})}});
   const hxArrayPtr no_element = StructArray({0, 0}, {"Values", "Units"}, {});
-  EXPECT_THAT([&] { return StatusOfReading(no_values); },
+  EXPECT_THAT([&] { return StatusOfReadingTime(no_values); },
               ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
-  EXPECT_THAT([&] { return StatusOfReading(no_units); },
+  EXPECT_THAT([&] { return StatusOfReadingTime(no_units); },
               ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
-  EXPECT_THAT([&] { return StatusOfReading(no_element); },
+  EXPECT_THAT([&] { return StatusOfReadingTime(no_element); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
 }
 

@@ -9,6 +9,7 @@
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
 #include "tests/core/only_read.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -28,10 +29,6 @@ std::shared_ptr<::arrow::Array> RawList(std::int64_t length, std::int64_t offset
   return ::arrow::MakeArray(::arrow::ArrayData::Make(::arrow::list(::arrow::int32()), length,
                                                      {nullptr, std::move(offsets)}, {child->data()},
                                                      0, offset));
-}
-
-Status StatusOfReading(const hxArrayPtr& encoded) {
-  return to_arrow<::arrow::Array>(encoded.get()).status();
 }
 
 TEST(ListToArrow, MakesALargeListOverItsOffsets) {

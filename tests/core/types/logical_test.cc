@@ -10,6 +10,7 @@
 #include "numera/host/memory.h"
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -26,13 +27,9 @@ hxArrayPtr of_length(hxArrayPtr length, const Bits& valid = {}) {
                   valid);
 }
 
-::arrow::Result<std::shared_ptr<::arrow::Array>> read(const hxArrayPtr& encoded) {
-  return to_arrow<::arrow::Array>(encoded.get());
-}
-
 TEST(LogicalToArrow, ReadsBitsLeastSignificantFirst) {
   const hxArrayPtr value = of_length(Scalar(10.0));
-  const auto array = read(value).ValueOrDie();
+  const auto array = Reading(value).ValueOrDie();
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::boolean(),
                                             "[true, false, true, false, true, false, false, false, "
                                             "false, true]")));
@@ -40,7 +37,7 @@ TEST(LogicalToArrow, ReadsBitsLeastSignificantFirst) {
 
 TEST(LogicalToArrow, BorrowsBothBitmaps) {
   const hxArrayPtr value = of_length(Scalar(3.0), {0x03});
-  const auto array = read(value).ValueOrDie();
+  const auto array = Reading(value).ValueOrDie();
   const hxArray* data = hxGetField(value.get(), 0, "Data");
   const hxArray* valid = hxGetField(value.get(), 0, "Valid");
   EXPECT_EQ(array->data()->buffers[1]->data(), hxGetData(hxGetField(data, 0, "Values")));
@@ -63,13 +60,13 @@ TEST(LogicalToArrow, TruncatesTheLengthTowardZero) {
   for (const auto& [length, expected] : cases) {
     SCOPED_TRACE(length);
     const hxArrayPtr value = of_length(Scalar(length));
-    EXPECT_EQ(read(value).ValueOrDie()->length(), expected);
+    EXPECT_EQ(Reading(value).ValueOrDie()->length(), expected);
   }
 }
 
 TEST(LogicalToArrow, TakesFewerBitsThanTheLengthSays) {
   const hxArrayPtr value = of_length(Scalar(1000.0));
-  const auto array = read(value).ValueOrDie();
+  const auto array = Reading(value).ValueOrDie();
   EXPECT_EQ(array->length(), 1000);
   EXPECT_EQ(array->data()->buffers[1]->size(), 2);
 }
@@ -86,7 +83,7 @@ TEST(LogicalToArrow, RefusesALengthThatIsNoNumberOfElements) {
   for (const auto& [length, text] : cases) {
     SCOPED_TRACE(text);
     const hxArrayPtr value = of_length(Scalar(length));
-    EXPECT_EQ(read(value).status(),
+    EXPECT_EQ(Reading(value).status(),
               Status::TypeError("Field 'Length': found ", text,
                                 ", expected a number of elements within 64 bits."));
   }
@@ -116,7 +113,7 @@ TEST(LogicalToArrow, RefusesALengthThatIsNotOneRealDouble) {
     SCOPED_TRACE(one.message);
     const hxArrayPtr value =
         of_length(one.length == nullptr ? Empty() : hxSharedCopy(one.length.get()));
-    EXPECT_EQ(read(value).status(), Status::TypeError(one.message));
+    EXPECT_EQ(Reading(value).status(), Status::TypeError(one.message));
   }
 }
 
@@ -143,16 +140,16 @@ TEST(LogicalToArrow, PassesOnWhatTheBufferReaderRefuses) {
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.message);
-    EXPECT_EQ(read(Envelope("logical", hxSharedCopy(one.value.get()))).status(),
+    EXPECT_EQ(Reading(Envelope("logical", hxSharedCopy(one.value.get()))).status(),
               Status::TypeError(one.message));
   }
 }
 
 TEST(LogicalToArrow, ThrowsWhereTheHostDoes) {
   const hxArrayPtr without_length = Envelope("logical", BufferEnvelope({1}));
-  EXPECT_THROW(static_cast<void>(read(without_length)), std::invalid_argument);
+  EXPECT_THROW(static_cast<void>(Reading(without_length)), std::invalid_argument);
   const hxArrayPtr without_elements = Envelope("logical", StructArray({0, 1}, kBitmapFields, {}));
-  EXPECT_THROW(static_cast<void>(read(without_elements)), std::out_of_range);
+  EXPECT_THROW(static_cast<void>(Reading(without_elements)), std::out_of_range);
 }
 
 TEST(LogicalToArrow, RefusesWhatIsNoStruct) {

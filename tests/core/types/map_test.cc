@@ -18,7 +18,7 @@ namespace {
 using namespace numera::testing;
 using ::arrow::Status;
 
-const std::shared_ptr<::arrow::DataType> kMap = ::arrow::map(::arrow::int8(), ::arrow::int32());
+const std::shared_ptr<::arrow::DataType> kCounts = ::arrow::map(::arrow::int8(), ::arrow::int32());
 
 TEST(MapToHost, WritesTextKeysNumbersAndOffsets) {
   const auto maps =
@@ -32,7 +32,7 @@ TEST(MapToHost, WritesTextKeysNumbersAndOffsets) {
 }
 
 TEST(MapToHost, MarksANullRowInValidOnly) {
-  const auto maps = ArrowArray(kMap, "[[[1, 10]], null, [[2, null]]]");
+  const auto maps = ArrowArray(kCounts, "[[[1, 10]], null, [[2, null]]]");
   EXPECT_TRUE(
       SameHostValue(ValueOf(to_numera(maps)).get(),
                     WrittenNested("map", "map", 3,
@@ -44,7 +44,7 @@ TEST(MapToHost, MarksANullRowInValidOnly) {
 }
 
 TEST(MapToHost, CopiesStoredOffsetsAndTheWholeChildrenOfASlice) {
-  const auto maps = ArrowArray(kMap, "[[[1, 10]], [[2, 20], [3, 30]], [], [[4, 40]]]");
+  const auto maps = ArrowArray(kCounts, "[[[1, 10]], [[2, 20], [3, 30]], [], [[4, 40]]]");
   EXPECT_TRUE(SameHostValue(
       DataOf(maps->Slice(1, 2)).get(),
       MapData(WrittenNumbers<std::int8_t>({1, 2, 3, 4}),
@@ -53,7 +53,7 @@ TEST(MapToHost, CopiesStoredOffsetsAndTheWholeChildrenOfASlice) {
 }
 
 TEST(MapToHost, WritesOneElementAChunk) {
-  const auto chunks = ArrowChunks(kMap, {"[[[1, 10]]]", "[]"});
+  const auto chunks = ArrowChunks(kCounts, {"[[[1, 10]]]", "[]"});
   EXPECT_TRUE(SameHostValue(
       ValueOf(to_numera(chunks)).get(),
       WrittenEnvelope(
@@ -67,12 +67,12 @@ TEST(MapToHost, WritesOneElementAChunk) {
 }
 
 TEST(MapToHost, WritesNoElementsForNoChunks) {
-  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kMap, {})).get(),
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kCounts, {})).get(),
                             StructArray({0, 1}, kMapFields, {}).get()));
 }
 
 TEST(MapToHost, WritesTheOneOffsetZeroWhereThereAreNeitherRowsNorOffsets) {
-  const auto data = ArrowArray(kMap, "[]")->data()->Copy();
+  const auto data = ArrowArray(kCounts, "[]")->data()->Copy();
   data->buffers[1] = nullptr;
   EXPECT_TRUE(SameHostValue(DataOf(::arrow::MakeArray(data)).get(),
                             MapData(WrittenNumbers<std::int8_t>({}),
@@ -81,7 +81,7 @@ TEST(MapToHost, WritesTheOneOffsetZeroWhereThereAreNeitherRowsNorOffsets) {
 }
 
 TEST(MapToHost, RefusesOffsetsThatEndEarly) {
-  const auto data = ArrowArray(kMap, "[[[1, 10]], []]")->data()->Copy();
+  const auto data = ArrowArray(kCounts, "[[[1, 10]], []]")->data()->Copy();
   data->buffers[1] = ArrowBuffer({0, 0, 0, 0, 1, 0, 0, 0});
   EXPECT_EQ(ToNumeraOnlyReads(::arrow::MakeArray(data)).status(),
             Status::Invalid("Offsets buffer: found 8 bytes, expected enough for 2 elements."));
@@ -98,13 +98,13 @@ TEST(MapToHost, ReturnsTheFailureOfKeysBeforeThatOfItems) {
 }
 
 TEST(MapToHost, IsNotReadBack) {
-  const hxArrayPtr written = ValueOf(to_numera(ArrowArray(kMap, "[[[1, 10]]]")));
+  const hxArrayPtr written = ValueOf(to_numera(ArrowArray(kCounts, "[[[1, 10]]]")));
   EXPECT_EQ(to_arrow<::arrow::Array>(written.get()).status(),
             Status::TypeError("Expected 'array' input type, received 'map' instead."));
 }
 
 TEST(MapToHost, LeavesNothingBehindWhereverItFails) {
-  const auto maps = ArrowArray(kMap, "[[[1, null]], null]");
+  const auto maps = ArrowArray(kCounts, "[[[1, null]], null]");
   FailWriting(maps);
 }
 

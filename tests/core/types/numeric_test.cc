@@ -11,6 +11,7 @@
 #include "numera/host/memory.h"
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -60,15 +61,11 @@ const NumericClass kClasses[] = {
      "[0, 1, 18446744073709551615]"},
 };
 
-std::shared_ptr<::arrow::Array> read(const hxArrayPtr& encoded) {
-  return to_arrow<::arrow::Array>(encoded.get()).ValueOrDie();
-}
-
 TEST(NumericToArrow, GivesEveryClassItsType) {
   for (const NumericClass& one : kClasses) {
     SCOPED_TRACE(one.name);
     const hxArrayPtr encoded = Envelope(one.name, one.host());
-    EXPECT_TRUE(SameArray(*read(encoded), *ArrowArray(one.type, one.json)));
+    EXPECT_TRUE(SameArray(*Reading(encoded).ValueOrDie(), *ArrowArray(one.type, one.json)));
   }
 }
 
@@ -76,7 +73,7 @@ TEST(NumericToArrow, BorrowsTheMemoryOfTheHost) {
   for (const NumericClass& one : kClasses) {
     SCOPED_TRACE(one.name);
     const hxArrayPtr encoded = Envelope(one.name, one.host());
-    const auto array = read(encoded);
+    const auto array = Reading(encoded).ValueOrDie();
     const auto& buffer = array->data()->buffers[1];
     const hxArray* values = hxGetField(encoded.get(), 0, "Data");
     EXPECT_EQ(buffer->data(), hxGetData(values));
@@ -89,14 +86,14 @@ TEST(NumericToArrow, SeesLaterChangesOfTheHostArray) {
   hxArrayPtr values = Column<double>({1, 2});
   auto* const data = static_cast<double*>(hxGetData(values.get()));
   const hxArrayPtr encoded = Envelope("double", std::move(values));
-  const auto array = read(encoded);
+  const auto array = Reading(encoded).ValueOrDie();
   data[1] = 7;
   EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[1, 7]")));
 }
 
 TEST(NumericToArrow, LeavesTheNullsUncounted) {
   const hxArrayPtr encoded = Numbers<double>({1, 2, 3}, {0x05});
-  const auto array = read(encoded);
+  const auto array = Reading(encoded).ValueOrDie();
   const hxArray* valid = hxGetField(encoded.get(), 0, "Valid");
   EXPECT_EQ(array->data()->null_count.load(), -1);
   EXPECT_EQ(array->offset(), 0);
@@ -111,13 +108,14 @@ TEST(NumericToArrow, ReadsEveryShapeInStorageOrder) {
       Numbers<std::int16_t>({1, 2, 3, 4, 5, 6}),
       Envelope("int16", Matrix<std::int16_t>({1, 3, 2}, {1, 2, 3, 4, 5, 6}))};
   const auto expected = ArrowArray(::arrow::int16(), "[1, 2, 3, 4, 5, 6]");
-  for (const hxArrayPtr& encoded : shapes) EXPECT_TRUE(SameArray(*read(encoded), *expected));
+  for (const hxArrayPtr& encoded : shapes)
+    EXPECT_TRUE(SameArray(*Reading(encoded).ValueOrDie(), *expected));
 }
 
 TEST(NumericToArrow, GivesAnEmptyArrayOverAnEmptyBuffer) {
   for (const Dims& dims : {Dims{0, 0}, Dims{0, 1}, Dims{1, 0}, Dims{3, 0, 2}}) {
     const hxArrayPtr encoded = Envelope("double", Matrix<double>(dims, {}));
-    const auto array = read(encoded);
+    const auto array = Reading(encoded).ValueOrDie();
     EXPECT_TRUE(SameArray(*array, *ArrowArray(::arrow::float64(), "[]")));
     ASSERT_NE(array->data()->buffers[1], nullptr);
     EXPECT_EQ(array->data()->buffers[1]->size(), 0);

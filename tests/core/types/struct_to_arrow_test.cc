@@ -6,6 +6,7 @@
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_numera.h"
 #include "tests/core/fail_conversions.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -18,10 +19,6 @@ namespace {
 using namespace numera::testing;
 using ::arrow::field;
 using ::arrow::Status;
-
-Status StatusOfReading(const hxArrayPtr& encoded) {
-  return to_arrow<::arrow::Array>(encoded.get()).status();
-}
 
 const std::shared_ptr<::arrow::DataType> kPoint =
     ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float64())});

@@ -25,7 +25,7 @@ std::shared_ptr<::arrow::DataType> struct_of(const char* name) {
   return ::arrow::struct_({field(name, ::arrow::int32())});
 }
 
-const std::shared_ptr<::arrow::DataType> kPoint =
+const std::shared_ptr<::arrow::DataType> kPair =
     ::arrow::struct_({field("a", ::arrow::int32()), field("b", ::arrow::float64())});
 
 TEST(StructToHost, TakesTheNamesOfEachChunkFromItsOwnType) {
@@ -41,7 +41,7 @@ TEST(StructToHost, TakesTheNamesOfEachChunkFromItsOwnType) {
 }
 
 TEST(StructToHost, WritesNamesAndEnvelopesAsRows) {
-  const auto structs = ArrowArray(kPoint, "[[1, 2.5], [3, 4.5]]");
+  const auto structs = ArrowArray(kPair, "[[1, 2.5], [3, 4.5]]");
   EXPECT_TRUE(
       SameHostValue(ValueOf(to_numera(structs)).get(),
                     WrittenNested("struct", "struct", 2,
@@ -89,7 +89,7 @@ TEST(StructToHost, WritesOneElementAChunkWithItsOwnCellsAndValidity) {
 }
 
 TEST(StructToHost, WritesNoElementsForNoChunks) {
-  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kPoint, {})).get(),
+  EXPECT_TRUE(SameHostValue(DataOf(ArrowChunks(kPair, {})).get(),
                             StructArray({0, 1}, kStructFields, {}).get()));
 }
 
@@ -101,7 +101,7 @@ TEST(StructToHost, WritesAStructWithoutFields) {
 }
 
 TEST(StructToHost, KeepsTheTextOfNames) {
-  const auto type = ::arrow::struct_({field("\xC3\x9F\xE4\xB8\xAD\xF0\x9F\x98\x80", kPoint),
+  const auto type = ::arrow::struct_({field("\xC3\x9F\xE4\xB8\xAD\xF0\x9F\x98\x80", kPair),
                                       field("", ::arrow::null()), field("", ::arrow::null())});
   const hxArrayPtr data = DataOf(ArrowArray(type, "[]"));
   EXPECT_TRUE(

@@ -9,6 +9,7 @@
 #include "numera/core/to_numera.h"
 #include "tests/core/data_of.h"
 #include "tests/core/fail_conversions.h"
+#include "tests/core/reading.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_builder.h"
@@ -22,9 +23,9 @@ using namespace numera::testing;
 using ::arrow::Status;
 using ::arrow::TimeUnit;
 
-Status StatusOfReading(const hxArrayPtr& timestamp) {
+Status StatusOfReadingTimestamp(const hxArrayPtr& timestamp) {
   const hxArrayPtr encoded = Envelope("datetime", hxSharedCopy(timestamp.get()));
-  return to_arrow<::arrow::Array>(encoded.get()).status();
+  return StatusOfReading(encoded);
 }
 
 TEST(TimestampToArrow, TakesUnitAndTimeZoneFromItsTexts) {
@@ -99,7 +100,7 @@ TEST(TimestampToArrow, ReportsWhatIsMissingOrOfAnotherClassInOrder) {
        "Field 'Values': found a sparse 1-by-1 int64 array, expected a real array that is not "
        "sparse."}};
   for (const auto& [timestamp, message] : cases) {
-    EXPECT_EQ(StatusOfReading(timestamp), Status::TypeError(message));
+    EXPECT_EQ(StatusOfReadingTimestamp(timestamp), Status::TypeError(message));
   }
 }
 
@@ -109,18 +110,18 @@ TEST(TimestampToArrow, LetsTheHostReportFieldsThatAStructLacks) {
       Struct({{"Values", Column<std::int64_t>({1})}, {"TimeZone", Char("")}}),
       Struct({{"Values", Column<std::int64_t>({1})}, {"Units", Char("seconds")}})};
   for (const hxArrayPtr& timestamp : lacking) {
-    EXPECT_THAT([&] { return StatusOfReading(timestamp); },
+    EXPECT_THAT([&] { return StatusOfReadingTimestamp(timestamp); },
                 ::testing::ThrowsMessage<std::invalid_argument>("Wrong field name."));
   }
   const hxArrayPtr no_element = StructArray({0, 1}, {"Values", "Units", "TimeZone"}, {});
-  EXPECT_THAT([&] { return StatusOfReading(no_element); },
+  EXPECT_THAT([&] { return StatusOfReadingTimestamp(no_element); },
               ::testing::ThrowsMessage<std::out_of_range>("Struct index is out of range."));
 }
 
 TEST(TimestampToArrow, LetsTheHostReportATimeZoneThatIsNoText) {
   const hxArrayPtr timestamp = TimestampData(Column<std::int64_t>({1}), Char("seconds"),
                                              Char(std::u16string_view(u"\xD800", 1)));
-  EXPECT_THROW(static_cast<void>(StatusOfReading(timestamp)), hxCodecError);
+  EXPECT_THROW(static_cast<void>(StatusOfReadingTimestamp(timestamp)), hxCodecError);
 }
 
 TEST(TimestampToNumera, WritesUnitTimeZoneAndValues) {

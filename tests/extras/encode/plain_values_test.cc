@@ -7,6 +7,7 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/extras/encode/encode.h"
+#include "tests/extras/encode/expect_encoded.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
 #include "tests/support/host_matchers.h"
@@ -17,12 +18,6 @@ namespace {
 using namespace std::string_literals;
 using extras::make_readable;
 using io::arrow::core::to_arrow;
-
-void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
-  const auto readable = make_readable(value.get());
-  ASSERT_TRUE(readable.ok()) << readable.status();
-  EXPECT_TRUE(SameHostValue(readable->get(), expected.get()));
-}
 
 template <class T>
 void expect_numbers(std::string_view type) {

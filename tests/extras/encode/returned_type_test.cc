@@ -129,7 +129,7 @@ TEST(ReturnedType, IsNoneWhereATypeIsMissing) {
   const TypePtr none;
   const std::pair<const char*, TypePtr> types[] = {
       {"list", list(none)},
-      {"list without a field", list(std::shared_ptr<Field>())},
+      {"list without a field", list(std::shared_ptr<::arrow::Field>())},
       {"large list", large_list(none)},
       {"struct", struct_({field("a", int8()), field("b", none)})},
       {"keys", map(none, int8())},

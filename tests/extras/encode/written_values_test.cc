@@ -7,9 +7,9 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/extras/encode/encode.h"
+#include "tests/extras/encode/expect_encoded.h"
 #include "tests/support/arrow_values.h"
 #include "tests/support/envelopes.h"
-#include "tests/support/host_matchers.h"
 
 namespace numera::testing {
 namespace {
@@ -21,12 +21,6 @@ using io::arrow::core::to_arrow;
 hxArrayPtr Datetime(const std::vector<std::int64_t>& values, std::string_view units,
                     hxArrayPtr time_zone) {
   return WrittenTimestampData(Column<std::int64_t>(values), Char(units), std::move(time_zone));
-}
-
-void expect_encoded(const hxArrayPtr& value, const hxArrayPtr& expected) {
-  const auto readable = make_readable(value.get());
-  ASSERT_TRUE(readable.ok()) << readable.status();
-  EXPECT_TRUE(SameHostValue(readable->get(), expected.get()));
 }
 
 void expect_unchanged(std::string_view type, double length, hxArrayPtr (*data)()) {

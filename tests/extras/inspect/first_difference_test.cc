@@ -17,8 +17,6 @@ namespace {
 
 using extras::first_difference;
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 // The difference, or "equal".
 std::string difference(const hxArrayPtr& a, const hxArrayPtr& b) {
   return first_difference(a.get(), b.get()).value_or("equal");

@@ -16,7 +16,6 @@ namespace {
 
 using extras::print;
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 struct PrintCase {

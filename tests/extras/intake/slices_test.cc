@@ -39,7 +39,7 @@ std::string nothing(int) { return "null"; }
 std::string category(int i) { return i % 4 == 1 ? "null" : "\"c\""; }
 
 template <Element element>
-std::string list_of(int i) {
+std::string list_json(int i) {
   if (i % 6 == 4) return "null";
   std::string json = "[";
   for (int k = 0; k < i % 4; ++k) json += (k == 0 ? "" : ", ") + element(i + k);
@@ -47,12 +47,12 @@ std::string list_of(int i) {
 }
 
 template <Element first, Element second>
-std::string struct_of(int i) {
+std::string struct_json(int i) {
   return i % 7 == 5 ? "null" : "{\"x\": " + first(i) + ", \"y\": " + second(i + 1) + "}";
 }
 
 template <Element item>
-std::string map_of(int i) {
+std::string map_json(int i) {
   if (i % 6 == 2) return "null";
   std::string json = "[";
   for (int k = 0; k < i % 3; ++k) {
@@ -65,12 +65,12 @@ TypePtr pair_of(TypePtr x, TypePtr y) {
   return ::arrow::struct_({field("x", std::move(x)), field("y", std::move(y))});
 }
 
-struct Case {
+struct SlicedType {
   TypePtr type;
   Element element;
 };
 
-std::vector<Case> cases() {
+std::vector<SlicedType> sliced_types() {
   const TypePtr categories = ::arrow::dictionary(int8(), utf8());
   return {
       {::arrow::null(), nothing},
@@ -97,22 +97,22 @@ std::vector<Case> cases() {
       {::arrow::time64(::arrow::TimeUnit::MICRO), number},
       {::arrow::duration(::arrow::TimeUnit::MILLI), number},
       {categories, category},
-      {::arrow::list(int32()), list_of<number>},
-      {::arrow::list(::arrow::boolean()), list_of<truth>},
-      {::arrow::large_list(utf8()), list_of<text>},
-      {::arrow::list(categories), list_of<category>},
-      {::arrow::list(::arrow::large_list(::arrow::boolean())), list_of<list_of<truth>>},
-      {pair_of(::arrow::boolean(), utf8()), struct_of<truth, text>},
-      {pair_of(categories, ::arrow::null()), struct_of<category, nothing>},
+      {::arrow::list(int32()), list_json<number>},
+      {::arrow::list(::arrow::boolean()), list_json<truth>},
+      {::arrow::large_list(utf8()), list_json<text>},
+      {::arrow::list(categories), list_json<category>},
+      {::arrow::list(::arrow::large_list(::arrow::boolean())), list_json<list_json<truth>>},
+      {pair_of(::arrow::boolean(), utf8()), struct_json<truth, text>},
+      {pair_of(categories, ::arrow::null()), struct_json<category, nothing>},
       {pair_of(::arrow::list(::arrow::int16()), pair_of(int8(), ::arrow::boolean())),
-       struct_of<list_of<number>, struct_of<number, truth>>},
+       struct_json<list_json<number>, struct_json<number, truth>>},
       {::arrow::list(pair_of(::arrow::list(::arrow::boolean()), ::arrow::float64())),
-       list_of<struct_of<list_of<truth>, number>>},
-      {::arrow::map(utf8(), int32()), map_of<number>},
-      {::arrow::map(utf8(), ::arrow::list(::arrow::boolean())), map_of<list_of<truth>>},
-      {::arrow::map(utf8(), categories), map_of<category>},
+       list_json<struct_json<list_json<truth>, number>>},
+      {::arrow::map(utf8(), int32()), map_json<number>},
+      {::arrow::map(utf8(), ::arrow::list(::arrow::boolean())), map_json<list_json<truth>>},
+      {::arrow::map(utf8(), categories), map_json<category>},
       {::arrow::list(::arrow::map(utf8(), pair_of(utf8(), ::arrow::boolean()))),
-       list_of<map_of<struct_of<text, truth>>>},
+       list_json<map_json<struct_json<text, truth>>>},
   };
 }
 
@@ -126,7 +126,7 @@ constexpr Cut kCuts[] = {{0, kLength}, {0, 0},  {1, kLength}, {7, kLength}, {8, 
                          {8, 11},      {0, 13}, {16, 16},     {32, kLength}};
 
 /// Takes in `array`. Expects a fit result that equals `expected`, in Arrow and in the host.
-void expect_taken(const ArrayPtr& array, const ArrayPtr& expected) {
+void expect_slice_taken(const ArrayPtr& array, const ArrayPtr& expected) {
   const auto result = extras::take_in(array);
   ASSERT_TRUE(result.ok()) << result.status();
   const ArrayPtr taken = result->value;
@@ -168,7 +168,7 @@ ArrayPtr in_map(const ArrayPtr& array) {
 }
 
 void expect_all_cuts_taken(Wrap wrap) {
-  for (const Case& one : cases()) {
+  for (const SlicedType& one : sliced_types()) {
     SCOPED_TRACE(one.type->ToString());
     const ArrayPtr whole = Elements(one.type, one.element, 0, kLength);
     for (const Cut& cut : kCuts) {
@@ -176,8 +176,8 @@ void expect_all_cuts_taken(Wrap wrap) {
       const bool has_category =
           cut.end - cut.begin > 8 || one.type->ToString().find("dict") == std::string::npos;
       if (!has_category) continue;
-      expect_taken(wrap(whole->Slice(cut.begin, cut.end - cut.begin)),
-                   wrap(Elements(one.type, one.element, cut.begin, cut.end)));
+      expect_slice_taken(wrap(whole->Slice(cut.begin, cut.end - cut.begin)),
+                         wrap(Elements(one.type, one.element, cut.begin, cut.end)));
     }
   }
 }
@@ -197,12 +197,13 @@ TEST(IntakeSlices, LoseTheirOffsetInALargeList) {
 TEST(IntakeSlices, LoseTheirOffsetInAMap) { expect_all_cuts_taken(in_map); }
 
 TEST(IntakeSlices, OfSlicesLoseTheSumOfTheirOffsets) {
-  for (const Case& one : cases()) {
+  for (const SlicedType& one : sliced_types()) {
     SCOPED_TRACE(one.type->ToString());
     const ArrayPtr whole = Elements(one.type, one.element, 0, kLength);
-    expect_taken(whole->Slice(3)->Slice(4)->Slice(2, 20), Elements(one.type, one.element, 9, 29));
-    expect_taken(in_struct(in_struct(whole->Slice(1))->Slice(3, 27))->Slice(4, 20),
-                 in_struct(in_struct(Elements(one.type, one.element, 8, 28))));
+    expect_slice_taken(whole->Slice(3)->Slice(4)->Slice(2, 20),
+                       Elements(one.type, one.element, 9, 29));
+    expect_slice_taken(in_struct(in_struct(whole->Slice(1))->Slice(3, 27))->Slice(4, 20),
+                       in_struct(in_struct(Elements(one.type, one.element, 8, 28))));
   }
 }
 
@@ -215,26 +216,26 @@ TEST(IntakeSlices, OfDictionariesKeepEveryCategory) {
       ::arrow::DictionaryArray::FromArrays(ArrowArray(int8(), "[null, 3, 2, 1, 0]"),
                                            ArrowArray(utf8(), R"(["a", "bb", "", "ccc"])"))
           .ValueOrDie();
-  expect_taken(whole->Slice(2, 5), expected);
+  expect_slice_taken(whole->Slice(2, 5), expected);
 }
 
 TEST(IntakeSlices, OfAnArrayOfNothingAreTaken) {
-  for (const Case& one : cases()) {
+  for (const SlicedType& one : sliced_types()) {
     SCOPED_TRACE(one.type->ToString());
     const ArrayPtr empty = Elements(one.type, one.element, 0, 0);
-    expect_taken(empty, empty);
-    expect_taken(empty->Slice(0, 0), empty);
+    expect_slice_taken(empty, empty);
+    expect_slice_taken(empty->Slice(0, 0), empty);
   }
 }
 
 TEST(IntakeSlices, GetTheOffsetThatAnArrayOfNothingMayLack) {
   const auto bare = ::arrow::MakeArray(::arrow::ArrayData::Make(
       utf8(), 0, {nullptr, std::make_shared<::arrow::Buffer>(""), ArrowBuffer({})}));
-  expect_taken(bare, Elements(utf8(), text, 0, 0));
+  expect_slice_taken(bare, Elements(utf8(), text, 0, 0));
   const auto bare_list = ::arrow::MakeArray(
       ::arrow::ArrayData::Make(::arrow::large_list(utf8()), 0,
                                {nullptr, std::make_shared<::arrow::Buffer>("")}, {bare->data()}));
-  expect_taken(bare_list, Elements(::arrow::large_list(utf8()), text, 0, 0));
+  expect_slice_taken(bare_list, Elements(::arrow::large_list(utf8()), text, 0, 0));
 }
 
 }  // namespace

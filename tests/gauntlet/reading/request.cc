@@ -8,7 +8,6 @@ namespace {
 
 constexpr Door kDoors[] = {Door::kArray, Door::kArray,  Door::kArray, Door::kElement,
                            Door::kTable, Door::kBuffer, Door::kTable};
-constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
 constexpr int kDepth = 3;
 /// Values nested to the limit of the conversions are slow: only one value in this many.
 constexpr size_t kDeepOnceIn = 2000;

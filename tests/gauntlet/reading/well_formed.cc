@@ -32,7 +32,6 @@ constexpr const char* kTypeNames[] = {
 constexpr const char* kUnits[] = {"seconds", "milliseconds", "microseconds", "nanoseconds",
                                   "second"};
 
-constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
 constexpr std::string_view kFieldNames[] = {"x", "y", "ключ", "", {"\0z", 2}};
 
 /// 0, 1, 2, ..., `count` - 1

@@ -12,6 +12,9 @@
 
 namespace numera::gauntlet::reading {
 
+/// Lengths around the borders of bytes in a bitmap.
+inline constexpr size_t kLengths[] = {0, 1, 2, 3, 7, 8, 9, 17};
+
 /// Random dimensions for `count` elements.
 testing::Dims any_dims(Random& random, size_t count);
 
