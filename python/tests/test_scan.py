@@ -219,7 +219,7 @@ def test_ctrl_c_ends_reading(tmp_path, monkeypatch):
             pass
 
         def update(self, rows):
-            os.kill(os.getpid(), signal.SIGINT)
+            signal.raise_signal(signal.SIGINT)  # in this thread
 
     monkeypatch.setattr(numera.io, "_bar", lambda *_: Bar())
     with pytest.raises(KeyboardInterrupt) as kept:  # the traceback has every variable
