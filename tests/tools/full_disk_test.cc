@@ -109,6 +109,20 @@ TEST_F(FullDisk, HasNoRoomForOneMoreFile) {
   EXPECT_EQ(disk.names(), std::vector<std::string>{"back.arrow"});
 }
 
+/// The part of the folder takes one place, a folder in it the next one.
+TEST_F(FullDisk, HasNoRoomForAFolderOrAFileOfPartitions) {
+  for (const std::size_t places : {1U, 2U}) {
+    SCOPED_TRACE(places);
+    const SmallDisk disk(kPages, places);
+    const std::string output = disk.path("rows");
+    const Outcome expected{
+        1, "",
+        "numera-arrow: " + file_ + ": cannot write " + output + ": No space left on device\n"};
+    EXPECT_EQ(run_program({"convert", file_, "--output", output, "--partition-by", "a"}), expected);
+    EXPECT_EQ(disk.names(), std::vector<std::string>());
+  }
+}
+
 TEST_F(FullDisk, CutsAPrintedResultWhichIsAFailure) {
   const std::string output = folder_.path("back.arrow");
   write_text(output, "older");
