@@ -18,7 +18,7 @@
 namespace numera::tools {
 namespace {
 
-using Members = std::vector<std::pair<std::string_view, std::string>>;
+using HostMembers = std::vector<std::pair<std::string_view, std::string>>;
 
 std::string host_json(const hxArray* value);
 
@@ -72,7 +72,7 @@ std::string texts_json(const hxStringArray& texts) {
 
 /// Adds the members that tell what the value holds. There are none where the host lets nobody read
 /// the elements.
-void add_contents(const hxArray* value, Members& members) {
+void add_contents(const hxArray* value, HostMembers& members) {
   const hxClassID class_id = hxGetClassID(value);
   const size_t elements = hxGetNumberOfElements(value);
   if (hxIsStringArray(value)) {
@@ -95,7 +95,7 @@ void add_contents(const hxArray* value, Members& members) {
 std::string host_json(const hxArray* value) {
   if (value == nullptr) return "null";
   const auto size = hxGetDimensions(value);
-  Members members = {
+  HostMembers members = {
       {"class", json_text(hxGetClassName(value))},
       {"size", array_json(size.size(), [&](size_t i) { return std::to_string(size[i]); })}};
   add_contents(value, members);
@@ -105,7 +105,7 @@ std::string host_json(const hxArray* value) {
 }  // namespace
 
 std::string host_fields_json(const hxArray* structs, size_t element) {
-  Members fields;
+  HostMembers fields;
   for (int i = 0; i < hxGetNumberOfFields(structs); ++i) {
     const char* name = hxGetFieldName(structs, i);
     fields.emplace_back(name, host_json(hxGetField(structs, element, name)));

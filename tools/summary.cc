@@ -138,8 +138,9 @@ void print_tables(std::vector<CellColumn> columns, size_t width, bool colour, st
   }
 }
 
-void print_as_tables(const ::arrow::FieldVector& fields, const std::vector<Figures>& figures,
-                     std::int64_t rows, std::ostream& out) {
+void print_summary_as_tables(const ::arrow::FieldVector& fields,
+                             const std::vector<Figures>& figures, std::int64_t rows,
+                             std::ostream& out) {
   const size_t width = output_width().value_or(kUsualWidth);
   const size_t beside_labels = column_of_labels().width + kGap;
   const size_t room = std::max(width, beside_labels + kLeastCell) - beside_labels;
@@ -152,8 +153,8 @@ void print_as_tables(const ::arrow::FieldVector& fields, const std::vector<Figur
   out << (fields.empty() ? "" : "\n") << grouped(rows) << (rows == 1 ? " row\n" : " rows\n");
 }
 
-void print_as_json(const ::arrow::FieldVector& fields, const std::vector<Figures>& figures,
-                   std::int64_t rows, std::ostream& out) {
+void print_summary_as_json(const ::arrow::FieldVector& fields, const std::vector<Figures>& figures,
+                           std::int64_t rows, std::ostream& out) {
   for (size_t i = 0; i < fields.size(); ++i) {
     out << summary_json(*fields[i], rows, figures[i]) << '\n';
   }
@@ -173,7 +174,7 @@ void print_as_json(const ::arrow::FieldVector& fields, const std::vector<Figures
   std::vector<Figures> figures;
   figures.reserve(summaries.size());
   for (const ColumnSummary& column : summaries) figures.push_back(column.figures());
-  (summary.json ? print_as_json : print_as_tables)(fields, figures, rows, out);
+  (summary.json ? print_summary_as_json : print_summary_as_tables)(fields, figures, rows, out);
   return ::arrow::Status::OK();
 }
 

@@ -8,18 +8,18 @@
 namespace numera::tools {
 namespace {
 
-std::string json_of(const Figures& figures, Figure figure) {
+std::string figure_json(const Figures& figures, Figure figure) {
   const auto found = figures.find(figure);
   return found == figures.end() ? "null" : found->second.json;
 }
 
 std::string quantiles_json(const Figures& figures) {
   if (!figures.contains(Figure::k50)) return "null";
-  return json_object({{"p5", json_of(figures, Figure::k5)},
-                      {"p25", json_of(figures, Figure::k25)},
-                      {"p50", json_of(figures, Figure::k50)},
-                      {"p75", json_of(figures, Figure::k75)},
-                      {"p95", json_of(figures, Figure::k95)}});
+  return json_object({{"p5", figure_json(figures, Figure::k5)},
+                      {"p25", figure_json(figures, Figure::k25)},
+                      {"p50", figure_json(figures, Figure::k50)},
+                      {"p75", figure_json(figures, Figure::k75)},
+                      {"p95", figure_json(figures, Figure::k95)}});
 }
 
 /// The names of the members that are estimates.
@@ -41,18 +41,18 @@ std::string summary_json(const ::arrow::Field& column, std::int64_t rows, const 
   return json_object({{"column", json_text(column.name())},
                       {"arrow_type", json_text(column.type()->ToString())},
                       {"rows", json_number(rows)},
-                      {"nulls", json_of(figures, Figure::kNulls)},
-                      {"distinct", json_of(figures, Figure::kDistinct)},
-                      {"nans", json_of(figures, Figure::kNaN)},
-                      {"falses", json_of(figures, Figure::kFalse)},
-                      {"trues", json_of(figures, Figure::kTrue)},
-                      {"min", json_of(figures, Figure::kMin)},
-                      {"max", json_of(figures, Figure::kMax)},
-                      {"mean", json_of(figures, Figure::kMean)},
+                      {"nulls", figure_json(figures, Figure::kNulls)},
+                      {"distinct", figure_json(figures, Figure::kDistinct)},
+                      {"nans", figure_json(figures, Figure::kNaN)},
+                      {"falses", figure_json(figures, Figure::kFalse)},
+                      {"trues", figure_json(figures, Figure::kTrue)},
+                      {"min", figure_json(figures, Figure::kMin)},
+                      {"max", figure_json(figures, Figure::kMax)},
+                      {"mean", figure_json(figures, Figure::kMean)},
                       {"quantiles", quantiles_json(figures)},
-                      {"shortest", json_of(figures, Figure::kShortest)},
-                      {"longest", json_of(figures, Figure::kLongest)},
-                      {"histogram", json_of(figures, Figure::kHistogram)},
+                      {"shortest", figure_json(figures, Figure::kShortest)},
+                      {"longest", figure_json(figures, Figure::kLongest)},
+                      {"histogram", figure_json(figures, Figure::kHistogram)},
                       {"approximate", estimates_json(figures)}});
 }
 

@@ -21,7 +21,7 @@ constexpr size_t kWidestLine = 100'000;
 /// So many elements of nested values are listed, however few rows there are.
 constexpr size_t kFewestElements = 20;
 
-void print_as_text(const hxArray* table, std::int64_t elements, std::ostream& out) {
+void print_tree_as_text(const hxArray* table, std::int64_t elements, std::ostream& out) {
   const extras::PrintOptions all{
       .max_elements = std::max(static_cast<size_t>(elements), kFewestElements),
       .max_width = kWidestLine,
@@ -30,7 +30,7 @@ void print_as_text(const hxArray* table, std::int64_t elements, std::ostream& ou
 }
 
 /// "Columns" of the table has an element per column.
-void print_as_json(const hxArray* table, const ::arrow::Schema& schema, std::ostream& out) {
+void print_tree_as_json(const hxArray* table, const ::arrow::Schema& schema, std::ostream& out) {
   const hxArray* columns = hxGetField(table, 0, "Columns");
   for (int i = 0; i < schema.num_fields(); ++i) {
     out << json_object({{"column", json_text(schema.field(i)->name())},
@@ -58,9 +58,9 @@ void print_as_json(const hxArray* table, const ::arrow::Schema& schema, std::ost
   ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = tree.cast}));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, io::arrow::core::to_numera(taken.value));
   if (tree.json) {
-    print_as_json(host.get(), *table->schema(), out);
+    print_tree_as_json(host.get(), *table->schema(), out);
   } else {
-    print_as_text(host.get(), std::max<std::int64_t>(tree.rows, table->num_columns()), out);
+    print_tree_as_text(host.get(), std::max<std::int64_t>(tree.rows, table->num_columns()), out);
   }
   return ::arrow::Status::OK();
 }

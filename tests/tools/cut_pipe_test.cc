@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <stdexcept>
+
 #include "tests/tools/program.h"
 
 namespace numera::testing {

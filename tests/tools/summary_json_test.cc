@@ -1,6 +1,6 @@
 // summary --json: the figures of each column for other programs.
 
-#include <arrow/array/util.h>
+#include <arrow/array/builder_primitive.h>
 #include <gtest/gtest.h>
 
 #include "tests/tools/summary.h"
