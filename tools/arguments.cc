@@ -122,6 +122,14 @@ void add_rows(CLI::App& program, Arguments& arguments) {
   }
 }
 
+void add_summary(CLI::App& program, Arguments& arguments) {
+  CLI::App* summary =
+      add_command(program, arguments, "summary",
+                  "Print what the values of each column are like; reads the whole file", "");
+  add_columns(summary);
+  add_json(summary, arguments.summary.json, "an object per column and line, with every digit");
+}
+
 void add_tree(CLI::App& program, Arguments& arguments) {
   CLI::App* tree =
       add_command(program, arguments, "tree",
@@ -129,6 +137,7 @@ void add_tree(CLI::App& program, Arguments& arguments) {
   add_columns(tree);
   add_number(tree, "-n,--rows", arguments.tree.rows, 0, "Number of rows to print (default: 10)");
   tree->add_flag("--cast", arguments.tree.cast, "Cast types that have no host form");
+  add_json(tree, arguments.tree.json, "an object per column and line, with every value");
 }
 
 void add_convert(CLI::App& program, Arguments& arguments) {
@@ -187,9 +196,7 @@ std::variant<Arguments, int> read_arguments(int argc, char** argv) {
   Arguments arguments;
   add_types(program, arguments);
   add_rows(program, arguments);
-  add_columns(add_command(program, arguments, "summary",
-                          "Print what the values of each column are like; reads the whole file",
-                          ""));
+  add_summary(program, arguments);
   add_tree(program, arguments);
   add_convert(program, arguments);
   for (CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {

@@ -5,6 +5,7 @@
 #include "tools/convert.h"
 #include "tools/look.h"
 #include "tools/rows.h"
+#include "tools/summary.h"
 #include "tools/tree.h"
 
 namespace numera::tools {
@@ -17,6 +18,7 @@ struct Arguments {
   ConvertOptions convert;
   TypesOptions types;
   RowsOptions rows;
+  SummaryOptions summary;
   TreeOptions tree;
 };
 

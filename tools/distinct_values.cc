@@ -1,7 +1,5 @@
 #include "tools/distinct_values.h"
 
-#include "tools/text_table.h"
-
 namespace numera::tools {
 
 void DistinctValues::add(std::string_view value) {
@@ -14,10 +12,6 @@ void DistinctValues::add(std::string_view value) {
   held_.emplace(value);
   bytes_ += value.size();
   ++count_;
-}
-
-std::string DistinctValues::text() const {
-  return (is_full_ ? "more than " : "") + grouped(static_cast<long long>(count_));
 }
 
 }  // namespace numera::tools

@@ -18,8 +18,9 @@ class DistinctValues {
   /// The bytes of a value. Equal bytes are equal values.
   void add(std::string_view value);
 
-  /// "1,234", or "more than 10,000" after the bound.
-  std::string text() const;
+  /// How many there are, or the bound if there are more.
+  size_t count() const { return count_; }
+  bool has_more() const { return is_full_; }
 
  private:
   struct Hash : std::hash<std::string_view> {

@@ -1,14 +1,15 @@
 #include "tools/histogram.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
+#include <tuple>
 
 namespace numera::tools {
 namespace {
 
-constexpr size_t kBuckets = 12;
+constexpr size_t kBuckets = std::tuple_size_v<Histogram>;
 constexpr const char* kBars[] = {"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 
 /// Halves do not overflow where the bounds lie as far apart as doubles can.
@@ -21,16 +22,20 @@ size_t bucket_of(double number, double least, double most) {
 
 }  // namespace
 
-std::string histogram(const std::vector<double>& numbers, double least, double most) {
-  std::array<size_t, kBuckets> counts = {};
+Histogram histogram(const std::vector<double>& numbers, double least, double most) {
+  Histogram counts = {};
   for (const double number : numbers) {
     if (std::isfinite(number)) ++counts[bucket_of(number, least, most)];
   }
-  const size_t fullest = *std::ranges::max_element(counts);
+  return counts;
+}
+
+std::string bars(const Histogram& counts) {
+  const std::int64_t fullest = *std::ranges::max_element(counts);
   if (fullest == 0) return "";
   std::string text;
-  for (const size_t count : counts) {
-    text += kBars[(count * (std::size(kBars) - 1) + fullest - 1) / fullest];
+  for (const std::int64_t count : counts) {
+    text += kBars[(count * (std::ssize(kBars) - 1) + fullest - 1) / fullest];
   }
   return text;
 }

@@ -60,6 +60,15 @@ std::string json_number(std::optional<std::int64_t> number) {
   return number ? std::to_string(*number) : "null";
 }
 
+std::string json_array(const std::vector<std::string>& values) {
+  std::string json = "[";
+  for (const std::string& value : values) {
+    if (json.size() > 1) json += ',';
+    json += value;
+  }
+  return json + ']';
+}
+
 std::string json_object(const std::vector<std::pair<std::string_view, std::string>>& members) {
   std::string json = "{";
   for (const auto& [name, value] : members) {

@@ -18,6 +18,9 @@ std::string json_text_or_null(const std::optional<std::string>& text);
 /// A number, or null.
 std::string json_number(std::optional<std::int64_t> number);
 
+/// An array of values, each of which is JSON.
+std::string json_array(const std::vector<std::string>& values);
+
 /// An object of members in this order. Each value is JSON.
 std::string json_object(const std::vector<std::pair<std::string_view, std::string>>& members);
 

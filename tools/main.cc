@@ -20,7 +20,6 @@
 #include "tools/characters.h"
 #include "tools/exit_status.h"
 #include "tools/look.h"
-#include "tools/summary.h"
 
 namespace {
 
@@ -35,7 +34,7 @@ arrow::Status run(const Arguments& arguments) {
     case Command::kTypes:
       return print_types(options.paths, options.source, arguments.types, std::cout);
     case Command::kSummary:
-      return print_summary(options.paths, options.source, std::cout);
+      return print_summary(options.paths, options.source, arguments.summary, std::cout);
     case Command::kTree:
       return print_tree(options.paths, options.source, arguments.tree, std::cout);
     case Command::kConvert:

@@ -1,7 +1,9 @@
 // Summaries of numbers, dates and times. Integers, dates and times are held as integers, so that
 // all of them are exact.
 
+#include <arrow/array/array_primitive.h>
 #include <arrow/array/util.h>
+#include <arrow/buffer.h>
 #include <arrow/type_traits.h>
 #include <arrow/util/decimal.h>
 
@@ -14,9 +16,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/distinct_values.h"
 #include "tools/fixed_text.h"
 #include "tools/histogram.h"
+#include "tools/json.h"
+#include "tools/json_value.h"
 #include "tools/sample.h"
 #include "tools/stored_numbers.h"
 #include "tools/text_table.h"
@@ -78,11 +81,13 @@ class NumberSummary : public ValueSummary {
   }
 
   void put_into(Figures& figures) const override {
-    figures[Figure::kDistinct] = distinct_.text();
-    if (nans_ > 0) figures[Figure::kNaN] = grouped(nans_);
+    figures[Figure::kDistinct] = distinct_figure(distinct_);
+    if (std::is_same_v<Value, double>) {
+      figures[Figure::kNaN] = {nans_ > 0 ? grouped(nans_) : "", json_number(nans_)};
+    }
     if (count_ == 0) return;
-    figures[Figure::kMin] = text(least_);
-    figures[Figure::kMax] = text(most_);
+    figures[Figure::kMin] = figure_of(least_);
+    figures[Figure::kMax] = figure_of(most_);
     put_mean(figures);
     put_spread(figures);
   }
@@ -118,10 +123,11 @@ class NumberSummary : public ValueSummary {
     }
   }
 
-  std::string text(const Value& value) const {
+  FigureValue figure_of(const Value& value) const {
     const auto data = ::arrow::ArrayData::Make(
         type_, 1, {nullptr, ::arrow::Buffer::FromString(stored_bytes(value, *type_))});
-    return fixed_text(*::arrow::MakeArray(data), 0).value_or("?");
+    const auto array = ::arrow::MakeArray(data);
+    return {fixed_text(*array, 0).value_or("?"), json_value(*array, 0)};
   }
 
   void put_mean(Figures& figures) const {
@@ -130,11 +136,13 @@ class NumberSummary : public ValueSummary {
       if (is_time(*type_)) {
         const bool is_most = mean >= number(most_);  // which rounding would leave
         figures[Figure::kMean] =
-            text(is_most ? most_ : static_cast<Value>(std::floor(mean + 0.5L)));
+            figure_of(is_most ? most_ : static_cast<Value>(std::floor(mean + 0.5L)));
         return;
       }
     }
-    figures[Figure::kMean] = mean_text(static_cast<double>(mean));
+    const auto nearest = static_cast<double>(mean);
+    const ::arrow::DoubleArray array(1, ::arrow::Buffer::FromVector(std::vector<double>{nearest}));
+    figures[Figure::kMean] = {mean_text(nearest), json_value(array, 0)};
   }
 
   void put_spread(Figures& figures) const {
@@ -145,13 +153,34 @@ class NumberSummary : public ValueSummary {
                                                    {Figure::k75, 75},
                                                    {Figure::k95, 95}};
     for (const auto& [figure, percent] : quantiles) {
-      figures[figure] = (sample_.is_partial() ? "~" : "") + text(quantile(sorted, percent));
+      FigureValue found = figure_of(quantile(sorted, percent));
+      found.is_estimate = sample_.is_partial();
+      if (found.is_estimate) found.text.insert(0, "~");
+      figures[figure] = std::move(found);
     }
     std::vector<double> numbers;
     numbers.reserve(sorted.size());
     for (const Value& value : sorted) numbers.push_back(static_cast<double>(number(value)));
-    const std::string drawn = histogram(numbers, lower_end_, upper_end_);
-    if (!drawn.empty()) figures[Figure::kHistogram] = drawn;
+    put_histogram(histogram(numbers, lower_end_, upper_end_), figures);
+  }
+
+  void put_histogram(const Histogram& counts, Figures& figures) const {
+    std::string drawn = bars(counts);
+    if (drawn.empty()) return;
+    Value least = least_;
+    Value most = most_;
+    if constexpr (std::is_same_v<Value, double>) {  // these may be infinite
+      least = lower_end_;
+      most = upper_end_;
+    }
+    std::vector<std::string> numbers;
+    numbers.reserve(counts.size());
+    for (const std::int64_t count : counts) numbers.push_back(json_number(count));
+    figures[Figure::kHistogram] = {std::move(drawn),
+                                   json_object({{"from", figure_of(least).json},
+                                                {"to", figure_of(most).json},
+                                                {"counts", json_array(numbers)}}),
+                                   sample_.is_partial()};
   }
 
   std::shared_ptr<::arrow::DataType> type_;

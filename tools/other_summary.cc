@@ -2,15 +2,16 @@
 
 #include <arrow/array.h>
 #include <arrow/array/util.h>
-#include <arrow/scalar.h>
+#include <arrow/buffer.h>
 #include <arrow/type_traits.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <utility>
+#include <vector>
 
-#include "tools/distinct_values.h"
-#include "tools/text_table.h"
+#include "tools/json_value.h"
 #include "tools/value_summary.h"
 #include "tools/value_table.h"
 #include "tools/value_text.h"
@@ -28,14 +29,14 @@ class TruthSummary : public ValueSummary {
   }
 
   void put_into(Figures& figures) const override {
-    figures[Figure::kDistinct] = std::to_string((true_ > 0 ? 1 : 0) + (false_ > 0 ? 1 : 0));
-    figures[Figure::kFalse] = grouped(false_);
-    figures[Figure::kTrue] = grouped(true_);
+    figures[Figure::kDistinct] = count_figure((true_ > 0 ? 1 : 0) + (false_ > 0 ? 1 : 0));
+    figures[Figure::kFalse] = count_figure(false_);
+    figures[Figure::kTrue] = count_figure(true_);
   }
 
  private:
-  long long true_ = 0;
-  long long false_ = 0;
+  std::int64_t true_ = 0;
+  std::int64_t false_ = 0;
 };
 
 /// The shortest and the longest of some lengths.
@@ -48,8 +49,8 @@ class Lengths {
 
   void put_into(Figures& figures) const {
     if (longest_ < 0) return;
-    figures[Figure::kShortest] = grouped(shortest_);
-    figures[Figure::kLongest] = grouped(longest_);
+    figures[Figure::kShortest] = count_figure(shortest_);
+    figures[Figure::kLongest] = count_figure(longest_);
   }
 
  private:
@@ -106,32 +107,32 @@ class BytesSummary : public ValueSummary {
   }
 
   void put_into(Figures& figures) const override {
-    figures[Figure::kDistinct] = distinct_.text();
+    figures[Figure::kDistinct] = distinct_figure(distinct_);
     if (is_empty_) return;
-    figures[Figure::kMin] = shown(least_);
-    figures[Figure::kMax] = shown(most_);
+    figures[Figure::kMin] = figure_of(least_);
+    figures[Figure::kMax] = figure_of(most_);
     lengths_.put_into(figures);
   }
 
  private:
-  /// No more is held of a value, and no more could be shown.
-  static constexpr size_t kHeld = 1000;
-
   void add(std::string_view value) {
     distinct_.add(value);
     lengths_.add(is_text_ ? characters_of(value) : static_cast<std::int64_t>(value.size()));
-    const std::string_view start = value.substr(0, kHeld);
-    if (is_empty_ || start < least_) least_ = start;
-    if (is_empty_ || start > most_) most_ = start;
+    if (is_empty_ || value < least_) least_ = value;
+    if (is_empty_ || value > most_) most_ = value;
     is_empty_ = false;
   }
 
   /// As `show` prints it, but an empty text in quotation marks.
-  std::string shown(const std::string& value) const {
-    if (value.empty() && is_text_) return "\"\"";
-    const auto array = is_text_ ? ::arrow::MakeArrayFromScalar(::arrow::StringScalar(value), 1)
-                                : ::arrow::MakeArrayFromScalar(::arrow::BinaryScalar(value), 1);
-    return array.ok() ? value_text(**array, 0, kWidestCell).value_or("") : "?";
+  FigureValue figure_of(const std::string& value) const {
+    const auto length = static_cast<std::int64_t>(value.size());
+    const auto offsets = ::arrow::Buffer::FromVector(std::vector<std::int64_t>{0, length});
+    const auto type = is_text_ ? ::arrow::large_utf8() : ::arrow::large_binary();
+    const auto array = ::arrow::MakeArray(::arrow::ArrayData::Make(
+        type, 1, {nullptr, offsets, std::make_shared<::arrow::Buffer>(value)}));
+    std::string text = value_text(*array, 0, kWidestCell).value_or("");
+    if (value.empty() && is_text_) text = "\"\"";
+    return {std::move(text), json_value(*array, 0)};
   }
 
   bool is_text_;

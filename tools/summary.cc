@@ -9,6 +9,7 @@
 
 #include "tools/cells.h"
 #include "tools/memory_check.h"
+#include "tools/summary_json.h"
 #include "tools/terminal.h"
 #include "tools/text_table.h"
 #include "tools/value_summary.h"
@@ -58,7 +59,7 @@ class ColumnSummary {
   }
 
   Figures figures() const {
-    Figures figures = {{Figure::kNulls, grouped(nulls_)}};
+    Figures figures = {{Figure::kNulls, count_figure(nulls_)}};
     if (values_ != nullptr) values_->put_into(figures);
     return figures;
   }
@@ -75,7 +76,7 @@ CellColumn column_of(const ::arrow::Field& field, const Figures& figures, size_t
   column.cells.push_back({});
   for (const auto& [figure, label] : kLabels) {
     const auto found = figures.find(figure);
-    const std::string text = found == figures.end() ? "" : found->second;
+    const std::string text = found == figures.end() ? "" : found->second.text;
     column.cells.push_back({column.aligned_right ? text : fitted(text, widest)});
   }
   add_type(column, *field.type(), widest);
@@ -137,26 +138,43 @@ void print_tables(std::vector<CellColumn> columns, size_t width, bool colour, st
   }
 }
 
-}  // namespace
-
-::arrow::Status print_summary(const std::vector<std::string>& paths,
-                              const files::ReadOptions& options, std::ostream& out) {
-  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
-  const ::arrow::FieldVector& fields = source->schema()->fields();
-  std::vector<ColumnSummary> summaries;
-  summaries.reserve(fields.size());
-  for (const auto& field : fields) summaries.emplace_back(*field, bounds_for(fields.size()));
-  ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, add_batches(*source, summaries));
+void print_summary_as_tables(const ::arrow::FieldVector& fields,
+                             const std::vector<Figures>& figures, std::int64_t rows,
+                             std::ostream& out) {
   const size_t width = output_width().value_or(kUsualWidth);
   const size_t beside_labels = column_of_labels().width + kGap;
   const size_t room = std::max(width, beside_labels + kLeastCell) - beside_labels;
   std::vector<CellColumn> columns;
   columns.reserve(fields.size());
   for (size_t i = 0; i < fields.size(); ++i) {
-    columns.push_back(column_of(*fields[i], summaries[i].figures(), std::min(room, kWidestCell)));
+    columns.push_back(column_of(*fields[i], figures[i], std::min(room, kWidestCell)));
   }
   print_tables(std::move(columns), width, output_has_colour(), out);
   out << (fields.empty() ? "" : "\n") << grouped(rows) << (rows == 1 ? " row\n" : " rows\n");
+}
+
+void print_summary_as_json(const ::arrow::FieldVector& fields, const std::vector<Figures>& figures,
+                           std::int64_t rows, std::ostream& out) {
+  for (size_t i = 0; i < fields.size(); ++i) {
+    out << summary_json(*fields[i], rows, figures[i]) << '\n';
+  }
+}
+
+}  // namespace
+
+::arrow::Status print_summary(const std::vector<std::string>& paths,
+                              const files::ReadOptions& options, const SummaryOptions& summary,
+                              std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
+  const ::arrow::FieldVector& fields = source->schema()->fields();
+  std::vector<ColumnSummary> summaries;
+  summaries.reserve(fields.size());
+  for (const auto& field : fields) summaries.emplace_back(*field, bounds_for(fields.size()));
+  ARROW_ASSIGN_OR_RAISE(const std::int64_t rows, add_batches(*source, summaries));
+  std::vector<Figures> figures;
+  figures.reserve(summaries.size());
+  for (const ColumnSummary& column : summaries) figures.push_back(column.figures());
+  (summary.json ? print_summary_as_json : print_summary_as_tables)(fields, figures, rows, out);
   return ::arrow::Status::OK();
 }
 

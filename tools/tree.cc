@@ -9,12 +9,36 @@
 #include "numera/extras/inspect/inspect.h"
 #include "numera/extras/intake/intake.h"
 #include "numera/numera.h"
+#include "tools/host_json.h"
+#include "tools/json.h"
 
 namespace numera::tools {
 namespace {
 
 /// Enough for every row asked for, but not for a text of megabytes.
 constexpr size_t kWidestLine = 100'000;
+
+/// So many elements of nested values are listed, however few rows there are.
+constexpr size_t kFewestElements = 20;
+
+void print_tree_as_text(const hxArray* table, std::int64_t elements, std::ostream& out) {
+  const extras::PrintOptions all{
+      .max_elements = std::max(static_cast<size_t>(elements), kFewestElements),
+      .max_width = kWidestLine,
+      .max_lines = std::numeric_limits<size_t>::max()};
+  out << extras::print(table, all) << '\n';
+}
+
+/// "Columns" of the table has an element per column.
+void print_tree_as_json(const hxArray* table, const ::arrow::Schema& schema, std::ostream& out) {
+  const hxArray* columns = hxGetField(table, 0, "Columns");
+  for (int i = 0; i < schema.num_fields(); ++i) {
+    out << json_object({{"column", json_text(schema.field(i)->name())},
+                        {"arrow_type", json_text(schema.field(i)->type()->ToString())},
+                        {"encoded", host_fields_json(columns, static_cast<size_t>(i))}})
+        << '\n';
+  }
+}
 
 }  // namespace
 
@@ -33,11 +57,11 @@ constexpr size_t kWidestLine = 100'000;
                         ::arrow::Table::FromRecordBatches(source->schema(), batches));
   ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = tree.cast}));
   ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, io::arrow::core::to_numera(taken.value));
-  const auto listed = static_cast<size_t>(std::max<std::int64_t>(tree.rows, table->num_columns()));
-  const extras::PrintOptions all{.max_elements = std::max<size_t>(listed, 20),
-                                 .max_width = kWidestLine,
-                                 .max_lines = std::numeric_limits<size_t>::max()};
-  out << extras::print(host.get(), all) << '\n';
+  if (tree.json) {
+    print_tree_as_json(host.get(), *table->schema(), out);
+  } else {
+    print_tree_as_text(host.get(), std::max<std::int64_t>(tree.rows, table->num_columns()), out);
+  }
   return ::arrow::Status::OK();
 }
 

@@ -14,6 +14,7 @@ namespace numera::tools {
 struct TreeOptions {
   std::int64_t rows = 10;
   bool cast = false;  ///< cast types that have no host form
+  bool json = false;  ///< a JSON object per column, with every value
 };
 
 /// Prints the first rows of a file as an encoded host table.

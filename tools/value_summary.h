@@ -3,11 +3,13 @@
 #include <arrow/type.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "tools/distinct_values.h"
 #include "tools/element_rows.h"
 
 namespace numera::tools {
@@ -32,8 +34,21 @@ enum class Figure {
   kHistogram
 };
 
-/// The figures that a column has. No text is empty.
-using Figures = std::map<Figure, std::string>;
+struct FigureValue {
+  std::string text;  ///< in the table; empty where its line would say nothing
+  std::string json;
+  bool is_estimate = false;  ///< of a sample, or a number that the column exceeds
+};
+
+/// \name Makers of figures
+/// @{
+FigureValue count_figure(std::int64_t count);
+/// "1,234", or "more than 10,000" beyond the bound.
+FigureValue distinct_figure(const DistinctValues& values);
+/// @}
+
+/// The figures that a column has.
+using Figures = std::map<Figure, FigureValue>;
 
 /// What a summary of a column may hold.
 struct SummaryBounds {

@@ -53,8 +53,9 @@ std::string WayBack::json(const ::arrow::Field& column, std::int64_t rows,
                           std::int64_t chunks) const {
   const auto host_class = io::arrow::core::to_numera_datatype(column.type());
   const char* verdict = !failure.empty() ? "failed" : checked ? "equal" : "not checked";
-  std::string made = "[";
-  for (const std::string& cast : casts) made += (made.size() > 1 ? "," : "") + json_text(cast);
+  std::vector<std::string> made;
+  made.reserve(casts.size());
+  for (const std::string& cast : casts) made.push_back(json_text(cast));
   return json_object(
       {{"column", json_text(column.name())},
        {"arrow_type", json_text(column.type()->ToString())},
@@ -65,7 +66,7 @@ std::string WayBack::json(const ::arrow::Field& column, std::int64_t rows,
        {"nulls", json_number(nulls)},
        {"way_back", json_text(verdict)},
        {"returned_type", returned == nullptr ? "null" : json_text(returned->ToString())},
-       {"casts", made + "]"},
+       {"casts", json_array(made)},
        {"reason", failure.empty() ? "null" : json_text(failure)}});
 }
 

@@ -84,13 +84,14 @@ class FileSource : public Source {
 ::arrow::Result<OpenedFile> open_file(const Location& location, const Opening& opening) {
   ARROW_ASSIGN_OR_RAISE(Input input, open_input(location, opening.options));
   const bool is_pipe = input.pipe != nullptr;
+  const FileVersion version = input.version;
   ARROW_ASSIGN_OR_RAISE(const Recognised format, recognise_input(input, opening.options));
   if (opening.limit != nullptr && input.size) opening.limit->allow(4 * *input.size);
   ARROW_RETURN_NOT_OK(input.file->Seek(0));  // some readers start at the current position
   ARROW_ASSIGN_OR_RAISE(Stream stream, format.open(opening.options));
   if (input.pipe != nullptr) input.pipe->forget();
   return OpenedFile{std::make_shared<FileSource>(opening, std::move(input), std::move(stream)),
-                    is_pipe};
+                    is_pipe, version};
 }
 
 }  // namespace numera::files

@@ -17,18 +17,10 @@ namespace {
 
 using LocalFile = std::shared_ptr<::arrow::io::ReadableFile>;
 
-struct Version {
-  off_t size;
-  std::int64_t seconds;
-  std::int64_t nanoseconds;
-
-  bool operator==(const Version&) const = default;
-};
-
-::arrow::Result<Version> version_of(const ::arrow::io::ReadableFile& file) {
+::arrow::Result<FileVersion> version_of(const ::arrow::io::ReadableFile& file) {
   struct stat found = {};
   if (::fstat(file.file_descriptor(), &found) != 0) return last_error();
-  return Version{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
+  return FileVersion{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
 }
 
 ::arrow::Status has_changed() { return ::arrow::Status::IOError("it changed while it was read"); }
@@ -38,19 +30,23 @@ struct Version {
   if (descriptor < 0) return last_error();
   ARROW_ASSIGN_OR_RAISE(const LocalFile file,
                         ::arrow::io::ReadableFile::Open(descriptor, options.pool));
-  ARROW_ASSIGN_OR_RAISE(const Version opened, version_of(*file));
-  return Input{std::make_shared<CountedFile>(file), opened.size,
+  ARROW_ASSIGN_OR_RAISE(const FileVersion opened, version_of(*file));
+  return Input{std::make_shared<CountedFile>(file), opened.bytes,
                [file, opened]() -> ::arrow::Status {
-                 ARROW_ASSIGN_OR_RAISE(const Version now, version_of(*file));
+                 ARROW_ASSIGN_OR_RAISE(const FileVersion now, version_of(*file));
                  return now == opened ? ::arrow::Status::OK() : has_changed();
-               }};
+               },
+               opened};
 }
 
 ::arrow::Result<Input> input_of_pipe(int descriptor, const ReadOptions& options) {
   if (descriptor < 0) return last_error();
   auto pipe = std::make_shared<Pipe>(descriptor, options.pool, options.while_waiting);
-  return Input{std::make_shared<CountedFile>(pipe), std::nullopt,
-               [] { return ::arrow::Status::OK(); }, pipe};
+  return Input{std::make_shared<CountedFile>(pipe),
+               std::nullopt,
+               [] { return ::arrow::Status::OK(); },
+               {},
+               pipe};
 }
 
 int copy_of(int descriptor) { return ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); }
@@ -86,10 +82,13 @@ int copy_of(int descriptor) { return ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); }
   }
   ARROW_ASSIGN_OR_RAISE(const auto file, location.system->OpenInputFile(opened));
   ARROW_ASSIGN_OR_RAISE(const std::int64_t size, file->GetSize());
-  return Input{std::make_shared<CountedFile>(file), size, [location, opened]() -> ::arrow::Status {
+  return Input{std::make_shared<CountedFile>(file),
+               size,
+               [location, opened]() -> ::arrow::Status {
                  ARROW_ASSIGN_OR_RAISE(const auto now, location.system->GetFileInfo(location.path));
                  return now == opened ? ::arrow::Status::OK() : has_changed();
-               }};
+               },
+               {size, 0, opened.mtime().time_since_epoch().count()}};
 }
 
 std::string folder_of_copies() {

@@ -15,12 +15,22 @@
 
 namespace numera::files {
 
+/// What a file system says of a file. It differs after the file was written.
+struct FileVersion {
+  std::int64_t bytes = 0;
+  std::int64_t seconds = 0;  ///< of the last change
+  std::int64_t nanoseconds = 0;
+
+  bool operator==(const FileVersion&) const = default;
+};
+
 /// An open file whose format is not known yet.
 struct Input {
   std::shared_ptr<CountedFile> file;
   std::optional<std::int64_t> size;  ///< none: a pipe
   /// IOError if the file has changed since it was opened.
   std::function<::arrow::Status()> check_unchanged;
+  FileVersion version = {};              ///< when it was opened; not of a pipe
   std::shared_ptr<Pipe> pipe = nullptr;  ///< what `file` counts, if it is one
 };
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "numera/files/input.h"
 #include "numera/files/locations.h"
 #include "numera/files/read.h"
 
@@ -21,6 +22,7 @@ struct Member {
   std::shared_ptr<::arrow::Schema> schema;
   std::optional<std::int64_t> rows;
   std::optional<std::int64_t> bytes;
+  FileVersion version;
   std::shared_ptr<Source> source;  ///< of a pipe, which cannot be opened again
 };
 

@@ -126,7 +126,8 @@ class JoinedSource : public Source {
     Opening opening = opening_;
     opening.options.columns = are_equal_ ? std::vector<std::string>() : columns_in(*member.schema);
     ARROW_ASSIGN_OR_RAISE(const OpenedFile file, open_file(member.location, opening));
-    if (!is_as_before(*file.source->schema(), *member.schema)) {
+    const bool is_same = file.version == member.version;
+    if (!is_same || !is_as_before(*file.source->schema(), *member.schema)) {
       return ::arrow::Status::IOError("it changed while it was read");
     }
     source_ = file.source;
@@ -167,8 +168,8 @@ class JoinedSource : public Source {
   auto opened = open_file(location, opening);
   if (!opened.ok()) return in_file(location, opened.status());
   const auto& source = opened->source;
-  return Member{location, source->schema(), source->rows(), source->bytes(),
-                opened->is_pipe ? source : nullptr};
+  return Member{location,        source->schema(), source->rows(),
+                source->bytes(), opened->version,  opened->is_pipe ? source : nullptr};
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "numera/files/input.h"
 #include "numera/files/locations.h"
 #include "numera/files/memory_limit.h"
 #include "numera/files/read.h"
@@ -21,6 +22,7 @@ struct Opening {
 struct OpenedFile {
   std::shared_ptr<Source> source;
   bool is_pipe;
+  FileVersion version;
 };
 
 /// Opens one file. Messages do not name it. Keys of partitions are not looked at.

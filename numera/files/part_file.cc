@@ -19,6 +19,7 @@
 namespace numera::files {
 namespace {
 
+/// Six random characters and ".part".
 constexpr std::string_view kAddedToName = ".XXXXXX.part";
 constexpr std::string_view kSuffix = ".part";
 
@@ -27,27 +28,6 @@ mode_t mode_for(const std::string& path) {
   struct stat target = {};
   if (::stat(path.c_str(), &target) == 0) return target.st_mode & 0777U;
   return allowed_mode(0666);
-}
-
-/// A name beside the target: the target's name, six random characters and ".part". If that is
-/// longer than the system allows, the target's name is cut.
-std::string pattern_of_part(const std::filesystem::path& target) {
-  std::string name = target.filename();
-  const size_t room = NAME_MAX - kAddedToName.size();
-  if (name.size() > room) name.resize(room);
-  return target.parent_path() / (name + std::string(kAddedToName));
-}
-
-/// The file that links lead to, whether it exists or not. Follows 40 links, as the system does.
-std::string behind_links(const std::string& path) {
-  std::filesystem::path target = path;
-  std::error_code error;
-  for (int i = 0; i < 40 && std::filesystem::is_symlink(target, error); ++i) {
-    const std::filesystem::path next = std::filesystem::read_symlink(target, error);
-    if (error) break;
-    target = target.parent_path() / next;
-  }
-  return target;
 }
 
 ::arrow::Status check_is_none_of(const struct stat& target,
@@ -89,7 +69,7 @@ PartFile::~PartFile() {
 
 /// Beside the target, so that it can be renamed, under an unused name.
 ::arrow::Status PartFile::create(const std::string& path) {
-  std::string name = pattern_of_part(target_);
+  std::string name = name_beside(target_, kAddedToName);
   descriptor_ = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
   if (descriptor_ < 0) return last_error();
   part_ = std::move(name);
@@ -102,6 +82,26 @@ PartFile::~PartFile() {
   if (std::rename(part_.c_str(), target_.c_str()) != 0) return last_error();
   part_.clear();
   return ::arrow::Status::OK();
+}
+
+std::string behind_links(const std::string& path) {
+  std::filesystem::path target = path;
+  std::error_code error;
+  // The system follows no more than 40.
+  for (int i = 0; i < 40 && std::filesystem::is_symlink(target, error); ++i) {
+    const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+    if (error) break;
+    target = target.parent_path() / next;
+  }
+  return target;
+}
+
+std::string name_beside(const std::string& target, std::string_view added) {
+  const std::filesystem::path path = target;
+  std::string name = path.filename();
+  const size_t room = NAME_MAX - added.size();
+  if (name.size() > room) name.resize(room);
+  return path.parent_path() / name.append(added);
 }
 
 mode_t allowed_mode(mode_t mode) {

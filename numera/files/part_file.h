@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace numera::files {
@@ -30,6 +31,13 @@ class PartFile {
   std::string part_;    ///< the unfinished file; empty if there is none
   int descriptor_ = -1;
 };
+
+/// The file or folder that links lead to, whether it exists or not.
+std::string behind_links(const std::string& path);
+
+/// The target's name with more behind it. If that is longer than the system allows, the target's
+/// name is cut.
+std::string name_beside(const std::string& target, std::string_view added);
 
 /// The permissions without those that this process gives to nobody.
 mode_t allowed_mode(mode_t mode);

@@ -32,6 +32,12 @@ namespace {
 constexpr size_t kOpenFiles = 64;
 constexpr std::int64_t kGroupBytes = std::int64_t{2} * 1024 * 1024;
 
+/// The name of a folder without slashes behind it.
+std::string without_slashes(std::string path) {
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
 /// A folder that is made beside its target and renamed when it is complete.
 class PartFolder {
  public:
@@ -43,9 +49,9 @@ class PartFolder {
   PartFolder(const PartFolder&) = delete;
   PartFolder& operator=(const PartFolder&) = delete;
 
-  /// IOError unless the target is new or an empty folder.
+  /// IOError unless the target is new or an empty folder, or a link that leads to one.
   ::arrow::Status open(std::string target) {
-    while (target.size() > 1 && target.ends_with('/')) target.pop_back();
+    target = without_slashes(behind_links(without_slashes(std::move(target))));
     std::error_code error;
     const auto found = std::filesystem::status(target, error);
     const bool is_new = found.type() == std::filesystem::file_type::not_found;
@@ -53,7 +59,7 @@ class PartFolder {
     if (!is_new && (!is_directory(found) || !std::filesystem::is_empty(target, error))) {
       return ::arrow::Status::IOError("it exists and is no empty folder");
     }
-    std::string name = target + ".part-XXXXXX";
+    std::string name = name_beside(target, ".part-XXXXXX");
     if (::mkdtemp(name.data()) == nullptr) return last_error();
     part_ = name;
     target_ = std::move(target);

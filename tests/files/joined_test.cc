@@ -201,6 +201,17 @@ TEST_F(JoinedFiles, AreRefusedIfOneChangedAfterItWasOpened) {
   }
 }
 
+/// The rows that are left would look like a whole file.
+TEST_F(JoinedFiles, AreRefusedIfOneLostRowsBeforeItWasReached) {
+  write("1.csv", "n\n1\n");
+  const std::string second = write("2.csv", "n\n2\n3\n");
+  const auto source = files::open_source(paths({"1.csv", "2.csv"})).ValueOrDie();
+  write_text(second, "n\n2\n");
+  EXPECT_EQ(source->Next().ValueOrDie()->num_rows(), 1);
+  EXPECT_EQ(source->Next().status().ToString(),
+            "IOError: " + second + ": it changed while it was read");
+}
+
 TEST_F(JoinedFiles, CountRowsIfAllOfThemDoAndChunksOfAll) {
   write("a/1.csv", "n\n1\n");
   write("a/2.csv", "n\n2\n");

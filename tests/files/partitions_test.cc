@@ -152,6 +152,28 @@ TEST_F(Partitions, ReplaceAnEmptyFolderOnly) {
   EXPECT_EQ(folder_.names(), std::vector<std::string>{"rows"});
 }
 
+TEST_F(Partitions, AreWrittenToWhereALinkLeads) {
+  for (const bool is_new : {true, false}) {
+    SCOPED_TRACE(is_new);
+    if (!is_new) std::filesystem::create_directory(folder_.path("elsewhere"));
+    std::filesystem::create_directory_symlink("elsewhere/", target_);
+    const auto status = write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}});
+    EXPECT_TRUE(status.ok()) << status;
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"elsewhere", "rows"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(target_));
+    EXPECT_EQ(written(), std::vector<std::string>{"k=1/part-0.parquet"});
+    std::filesystem::remove_all(folder_.path("elsewhere"));
+    std::filesystem::remove(target_);
+  }
+}
+
+TEST_F(Partitions, MayHaveTheLongestName) {
+  target_ = folder_.path(std::string(255, 'x'));
+  const auto status = write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}});
+  EXPECT_TRUE(status.ok()) << status;
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{std::string(255, 'x')});
+}
+
 TEST_F(Partitions, HaveThePermissionsOfNewFoldersAndFiles) {
   ASSERT_TRUE(write({{"k", kInts, "[1]"}, {"n", kInts, "[2]"}}, {.partition_by = {"k"}}).ok());
   std::filesystem::create_directory(folder_.path("new"));

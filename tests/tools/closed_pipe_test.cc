@@ -27,6 +27,7 @@ TEST_F(ClosedPipe, EndsEveryCommandBySignalAndWithoutAMessage) {
     SCOPED_TRACE(command);
     EXPECT_EQ(run_program({command, file_}, {.closed_pipe = true}), expected);
     EXPECT_EQ(run_program({command, file_}, {.ignored = {SIGPIPE}, .closed_pipe = true}), expected);
+    EXPECT_EQ(run_program({command, file_, "--json"}, {.closed_pipe = true}), expected);
   }
 }
 

@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <stdexcept>
 #include <thread>
 
 #include "tests/tools/damage.h"
 #include "tests/tools/program.h"
+#include "tests/tools/waiting.h"
 
 namespace numera::testing {
 namespace {
@@ -42,12 +42,10 @@ class Interruption : public ::testing::Test {
 
   /// Waits until `bytes` bytes have been written to the part file.
   void wait_for_part(std::uintmax_t bytes = 100000) const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (part().empty() || fs::file_size(folder_.path(part())) < bytes) {
-      if (std::chrono::steady_clock::now() > deadline)
-        throw std::runtime_error("no part is written");
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    wait_until([&] {
+      const std::string name = part();
+      return !name.empty() && fs::file_size(folder_.path(name)) >= bytes;
+    });
   }
 
   TemporaryFolder folder_;
@@ -133,6 +131,17 @@ TEST_F(Interruption, ByAChangeOfTheInputLeavesTheOutputIntact) {
     EXPECT_EQ(read_text(output_), "older");
     EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv"}));
   }
+}
+
+TEST_F(Interruption, ByAChangeOfOneOfSeveralInputsLeavesTheOutputIntact) {
+  const std::string other = folder_.write("other.csv", "a,b,c,d\n5,6,7,8\n");
+  RunningProgram program({"convert", other, file_, other, "--batch-rows", "100", "-o", output_});
+  wait_for_part();
+  cut_rows(file_);
+  const Outcome expected{1, "", "numera-arrow: " + file_ + ": it changed while it was read\n"};
+  EXPECT_EQ(program.wait(), expected);
+  EXPECT_EQ(read_text(output_), "older");
+  EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "numbers.csv", "other.csv"}));
 }
 
 /// The reader of the format notices the missing bytes, or the check at the end does.

@@ -130,7 +130,7 @@ TEST_F(JsonOutput, OfConvertSaysWhyAColumnFailed) {
 
 TEST_F(JsonOutput, OfAFailureIsNothing) {
   const Outcome expected{1, "", "numera-arrow: " + file_ + ": No such file or directory\n"};
-  for (const char* command : {"types", "head", "tail", "show", "convert"}) {
+  for (const char* command : {"types", "head", "tail", "show", "summary", "tree", "convert"}) {
     EXPECT_EQ(run_program({command, file_, "--json"}), expected);
   }
 }

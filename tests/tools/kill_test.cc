@@ -2,6 +2,7 @@
 // moments are equivalent.
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -19,13 +20,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The names and sizes of the files.
+using ::testing::ElementsAre;
+using ::testing::MatchesRegex;
+
+/// The paths and sizes of files. Folders have no size.
 using Folder = std::map<std::string, std::uintmax_t>;
 
 Folder contents_of(const std::string& path) {
   Folder contents;
-  for (const auto& entry : fs::directory_iterator(path)) {
-    contents[entry.path().filename()] = entry.file_size();
+  for (const auto& entry : fs::recursive_directory_iterator(path)) {
+    contents[entry.path()] = entry.is_directory() ? 0 : entry.file_size();
   }
   return contents;
 }
@@ -73,21 +77,34 @@ bool kill_after(pid_t process, const std::string& folder, int changes) {
   }
 }
 
+/// An output, and the inputs that become it. All of them have the same rows together.
+struct KilledConversion {
+  const char* output;
+  std::vector<std::string> inputs;
+};
+
+std::shared_ptr<::arrow::Table> rows_of_inputs() {
+  return table_of({{"a", ::arrow::int64(), "[1, 3]"}, {"b", ::arrow::int64(), "[2, 4]"}});
+}
+
 TEST(Killed, AfterAnyChangeOfAFileItLeavesTheOldOutputOrTheWholeNewOne) {
-  for (const char* name : {"back.arrow", "back.parquet"}) {
-    SCOPED_TRACE(name);
-    const TemporaryFolder inputs;
-    const std::string file = inputs.path("few.csv");
-    write_text(file, "a,b\n1,2\n3,4\n");
-    const auto expected =
-        table_of({{"a", ::arrow::int64(), "[1, 3]"}, {"b", ::arrow::int64(), "[2, 4]"}});
+  const TemporaryFolder inputs;
+  const std::string both = inputs.write("both.csv", "a,b\n1,2\n3,4\n");
+  const std::string first = inputs.write("first.csv", "a,b\n1,2\n");
+  const std::string second = inputs.write("second.csv", "a,b\n3,4\n");
+  const KilledConversion conversions[] = {
+      {"back.arrow", {both}}, {"back.parquet", {both}}, {"back.arrow", {first, second}}};
+  for (const auto& [name, files] : conversions) {
+    SCOPED_TRACE(std::string(name) + " of " + std::to_string(files.size()));
     int kills = 0;
     for (bool replaced = false;; ++kills) {
       SCOPED_TRACE(kills);
       const TemporaryFolder folder;
       const std::string output = folder.path(name);
       write_text(output, "older");
-      const pid_t process = start_traced({"convert", file, "--output", output});
+      std::vector<std::string> arguments = {"convert", "--output", output};
+      arguments.insert(arguments.end(), files.begin(), files.end());
+      const pid_t process = start_traced(arguments);
       if (process == 0) GTEST_SKIP() << "the system lets no process be traced";
       const bool killed = kill_after(process, folder.path(""), kills + 1);
       const bool intact = read_text(output) == "older";
@@ -97,12 +114,40 @@ TEST(Killed, AfterAnyChangeOfAFileItLeavesTheOldOutputOrTheWholeNewOne) {
       EXPECT_EQ(folder.names().size(), replaced ? 1U : 2U);
       if (replaced) {
         const bool is_parquet = output.ends_with("parquet");
-        EXPECT_TRUE((is_parquet ? read_parquet(output) : read_ipc(output))->Equals(*expected));
+        const auto table = is_parquet ? read_parquet(output) : read_ipc(output);
+        EXPECT_TRUE(table->Equals(*rows_of_inputs()));
       }
       if (!killed) break;
     }
     EXPECT_GE(kills, 6);  // the part file appears, is written in pieces, and replaces the output
   }
+}
+
+TEST(Killed, AfterAnyChangeOfAFileItLeavesAPartOrTheWholeFolderOfPartitions) {
+  const TemporaryFolder inputs;
+  const std::string file = inputs.write("few.csv", "k,n\n1,2\n3,4\n");
+  int kills = 0;
+  for (bool in_place = false;; ++kills) {
+    SCOPED_TRACE(kills);
+    const TemporaryFolder folder;
+    const std::string output = folder.path("rows");
+    const pid_t process =
+        start_traced({"convert", file, "-o", output, "--partition-by", "k", "--to", "csv"});
+    if (process == 0) GTEST_SKIP() << "the system lets no process be traced";
+    const bool killed = kill_after(process, folder.path(""), kills + 1);
+    EXPECT_FALSE(in_place && !fs::exists(output));
+    in_place = fs::exists(output);
+    if (in_place) {
+      EXPECT_EQ(folder.names(), std::vector<std::string>{"rows"});
+      EXPECT_EQ(names_in(output), (std::vector<std::string>{"k=1", "k=3"}));
+      EXPECT_EQ(read_text(output + "/k=1/part-0.csv"), "\"n\"\n2\n");
+      EXPECT_EQ(read_text(output + "/k=3/part-0.csv"), "\"n\"\n4\n");
+    } else {
+      EXPECT_THAT(folder.names(), ElementsAre(MatchesRegex("rows[.]part-......")));
+    }
+    if (!killed) break;
+  }
+  EXPECT_GE(kills, 10);  // folders and files appear, are written and renamed, and all is renamed
 }
 
 }  // namespace

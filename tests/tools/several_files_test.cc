@@ -6,9 +6,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "tests/tools/program.h"
+#include "tests/tools/waiting.h"
 
 namespace numera::testing {
 namespace {
@@ -113,6 +116,48 @@ TEST_F(SeveralFiles, AreInterruptedWhileAPipeHasNoWriter) {
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   program.send(SIGINT);
   EXPECT_EQ(program.wait(), (Outcome{130, "", "numera-arrow: " + pipe + ": interrupted\n"}));
+}
+
+/// A change of an input before it is read, and why it is refused.
+struct EarlyChange {
+  const char* name;
+  void (*apply)(const std::string& file);
+  const char* reason;
+};
+
+constexpr EarlyChange kEarlyChanges[] = {
+    {"cut", [](const std::string& file) { write_text(file, "a\n5\n"); },
+     "it changed while it was read"},
+    {"longer", [](const std::string& file) { write_text(file, "a\n5\n6\n7\n"); },
+     "it changed while it was read"},
+    {"of another type", [](const std::string& file) { write_text(file, "a\nx\ny\n"); },
+     "it changed while it was read"},
+    {"empty", [](const std::string& file) { write_text(file, ""); }, "it is empty"},
+    {"removed", [](const std::string& file) { std::filesystem::remove(file); },
+     "No such file or directory"}};
+
+/// The first input is a pipe, for which the program waits while the second one changes.
+TEST_F(SeveralFiles, AreRefusedIfOneChangesBeforeItsTurn) {
+  const std::string pipe = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const EarlyChange& change : kEarlyChanges) {
+    SCOPED_TRACE(change.name);
+    const std::string later = folder_.write("later.csv", "a\n5\n6\n");
+    const std::string output = folder_.write("back.arrow", "older");
+    RunningProgram program({"convert", pipe, later, "-o", output});
+    std::ofstream first(pipe, std::ios::binary);
+    first << "a\n";
+    for (int i = 0; i < 600'000; ++i) first << "1\n";  // more than decides the types
+    first.flush();
+    wait_until([this] { return folder_.names().size() == 4; });  // the part of the output is there
+    change.apply(later);
+    first.close();
+    const Outcome expected{1, "", "numera-arrow: " + later + ": " + change.reason + "\n"};
+    EXPECT_EQ(program.wait(), expected);
+    EXPECT_EQ(read_text(output), "older");
+    folder_.write("later.csv", "");
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"back.arrow", "later.csv", "pipe"}));
+  }
 }
 
 TEST_F(SeveralFiles, OfCsvAreReadAsTheOptionsSay) {

@@ -12,6 +12,7 @@
 namespace numera::testing {
 namespace {
 
+using tools::bars;
 using tools::histogram;
 using tools::quantile;
 using tools::Sample;
@@ -60,31 +61,38 @@ TEST(Quantile, IsTheSmallestValueThatSoManyPercentDoNotExceed) {
   EXPECT_EQ(quantile(sorted, 100), 40);
 }
 
+TEST(Histogram, CountsTheNumbersInEachTwelfthOfTheRange) {
+  EXPECT_EQ(histogram({0, 1, 2, 2.5, 12}, 0, 12),
+            (tools::Histogram{1, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 1}));
+}
+
 TEST(Histogram, HasABarForEachTwelfthOfTheRange) {
-  EXPECT_EQ(histogram({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 0, 12), "▅▅▅▅▅▅▅▅▅▅▅█");
+  EXPECT_EQ(bars(histogram({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 0, 12)), "▅▅▅▅▅▅▅▅▅▅▅█");
 }
 
 TEST(Histogram, DrawsEveryBucketThatIsNotEmpty) {
   std::vector<double> numbers(1000, 0);
   numbers.push_back(12);
-  EXPECT_EQ(histogram(numbers, 0, 12), "█▁▁▁▁▁▁▁▁▁▁▂");
+  EXPECT_EQ(bars(histogram(numbers, 0, 12)), "█▁▁▁▁▁▁▁▁▁▁▂");
 }
 
-TEST(Histogram, OfEqualNumbersIsOneBar) { EXPECT_EQ(histogram({7, 7, 7}, 7, 7), "█▁▁▁▁▁▁▁▁▁▁▁"); }
+TEST(Histogram, OfEqualNumbersIsOneBar) {
+  EXPECT_EQ(bars(histogram({7, 7, 7}, 7, 7)), "█▁▁▁▁▁▁▁▁▁▁▁");
+}
 
 TEST(Histogram, LeavesOutInfiniteNumbers) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(histogram({-kInfinity, 0, 12, 12, kInfinity}, 0, 12), "▅▁▁▁▁▁▁▁▁▁▁█");
-  EXPECT_EQ(histogram({kInfinity}, 0, 0), "");
+  EXPECT_EQ(bars(histogram({-kInfinity, 0, 12, 12, kInfinity}, 0, 12)), "▅▁▁▁▁▁▁▁▁▁▁█");
+  EXPECT_EQ(bars(histogram({kInfinity}, 0, 0)), "");
 }
 
-TEST(Histogram, OfNothingIsEmpty) { EXPECT_EQ(histogram({}, 0, 0), ""); }
+TEST(Histogram, OfNothingIsEmpty) { EXPECT_EQ(bars(histogram({}, 0, 0)), ""); }
 
 TEST(Histogram, ReachesAsFarAsDoublesDo) {
   constexpr double kMost = std::numeric_limits<double>::max();
-  EXPECT_EQ(histogram({-kMost, 0, kMost}, -kMost, kMost), "█▁▁▁▁▁█▁▁▁▁█");
+  EXPECT_EQ(bars(histogram({-kMost, 0, kMost}, -kMost, kMost)), "█▁▁▁▁▁█▁▁▁▁█");
   constexpr double kLeast = std::numeric_limits<double>::denorm_min();
-  EXPECT_EQ(histogram({0, kLeast}, 0, kLeast), "█▁▁▁▁▁▁▁▁▁▁▁");
+  EXPECT_EQ(bars(histogram({0, kLeast}, 0, kLeast)), "█▁▁▁▁▁▁▁▁▁▁▁");
 }
 
 }  // namespace

@@ -3,14 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <stdexcept>
-#include <thread>
 
 #include "tests/tools/program.h"
 #include "tests/tools/small_disk.h"
+#include "tests/tools/waiting.h"
 
 namespace numera::testing {
 namespace {
@@ -171,11 +169,9 @@ TEST_F(To, IsInterruptedBetweenTwoBatches) {
   write_many_rows(300000);
   const std::string output = folder_.path("out");
   RunningProgram program({"convert", file_, "--to", "csv", "--batch-rows", "10"}, {.out = output});
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!std::filesystem::exists(output) || std::filesystem::file_size(output) < 10000) {
-    if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("nothing is written");
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
+  wait_until([&] {
+    return std::filesystem::exists(output) && std::filesystem::file_size(output) >= 10000;
+  });
   program.send(SIGINT);
   const Outcome expected{130, "", "numera-arrow: " + file_ + ": interrupted\n"};
   EXPECT_EQ(program.wait(), expected);

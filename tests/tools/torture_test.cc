@@ -1,6 +1,7 @@
 // Files with random damage. Each is converted and shown, or refused by one line. None ends the
 // program by a signal.
 
+#include <arrow/io/compressed.h>
 #include <arrow/io/file.h>
 #include <arrow/ipc/writer.h>
 #include <arrow/util/compression.h>
@@ -53,6 +54,28 @@ void write_checked_parquet(const std::string& path, const ::arrow::Table& table)
   write_parquet(path, table, 3);
 }
 
+/// Neither CSV nor JSON has every layout.
+constexpr const char* kFewLayouts = "i,t,x\n1,text,1.5\n2,\"t\"\"x\",\n,täxt,1e3\n";
+
+void write_few_layouts_as_csv(const std::string& path, const ::arrow::Table& /*table*/) {
+  write_text(path, kFewLayouts);
+}
+
+void write_few_layouts_gzipped(const std::string& path, const ::arrow::Table& /*table*/) {
+  const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
+  const auto codec = ::arrow::util::Codec::Create(::arrow::Compression::GZIP).ValueOrDie();
+  const auto packed = ::arrow::io::CompressedOutputStream::Make(codec.get(), file).ValueOrDie();
+  ASSERT_TRUE(packed->Write(kFewLayouts).ok());
+  ASSERT_TRUE(packed->Close().ok());
+}
+
+void write_few_layouts_as_json(const std::string& path, const ::arrow::Table& /*table*/) {
+  write_text(path, R"({"i": 1, "t": "text", "l": [1, 2], "r": {"f": 1.5, "b": true}}
+{"i": null, "t": "täxt", "l": [], "r": {"f": null, "b": false}}
+{"i": 3, "t": "a\u0041\n", "r": {}}
+)");
+}
+
 void write_compressed_ipc(const std::string& path, const ::arrow::Table& table) {
   const auto file = ::arrow::io::FileOutputStream::Open(path).ValueOrDie();
   auto options = ::arrow::ipc::IpcWriteOptions::Defaults();
@@ -72,11 +95,12 @@ void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
 
 class DamagedFile : public ::testing::TestWithParam<Kind> {
  protected:
+  /// So many damages, or 1000 where the whole torture is asked for.
   template <class Expect>
-  void for_each_damage(const Expect& expect) {
+  void for_each_damage(std::uint64_t sample, const Expect& expect) {
     GetParam().write(file_, *many_layouts());
     const std::string whole = read_text(file_);
-    const std::uint64_t damages = rounds(20, 1000);
+    const std::uint64_t damages = rounds(sample, 1000);
     for (std::uint64_t seed = 0; seed < damages; ++seed) {
       SCOPED_TRACE(seed);
       write_text(file_, damaged(whole, seed));
@@ -121,19 +145,29 @@ class DamagedFile : public ::testing::TestWithParam<Kind> {
 };
 
 TEST_P(DamagedFile, IsConvertedOrRefusedByOneLine) {
-  for_each_damage([this] { expect_answer(); });
+  for_each_damage(20, [this] { expect_answer(); });
 }
 
 TEST_P(DamagedFile, IsShownOrRefusedByOneLine) {
-  for_each_damage([this] {
+  for_each_damage(20, [this] {
     expect_rows({"show", file_, "-n", "2"});
     expect_rows({"tail", file_, "-n", "4", "--vertical"});
     expect_rows({"summary", file_});
   });
 }
 
+TEST_P(DamagedFile, IsDescribedOrRefusedByOneLine) {
+  for_each_damage(5, [this] {
+    expect_rows({"tree", file_, "--cast", "--json"});
+    expect_rows({"types", file_, "--count", "--json"});
+  });
+}
+
 INSTANTIATE_TEST_SUITE_P(Formats, DamagedFile,
-                         ::testing::Values(Kind{"IpcFile", write_ipc},
+                         ::testing::Values(Kind{"Csv", write_few_layouts_as_csv},
+                                           Kind{"CompressedCsv", write_few_layouts_gzipped},
+                                           Kind{"JsonLines", write_few_layouts_as_json},
+                                           Kind{"IpcFile", write_ipc},
                                            Kind{"CompressedIpcFile", write_compressed_ipc},
                                            Kind{"IpcStream", write_ipc_stream},
                                            Kind{"OldIpcStream", write_old_ipc_stream},
