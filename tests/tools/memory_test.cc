@@ -8,8 +8,10 @@
 #include <malloc.h>
 
 #include <filesystem>
+#include <functional>
 
 #include "tests/tools/program.h"
+#include "tests/tools/written_files.h"
 
 namespace numera::testing {
 namespace {
@@ -67,6 +69,50 @@ TEST(Memory, StaysBelowTheBoundForAFileTenTimesAsLarge) {
   RunningProgram tail({"tail", file});
   EXPECT_EQ(tail.wait().exit_status, 0);
   EXPECT_LT(tail.peak_bytes(), kBound);
+}
+
+std::string json_of(int count, const std::function<std::string(int)>& element) {
+  std::string json = "[" + element(0);
+  for (int i = 1; i < count; ++i) json += "," + (i % 10 < 3 ? "null" : element(i));
+  return json + "]";
+}
+
+/// Some 12 MiB per 65,536 rows, with 30 % nulls.
+std::shared_ptr<::arrow::Table> mixed_rows() {
+  using namespace ::arrow;  // NOLINT: names of types
+  const auto number = [](int i) { return std::to_string(i); };
+  const auto text = [](int i) { return "\"text number " + std::to_string(i) + '"'; };
+  const auto part = struct_({field("id", int64()), field("label", utf8())});
+  const auto parts = [&](int i) {
+    const std::string one = R"({"id": )" + number(i) + R"(, "label": )" + text(i) + "}";
+    return "[" + one + ", " + one + "]";
+  };
+  return table_of(
+      {{"id", int64(), json_of(65536, number)},
+       {"amount", float64(), json_of(65536, number)},
+       {"name", utf8(), json_of(65536, text)},
+       {"kind", dictionary(int32(), utf8()), json_of(65536, [&](int i) { return text(i % 8); })},
+       {"parts", list(part), json_of(65536, parts)}});
+}
+
+TEST(Memory, OfMixedColumnsStaysBelowTheBoundWithDefaultBatches) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer needs memory of its own";
+  const TemporaryFolder folder;
+  const std::string file = folder.path("mixed.parquet");
+  const auto rows = mixed_rows();
+  write_parquet(
+      file, *::arrow::ConcatenateTables({rows, rows, rows, rows, rows, rows}).ValueOrDie(), 131072);
+  ::arrow::default_memory_pool()->ReleaseUnused();
+  ::malloc_trim(0);
+  for (const char* threads : {"1", "2"}) {
+    RunningProgram program(
+        {"convert", file, "--output", folder.path("back.parquet"), "--threads", threads});
+    const Outcome run = program.wait();
+    EXPECT_EQ(run.exit_status, 0) << run.errors;
+    EXPECT_LT(program.peak_bytes(), 256 * kMiB) << threads << " threads";
+    RecordProperty(std::string("peak_kib_of_threads_") + threads,
+                   std::to_string(program.peak_bytes() / 1024));
+  }
 }
 
 TEST(Memory, OfASummaryStaysBelowTheBound) {
