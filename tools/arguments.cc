@@ -168,7 +168,7 @@ void add_convert(CLI::App& program, Arguments& arguments) {
       "Do not compare what comes back with the input");
   convert->add_flag("--strict", options.strict, "Treat a change of type as a failure");
   add_number(convert, "--threads", options.threads, 0,
-             "Number of threads that convert columns (default: 1; 0: one per processor)");
+             "Number of threads that convert and write columns (default: 1; 0: one per processor)");
 }
 
 /// What remains to be set when the command line has been read.

@@ -1,8 +1,10 @@
 #include "tools/convert.h"
 
+#include <arrow/util/thread_pool.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <future>
 #include <ostream>
@@ -114,6 +116,11 @@ class Conversion {
       return ::arrow::Status::Invalid("standard output is a terminal, which shows text alone");
     }
     encoding.inputs = options_.paths;
+    encoding.use_threads = options_.threads != 1;
+    const auto threads = static_cast<int>(std::min<size_t>(options_.threads, INT_MAX));
+    if (threads > 1 && threads < ::arrow::GetCpuThreadPoolCapacity()) {
+      ARROW_RETURN_NOT_OK(::arrow::SetCpuThreadPoolCapacity(threads));
+    }
     return files::open_sink(options_.output, encoding).Value(&sink_);
   }
 

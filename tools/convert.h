@@ -16,7 +16,7 @@ struct ConvertOptions {
   std::vector<std::string> paths;  ///< of files, folders, patterns and URIs
   files::ReadOptions source;
   bool cast = false;    ///< cast types that have no host form
-  size_t threads = 1;   ///< threads that convert columns; 0: one per processor
+  size_t threads = 1;   ///< threads that convert and write columns; 0: one per processor
   bool check = true;    ///< compare what comes back with the input
   bool strict = false;  ///< a change of type is a failure
   bool json = false;    ///< a JSON object per column, then one of the ways

@@ -1,6 +1,7 @@
 #include <arrow/filesystem/filesystem.h>
 #include <arrow/util/io_util.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -137,6 +138,11 @@ int main(int argc, char** argv) {
   // Arrow's other memory pools keep freed memory. They would add half to a bounded memory use.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread as yet
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
+#ifdef __GLIBC__
+  // Each thread would keep freed memory of its own, and freed buffers would stay for smaller ones.
+  ::mallopt(M_ARENA_MAX, 1);
+  ::mallopt(M_MMAP_THRESHOLD, 4 * 1024 * 1024);
+#endif
   const auto read = read_arguments(argc, argv);
   if (const int* status = std::get_if<int>(&read)) return *status;
   Arguments arguments = std::get<Arguments>(read);

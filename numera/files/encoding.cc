@@ -153,6 +153,7 @@ std::string_view default_compression(std::string_view path, Format format) {
   if (ending == nullptr && !options.format) return refuse_path(path);
   Encoding encoding;
   encoding.format = options.format ? *options.format : ending->format;
+  encoding.use_threads = options.use_threads;
   std::string_view compression = options.compression;
   if (compression.empty()) compression = default_compression(path, encoding.format);
   ARROW_RETURN_NOT_OK(choose_codec(compression, encoding));

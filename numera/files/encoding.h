@@ -16,7 +16,8 @@ struct Encoding {
   Format format = Format::kParquet;
   ::arrow::Compression::type codec = ::arrow::Compression::UNCOMPRESSED;
   int level = ::arrow::util::kUseDefaultCompressionLevel;
-  char delimiter = ',';  ///< of CSV
+  char delimiter = ',';      ///< of CSV
+  bool use_threads = false;  ///< for the columns of Parquet
   /// The size of the row groups of Parquet. Each is held in memory.
   std::int64_t group_bytes = std::int64_t{16} * 1024 * 1024;
 };

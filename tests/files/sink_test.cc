@@ -103,9 +103,38 @@ TEST_F(FileSink, CompressesParquetWithZstdOrAsAsked) {
   }
 }
 
+TEST_F(FileSink, WritesTheSameParquetOnThreads) {
+  const std::string path = folder_.path("a.parquet");
+  const auto empty = rows()->Slice(0, 0);
+  for (const auto& batches :
+       {::arrow::RecordBatchVector{empty, rows(), empty, rows()}, {rows()}, {empty, empty}}) {
+    SCOPED_TRACE(batches.size());
+    ASSERT_EQ(write_batches(path, batches, {}), Status::OK());
+    const auto expected = read_parquet(path);
+    ASSERT_EQ(write_batches(path, batches, {.use_threads = true}), Status::OK());
+    EXPECT_TRUE(read_parquet(path)->Equals(*expected, /*check_metadata=*/true));
+    EXPECT_EQ(parquet::ParquetFileReader::OpenFile(path)->metadata()->num_row_groups(), 1);
+  }
+}
+
 /// A batch that compresses well.
 std::shared_ptr<::arrow::RecordBatch> zeros() {
   return batch_of("z", ::arrow::MakeArrayFromScalar(::arrow::Int64Scalar(0), 100000).ValueOrDie());
+}
+
+TEST_F(FileSink, EndsRowGroupsAtTheSameRowsOnThreads) {
+  const std::string path = folder_.path("a.parquet");
+  const auto batch = zeros();
+  for (const bool use_threads : {false, true}) {
+    SCOPED_TRACE(use_threads);
+    ASSERT_EQ(
+        write_batches(path, {batch, batch, batch, batch, batch}, {.use_threads = use_threads}),
+        Status::OK());
+    const auto metadata = parquet::ParquetFileReader::OpenFile(path)->metadata();
+    ASSERT_EQ(metadata->num_row_groups(), 2);
+    EXPECT_EQ(metadata->RowGroup(0)->num_rows(), 300'000);
+    EXPECT_EQ(metadata->RowGroup(1)->num_rows(), 200'000);
+  }
 }
 
 /// The size of the file, whose batch is read back.

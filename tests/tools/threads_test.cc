@@ -26,6 +26,15 @@ TEST(Threads, ChangeNothingOfTheOutput) {
   EXPECT_EQ(read_text(folder.path("three.arrow")), read_text(folder.path("one.arrow")));
 }
 
+TEST(Threads, ChangeNoValueOfAParquetOutput) {
+  const TemporaryFolder folder;
+  const std::string file = NUMERA_EXAMPLE_DATA "/countries.arrow";
+  converted(file, {"--output", folder.path("one.parquet")});
+  converted(file, {"--output", folder.path("three.parquet"), "--threads", "3"});
+  EXPECT_TRUE(read_parquet(folder.path("three.parquet"))
+                  ->Equals(*read_parquet(folder.path("one.parquet")), /*check_metadata=*/true));
+}
+
 TEST(Threads, ChangeNothingOfARefusal) {
   const TemporaryFolder folder;
   const std::string file = folder.path("refused.arrow");
