@@ -117,7 +117,7 @@ struct Change {
 };
 
 void cut_rows(const std::string& file) {
-  constexpr std::uintmax_t kWholeLines = 8 * 100000;
+  constexpr std::uintmax_t kWholeLines = std::uintmax_t{8} * 100000;
   fs::resize_file(file, fs::file_size(file) - kWholeLines);
 }
 
