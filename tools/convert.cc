@@ -1,5 +1,6 @@
 #include "tools/convert.h"
 
+#include <arrow/table.h>
 #include <arrow/util/thread_pool.h>
 #include <unistd.h>
 
@@ -26,6 +27,9 @@ namespace {
 
 namespace core = numera::io::arrow::core;
 
+/// So many rows does `--show` print.
+constexpr std::int64_t kShownRows = TreeOptions().rows;
+
 /// Whether standard output is a terminal and what is written is not plain text.
 bool would_garble_terminal(const files::WriteOptions& options) {
   using files::Format;
@@ -46,13 +50,16 @@ class Conversion {
     return go_through();
   }
 
-  /// The names of the columns that are not left out.
-  std::vector<std::string> kept() const {
-    std::vector<std::string> names;
+  /// Prints the first rows, of the columns that are not left out.
+  ::arrow::Status print_first_rows(std::ostream& out) const {
+    std::vector<int> kept;
     for (size_t i = 0; i < columns_.size(); ++i) {
-      if (!columns_[i].left_out) names.push_back(name(i));
+      if (!columns_[i].left_out) kept.push_back(static_cast<int>(i));
     }
-    return names;
+    ARROW_ASSIGN_OR_RAISE(auto table,
+                          ::arrow::Table::FromRecordBatches(source_->schema(), first_rows_));
+    ARROW_ASSIGN_OR_RAISE(table, table->SelectColumns(kept));
+    return print_tree(table, {.rows = kShownRows, .cast = options_.cast}, out);
   }
 
   void print(std::ostream& out) const {
@@ -178,6 +185,9 @@ class Conversion {
     for (size_t i = 0; i < trips.size(); ++i) {
       columns_[i].add(batch.column(static_cast<int>(i)), trips[i], rows_, options_.check);
     }
+    if (options_.show && rows_ < kShownRows) {  // a pipe cannot be read again
+      first_rows_.push_back(batch.Slice(0, kShownRows - rows_));
+    }
     rows_ += batch.num_rows();
     return sink_ == nullptr ? ::arrow::Status::OK() : write(batch, trips);
   }
@@ -229,6 +239,7 @@ class Conversion {
   std::shared_ptr<files::Source> source_;
   std::unique_ptr<files::Sink> sink_;
   std::vector<WayBack> columns_;
+  ::arrow::RecordBatchVector first_rows_;  ///< only if they are shown
   std::int64_t rows_ = 0;
   Legs legs_;
 };
@@ -242,9 +253,7 @@ class Conversion {
   ARROW_RETURN_NOT_OK(conversion.check());
   if (options.show) {
     out << '\n';
-    files::ReadOptions source = options.source;
-    if (options.skip_unsupported) source.columns = conversion.kept();
-    ARROW_RETURN_NOT_OK(print_tree(options.paths, source, {.cast = options.cast}, out));
+    ARROW_RETURN_NOT_OK(conversion.print_first_rows(out));
   }
   if (!out.flush()) return ::arrow::Status::IOError("the result cannot be written");
   return conversion.finish();

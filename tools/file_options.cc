@@ -83,9 +83,6 @@ void add_encoding(CLI::App* convert, ConvertOptions& options) {
     if (!options.encoding.partition_by.empty() && options.output.empty()) {
       throw CLI::ValidationError("--partition-by", "there is no output; add --output");
     }
-    if (options.show && std::ranges::count(options.paths, "-") > 0) {
-      throw CLI::ValidationError("--show", "standard input cannot be read twice");
-    }
   });
 }
 

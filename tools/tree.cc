@@ -1,7 +1,5 @@
 #include "tools/tree.h"
 
-#include <arrow/table.h>
-
 #include <algorithm>
 #include <limits>
 #include <ostream>
@@ -42,6 +40,18 @@ void print_tree_as_json(const hxArray* table, const ::arrow::Schema& schema, std
 
 }  // namespace
 
+::arrow::Status print_tree(const std::shared_ptr<::arrow::Table>& table, const TreeOptions& tree,
+                           std::ostream& out) {
+  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = tree.cast}));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, io::arrow::core::to_numera(taken.value));
+  if (tree.json) {
+    print_tree_as_json(host.get(), *table->schema(), out);
+  } else {
+    print_tree_as_text(host.get(), std::max<std::int64_t>(tree.rows, table->num_columns()), out);
+  }
+  return ::arrow::Status::OK();
+}
+
 ::arrow::Status print_tree(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const TreeOptions& tree, std::ostream& out) {
   ARROW_ASSIGN_OR_RAISE(const auto source, files::open_source(paths, options));
@@ -55,14 +65,7 @@ void print_tree_as_json(const hxArray* table, const ::arrow::Schema& schema, std
   }
   ARROW_ASSIGN_OR_RAISE(const auto table,
                         ::arrow::Table::FromRecordBatches(source->schema(), batches));
-  ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = tree.cast}));
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, io::arrow::core::to_numera(taken.value));
-  if (tree.json) {
-    print_tree_as_json(host.get(), *table->schema(), out);
-  } else {
-    print_tree_as_text(host.get(), std::max<std::int64_t>(tree.rows, table->num_columns()), out);
-  }
-  return ::arrow::Status::OK();
+  return print_tree(table, tree, out);
 }
 
 }  // namespace numera::tools

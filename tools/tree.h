@@ -1,9 +1,11 @@
 #pragma once
 
 #include <arrow/status.h>
+#include <arrow/table.h>
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,7 +19,11 @@ struct TreeOptions {
   bool json = false;  ///< a JSON object per column, with every value
 };
 
-/// Prints the first rows of a file as an encoded host table.
+/// Prints a table of at most `tree.rows` rows as an encoded host table.
+::arrow::Status print_tree(const std::shared_ptr<::arrow::Table>& table, const TreeOptions& tree,
+                           std::ostream& out);
+
+/// Does so with the first rows of a file.
 ::arrow::Status print_tree(const std::vector<std::string>& paths, const files::ReadOptions& options,
                            const TreeOptions& tree, std::ostream& out);
 

@@ -30,7 +30,7 @@ class CsvRows {
       : parse_(parse),
         pool_(options.pool),
         has_heading_(options.csv_heading),
-        blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse)), pool_),
+        blocks_(std::move(text), csv::MakeChunker(quoted_lines(parse)), options),
         others_(fields_of_others(options)),
         texts_(fields_of_texts(options)) {}
 

@@ -86,7 +86,7 @@ class FileSource : public Source {
   const bool is_pipe = input.pipe != nullptr;
   const FileVersion version = input.version;
   ARROW_ASSIGN_OR_RAISE(const Recognised format, recognise_input(input, opening.options));
-  if (opening.limit != nullptr && input.size) opening.limit->allow(4 * *input.size);
+  if (opening.limit != nullptr && input.size) opening.limit->allow_file_of(*input.size);
   ARROW_RETURN_NOT_OK(input.file->Seek(0));  // some readers start at the current position
   ARROW_ASSIGN_OR_RAISE(Stream stream, format.open(opening.options));
   if (input.pipe != nullptr) input.pipe->forget();

@@ -127,6 +127,8 @@ std::string folder_of_copies() {
   DescriptorOutput copy(descriptor);
   pipe.forget();
   while (true) {
+    // The pipe does not call it while it never waits for bytes.
+    if (options.while_waiting) ARROW_RETURN_NOT_OK(options.while_waiting());
     ARROW_ASSIGN_OR_RAISE(const auto bytes, pipe.Read(kCopiedAtOnce));
     if (bytes->size() == 0) break;
     const ::arrow::Status status = copy.Write(bytes->data(), bytes->size());

@@ -22,9 +22,9 @@ size_t length_of_line(std::string_view text) {
 }
 
 JsonPieces::JsonPieces(std::shared_ptr<::arrow::io::InputStream> text, JsonFields& fields,
-                       ::arrow::MemoryPool* pool)
+                       const ReadOptions& options)
     : blocks_(std::move(text),
-              std::make_unique<::arrow::Chunker>(::arrow::MakeNewlineBoundaryFinder()), pool),
+              std::make_unique<::arrow::Chunker>(::arrow::MakeNewlineBoundaryFinder()), options),
       fields_(fields) {}
 
 ::arrow::Result<JsonLines> JsonPieces::next() {

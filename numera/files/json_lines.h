@@ -28,7 +28,7 @@ class JsonPieces {
  public:
   /// `fields` collects the fields of the lines.
   JsonPieces(std::shared_ptr<::arrow::io::InputStream> text, JsonFields& fields,
-             ::arrow::MemoryPool* pool);
+             const ReadOptions& options);
 
   /// The next lines, at least one of them with an object. Invalid for a line that is refused, with
   /// its number.

@@ -80,8 +80,8 @@ std::string reason_of(const ::arrow::Status& failure) {
 class JsonRows {
  public:
   JsonRows(std::shared_ptr<::arrow::io::InputStream> text, JsonFields fields,
-           const std::shared_ptr<::arrow::Schema>& schema, ::arrow::MemoryPool* pool)
-      : fields_(std::move(fields)), pieces_(std::move(text), fields_, pool) {
+           const std::shared_ptr<::arrow::Schema>& schema, const ReadOptions& options)
+      : fields_(std::move(fields)), pieces_(std::move(text), fields_, options) {
     options_.explicit_schema = schema;
     options_.unexpected_field_behavior = json::UnexpectedFieldBehavior::Ignore;
   }
@@ -111,15 +111,14 @@ class JsonRows {
   JsonFields fields;
   ARROW_ASSIGN_OR_RAISE(auto text, open());
   ARROW_ASSIGN_OR_RAISE(const TypePtr type,
-                        find_types(JsonPieces(std::move(text), fields, options.pool)));
+                        find_types(JsonPieces(std::move(text), fields, options)));
   const ::arrow::Schema whole(type->fields());
   ARROW_ASSIGN_OR_RAISE(const auto columns, find_columns(whole, options.columns));
   ::arrow::FieldVector wanted;
   for (const int column : columns) wanted.push_back(whole.field(column));
   const auto schema = ::arrow::schema(std::move(wanted));
   ARROW_ASSIGN_OR_RAISE(text, open());
-  const auto rows =
-      std::make_shared<JsonRows>(std::move(text), std::move(fields), schema, options.pool);
+  const auto rows = std::make_shared<JsonRows>(std::move(text), std::move(fields), schema, options);
   return Stream{schema, [rows] { return rows->next(); }, std::nullopt, rows->pieces()};
 }
 

@@ -1,14 +1,18 @@
 #include "numera/files/memory_limit.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace numera::files {
 
 std::shared_ptr<LimitedPool> LimitedPool::make(std::optional<std::int64_t> bytes) {
   return {new LimitedPool(bytes), [](LimitedPool* pool) { pool->drop(); }};
 }
 
-/// One thread opens files at a time.
-void LimitedPool::allow(std::int64_t bytes) {
-  if (!is_given_ && bytes > limit_) limit_ = bytes;
+/// One thread opens files at a time. A sparse file may have a size that no memory has.
+void LimitedPool::allow_file_of(std::int64_t bytes) {
+  constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max() / 4;
+  if (!is_given_) limit_ = std::max(limit_.load(), 4 * std::min(bytes, kLargest));
 }
 
 ::arrow::Status LimitedPool::Allocate(std::int64_t size, std::int64_t alignment,

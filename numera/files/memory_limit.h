@@ -21,8 +21,8 @@ class LimitedPool final : public ::arrow::MemoryPool {
   /// `bytes` is the most that is allocated at any time. None: 2 GiB, which may be raised.
   static std::shared_ptr<LimitedPool> make(std::optional<std::int64_t> bytes);
 
-  /// Raises the limit to `bytes` if it is less and was not given.
-  void allow(std::int64_t bytes);
+  /// Raises the limit to four times the size of the file if it is less and was not given.
+  void allow_file_of(std::int64_t bytes);
 
   using MemoryPool::Allocate;
   using MemoryPool::Free;

@@ -69,7 +69,7 @@ PartFile::~PartFile() {
 
 /// Beside the target, so that it can be renamed, under an unused name.
 ::arrow::Status PartFile::create(const std::string& path) {
-  std::string name = name_beside(target_, kAddedToName);
+  std::string name = hidden_name_beside(target_, kAddedToName);
   descriptor_ = ::mkostemps(name.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
   if (descriptor_ < 0) return last_error();
   part_ = std::move(name);
@@ -96,9 +96,9 @@ std::string behind_links(const std::string& path) {
   return target;
 }
 
-std::string name_beside(const std::string& target, std::string_view added) {
+std::string hidden_name_beside(const std::string& target, std::string_view added) {
   const std::filesystem::path path = target;
-  std::string name = path.filename();
+  std::string name = "." + path.filename().string();
   const size_t room = NAME_MAX - added.size();
   if (name.size() > room) name.resize(room);
   return path.parent_path() / name.append(added);

@@ -35,9 +35,9 @@ class PartFile {
 /// The file or folder that links lead to, whether it exists or not.
 std::string behind_links(const std::string& path);
 
-/// The target's name with more behind it. If that is longer than the system allows, the target's
-/// name is cut.
-std::string name_beside(const std::string& target, std::string_view added);
+/// The target's name with a dot before it and more behind it, so that nobody who reads the folder
+/// takes it for data. If that is longer than the system allows, the target's name is cut.
+std::string hidden_name_beside(const std::string& target, std::string_view added);
 
 /// The permissions without those that this process gives to nobody.
 mode_t allowed_mode(mode_t mode);

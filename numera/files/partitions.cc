@@ -59,7 +59,7 @@ class PartFolder {
     if (!is_new && (!is_directory(found) || !std::filesystem::is_empty(target, error))) {
       return ::arrow::Status::IOError("it exists and is no empty folder");
     }
-    std::string name = name_beside(target, ".part-XXXXXX");
+    std::string name = hidden_name_beside(target, ".part-XXXXXX");
     if (::mkdtemp(name.data()) == nullptr) return last_error();
     part_ = name;
     target_ = std::move(target);

@@ -55,8 +55,9 @@ struct ReadOptions {
   /// Where memory comes from. It must outlive the source and all batches. Null: Arrow's default
   /// pool, with `memory_limit`. A pool that is given has no limit beside its own.
   ::arrow::MemoryPool* pool = nullptr;
-  /// Called some ten times per second by the thread that waits for a pipe. An error ends the wait
-  /// and the reading. None: it waits until there are bytes or the pipe ends.
+  /// Called by the thread that opens or reads: some ten times per second while it waits for a pipe,
+  /// and once for each MiB of text and of a pipe that is copied. An error ends the opening or the
+  /// reading. None: it goes on until there are bytes or the pipe ends.
   std::function<::arrow::Status()> while_waiting = {};
 };
 

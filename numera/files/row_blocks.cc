@@ -11,10 +11,11 @@ using MaybeBlock = ::arrow::Result<std::shared_ptr<::arrow::Buffer>>;
 }  // namespace
 
 RowBlocks::RowBlocks(std::shared_ptr<::arrow::io::InputStream> text,
-                     std::unique_ptr<::arrow::Chunker> rows, ::arrow::MemoryPool* pool)
+                     std::unique_ptr<::arrow::Chunker> rows, const ReadOptions& options)
     : text_(std::move(text)),
       rows_(std::move(rows)),
-      pool_(pool),
+      pool_(options.pool),
+      while_waiting_(options.while_waiting),
       rest_(::arrow::Buffer::FromString("")) {}
 
 MaybeBlock RowBlocks::next() {
@@ -44,6 +45,7 @@ MaybeBlock RowBlocks::last(std::shared_ptr<::arrow::Buffer> block) {
 
 /// The start of a row and what follows it: as much again, so that a long row takes few steps.
 MaybeBlock RowBlocks::read() {
+  if (while_waiting_) ARROW_RETURN_NOT_OK(while_waiting_());
   const std::int64_t room = kLongestRowBytes - rest_->size();
   ARROW_ASSIGN_OR_RAISE(auto more,
                         text_->Read(std::min(std::max(kTextBlockBytes, rest_->size()), room)));

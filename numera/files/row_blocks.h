@@ -2,13 +2,15 @@
 
 #include <arrow/buffer.h>
 #include <arrow/io/interfaces.h>
-#include <arrow/memory_pool.h>
 #include <arrow/result.h>
 #include <arrow/util/delimiting.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
+
+#include "numera/files/read.h"
 
 namespace numera::files {
 
@@ -23,9 +25,10 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 /// row if that is longer.
 class RowBlocks {
  public:
-  /// `rows` finds the ends of rows. `pool` outlives the blocks.
+  /// `rows` finds the ends of rows. The pool of the options outlives the blocks. Calls their
+  /// `while_waiting` before each MiB, and returns its error.
   RowBlocks(std::shared_ptr<::arrow::io::InputStream> text, std::unique_ptr<::arrow::Chunker> rows,
-            ::arrow::MemoryPool* pool);
+            const ReadOptions& options);
 
   /// The next block; null after the last one. The mark of the byte order at the start of a file is
   /// left out, and the last row gets a line break if it has none. Invalid for a row of more than 64
@@ -42,6 +45,7 @@ class RowBlocks {
   std::shared_ptr<::arrow::io::InputStream> text_;
   std::unique_ptr<::arrow::Chunker> rows_;
   ::arrow::MemoryPool* pool_;
+  std::function<::arrow::Status()> while_waiting_;
   std::shared_ptr<::arrow::Buffer> rest_;  ///< the start of a row
   bool is_at_start_ = true;
   bool is_at_end_ = false;

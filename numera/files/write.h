@@ -63,10 +63,11 @@ NUMERA_EXPORT std::vector<std::string> compression_names();
 /// Invalid for a name that is not one of `format_names`.
 NUMERA_EXPORT ::arrow::Status select_format(const std::string& name, WriteOptions& options);
 
-/// A file that appears only when it is complete. It is written beside its target and renamed at the
-/// end. Until then, and after any failure, an existing target stays unchanged. If the target is a
-/// link, the link stays and the file that it leads to is replaced. The destructor of a sink that
-/// was not finished removes the unfinished file. One thread at a time may use a sink.
+/// A file that appears only when it is complete. It is written beside its target, under a name that
+/// begins with a dot, and renamed at the end. Until then, and after any failure, an existing target
+/// stays unchanged. If the target is a link, the link stays and the file that it leads to is
+/// replaced. The destructor of a sink that was not finished removes the unfinished file. One thread
+/// at a time may use a sink.
 ///
 /// After an error, every further call returns the same error.
 class NUMERA_EXPORT Sink {

@@ -32,7 +32,7 @@ class Calls {
 
   const std::vector<std::string>& paths() const { return paths_; }
 
-  /// To be called by `call` while it waits. Cancelled if Python was interrupted; the exception of
+  /// To be called by `call` while it waits or reads. Cancelled if Python was interrupted; the exception of
   /// Python is raised when `call` returns.
   ::arrow::Status while_waiting();
 

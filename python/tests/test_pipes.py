@@ -109,7 +109,7 @@ def test_standard_input_that_is_no_table_is_refused():
 
 
 def interrupted(call):
-    """What a process prints whose call is interrupted while it waits for standard input."""
+    """What a process prints whose call is interrupted. Nothing comes from its standard input."""
     code = ("import numera, os, signal, threading\n"
             "try:\n"
             "    threading.Timer(0.5, os.kill, [os.getpid(), signal.SIGINT]).start()\n"
@@ -132,3 +132,13 @@ def test_ctrl_c_ends_the_wait_for_the_writer_of_a_pipe(pipe):
 
 def test_ctrl_c_ends_the_wait_for_a_pipe_that_gives_nothing():
     assert interrupted("numera.read('-')") == b"interrupted\n"
+
+
+@pytest.mark.parametrize(("row", "refused"), [(b'{"n":1}\n', b"x\n"), (b"1\n", b'"x\n')])
+def test_ctrl_c_ends_the_reading_of_a_text_for_its_types(tmp_path, row, refused):
+    """It takes seconds to come to the end of the text, where it is refused."""
+    piece = pa.compress(row * (2 ** 24 // len(row)), "gzip", asbytes=True)
+    path = tmp_path / "rows.gz"
+    path.write_bytes(piece * 16 + pa.compress(refused, "gzip", asbytes=True))
+    call = f"numera.read({str(path)!r}, csv_types_of_all_rows=True)"
+    assert interrupted(call) == b"interrupted\n"

@@ -46,6 +46,7 @@ class JoinedFiles : public ::testing::Test {
 
   std::vector<std::string> paths(const std::vector<std::string>& names) const {
     std::vector<std::string> paths;
+    paths.reserve(names.size());
     for (const std::string& name : names) paths.push_back(folder_.path(name));
     return paths;
   }

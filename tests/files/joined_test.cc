@@ -122,11 +122,12 @@ TEST_F(JoinedFiles, TakeTheWiderTypeOfAColumn) {
     SCOPED_TRACE(one.one->ToString() + " and " + one.other->ToString());
     const std::string values(one.values);
     const std::string inside = values.substr(1, values.size() - 2);
+    const std::string twice = std::string("[").append(inside).append(", ").append(inside) + "]";
     write("1.arrow", *table_of({{"a", one.one, one.values}}));
     write("2.arrow", *table_of({{"a", one.other, one.values}}));
     for (const auto& names : {std::vector<std::string>{"1.arrow", "2.arrow"},
                               std::vector<std::string>{"2.arrow", "1.arrow"}}) {
-      expect(names, *table_of({{"a", one.both, "[" + inside + ", " + inside + "]"}}));
+      expect(names, *table_of({{"a", one.both, twice}}));
     }
   }
 }

@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <functional>
 #include <string_view>
 #include <thread>
 
@@ -50,15 +49,6 @@ class FilledPipe {
   int ends_[2] = {-1, -1};
   std::thread writer_;
 };
-
-/// Runs the function while standard input is the descriptor.
-void with_standard_input(int descriptor, const std::function<void()>& run) {
-  const int before = ::dup(STDIN_FILENO);
-  ::dup2(descriptor, STDIN_FILENO);
-  run();
-  ::dup2(before, STDIN_FILENO);
-  ::close(before);
-}
 
 /// The rows 0 to 299,999, in several batches and blocks.
 std::shared_ptr<::arrow::Table> numbers() {

@@ -3,6 +3,11 @@
 #include <arrow/array/array_base.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
 #include "tests/files/tables.h"
 #include "tests/files/written.h"
 #include "tests/support/arrow_values.h"
@@ -80,6 +85,34 @@ TEST_F(SourceOfAFile, TakesNoMoreMemoryThanItMay) {
   EXPECT_EQ(read_table(file, {.memory_limit = 1'000'000}).ValueOrDie()->num_rows(), 100'000);
   const auto source = files::open_source(file, {.memory_limit = 700'000}).ValueOrDie();
   expect_too_large(source->Next().status());
+}
+
+/// The stream states a body of a tebibyte. What follows in the file is not written, so that it
+/// takes no room on the disk.
+TEST_F(SourceOfAFile, TakesNoMoreMemoryThanTwoGibibytesOrFourTimesItsSize) {
+  struct Case {
+    std::uintmax_t size;
+    std::optional<std::int64_t> given;
+    const char* limit;
+  };
+  constexpr Case kCases[] = {{std::uintmax_t{1} << 20U, {}, "2147483648"},
+                             {std::uintmax_t{512} << 20U, {}, "2147483648"},
+                             {std::uintmax_t{600} << 20U, {}, "2516582400"},
+                             {std::uintmax_t{600} << 20U, 1'000'000, "1000000"}};
+  const std::string file = folder_.path("large.arrows");
+  write_ipc_stream(file, *table_of({{"n", ::arrow::int8(), "[1, 2, 3]"}}));
+  overwrite(file, std::string("\x08\0\0\0\0\0\0\0", 8), std::string("\0\0\0\0\0\x01\0\0", 8));
+  for (const Case& one : kCases) {
+    SCOPED_TRACE(one.limit);
+    std::filesystem::resize_file(file, one.size);
+    const auto status = read_table(file, {.memory_limit = one.given}).status();
+    EXPECT_TRUE(status.IsOutOfMemory()) << status.ToString();
+    EXPECT_TRUE(status.message().starts_with("reading it needs 1099511627776 bytes beside "))
+        << status.ToString();
+    EXPECT_TRUE(status.message().ends_with(std::string(" in use, and the memory limit is ") +
+                                           one.limit + " bytes"))
+        << status.ToString();
+  }
 }
 
 TEST_F(SourceOfAFile, CountsWhatIsDecompressedAsMemory) {

@@ -50,4 +50,12 @@ void with_standard_output(int descriptor, const std::function<void()>& run) {
   ::close(before);
 }
 
+void with_standard_input(int descriptor, const std::function<void()>& run) {
+  const int before = ::dup(STDIN_FILENO);
+  ::dup2(descriptor, STDIN_FILENO);
+  run();
+  ::dup2(before, STDIN_FILENO);
+  ::close(before);
+}
+
 }  // namespace numera::testing

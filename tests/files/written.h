@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Tables that are written with a sink.
+/// Tables that are written with a sink, and the standard streams of a test.
 
 #include <arrow/record_batch.h>
 #include <arrow/result.h>
@@ -34,5 +34,8 @@ std::string standard_output_of(const std::function<void()>& run);
 
 /// Runs the function while standard output is the descriptor.
 void with_standard_output(int descriptor, const std::function<void()>& run);
+
+/// Runs the function while standard input is the descriptor.
+void with_standard_input(int descriptor, const std::function<void()>& run);
 
 }  // namespace numera::testing

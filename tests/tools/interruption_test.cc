@@ -95,7 +95,19 @@ TEST_F(Interruption, ByForceLeavesTheOutputIntactAndAPartBeside) {
   program.send(SIGKILL);
   EXPECT_EQ(program.wait().exit_status, 128 + SIGKILL);
   EXPECT_EQ(read_text(output_), "older");
-  EXPECT_THAT(part(), ::testing::MatchesRegex("back[.]arrow[.]......[.]part"));
+  EXPECT_THAT(part(), ::testing::MatchesRegex("[.]back[.]arrow[.]......[.]part"));
+}
+
+TEST_F(Interruption, ByForceLeavesAPartThatIsNoDataOfItsFolder) {
+  const TemporaryFolder rows;
+  rows.write("1.csv", "n\n7\n");
+  const auto has_part = [&] { return rows.names().size() > 1; };
+  RunningProgram program({"convert", file_, "--batch-rows", "10", "-o", rows.path("2.csv")});
+  wait_until(has_part);
+  program.send(SIGKILL);
+  EXPECT_EQ(program.wait().exit_status, 128 + SIGKILL);
+  EXPECT_TRUE(has_part());
+  EXPECT_EQ(printed("show", rows.path("")), "    n\nint64\n    7\n\n1 row\n");
 }
 
 /// A change of the input while the program reads it.
@@ -105,7 +117,8 @@ struct Change {
 };
 
 void cut_rows(const std::string& file) {
-  fs::resize_file(file, fs::file_size(file) - 8 * 100000);  // whole lines of the CSV
+  constexpr std::uintmax_t kWholeLines = std::uintmax_t{8} * 100000;
+  fs::resize_file(file, fs::file_size(file) - kWholeLines);
 }
 
 void add_bytes(const std::string& file) {

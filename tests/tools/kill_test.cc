@@ -143,7 +143,10 @@ TEST(Killed, AfterAnyChangeOfAFileItLeavesAPartOrTheWholeFolderOfPartitions) {
       EXPECT_EQ(read_text(output + "/k=1/part-0.csv"), "\"n\"\n2\n");
       EXPECT_EQ(read_text(output + "/k=3/part-0.csv"), "\"n\"\n4\n");
     } else {
-      EXPECT_THAT(folder.names(), ElementsAre(MatchesRegex("rows[.]part-......")));
+      EXPECT_THAT(folder.names(), ElementsAre(MatchesRegex("[.]rows[.]part-......")));
+      const std::string read = folder.path("");
+      const Outcome nothing = {1, "", "numera-arrow: " + read + ": it is a folder without files\n"};
+      EXPECT_EQ(run_program({"show", read}), nothing);
     }
     if (!killed) break;
   }

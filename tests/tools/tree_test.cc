@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/tools/program.h"
 
@@ -53,6 +54,22 @@ TEST_F(Tree, IsWhatConvertPrintsLastOnRequest) {
   const std::string tree = shown({});
   EXPECT_THAT(tree, ::testing::HasSubstr("Data: string 2x1 [\"a\" \"b\"]\n"));
   EXPECT_THAT(converted(file_, {"--show"}), ::testing::EndsWith(" s\n\n" + tree));
+}
+
+TEST_F(Tree, IsWhatConvertPrintsOfAPipeWhichItReadsOnce) {
+  const std::string text = "n\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n";
+  write_text(file_, text);
+  const std::string tree = shown({});
+  const std::string pipe = folder_.path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  RunningProgram program({"convert", pipe, "--show", "--batch-rows", "4"});
+  write_text(pipe, text);
+  const Outcome run = program.wait();
+  EXPECT_EQ(run.exit_status, 0) << run.errors;
+  EXPECT_THAT(run.out, ::testing::EndsWith(" s\n\n" + tree));
+  const Outcome of_input = run_program({"convert", "-", "--show"}, {.in = file_});
+  EXPECT_EQ(of_input.exit_status, 0) << of_input.errors;
+  EXPECT_THAT(of_input.out, ::testing::EndsWith(" s\n\n" + tree));
 }
 
 TEST_F(Tree, PrintsTenRowsWhereNoneAreAskedFor) {

@@ -61,8 +61,6 @@ TEST(Usage, WrongUsageExitsWith2AndSaysWhyInOneLine) {
       {{"--versoin"}, program + "there is no option '--versoin'; did you mean '--version'?" + show},
       {{"-x"}, program + "there is no option '-x'." + show},
       {{"show"}, in_show + "FILE is required." + show_rows},
-      {{"convert", "-", "--show"},
-       in_convert + "--show: standard input cannot be read twice." + convert},
       {{"convert", "one", "--partition-by", "a"},
        in_convert + "--partition-by: there is no output; add --output." + convert},
       {{"show", "one", "--csv-delimiter", "ab"},
