@@ -21,7 +21,7 @@ template <class Function>
 const void* address_of(Function function) {
   const void* address = nullptr;
   static_assert(sizeof function >= sizeof address);
-  std::memcpy(&address, &function, sizeof address);
+  std::memcpy(static_cast<void*>(&address), static_cast<const void*>(&function), sizeof address);
   return address;
 }
 
