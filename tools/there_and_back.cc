@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "numera/extras/column_status.h"
 #include "numera/extras/convert.h"
 #include "numera/extras/parallel/parallel.h"
 #include "numera/numera.h"
@@ -80,13 +81,14 @@ Group group_of(const ::arrow::RecordBatch& batch, const std::vector<Trip>& trips
   return ::arrow::Status::OK();
 }
 
-/// Why a table of one column is refused. Paths start at the column, because the user knows no
-/// table.
-std::string reason_in_column(const ::arrow::Status& status) {
-  constexpr std::string_view kColumn = ".Columns";
-  std::string reason = status.message();
-  if (reason.starts_with(kColumn)) reason.erase(0, kColumn.size());
-  return reason;
+/// Why a table of one column is refused, without the column, because the line of the column has its
+/// name.
+std::string reason_in_column(const ::arrow::Status& status, const std::string& name) {
+  std::string_view reason = status.message();
+  for (const std::string& prefix : {extras::column_text(name, 0), std::string(": ")}) {
+    if (reason.starts_with(prefix)) reason.remove_prefix(prefix.size());
+  }
+  return std::string(reason);
 }
 
 /// Passes the column through the intake, as one array.
@@ -116,7 +118,8 @@ std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOp
   // A column was refused. Convert each alone to find out which.
   for (const size_t i : all.columns) {
     const ::arrow::Status status = convert(group_of(batch, trips, {i}), 1, trips, legs);
-    if (!status.ok()) trips[i].refusal = reason_in_column(status);
+    if (!status.ok())
+      trips[i].refusal = reason_in_column(status, batch.column_name(static_cast<int>(i)));
   }
   return trips;
 }

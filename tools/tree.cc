@@ -6,6 +6,7 @@
 
 #include "numera/extras/inspect/inspect.h"
 #include "numera/extras/intake/intake.h"
+#include "numera/extras/parallel/parallel.h"
 #include "numera/numera.h"
 #include "tools/host_json.h"
 #include "tools/json.h"
@@ -43,7 +44,7 @@ void print_tree_as_json(const hxArray* table, const ::arrow::Schema& schema, std
 ::arrow::Status print_tree(const std::shared_ptr<::arrow::Table>& table, const TreeOptions& tree,
                            std::ostream& out) {
   ARROW_ASSIGN_OR_RAISE(const auto taken, extras::take_in(table, {.cast = tree.cast}));
-  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, io::arrow::core::to_numera(taken.value));
+  ARROW_ASSIGN_OR_RAISE(const hxArrayPtr host, extras::parallel_to_numera(taken.value, 1));
   if (tree.json) {
     print_tree_as_json(host.get(), *table->schema(), out);
   } else {

@@ -102,11 +102,11 @@ hxArrayPtr make_array(Shape shape, Fill fill) {
                                 std::make_shared<Content>(std::move(content))));
 }
 
-// String arrays are never written, so they stay shared.
 void unshare(hxArray* array) {
   if (!hxIsDataShared(array)) return;
   const Shape& shape = *array->shape;
   auto own = std::make_shared<Content>();
+  own->strings = array->content->strings;
   if (array->content->data) {
     own->data = copy_bytes(array->content->data.get(), shape.elements * shape.element_size);
   }

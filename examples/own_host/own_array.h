@@ -25,11 +25,11 @@ struct Shape {
 };
 
 // Shared by copies until one of them is written. Only one of the three members is filled, depending
-// on the class.
+// on the class. Texts in an array are never written, so they stay shared.
 struct Content {
   std::unique_ptr<std::byte[]> data = {};
   std::vector<hxArrayPtr> slots = {};
-  std::unique_ptr<hxStringArray> strings = {};
+  std::shared_ptr<const hxStringArray> strings = {};
 };
 
 enum class Fill { Zero, None };

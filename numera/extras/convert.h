@@ -46,8 +46,10 @@ struct ToHostOptions {
 /// result is a new host value that the caller owns. The data is only read, and the result does not
 /// refer to it.
 ///
-/// Errors and exceptions: those of `take_in` and `to_numera`. The status of a column that fails
-/// carries a `TableErrorStatusDetail` with its name and index.
+/// Errors and exceptions: those of `take_in` and `to_numera`. If a column of a table fails, the
+/// message begins with "Column 'price' (index 1)", and the status carries a
+/// `TableErrorStatusDetail` with the name and the index. The same holds for every status of a
+/// column below.
 ///
 /// Cost: that of `to_numera`, and one pass over the data to validate it.
 NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
@@ -83,7 +85,8 @@ NUMERA_EXPORT ::arrow::Result<hxArrayPtr> convert_to_host(
 /// - TypeError "Value: found an encoded value of the kind 'table', expected an array.", and the
 ///   other way round
 /// - TypeError "Column: found type X, expected Y or a type that can be cast to it without loss."
-///   Inside nested types the message starts with the path of the field, such as "Column.a[].b"
+///   Inside nested types the message starts with the path of the field, such as "Column.a[].b".
+///   In a table the path starts with the column, such as "Column 'price' (index 1).a[].b"
 /// - Invalid if a cast would change a value
 /// - Invalid for nulls in a field that is not nullable, for column names that differ from the
 ///   schema, and for a type that contains a null pointer or nests too deeply

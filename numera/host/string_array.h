@@ -36,9 +36,12 @@ class NUMERA_EXPORT hxStringArray {
   /// Number of elements, missing ones included: the product of the dimensions.
   virtual size_t size() const = 0;
   /// Element `i` in storage order; nullopt if it is missing. The view is valid until the next
-  /// change of the array. A host that keeps texts in another encoding may convert them on demand,
-  /// also if several threads read at the same time. This may throw `std::bad_alloc`; the element
-  /// can then be read again.
+  /// change of the array.
+  ///
+  /// A host that keeps texts in another encoding, such as UTF-8, may convert them on demand.
+  /// Several threads may read the same element for the first time at once, also through shared
+  /// copies of the array: such a host has to lock. The conversion may throw `std::bad_alloc`; the
+  /// next call then works if there is memory.
   virtual std::optional<std::u16string_view> element(size_t i) const = 0;
   /// Copies the text unchanged: NUL and unpaired surrogates are kept. Afterwards the element is not
   /// missing.

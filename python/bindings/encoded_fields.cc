@@ -57,23 +57,17 @@ bool is_known_readable(const hxArray* value) {
   return true;
 }
 
-std::string failed_column(const HostValue& host, const ::arrow::Status& status) {
+std::string type_of_failed_column(const HostValue& host, const ::arrow::Status& status) {
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
-  if (detail == nullptr) return {};
-  const std::string index = std::to_string(detail->column_index());
-  std::string text = "Column '" + detail->column_name() + "' (index " + index;
   const hxArray* columns = hxGetField(host.get(), 0, "Columns");
-  if (columns != nullptr) {
-    const auto position = static_cast<size_t>(detail->column_index());
-    const std::string type = text_in(columns, position, "Type");
-    if (!type.empty()) text += ", type '" + type + "'";
-  }
-  return text + "): ";
+  if (detail == nullptr || columns == nullptr) return {};
+  const std::string type = text_in(columns, static_cast<size_t>(detail->column_index()), "Type");
+  return type.empty() ? "" : "the type is '" + type + "': ";
 }
 
 std::string refused_column_note(const HostValue& host, const ::arrow::Status& status) {
-  const std::string column = failed_column(host, status);
-  return column.empty() ? "" : column + kRefusedColumnNote;
+  if (dynamic_cast<const TableErrorStatusDetail*>(status.detail().get()) == nullptr) return {};
+  return type_of_failed_column(host, status) + kRefusedColumnNote;
 }
 
 }  // namespace numera::python

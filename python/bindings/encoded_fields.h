@@ -25,11 +25,12 @@ bool is_other_struct(const hxArray* value);
 /// its conversion then fails in either form.
 bool is_known_readable(const hxArray* value);
 
-/// `Column 'price' (index 1, type 'double'): `; empty if the failure names no column.
-std::string failed_column(const HostValue& host, const ::arrow::Status& status);
+/// "the type is 'double': "; empty if the failure names no column or the column has no type. The
+/// message of the failure names the column.
+std::string type_of_failed_column(const HostValue& host, const ::arrow::Status& status);
 
-/// The note for a value that is refused: the column and what can be done. Empty if the failure
-/// names no column.
+/// The note for a value that is refused: the type of the column and what can be done. Empty if the
+/// failure names no column.
 std::string refused_column_note(const HostValue& host, const ::arrow::Status& status);
 
 }  // namespace numera::python

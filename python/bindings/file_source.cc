@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "numera/core/to_numera.h"
-#include "numera/core/util/table_error.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/intake/intake.h"
+#include "numera/extras/parallel/parallel.h"
 #include "numera/files/read.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/errors.h"
@@ -44,7 +44,7 @@ std::vector<std::string> paths_of(nb::list paths) {
     const auto array = ::arrow::Concatenate(columns[i]->chunks());
     if (!array.ok()) {
       const auto index = static_cast<int>(i);
-      return io::arrow::core::util::in_column(array.status(), table.field(index)->name(), index);
+      return extras::status_of_column(array.status(), table.field(index)->name(), index);
     }
     columns[i] = std::make_shared<::arrow::ChunkedArray>(*array);
   }
@@ -59,7 +59,7 @@ std::vector<std::string> paths_of(nb::list paths) {
   if (one_chunk) {
     ARROW_ASSIGN_OR_RAISE(taken.value, in_one_chunk(*taken.value));
   }
-  return io::arrow::core::to_numera(std::move(taken.value));
+  return extras::parallel_to_numera(std::move(taken.value), 1);
 }
 
 /// Files that are read into host tables: rows are collected, then taken.

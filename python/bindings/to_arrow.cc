@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "numera/core/util/table_error.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/convert.h"
 #include "numera/extras/own/own.h"
 #include "python/bindings/bindings.h"
@@ -41,11 +41,11 @@ constexpr const char* kExactTypeNote =
   const ::arrow::ChunkedArray& column = *table.column(index);
   ::arrow::Status status = column.ValidateFull();
   if (status.ok() && column.length() != table.num_rows()) {
-    status = ::arrow::Status::Invalid("Column: found ", column.length(), " elements, expected ",
+    status = ::arrow::Status::Invalid("found ", column.length(), " elements, expected ",
                                       table.num_rows(), ", as in the first column.");
   }
   if (status.ok()) return status;
-  return io::arrow::core::util::in_column(status, table.field(index)->name(), index);
+  return extras::status_of_column(status, table.field(index)->name(), index);
 }
 
 ::arrow::Status validate_full(const ::arrow::Array& array) { return array.ValidateFull(); }
@@ -95,7 +95,7 @@ std::shared_ptr<T> converted(const HostValue& host, bool validate, Conversion<T>
   };
   const auto note = [&](const ::arrow::Status& status) {
     return validate ? refused_column_note(host, status)
-                    : failed_column(host, status) + kUncheckedNote;
+                    : type_of_failed_column(host, status) + kUncheckedNote;
   };
   try {
     return value_of(call, note);
@@ -137,7 +137,7 @@ void check_type(nb::handle type, const std::string& kind, bool validate) {
 
 nb::object to_arrow_exactly(const HostValue& host, nb::handle type, const std::string& kind) {
   const auto note = [&](const ::arrow::Status& status) {
-    return failed_column(host, status) + kExactTypeNote;
+    return type_of_failed_column(host, status) + kExactTypeNote;
   };
   if (kind == "table") {
     const auto schema = value_or_raise(py::unwrap_schema(type.ptr()));

@@ -23,6 +23,7 @@ def test_an_invalid_column_is_named():
     with pytest.raises(pa.ArrowInvalid, match="Invalid UTF8") as caught:
         numera.to_host(table)
     error = caught.value
+    assert str(error) == "Column 'b' (index 1): Invalid UTF8 sequence at string index 1"
     assert (error.column_name, error.column_index) == ("b", 1)
     assert error.error_code is numera.TableErrorCode.Internal and error.error_code == 1
 
@@ -32,6 +33,8 @@ def test_a_column_of_a_type_without_host_form_is_named():
     with pytest.raises(pa.ArrowTypeError) as caught:
         numera.to_host(table)
     error = caught.value
+    assert str(error) == ("Column 'é' (index 1)[]: found type decimal128(3, 1), expected one that has "
+                          "a host form; casts were not asked for.")
     assert (error.column_name, error.column_index) == ("é", 1)
     assert error.error_code is numera.TableErrorCode.TypeError and error.error_code == 0
 

@@ -39,17 +39,17 @@ def test_make_readable_names_the_place():
         numera.make_readable(host.numeric([1j]))
 
 
-@pytest.mark.parametrize("column, error, text, found", [
+@pytest.mark.parametrize("column, error, text, type_", [
     (encoded("array", "double", host.numeric([1j])), pa.ArrowTypeError,
-     ".Columns(1).Data: found a complex 1-by-1 double array, expected real numbers that are not "
-     "sparse.", "index 1, type 'double'"),
+     "Column 'Größe €' (index 1).Data: found a complex 1-by-1 double array, expected real numbers that "
+     "are not sparse.", "the type is 'double': "),
     (encoded("array", "string", host.string(["\udc00"])), pa.ArrowInvalid,
-     ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate at code "
-     "unit 0.), expected paired surrogates.", "index 1, type 'string'"),
+     "Column 'Größe €' (index 1).Data: found text that is not UTF-16 in element 0 (Unpaired low "
+     "surrogate at code unit 0.), expected paired surrogates.", "the type is 'string': "),
     ({**encoded("array", "double", host.numeric([1.0])), "Type": None}, pa.ArrowTypeError,
-     ".Columns(1).Type: found no value, expected one.", "index 1"),
+     "Column 'Größe €' (index 1).Type: found no value, expected one.", ""),
 ])
-def test_make_readable_says_which_column_it_refuses_and_what_can_be_done(column, error, text, found):
+def test_make_readable_says_which_column_it_refuses_and_what_can_be_done(column, error, text, type_):
     value = table([encoded("array", "double", host.numeric([1.0])), column], ["n", "Größe €"])
     with pytest.raises(error) as caught:
         numera.make_readable(value)
@@ -59,7 +59,7 @@ def test_make_readable_says_which_column_it_refuses_and_what_can_be_done(column,
                                        if error is pa.ArrowTypeError
                                        else numera.TableErrorCode.Internal)
     assert caught.value.__notes__ == [
-        f"Column 'Größe €' ({found}): change the value at that place to what was expected there, "
+        f"{type_}change the value at that place to what was expected there, "
         "or leave the column out of the table."
     ]
 

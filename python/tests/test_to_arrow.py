@@ -128,8 +128,8 @@ UNCHECKED = ("with validate=False, numera.to_arrow reads values in readable form
 
 @pytest.mark.parametrize("value, error, text, note", [
     (numera.to_host(pa.array(["a"])), ValueError, "Wrong field name.", UNCHECKED),
-    (numera.to_host(pa.table({"t": ["a"]})), pa.ArrowInvalid, "Wrong field name.",
-     f"Column 't' (index 0, type 'string'): {UNCHECKED}"),
+    (numera.to_host(pa.table({"t": ["a"]})), pa.ArrowInvalid, "Column 't' (index 0): Wrong field name.",
+     f"the type is 'string': {UNCHECKED}"),
     (host.numeric([1.0]), pa.ArrowTypeError, "Struct array required for input", UNCHECKED),
 ], ids=["array", "table", "ordinary"])
 def test_what_is_not_readable_is_refused_without_a_check(value, error, text, note):
@@ -146,8 +146,8 @@ def test_what_is_not_readable_is_refused_without_a_check(value, error, text, not
      ".Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate at code unit 0.), "
      "expected paired surrogates."),
     (table([encoded("array", "string", host.string(["\udc00"]))]), pa.ArrowInvalid,
-     ".Columns.Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate at code unit "
-     "0.), expected paired surrogates."),
+     "Column 'c0' (index 0).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate "
+     "at code unit 0.), expected paired surrogates."),
 ], ids=["ordinary", "array", "table"])
 def test_what_cannot_be_made_readable_is_refused_with_its_place(value, error, text):
     with pytest.raises(error) as caught:
@@ -169,13 +169,14 @@ def test_a_failing_column_is_named():
     with pytest.raises(pa.ArrowInvalid) as caught:
         numera.to_arrow(value)
     assert str(caught.value) == (
-        ".Columns(1).Type: found 'nothing', expected the name of a type whose 'Data' is a struct."
+        "Column 'bad' (index 1).Type: found 'nothing', expected the name of a type whose 'Data' is a "
+        "struct."
     )
     assert (caught.value.column_name, caught.value.column_index) == ("bad", 1)
     assert caught.value.error_code is numera.TableErrorCode.Internal
     assert caught.value.__notes__ == [
-        "Column 'bad' (index 1, type 'nothing'): change the value at that place to what was "
-        "expected there, or leave the column out of the table."
+        "the type is 'nothing': change the value at that place to what was expected there, or leave "
+        "the column out of the table."
     ]
 
 
@@ -193,7 +194,7 @@ def test_a_column_without_name_is_counted():
         "Columns": host.struct([encoded("array", "double", host.numeric([1.0]))] * 2),
         "Names": host.cell(["only"]),
     })
-    with pytest.raises(pa.ArrowInvalid, match="^Cell index is out of range.") as caught:
+    with pytest.raises(pa.ArrowInvalid, match=r"^Column '' \(index 1\): Cell index is out of range.") as caught:
         numera.to_arrow(value)
     assert (caught.value.column_name, caught.value.column_index) == ("", 1)
 

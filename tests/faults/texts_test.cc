@@ -1,17 +1,26 @@
 // A host whose string arrays set one element after another. A failure inside an element becomes the
 // message of that row. The conversion recovers from a failure before the first element. A failure
 // around the elements comes out as the exception itself.
+//
+// And the other way round: a host may convert each text when it is read, so that reading fails.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <exception>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "numera/core/to_numera.h"
+#include "numera/extras/encode/encode.h"
+#include "numera/extras/inspect/inspect.h"
 #include "numera/host/memory.h"
+#include "tests/faults/input.h"
 #include "tests/support/every_type.h"
+#include "tests/support/faults.h"
+#include "tests/support/host_builder.h"
 #include "tests/support/recording_host.h"
 
 namespace numera::testing {
@@ -83,6 +92,43 @@ TEST_P(TextsOneByOne, FailByRowInsideAnElementAndByExceptionElsewhere) {
 INSTANTIATE_TEST_SUITE_P(Faults, TextsOneByOne,
                          ::testing::Values(::arrow::utf8(), ::arrow::large_utf8()),
                          [](const auto& type) { return type.param->name(); });
+
+// Each text is read at least once, so each reader has at least this many calls that may throw.
+constexpr FaultSites kFourReads = {.calls = 4};
+
+class TextsRead : public ::testing::Test {
+ protected:
+  const hxArrayPtr texts_ = Strings({2, 2}, {u"a", u"\u00E9", std::nullopt, u"b"});
+  const hxArrayPtr equal_ = Strings({2, 2}, {u"a", u"\u00E9", std::nullopt, u"b"});
+
+  FaultSites fail_everywhere(const std::function<void(const hxArray*)>& read) const {
+    const auto convert = [&] {
+      read(texts_.get());
+      return ::arrow::Status::OK();
+    };
+    return FailEverywhere(convert, [this] { return text_of(texts_.get()); });
+  }
+};
+
+TEST_F(TextsRead, ArePackedAfterAFailedRead) {
+  ExpectAtLeast(
+      fail_everywhere([](const hxArray* texts) { EXPECT_TRUE(extras::make_readable(texts).ok()); }),
+      kFourReads);
+}
+
+TEST_F(TextsRead, ArePrintedAfterAFailedRead) {
+  ExpectAtLeast(fail_everywhere([](const hxArray* texts) {
+                  EXPECT_EQ(extras::print(texts), "string 2x2 [\"a\" <missing>; \"\u00E9\" \"b\"]");
+                }),
+                kFourReads);
+}
+
+TEST_F(TextsRead, AreComparedAfterAFailedRead) {
+  ExpectAtLeast(fail_everywhere([this](const hxArray* texts) {
+                  EXPECT_EQ(extras::first_difference(texts, equal_.get()), std::nullopt);
+                }),
+                kFourReads);
+}
 
 }  // namespace
 }  // namespace numera::testing

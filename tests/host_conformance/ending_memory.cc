@@ -1,10 +1,10 @@
 #include <cstdint>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "numera/host/string_array.h"
-
 #include "tests/host_conformance/claims.h"
 
 namespace numera::host_conformance {
@@ -111,19 +111,22 @@ TEST_F(EndingMemory, IsNotWhatReadingNeeds) {
 
 TEST_F(EndingMemory, LetsATextBeReadAgain) {
   const HostUnderTest& host = host_under_test();
-  constexpr std::int32_t kOffsets[] = {0, 3};
-  const auto* const bytes = reinterpret_cast<const std::uint8_t*>("z\xC3\xBC");
-  auto strings = hxMakeStringArray(Dims{1, 1});
-  ASSERT_EQ(strings->assign_utf8(0, kOffsets, bytes), std::nullopt);
-  const hxArrayPtr array = hxCreateStringArrayFrom(std::move(strings));
-  for (size_t count = 0; count < 3; ++count) {
-    host.fail_allocation_after(count);
-    try {
-      EXPECT_EQ(hxGetStringArray(array.get()).element(0), u"z\u00FC");
-    } catch (const std::bad_alloc&) {  // a host that converts on demand
+  constexpr std::int32_t kOffsets[] = {0, 3, 8};
+  const std::u16string_view expected[] = {u"z\u00FC", u"plain"};
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>("z\xC3\xBCplain");
+  for (size_t i = 0; i < 2; ++i) {
+    for (size_t count = 0; count < 3; ++count) {
+      auto strings = hxMakeStringArray(Dims{2, 1});
+      ASSERT_EQ(strings->assign_utf8(0, kOffsets, bytes), std::nullopt);
+      const hxArrayPtr array = hxCreateStringArrayFrom(std::move(strings));
+      host.fail_allocation_after(count);
+      try {
+        EXPECT_EQ(hxGetStringArray(array.get()).element(i), expected[i]);
+      } catch (const std::bad_alloc&) {  // a host that converts on demand
+      }
+      host.clear_allocation_failure();
+      EXPECT_EQ(texts_of(hxGetStringArray(array.get())), Texts({u"z\u00FC", u"plain"}));
     }
-    host.clear_allocation_failure();
-    EXPECT_EQ(hxGetStringArray(array.get()).element(0), u"z\u00FC");
   }
 }
 

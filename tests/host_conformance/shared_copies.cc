@@ -1,5 +1,7 @@
+#include <optional>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "numera/host/string_array.h"
 #include "tests/host_conformance/claims.h"
@@ -121,24 +123,61 @@ TEST_F(SharedCopies, OfAStringArrayReadsTheSameTexts) {
   EXPECT_EQ(hxGetStringArray(copy.get()).element(0), u"text");
 }
 
-TEST_F(SharedCopies, OfAClassWithoutDataStayAsTheyAreWhenItIsAskedFor) {
-  auto strings = hxMakeStringArray(Dims{1, 1});
+/// Asks for the data of a shared array for writing.
+void expect_no_data_and_shared(const hxArrayPtr& array) {
+  EXPECT_EQ(hxGetData(array.get()), nullptr);
+  EXPECT_TRUE(hxIsDataShared(array.get()));
+}
+
+TEST_F(SharedCopies, OfAStringArrayStayAsTheyAreWhenDataIsAskedFor) {
+  auto strings = hxMakeStringArray(Dims{2, 1});
   strings->set(0, u"text");
+  strings->set_missing(1);
   const hxArrayPtr texts = hxCreateStringArrayFrom(std::move(strings));
-  const hxArrayPtr cell = hxCreateCellArray(Dims{1, 1});
-  hxSetCell(cell.get(), 0, number(1));
-  const hxArrayPtr point = hxCreateStructArray(Dims{1, 1}, Names{"x"});
-  hxSetField(point.get(), 0, "x", number(2));
-  for (const hxArrayPtr* array : {&texts, &cell, &point}) {
-    const hxArrayPtr copy = hxSharedCopy(array->get());
-    EXPECT_EQ(hxGetData(copy.get()), nullptr);
-    EXPECT_TRUE(hxIsDataShared(copy.get()));
+  for (const bool of_copy : {false, true}) {
+    const hxArrayPtr copy = hxSharedCopy(texts.get());
+    expect_no_data_and_shared(of_copy ? copy : texts);
+    for (const hxArrayPtr* array : {&texts, &copy}) {
+      EXPECT_EQ(texts_of(hxGetStringArray(array->get())), Texts({u"text", std::nullopt}));
+    }
   }
-  const hxArrayPtr copy = hxSharedCopy(texts.get());
-  hxGetData(copy.get());
-  EXPECT_EQ(hxGetStringArray(copy.get()).element(0), u"text");
-  EXPECT_EQ(number_in(hxGetCell(cell.get(), 0)), 1);
-  EXPECT_EQ(number_in(hxGetField(point.get(), 0, "x")), 2);
+}
+
+TEST_F(SharedCopies, OfACellStayAsTheyAreWhenDataIsAskedFor) {
+  const hxArrayPtr cell = hxCreateCellArray(Dims{1, 2});
+  hxSetCell(cell.get(), 0, number(1));
+  const hxArray* const value = hxGetCell(cell.get(), 0);
+  for (const bool of_copy : {false, true}) {
+    const hxArrayPtr copy = hxSharedCopy(cell.get());
+    expect_no_data_and_shared(of_copy ? copy : cell);
+    for (const hxArrayPtr* array : {&cell, &copy}) {
+      EXPECT_EQ(hxGetCell(array->get(), 0), value);
+      EXPECT_EQ(number_in(hxGetCell(array->get(), 0)), 1);
+      EXPECT_EQ(hxGetCell(array->get(), 1), nullptr);
+    }
+  }
+}
+
+TEST_F(SharedCopies, OfStructsAndObjectsStayAsTheyAreWhenDataIsAskedFor) {
+  std::vector<hxArrayPtr> arrays;
+  arrays.push_back(two_points());
+  if (const auto make = host_under_test().object_array) {
+    arrays.push_back(make("point", Dims{2, 1}, Names{"x", "y"}));
+  }
+  for (const hxArrayPtr& array : arrays) {
+    SCOPED_TRACE(hxGetClassName(array.get()));
+    hxSetField(array.get(), 1, "y", number(2));
+    const hxArray* const value = hxGetField(array.get(), 1, "y");
+    for (const bool of_copy : {false, true}) {
+      const hxArrayPtr copy = hxSharedCopy(array.get());
+      expect_no_data_and_shared(of_copy ? copy : array);
+      for (const hxArrayPtr* each : {&array, &copy}) {
+        EXPECT_EQ(hxGetField(each->get(), 1, "y"), value);
+        EXPECT_EQ(number_in(hxGetField(each->get(), 1, "y")), 2);
+        EXPECT_EQ(hxGetField(each->get(), 0, "x"), nullptr);
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -2,8 +2,9 @@
 
 usage: check_libraries.py [--write] LIBRARY_FOLDER
 
-The exported names are listed in exported_names.txt beside this file. A new or missing name changes
-what users link against, so it must be intended. --write writes the list anew.
+The exported names are listed in exported_names.txt beside this file, and the names that a host must
+supply in host_names.txt. A new or missing name changes what users link against or what their hosts
+lack, so it must be intended. --write writes the lists anew.
 """
 
 import pathlib
@@ -12,8 +13,10 @@ import re
 import subprocess
 import sys
 
-LIST = pathlib.Path(__file__).with_name("exported_names.txt")
+EXPORTED = pathlib.Path(__file__).with_name("exported_names.txt")
+OF_HOST = pathlib.Path(__file__).with_name("host_names.txt")
 PARTS = ("arrow", "host", "extras", "files")
+PARTS_ON_A_HOST = ("arrow", "extras")
 
 
 def output_of(*command):
@@ -33,20 +36,25 @@ def exported(folder):
     }
 
 
-def faults_of_names(folder):
-    listed = set(LIST.read_text().splitlines())
-    found = exported(folder)
-    yield from (f"exported, but not listed: {name}" for name in sorted(found - listed))
-    yield from (f"listed, but not exported: {name}" for name in sorted(listed - found))
+def needed_of_host(folder):
+    return {
+        f"{part}: {name}"
+        for part in PARTS_ON_A_HOST
+        for name in names(folder / f"libnumera_{part}.so", "--undefined-only")
+        if name.startswith("hx")
+    }
+
+
+def faults_of_list(path, found, what):
+    listed = set(path.read_text().splitlines())
+    yield from (f"{what}, but not listed: {name}" for name in sorted(found - listed))
+    yield from (f"listed, but not {what}: {name}" for name in sorted(listed - found))
 
 
 def faults_of_host_names(folder):
-    for part in ("arrow", "extras"):
+    for part in PARTS_ON_A_HOST:
         library = folder / f"libnumera_{part}.so"
-        undefined = names(library, "--undefined-only")
-        if not any(name.startswith("hx") for name in undefined):
-            yield f"{library.name} leaves no operation of the host undefined"
-        for name in undefined:
+        for name in names(library, "--undefined-only"):
             if name.startswith("numera::host::"):
                 yield f"{library.name} runs on no host but the one that has {name}"
         for name in names(library, "--defined-only"):
@@ -81,7 +89,8 @@ def program_beside(folder):
 
 
 def faults(folder):
-    yield from faults_of_names(folder)
+    yield from faults_of_list(EXPORTED, exported(folder), "exported")
+    yield from faults_of_list(OF_HOST, needed_of_host(folder), "needed of the host")
     yield from faults_of_host_names(folder)
     for part in PARTS:
         yield from faults_of_hardening(folder / f"libnumera_{part}.so")
@@ -91,7 +100,8 @@ def faults(folder):
 if __name__ == "__main__":
     folder = pathlib.Path(sys.argv[-1])
     if "--write" in sys.argv:
-        LIST.write_text("".join(f"{name}\n" for name in sorted(exported(folder))))
+        for path, found in ((EXPORTED, exported(folder)), (OF_HOST, needed_of_host(folder))):
+            path.write_text("".join(f"{name}\n" for name in sorted(found)))
     found = list(faults(folder))
     print(*found, sep="\n", end="\n" if found else "")
     sys.exit(1 if found else 0)

@@ -110,8 +110,8 @@ TEST_F(Tree, NamesTheColumnThatHasNoHostForm) {
   write_ipc(file_, *table_of({{"n", ::arrow::int8(), "[1]"}, {"h", ::arrow::float16(), "[1]"}}));
   const Outcome expected{1, "",
                          "numera-arrow: " + file_ +
-                             ": h: found type halffloat, expected one that has a host form; casts "
-                             "were not asked for.\n"};
+                             ": Column 'h' (index 1): found type halffloat, expected one that has "
+                             "a host form; casts were not asked for.\n"};
   EXPECT_EQ(run_program({"tree", file_}), expected);
 }
 

@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "numera/core/to_numera.h"
-#include "numera/core/util/table_error.h"
 #include "numera/core/util/text.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/convert/exact_type.h"
 #include "numera/extras/encode/encode.h"
 #include "numera/extras/intake/soundness.h"
@@ -21,7 +21,6 @@
 namespace numera::extras {
 namespace {
 
-using io::arrow::core::util::in_column;
 using ArrayPtr = std::shared_ptr<::arrow::Array>;
 using ColumnPtr = std::shared_ptr<::arrow::ChunkedArray>;
 using TablePtr = std::shared_ptr<::arrow::Table>;
@@ -52,9 +51,7 @@ template <class T>
     const auto& field = schema->field(static_cast<int>(i));
     ::arrow::Status status = intake::check_soundness(data);
     if (status.ok()) status = ::arrow::internal::ValidateArray(*data);
-    if (!status.ok()) {
-      return io::arrow::core::util::in_column(status, field->name(), static_cast<int>(i));
-    }
+    if (!status.ok()) return status_of_column(status, field->name(), static_cast<int>(i));
     columns[i] = std::make_shared<::arrow::ChunkedArray>(
         ::arrow::ArrayVector{::arrow::MakeArray(data)}, field->type());
   }
@@ -93,8 +90,9 @@ std::string names_of(const ::arrow::FieldVector& fields) {
     const auto index = static_cast<int>(i);
     const ArrayPtr array = table.column(index)->chunk(0);
     const ::arrow::Field& field = *schema->field(index);
-    const auto status = exact_field(array, field, "Column").Value(&columns[i]);
-    return status.ok() ? status : in_column(status, field.name(), index);
+    const std::string path = column_text(field.name(), index);
+    const auto status = exact_field(array, field, path).Value(&columns[i]);
+    return status.ok() ? status : status_of_column(status, field.name(), index);
   };
   threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));

@@ -1,10 +1,11 @@
 #include "numera/extras/encode/encode.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "numera/core/util/table_error.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/encode/envelope.h"
 #include "numera/extras/encode/leaf.h"
 #include "numera/extras/encode/readable.h"
@@ -14,8 +15,22 @@
 namespace numera::extras {
 namespace {
 
-using io::arrow::core::util::in_column;
 using namespace encoding;  // NOLINT(google-build-using-namespace): the public functions use it
+
+/// Returns `status`, whose path may begin at the table, as that of a column: the path then begins
+/// at the column. If the table has one column, its fields have a path without an index.
+::arrow::Status failed_column(const ::arrow::Status& status, const Located& columns,
+                              const std::string& name, size_t index) {
+  const auto number = static_cast<int>(index);
+  std::string_view message = status.message();
+  for (const std::string& path :
+       {path_of({columns.value, &columns, nullptr, index}), path_of(columns)}) {
+    if (!message.starts_with(path)) continue;
+    message.remove_prefix(path.size());
+    return status_of_column(status.WithMessage(column_text(name, number), message), name, number);
+  }
+  return status_of_column(status, name, number);
+}
 
 /// Returns the readable envelope of column `index` and stores the column's name in `name`.
 ::arrow::Result<Envelope> readable_column(const Located& names, const Located& columns,
@@ -33,9 +48,9 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
   for (size_t i = 0; i < envelopes.size(); ++i) {
     const Located place{columns.value, &columns, nullptr, i};
     if (envelopes[i].length != envelopes[0].length) {
-      return in_column(invalid(place, std::to_string(envelopes[i].length) + " elements",
-                               std::to_string(envelopes[0].length) + ", as in the first column"),
-                       names[i], static_cast<int>(i));
+      const auto status = invalid(place, std::to_string(envelopes[i].length) + " elements",
+                                  std::to_string(envelopes[0].length) + ", as in the first column");
+      return failed_column(status, columns, names[i], i);
     }
     const hxArray* const envelope = envelopes[i].value.get();
     for (const char* const field : format::kTableColumns) {
@@ -60,7 +75,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
   const auto check = [](size_t) { hxThrowIfInterruptPending(); };
   const auto convert = [&](size_t i) -> ::arrow::Status {
     const auto status = readable_column(names, columns, i, &texts[i]).Value(&envelopes[i]);
-    return status.ok() ? status : in_column(status, texts[i], static_cast<int>(i));
+    return status.ok() ? status : failed_column(status, columns, texts[i], i);
   };
   threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));

@@ -59,8 +59,9 @@ namespace numera::extras {
 /// - lists, structs and maps of several chunks: one chunk with one validity bitmap
 ///
 /// A value without a readable form is an error. The message states the path and the reason:
-/// `.Columns(2).Data: found a complex 2-by-3 double array, expected real numbers that are not
-/// sparse.` The path of the outermost value is "Value".
+/// `.Data: found a complex 2-by-3 double array, expected real numbers that are not
+/// sparse.` The path of the outermost value is "Value". Inside a column of a table it begins with
+/// the column, as in `Column 'price' (index 2).Data`.
 ///
 /// TypeError:
 /// - complex or sparse numbers; function handles and other classes

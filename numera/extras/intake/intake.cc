@@ -1,16 +1,17 @@
 #include "numera/extras/intake/intake.h"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
-#include "numera/core/util/table_error.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/intake/column.h"
 #include "numera/host/array.h"
 
 namespace numera::extras {
 namespace {
 
-using io::arrow::core::util::in_column;
-::arrow::Status null_pointer(const char* what) {
+::arrow::Status null_pointer(std::string_view what) {
   return ::arrow::Status::Invalid(what, ": found a null pointer, expected a value.");
 }
 
@@ -24,13 +25,19 @@ intake::Work work_of(const IntakeOptions& options) {
 ::arrow::Result<intake::TakenColumn> take_in_column_of(const ::arrow::Table& table, int index,
                                                        const IntakeOptions& options) {
   const auto& column = table.column(index);
-  if (column == nullptr) return null_pointer("Column");
+  const std::string& name = table.field(index)->name();
+  const std::string path = column_text(name, index);
+  if (column == nullptr) return status_of_column(null_pointer(path), name, index);
   if (column->length() != table.num_rows()) {
-    return ::arrow::Status::Invalid("Column: found ", column->length(), " elements, expected ",
-                                    table.num_rows(), ", the number of rows of the table.");
+    const auto status =
+        ::arrow::Status::Invalid("found ", column->length(), " elements, expected ",
+                                 table.num_rows(), ", the number of rows of the table.");
+    return status_of_column(status, name, index);
   }
-  return intake::take_in_column(table.field(index)->name(), column->type(), column->chunks(),
-                                work_of(options));
+  auto taken = intake::take_in_column(path, column->type(), column->chunks(), work_of(options));
+  if (!taken.ok()) return status_of_column(taken.status(), name, index);
+  for (IntakeCast& cast : taken->casts) cast.path.replace(0, path.size(), name);
+  return taken;
 }
 
 }  // namespace
@@ -72,12 +79,11 @@ std::string to_string(const IntakeCast& cast) {
   ::arrow::ChunkedArrayVector columns;
   for (int i = 0; i < table->num_columns(); ++i) {
     hxThrowIfInterruptPending();
-    auto taken = take_in_column_of(*table, i, options);
-    if (!taken.ok()) return in_column(taken.status(), table->field(i)->name(), i);
-    fields.push_back(table->field(i)->WithType(taken->type));
+    ARROW_ASSIGN_OR_RAISE(auto taken, take_in_column_of(*table, i, options));
+    fields.push_back(table->field(i)->WithType(taken.type));
     columns.push_back(
-        std::make_shared<::arrow::ChunkedArray>(std::move(taken->chunks), std::move(taken->type)));
-    for (auto& cast : taken->casts) result.casts.push_back(std::move(cast));
+        std::make_shared<::arrow::ChunkedArray>(std::move(taken.chunks), std::move(taken.type)));
+    for (auto& cast : taken.casts) result.casts.push_back(std::move(cast));
   }
   result.value =
       ::arrow::Table::Make(::arrow::schema(std::move(fields), table->schema()->metadata()),

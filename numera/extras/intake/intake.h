@@ -87,7 +87,8 @@ struct Intake {
 /// A cast to text, bytes or lists gives 32-bit offsets. If one chunk has too many bytes or elements
 /// for them, the whole column gets 64-bit offsets ("large").
 ///
-/// Errors; each message begins with the path, unless the path is empty:
+/// Errors; each message begins with the path, unless the path is empty. For a column of a table the
+/// path begins with "Column 'price' (index 1)":
 /// - a null pointer, at any depth, in types too: Invalid. For the argument itself the text is
 ///   "Array: found a null pointer, expected a value." (or "Column: ...", "Table: ...")
 /// - a type that `to_numera` refuses and that has no rule or may not be cast: TypeError

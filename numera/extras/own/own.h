@@ -50,13 +50,13 @@ template <>
 NUMERA_EXPORT ::arrow::Result<std::shared_ptr<::arrow::Buffer>> own_to_arrow<::arrow::Buffer>(
     hxArrayPtr encoded);
 
-/// `to_arrow_table` that takes ownership of the value and names the failing column: the status
-/// carries a `TableErrorStatusDetail` with the column's name and 0-based index. Any failure
-/// destroys the value.
+/// `to_arrow_table` that takes ownership of the value and names the failing column: the message
+/// begins with "Column 'price' (index 1)", and the status carries a `TableErrorStatusDetail` with
+/// the column's name and 0-based index. Any failure destroys the value.
 ///
 /// Errors:
 /// - the table's own fields are wrong: as `to_arrow_table`, without detail
-/// - a column fails: its status as `to_arrow_table` gives it, with the detail
+/// - a column fails: its status as `to_arrow_table` gives it, with the column and the detail
 /// - the host throws a `std::exception` while the name or the values of a column are read: Invalid
 ///   with the text of its `what()`, and the detail (with an empty name if the name cannot be read)
 /// - `std::bad_alloc`, exceptions of other kinds, and exceptions of `hxThrowIfInterruptPending`

@@ -10,9 +10,9 @@
 
 #include "numera/core/to_arrow.h"
 #include "numera/core/to_arrow_table.h"
-#include "numera/core/util/table_error.h"
 #include "numera/core/util/text.h"
 #include "numera/core/util/verify_struct.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/own/own.h"
 #include "numera/extras/own/owned_memory.h"
 #include "numera/format/names.h"
@@ -21,7 +21,6 @@ namespace numera::extras {
 namespace {
 
 namespace core = io::arrow::core;
-using core::util::in_column;
 using core::util::VerifyHxStructContains;
 
 /// Reads the name and the borrowed array of a column.
@@ -38,11 +37,11 @@ using core::util::VerifyHxStructContains;
                                   std::string* name, std::shared_ptr<::arrow::Array>* array) {
   try {
     const ::arrow::Status status = read_column(names, columns, index, name, array);
-    return status.ok() ? status : in_column(status, *name, static_cast<int>(index));
+    return status.ok() ? status : status_of_column(status, *name, static_cast<int>(index));
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
-    return in_column(::arrow::Status::Invalid(error.what()), *name, static_cast<int>(index));
+    return status_of_column(::arrow::Status::Invalid(error.what()), *name, static_cast<int>(index));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "numera/core/encoded_table.h"
+#include "numera/extras/column_status.h"
 #include "numera/extras/parallel/in_order.h"
 
 namespace numera::extras {
@@ -29,7 +30,9 @@ size_t columns_ahead(const ::arrow::Table& table, size_t threads) {
   std::vector<core::EncodedColumn> columns(static_cast<size_t>(table->num_columns()));
   const auto check = [](size_t) { hxThrowIfInterruptPending(); };
   const auto convert = [&](size_t i) -> ::arrow::Status {
-    return core::encode_column(*table, static_cast<int>(i)).Value(&columns[i]);
+    const auto index = static_cast<int>(i);
+    const auto status = core::encode_column(*table, index).Value(&columns[i]);
+    return status.ok() ? status : status_of_column(status, table->field(index)->name(), index);
   };
   threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(

@@ -19,11 +19,11 @@
 
 namespace numera::extras {
 
-/// `to_numera` of a table: the same value, field for field, and the same errors. `threads` threads
-/// convert the columns, one column each at a time; 0 means one thread per processor that this
-/// process may use. There are never more threads than columns. A column is never split between
-/// threads. The host must allow arrays to be made on one thread and used on another (the in-memory
-/// host does).
+/// `to_numera` of a table: the same value, field for field, and the same errors, but that the
+/// message of a column that fails begins with "Column 'price' (index 1)". `threads` threads convert
+/// the columns, one column each at a time; 0 means one thread per processor that this process may
+/// use. There are never more threads than columns. A column is never split between threads. The
+/// host must allow arrays to be made on one thread and used on another (the in-memory host does).
 ///
 /// The calling thread hands out the columns in order, and pauses if too many of them wait for a
 /// thread. It calls `hxThrowIfInterruptPending` before each column; no other thread calls it. With

@@ -209,8 +209,8 @@ TEST(ConvertToArrowTable, NamesTheColumnThatCannotBeCast) {
       ::arrow::schema({field("day", ::arrow::date32()), field("text", ::arrow::int8())});
   const ::arrow::Status status = convert_to_arrow_table(std::move(host), schema).status();
   EXPECT_EQ(status.message(),
-            "Column: found type large_string, expected int8 or a type that can be cast to it "
-            "without loss.");
+            "Column 'text' (index 1): found type large_string, expected int8 or a type that can be "
+            "cast to it without loss.");
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
   ASSERT_NE(detail, nullptr);
   EXPECT_EQ(detail->column_name(), "text");

@@ -97,18 +97,21 @@ TEST(ConvertToHost, RefusesBatchesThatAreNotWhatTheirSchemaSays) {
   const auto schema = ::arrow::schema({::arrow::field("n", ::arrow::int8())});
   const auto one = ArrowArray(::arrow::int8(), "[1]")->data();
   EXPECT_EQ(refusal(schema, {nullptr}),
-            "Invalid: Array: found a null pointer, expected an array with a type.. Detail: "
+            "Invalid: Column 'n' (index 0): Array: found a null pointer, expected an array with a "
+            "type.. Detail: "
             "Internal");
   EXPECT_EQ(refusal(schema, {one, one}),
             "Invalid: Table: found 2 columns, expected 1, one for each field of the schema.");
   EXPECT_EQ(refusal(schema, {::arrow::ArrayData::Make(::arrow::int8(), 1, {nullptr})}),
-            "Invalid: Expected 2 buffers in array of type int8, got 1. Detail: Internal");
-  EXPECT_EQ(refusal(schema, {ArrowArray(::arrow::utf8(), R"(["a"])")->data()}),
-            "Invalid: n: Chunk: found type string, expected int8.. Detail: Internal");
+            "Invalid: Column 'n' (index 0): Expected 2 buffers in array of type int8, got 1. "
+            "Detail: Internal");
   EXPECT_EQ(
-      refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
-      "Invalid: Column: found 2 elements, expected 1, the number of rows of the table.. Detail: "
-      "Internal");
+      refusal(schema, {ArrowArray(::arrow::utf8(), R"(["a"])")->data()}),
+      "Invalid: Column 'n' (index 0): Chunk: found type string, expected int8.. Detail: Internal");
+  EXPECT_EQ(refusal(schema, {ArrowArray(::arrow::int8(), "[1, 2]")->data()}),
+            "Invalid: Column 'n' (index 0): found 2 elements, expected 1, the number of rows of "
+            "the table.. Detail: "
+            "Internal");
 }
 
 TEST(ConvertToHost, NamesTheColumnThatHasNoHostForm) {
@@ -116,10 +119,27 @@ TEST(ConvertToHost, NamesTheColumnThatHasNoHostForm) {
   const auto table = ::arrow::Table::Make(
       ::arrow::schema({::arrow::field("price", decimals->type())}), {decimals});
   const ::arrow::Status status = convert_to_host(table).status();
-  EXPECT_TRUE(status.IsTypeError()) << status;
+  EXPECT_EQ(
+      status.ToString(),
+      "Type error: Column 'price' (index 0): found type decimal128(3, 1), expected one that has "
+      "a host form; casts were not asked for.. Detail: TypeError");
   const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
   ASSERT_NE(detail, nullptr);
   EXPECT_EQ(detail->column_name(), "price");
+}
+
+TEST(ConvertToHost, NamesTheColumnWhoseTextIsNotUtf8) {
+  ::arrow::StringBuilder builder;
+  ASSERT_TRUE(builder.Append("\xFF").ok());
+  const std::shared_ptr<::arrow::Array> texts = builder.Finish().ValueOrDie();
+  const auto schema = ::arrow::schema(
+      {::arrow::field("n", ::arrow::int8()), ::arrow::field("text", ::arrow::utf8())});
+  const ::arrow::ArrayVector columns = {ArrowArray(::arrow::int8(), "[1]"), texts};
+  const std::string expected =
+      "Invalid: Column 'text' (index 1): Invalid UTF8 sequence at string index 0. Detail: Internal";
+  EXPECT_EQ(convert_to_host(::arrow::Table::Make(schema, columns)).status().ToString(), expected);
+  EXPECT_EQ(convert_to_host(::arrow::RecordBatch::Make(schema, 1, columns)).status().ToString(),
+            expected);
 }
 
 }  // namespace

@@ -50,22 +50,24 @@ struct RefusedColumn {
 TEST(EncodeRefusedTables, NameTheColumnThatIsWrong) {
   const RefusedColumn rows[] = {
       {TableEnvelope(Names({"a", "b"}), columns_with(Complex<double>({1, 1}, {{1, 2}}))),
-       ::arrow::Status::TypeError(".Columns(1).Data: found a complex 1-by-1 double array, expected "
-                                  "real numbers that are not sparse."),
+       ::arrow::Status::TypeError(
+           "Column 'b' (index 1).Data: found a complex 1-by-1 double array, expected "
+           "real numbers that are not sparse."),
        "b"},
       {TableEnvelope(Names({"a", "b"}), columns_with(Empty())),
-       ::arrow::Status::TypeError(".Columns(1).Data: found no value, expected one."), "b"},
+       ::arrow::Status::TypeError("Column 'b' (index 1).Data: found no value, expected one."), "b"},
       {TableEnvelope(Names({"a", "b"}), columns_with(Char(u"\xDC00"))),
-       ::arrow::Status::Invalid(
-           ".Columns(1).Data: found text that is not UTF-16 in element 0 (Unpaired low surrogate "
-           "at code unit 0.), expected paired surrogates."),
+       ::arrow::Status::Invalid("Column 'b' (index 1).Data: found text that is not UTF-16 in "
+                                "element 0 (Unpaired low surrogate "
+                                "at code unit 0.), expected paired surrogates."),
        "b"},
       {TableEnvelope(Names({"a", "b"}), columns_with(Column<double>({1, 2}))),
        ::arrow::Status::Invalid(
-           ".Columns(1): found 2 elements, expected 1, as in the first column."),
+           "Column 'b' (index 1): found 2 elements, expected 1, as in the first column."),
        "b"},
       {TableEnvelope(Cell({1, 2}, {Char("a"), Scalar(1.0)}), columns_with(Scalar(1.0))),
-       ::arrow::Status::TypeError(".Names{1}: found a 1-by-1 double array, expected a char array."),
+       ::arrow::Status::TypeError(
+           "Column '' (index 1): .Names{1}: found a 1-by-1 double array, expected a char array."),
        ""},
   };
   for (const RefusedColumn& row : rows) {

@@ -104,7 +104,7 @@ TEST(IntakeOfIncompleteTypes, NamesTheTypeAroundThatIsRefusedFirst) {
 TEST(IntakeOfIncompleteTypes, RefusesTables) {
   const auto column = std::make_shared<ChunkedArray>(ArrayVector{}, list(kNone));
   const auto table = Table::Make(schema({field("c", list(kNone))}), {column}, 0);
-  EXPECT_EQ(take_in(table).status().message(), lacks("c: ", "list"));
+  EXPECT_EQ(take_in(table).status().message(), lacks("Column 'c' (index 0): ", "list"));
 }
 
 TEST(IntakeOfIncompleteTypes, RefusesArraysOfThemBelowOthers) {

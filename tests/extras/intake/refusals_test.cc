@@ -119,7 +119,8 @@ TEST(IntakeRefusals, MeetTablesThatAreNotWhatTheirSchemaSays) {
       Status::Invalid("Table: found 1 columns, expected 2, one for each field of the schema."));
   EXPECT_EQ(
       take_in(::arrow::Table::Make(schema, {column, column}, 2)).status().WithDetail(nullptr),
-      Status::Invalid("Column: found 1 elements, expected 2, the number of rows of the table."));
+      Status::Invalid("Column 'a' (index 0): found 1 elements, expected 2, the number of rows of "
+                      "the table."));
 }
 
 TEST(IntakeRefusals, CarryTheColumnOfATable) {
@@ -129,7 +130,8 @@ TEST(IntakeRefusals, CarryTheColumnOfATable) {
                            {ArrowArray(int8(), "[1]"), bad});
   const Status status = take_in(table).status();
   EXPECT_EQ(status.message(),
-            "b: found type halffloat, expected one that has a host form; casts were not asked "
+            "Column 'b' (index 1): found type halffloat, expected one that has a host form; casts "
+            "were not asked "
             "for.");
   const auto* detail =
       dynamic_cast<const io::arrow::core::util::TableErrorStatusDetail*>(status.detail().get());

@@ -107,7 +107,7 @@ TEST_F(OwnTable, NamesTheColumnThatFailsAndKeepsItsStatus) {
     const ::arrow::Status status = own_to_arrow_table(bad.make()).status();
     EXPECT_FALSE(expected.ok());
     EXPECT_EQ(status.code(), expected.code());
-    EXPECT_EQ(status.message(), expected.message());
+    EXPECT_EQ(status.message(), "Column 'b' (index 1): " + expected.message());
     ASSERT_NE(detail(status), nullptr);
     EXPECT_STREQ(detail(status)->type_id(), bad.type_id);
     EXPECT_EQ(detail(status)->column_name(), "b");
@@ -120,7 +120,7 @@ TEST_F(OwnTable, NamesTheColumnThatTheHostThrowsIn) {
                                                                Column<double>({1, 2}))))
                           .status();
   EXPECT_EQ(status.code(), ::arrow::StatusCode::Invalid);
-  EXPECT_EQ(status.message(), "Wrong field name.");
+  EXPECT_EQ(status.message(), "Column 'b' (index 1): Wrong field name.");
   ASSERT_NE(detail(status), nullptr);
   EXPECT_EQ(detail(status)->column_name(), "b");
   EXPECT_EQ(detail(status)->column_index(), 1);
@@ -128,7 +128,7 @@ TEST_F(OwnTable, NamesTheColumnThatTheHostThrowsIn) {
 
 TEST_F(OwnTable, NumbersTheColumnWhoseNameCannotBeRead) {
   const auto too_few = own_to_arrow_table(table(numbers(), Names({"a"}))).status();
-  EXPECT_EQ(too_few.message(), "Cell index is out of range.");
+  EXPECT_EQ(too_few.message(), "Column '' (index 1): Cell index is out of range.");
   ASSERT_NE(detail(too_few), nullptr);
   EXPECT_EQ(detail(too_few)->column_name(), "");
   EXPECT_EQ(detail(too_few)->column_index(), 1);

@@ -94,7 +94,9 @@ TEST_F(Parallel, ReportsTheLowestOfTheColumnsThatFail) {
     SCOPED_TRACE(threads);
     const Status status = parallel_to_numera(table, threads).status();
     EXPECT_EQ(status.code(), ::arrow::StatusCode::Invalid);
-    EXPECT_EQ(status.message(), "Values buffer: found 0 bytes, expected enough for 2 elements.");
+    EXPECT_EQ(
+        status.message(),
+        "Column 'c2' (index 2): Values buffer: found 0 bytes, expected enough for 2 elements.");
     const auto* detail = dynamic_cast<const TableErrorStatusDetail*>(status.detail().get());
     ASSERT_NE(detail, nullptr);
     EXPECT_EQ(detail->column_index(), 2);
