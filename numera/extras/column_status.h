@@ -2,8 +2,8 @@
 
 /// \file
 /// The status of a table column that failed: its message and its detail name the column. All
-/// conversions of extras make it with these functions, and so may callers of the core, whose message
-/// does not name the column.
+/// conversions of extras make it with these functions, and so may callers of the core, whose
+/// message does not name the column.
 
 #include <arrow/status.h>
 
