@@ -1,12 +1,15 @@
 #pragma once
 
 /// \file
-/// The status of a table column that failed: its message and its detail name the column.
+/// The status of a table column that failed: its message and its detail name the column. All
+/// conversions of extras make it with these functions, and so may callers of the core, whose
+/// message does not name the column.
 
 #include <arrow/status.h>
 
 #include <string>
 
+#include "numera/arrow_version.h"
 #include "numera/core/util/table_error.h"
 
 namespace numera::extras {

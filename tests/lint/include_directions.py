@@ -17,7 +17,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 COMMON = {"numera/export.h", "numera/version.h", "numera/arrow_version.h"}
 HOST_INTERFACE = {
     f"numera/host/{name}.h"
-    for name in ("array", "string_array", "text_codec", "message_id_exception")
+    for name in ("array", "bound_host", "string_array", "text_codec", "message_id_exception")
 }
 
 # Each part: the prefix of its files, then the prefixes whose public headers it may include. The

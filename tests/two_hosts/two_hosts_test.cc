@@ -24,11 +24,11 @@ using ::testing::StartsWith;
   void* module = nullptr;
   for (const char* path : modules) {
     module = dlopen(path, RTLD_NOW | scope);
-    if (module == nullptr) std::exit(EXIT_FAILURE);
+    if (module == nullptr) std::_Exit(EXIT_FAILURE);
   }
   const auto ask = reinterpret_cast<const char* (*)()>(dlsym(module, "numera_test_other_host"));
   std::fprintf(stderr, "told: %s", ask());
-  std::exit(EXIT_SUCCESS);
+  std::_Exit(EXIT_SUCCESS);
 }
 
 struct TwoHosts : ::testing::TestWithParam<int> {};

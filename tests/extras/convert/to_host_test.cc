@@ -1,3 +1,4 @@
+#include <arrow/array/builder_binary.h>
 #include <arrow/record_batch.h>
 #include <arrow/table.h>
 #include <gtest/gtest.h>
