@@ -32,8 +32,8 @@ class Calls {
 
   const std::vector<std::string>& paths() const { return paths_; }
 
-  /// To be called by `call` while it waits or reads. Cancelled if Python was interrupted; the exception of
-  /// Python is raised when `call` returns.
+  /// To be called by `call` while it waits or reads. Cancelled if Python was interrupted; the
+  /// exception of Python is raised when `call` returns.
   ::arrow::Status while_waiting();
 
   /// The value of a result of `call`.

@@ -29,7 +29,7 @@ std::string compressed_by_zstd(const std::string& text) {
 /// A text of 256 MiB that is small on disk. It takes seconds to come to its end, where it is
 /// refused if no signal ends the reading before.
 void write_long(const std::string& path, const std::string& heading, const std::string& row,
-                   const std::string& refused) {
+                const std::string& refused) {
   constexpr std::size_t kPieceBytes = std::size_t{1} << 24U;
   std::string piece;
   while (piece.size() < kPieceBytes) piece += row;
