@@ -224,5 +224,5 @@ def test_ctrl_c_ends_reading(tmp_path, monkeypatch):
     monkeypatch.setattr(numera.io, "_bar", lambda *_: Bar())
     with pytest.raises(KeyboardInterrupt) as kept:  # the traceback has every variable
         numera.read(path)
-    assert (open_files(), pa.total_allocated_bytes()) == (files, memory)
+    assert wait_for(lambda: (open_files(), pa.total_allocated_bytes()) == (files, memory))
     del kept
