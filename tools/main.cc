@@ -140,8 +140,10 @@ int main(int argc, char** argv) {
   ::setenv("ARROW_DEFAULT_MEMORY_POOL", "system", 0);
 #ifdef __GLIBC__
   // Each thread would keep freed memory of its own, and freed buffers would stay for smaller ones.
+  // NOLINTBEGIN(concurrency-mt-unsafe)
   ::mallopt(M_ARENA_MAX, 1);
   ::mallopt(M_MMAP_THRESHOLD, 4 * 1024 * 1024);
+  // NOLINTEND(concurrency-mt-unsafe)
 #endif
   const auto read = read_arguments(argc, argv);
   if (const int* status = std::get_if<int>(&read)) return *status;
