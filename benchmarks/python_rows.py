@@ -3,7 +3,7 @@
 import importlib.util
 
 import peer_data as data
-from peer_work import Row, Work
+from peer_packages import Row, Work
 
 
 def _row(name, make, theirs):
