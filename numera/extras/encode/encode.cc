@@ -1,7 +1,6 @@
 #include "numera/extras/encode/encode.h"
 
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,21 +16,6 @@ namespace {
 
 using namespace encoding;  // NOLINT(google-build-using-namespace): the public functions use it
 
-/// Returns `status`, whose path may begin at the table, as that of a column: the path then begins
-/// at the column. If the table has one column, its fields have a path without an index.
-::arrow::Status failed_column(const ::arrow::Status& status, const Located& columns,
-                              const std::string& name, size_t index) {
-  const auto number = static_cast<int>(index);
-  std::string_view message = status.message();
-  for (const std::string& path :
-       {path_of({columns.value, &columns, nullptr, index}), path_of(columns)}) {
-    if (!message.starts_with(path)) continue;
-    message.remove_prefix(path.size());
-    return status_of_column(status.WithMessage(column_text(name, number), message), name, number);
-  }
-  return status_of_column(status, name, number);
-}
-
 /// Returns the readable envelope of column `index` and stores the column's name in `name`.
 ::arrow::Result<Envelope> readable_column(const Located& names, const Located& columns,
                                           size_t index, std::string* name) {
@@ -42,15 +26,14 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
 }
 
 /// The columns of a readable table, all of as many elements as the first.
-::arrow::Result<hxArrayPtr> join_columns(const Located& columns, std::vector<Envelope> envelopes,
-                                         const std::vector<std::string>& names) {
+::arrow::Result<hxArrayPtr> join_columns(const Located& columns, std::vector<Envelope> envelopes) {
   hxArrayPtr joined = format::make_struct(envelopes.size(), format::kTableColumns);
   for (size_t i = 0; i < envelopes.size(); ++i) {
     const Located place{columns.value, &columns, nullptr, i};
     if (envelopes[i].length != envelopes[0].length) {
       const auto status = invalid(place, std::to_string(envelopes[i].length) + " elements",
                                   std::to_string(envelopes[0].length) + ", as in the first column");
-      return failed_column(status, columns, names[i], i);
+      return status_of_column(status, columns.column_names[i], static_cast<int>(i));
     }
     const hxArray* const envelope = envelopes[i].value.get();
     for (const char* const field : format::kTableColumns) {
@@ -63,7 +46,7 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
 ::arrow::Result<hxArrayPtr> readable_table(const Located& table, size_t threads) {
   ARROW_ASSIGN_OR_RAISE(const Located names, field(table, 0, format::kNames));
   ARROW_RETURN_NOT_OK(check_class(names, hxClassID::Cell, "a cell of names"));
-  ARROW_ASSIGN_OR_RAISE(const Located columns, field(table, 0, format::kColumns));
+  ARROW_ASSIGN_OR_RAISE(Located columns, field(table, 0, format::kColumns));
   ARROW_RETURN_NOT_OK(check_class(columns, hxClassID::Struct, "a struct array"));
   const size_t count = hxGetNumberOfElements(columns.value);
   if (hxGetNumberOfElements(names.value) != count) {
@@ -72,14 +55,15 @@ using namespace encoding;  // NOLINT(google-build-using-namespace): the public f
   }
   std::vector<Envelope> envelopes(count);
   std::vector<std::string> texts(count);
+  columns.column_names = texts.data();
   const auto check = [](size_t) { hxThrowIfInterruptPending(); };
   const auto convert = [&](size_t i) -> ::arrow::Status {
     const auto status = readable_column(names, columns, i, &texts[i]).Value(&envelopes[i]);
-    return status.ok() ? status : failed_column(status, columns, texts[i], i);
+    return status.ok() ? status : status_of_column(status, texts[i], static_cast<int>(i));
   };
   threads = parallel::thread_count(threads);
   ARROW_RETURN_NOT_OK(parallel::in_order(count, threads, threads, check, convert));
-  ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, join_columns(columns, std::move(envelopes), texts));
+  ARROW_ASSIGN_OR_RAISE(hxArrayPtr readable, join_columns(columns, std::move(envelopes)));
   return format::make_record(format::kTable, format::make_word(format::kTableKind),
                              std::move(readable), hxSharedCopy(names.value));
 }

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "numera/extras/column_status.h"
 #include "numera/format/values.h"
 #include "numera/host/string_array.h"
 #include "numera/host/text_codec.h"
@@ -10,6 +11,12 @@ namespace numera::extras::encoding {
 namespace {
 
 void append_step(const Located& place, std::string& text) {
+  const std::string* const names = place.parent->column_names;
+  if (names != nullptr) {
+    text += column_text(names[place.index], static_cast<int>(place.index));
+    if (place.field != nullptr) text.append(".").append(place.field);
+    return;
+  }
   const std::string index = std::to_string(place.index);
   if (place.field == nullptr) {
     const bool in_cell = hxGetClassID(place.parent->value) == hxClassID::Cell;
@@ -37,6 +44,7 @@ std::string path_of(const Located& place) {
   std::vector<const Located*> steps;
   for (const Located* step = &place; step->parent != nullptr; step = step->parent) {
     steps.push_back(step);
+    if (step->parent->column_names != nullptr) break;
   }
   if (steps.empty()) return "Value";
   std::string text;

@@ -22,9 +22,12 @@ struct Located {
   const Located* parent = nullptr;  ///< null: the outermost value
   const char* field = nullptr;      ///< null: a cell or an element of its parent
   size_t index = 0;  ///< of the cell, the element, or the parent's element that has the field
+  /// The names of the columns if this is the columns of a table. Paths inside begin with a column.
+  const std::string* column_names = nullptr;
 };
 
-/// The path, such as `.Columns(2).Data.FieldData{1}`; "Value" for the outermost value.
+/// The path, such as `.Data.FieldData{1}` or `Column 'price' (index 2).Data`; "Value" for the
+/// outermost value.
 std::string path_of(const Located& place);
 
 /// \name Failures: the place, what was found, what was expected
