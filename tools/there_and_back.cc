@@ -118,8 +118,8 @@ std::vector<Trip> there_and_back(const ::arrow::RecordBatch& batch, const TripOp
   // A column was refused. Convert each alone to find out which.
   for (const size_t i : all.columns) {
     const ::arrow::Status status = convert(group_of(batch, trips, {i}), 1, trips, legs);
-    if (!status.ok())
-      trips[i].refusal = reason_in_column(status, batch.column_name(static_cast<int>(i)));
+    if (status.ok()) continue;
+    trips[i].refusal = reason_in_column(status, batch.column_name(static_cast<int>(i)));
   }
   return trips;
 }

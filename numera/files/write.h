@@ -48,8 +48,8 @@ struct WriteOptions {
   /// is then that of a new or empty folder, and the files do not have these columns. They may be
   /// integers, truth values, dates of 32 bits, texts and dictionaries of these.
   std::vector<std::string> partition_by = {};
-  /// Columns of Parquet are encoded on the threads of Arrow's pool. All columns of a row group are
-  /// then encoded at once, which needs up to three times its memory.
+  /// Columns of Parquet are encoded on the threads of Arrow's pool, all columns of a row group side
+  /// by side, which takes more memory. If memory runs out in such a thread, the process may end.
   bool use_threads = false;
 };
 

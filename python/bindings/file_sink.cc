@@ -46,7 +46,6 @@ class FileSink {
     files::WriteOptions options;
     options.compression = compression.value_or("");
     options.partition_by = std::move(partition_by);
-    options.use_threads = true;
     options.csv_delimiter = csv_delimiter;
     sink_ = calls_.value([&] { return files::open_sink(calls_.paths().front(), options); });
   }

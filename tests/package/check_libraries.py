@@ -15,6 +15,7 @@ import sys
 
 EXPORTED = pathlib.Path(__file__).with_name("exported_names.txt")
 OF_HOST = pathlib.Path(__file__).with_name("host_names.txt")
+BOUND_HOST = pathlib.Path(__file__).parents[2] / "numera/core/util/bound_host.cc"
 PARTS = ("arrow", "host", "extras", "files")
 PARTS_ON_A_HOST = ("arrow", "extras")
 
@@ -64,6 +65,17 @@ def faults_of_host_names(folder):
             yield f"{library.name} needs a host library"
 
 
+def faults_of_bound_host(folder):
+    """other_host asks for every function that libnumera_arrow needs, but for what has no address."""
+    asked = re.findall(r"address_of(?:<.*>)?\(&?([\w:]+)\),", BOUND_HOST.read_text())
+    needed = [re.match(r"arrow: ((\w+)(?:::(~?\w+))?)", name).groups()
+              for name in needed_of_host(folder) if name.startswith("arrow: ")]
+    needed = sorted(name for name, owner, member in needed
+                    if member is None or member.lstrip("~") != owner)
+    if sorted(asked) != needed:
+        yield f"{BOUND_HOST.name} asks for {sorted(asked)}, but needed are {needed}"
+
+
 def faults_of_hardening(binary):
     dynamic = output_of("readelf", "-d", binary)
     segments = output_of("readelf", "-lW", binary)
@@ -92,6 +104,7 @@ def faults(folder):
     yield from faults_of_list(EXPORTED, exported(folder), "exported")
     yield from faults_of_list(OF_HOST, needed_of_host(folder), "needed of the host")
     yield from faults_of_host_names(folder)
+    yield from faults_of_bound_host(folder)
     for part in PARTS:
         yield from faults_of_hardening(folder / f"libnumera_{part}.so")
     yield from faults_of_hardening(program_beside(folder))
