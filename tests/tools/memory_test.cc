@@ -19,6 +19,10 @@ namespace {
 constexpr std::int64_t kMiB = std::int64_t{1024} * 1024;
 constexpr std::int64_t kBound = 80 * kMiB;  // as docs/program.md states it
 
+/// Below the 256 MiB of that document, because two threads need 176 MiB for this file. They needed
+/// 248 MiB when each thread kept freed memory (November 2026).
+constexpr std::int64_t kMixedBound = 220 * kMiB;
+
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kSanitized = true;
 #elif defined(__has_feature)
@@ -77,11 +81,13 @@ std::string json_of(int count, const std::function<std::string(int)>& element) {
   return json + "]";
 }
 
-/// Some 12 MiB per 65,536 rows, with 30 % nulls.
-std::shared_ptr<::arrow::Table> mixed_rows() {
+/// Some 12 MiB per 65,536 rows, with 30 % nulls. Texts differ from those of other starts.
+std::shared_ptr<::arrow::Table> mixed_rows(int start) {
   using namespace ::arrow;  // NOLINT: names of types
   const auto number = [](int i) { return std::to_string(i); };
-  const auto text = [](int i) { return "\"text number " + std::to_string(i) + '"'; };
+  const auto text = [start](int i) {
+    return "\"a text of number " + std::to_string(start + i) + '"';
+  };
   const auto part = struct_({field("id", int64()), field("label", utf8())});
   const auto parts = [&](int i) {
     const std::string one = R"({"id": )" + number(i) + R"(, "label": )" + text(i) + "}";
@@ -99,9 +105,10 @@ TEST(Memory, OfMixedColumnsStaysBelowTheBoundWithDefaultBatches) {
   if (kSanitized) GTEST_SKIP() << "a sanitizer needs memory of its own";
   const TemporaryFolder folder;
   const std::string file = folder.path("mixed.parquet");
-  const auto rows = mixed_rows();
-  write_parquet(
-      file, *::arrow::ConcatenateTables({rows, rows, rows, rows, rows, rows}).ValueOrDie(), 131072);
+  std::vector<std::shared_ptr<::arrow::Table>> rows;
+  for (int i = 0; i < 16; ++i) rows.push_back(mixed_rows(i * 1'000'000));
+  write_parquet(file, *::arrow::ConcatenateTables(rows).ValueOrDie(), 262144);
+  rows.clear();
   ::arrow::default_memory_pool()->ReleaseUnused();
   ::malloc_trim(0);
   for (const char* threads : {"1", "2"}) {
@@ -109,7 +116,7 @@ TEST(Memory, OfMixedColumnsStaysBelowTheBoundWithDefaultBatches) {
         {"convert", file, "--output", folder.path("back.parquet"), "--threads", threads});
     const Outcome run = program.wait();
     EXPECT_EQ(run.exit_status, 0) << run.errors;
-    EXPECT_LT(program.peak_bytes(), 256 * kMiB) << threads << " threads";
+    EXPECT_LT(program.peak_bytes(), kMixedBound) << threads << " threads";
     RecordProperty(std::string("peak_kib_of_threads_") + threads,
                    std::to_string(program.peak_bytes() / 1024));
   }
